@@ -1,0 +1,18 @@
+# One interface target carries the flags every target of the project is built with.
+add_library(kestrin_flags INTERFACE)
+target_compile_options(
+  kestrin_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wold-style-cast
+                          -Wcast-align -Wunused -Woverloaded-virtual -Wnull-dereference
+                          -Wimplicit-fallthrough -Wformat=2 -Werror)
+if(KESTRIN_SANITIZE)
+  target_compile_options(kestrin_flags INTERFACE -fsanitize=${KESTRIN_SANITIZE} -fno-omit-frame-pointer)
+  target_link_options(kestrin_flags INTERFACE -fsanitize=${KESTRIN_SANITIZE})
+endif()
+
+# kestrin_room(NAME DIR LINKS...): one folder of the house, one static library.
+function(kestrin_room name)
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  add_library(${name} STATIC ${sources})
+  target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/include)
+  target_link_libraries(${name} PRIVATE kestrin_flags PUBLIC ${ARGN})
+endfunction()

@@ -1,0 +1,50 @@
+// A buffered file whose first byte names the byte order of its numbers.
+#pragma once
+
+#include "kestrin/BufferedFile.h"
+
+namespace kestrin {
+
+/// A new or erased file gets this machine's order; an existing one keeps its own, and numbers are
+/// swapped on the way in and out. The marker byte is hidden: positions and sizes count from the
+/// byte behind it.
+class EndianIndependentFile : public BufferedFile {
+ public:
+  EndianIndependentFile(FileDoor& door, const std::string& path, uint32 openMode,
+                        int32 bufferSize);
+  EndianIndependentFile(FileDoor& door, const std::string& folder, const std::string& name,
+                        uint32 openMode, int32 bufferSize);
+
+  status_t InitCheck() const override;
+
+  /// Transfers `count` consecutive numbers of `size` bytes (1, 2, 4 or 8). Returns the whole
+  /// numbers transferred. The caller's array is unchanged by a write.
+  int32 WriteNumber(void* values, uint8 size, int32 count);
+  int32 ReadNumber(void* values, uint8 size, int32 count);
+
+  /// Writes the text and its NUL; null is written as the empty text.
+  status_t WriteString(const char* text);
+  /// Reads up to and including a NUL. StatusFileError at the end of the file, StatusError when
+  /// `max` bytes hold no NUL (the rest stays unread); `text` is terminated in every case.
+  status_t ReadString(char* text, int32 max);
+
+  int32 WriteRaw(const void* data, size_t count);
+  int32 ReadRaw(void* data, size_t count);
+
+  bool IsBigEndian() const { return fileByteOrder_ == 1; }
+  bool IsNativeEndian() const { return fileByteOrder_ == hostByteOrder_; }
+
+  int64 ReadAt(int64 position, void* data, size_t count) override;
+  int64 WriteAt(int64 position, const void* data, size_t count) override;
+  int64 Seek(int64 position, int whence) override;
+  status_t SetSize(int64 size) override;
+
+ private:
+  void InitEndianness(uint32 openMode);
+
+  uint8 fileByteOrder_ = 0;
+  uint8 hostByteOrder_ = 0;
+  status_t markerStatus_ = StatusOk;
+};
+
+}  // namespace kestrin

@@ -1,0 +1,32 @@
+// Moments as text, and typed text as moments. Texts are English and do not follow the locale.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "support/LocalTime.h"
+
+namespace kestrin {
+
+/// "Sun, Nov 15 2026, 08:08:42 PM" (12-hour), "…, 20:08:42" (24-hour), or without the time of day;
+/// "None" for 0 and -1.
+std::string GetDateTimeString(int32 time, bool withTime, const Zone& zone, bool use24Hours);
+
+/// "08:05 AM" or "08:05" from seconds after midnight.
+std::string GetTimeOfDayText(int32 secondsIntoDay, bool use24Hours);
+
+/// The first "am"/"pm" time rewritten as 24-hour "hh:mm:ss"; without one, the text unchanged. The
+/// walk back from the letters takes digits and blanks alike: "Jan 5 3 pm" reads the 5 as the hour.
+std::string GetFixedTime(std::string_view text);
+
+/// What a person typed as a moment in `zone`, relative to `now`; -1 when it is no date. A day
+/// without a time is its midnight. `hasTime` (may be null) tells whether a time of day was named.
+int32 hastimeinfo_parsedate(std::string_view text, int64 now, const Zone& zone, bool* hasTime);
+
+/// The parser under hastimeinfo_parsedate, for text that GetFixedTime has already rewritten.
+int32 ParseDate(std::string_view text, int64 now, const Zone& zone);
+
+/// A time of day alone ("7pm", "19:30", "noon", "12"): 0..86399, or -1.
+int32 ParseTimeOfDay(std::string_view text);
+
+}  // namespace kestrin

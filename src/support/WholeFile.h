@@ -1,0 +1,29 @@
+// Replacing a file as a whole: written beside it, flushed, made durable, renamed over it, the folder
+// made durable. Whatever fails, the earlier file stays whole.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "support/FileDoor.h"
+
+namespace kestrin {
+
+/// `write` gets the path of an empty file, created exclusively beside the target with mode 0600;
+/// it writes, flushes and syncs it, and returns whether all of that held. Links to the target are
+/// followed; owner, mode and extended attributes are kept from an existing target, a new one gets
+/// 0666 less the umask. Returns StatusOk, the door's -errno, or StatusFileError when `write` fails;
+/// a failed replacement leaves no file behind beside the target.
+status_t ReplaceFile(FileDoor& door, const std::string& path,
+                     const std::function<bool(const std::string& temporaryPath)>& write);
+
+/// ReplaceFile with these bytes.
+status_t WriteWholeFile(FileDoor& door, const std::string& path, std::string_view bytes);
+
+/// The whole content, or nothing with the reason in `status` (a file above `limit` bytes: -EFBIG).
+std::optional<std::string> ReadWholeFile(FileDoor& door, const std::string& path, status_t& status,
+                                         int64 limit = int64{64} << 20);
+
+}  // namespace kestrin
