@@ -9,10 +9,12 @@ if(KESTRIN_SANITIZE)
   target_link_options(kestrin_flags INTERFACE -fsanitize=${KESTRIN_SANITIZE})
 endif()
 
-# kestrin_room(NAME DIR LINKS...): one folder of the house, one static library.
+# kestrin_room(NAME LINKS...): one folder of the house, one static library.
 function(kestrin_room name)
-  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp
+       ${CMAKE_CURRENT_SOURCE_DIR}/*.h)
   add_library(${name} STATIC ${sources})
+  set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX)
   target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/include)
   target_link_libraries(${name} PRIVATE kestrin_flags PUBLIC ${ARGN})
 endfunction()
