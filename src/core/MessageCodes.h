@@ -1,0 +1,35 @@
+// What-codes of messages. The numbers below 100 and the four-character codes are fixed: windows, the
+// background deliverer and add-ons rely on them.
+#pragma once
+
+#include "support/Message.h"
+
+namespace kestrin {
+
+enum MessageCode : uint32 {
+  NEW_EVENT_SET = 1,
+  OPEN_EVENT_SET = 2,
+  OPEN_SETTINGS_WINDOW = 3,
+  FULL_QUIT_REQUESTED = 4,
+  HELP_REQUESTED = 5,
+  EVENT_DEALT_WITH = 6,
+  EVENT_SETS_CHANGED = 7,
+  PREWARN_ALERT_REPLY = 8,  ///< int32 "which", int64 "Event" and "EventSet" (handles), int32
+  NAG_ALERT_REPLY = 9,      ///< "Occurrence" (the ActualEventTime the alert was for)
+
+  DELIVER_EVENTS = FourCharCode("DelE"),
+  PROCESS_HOLD_DONE = FourCharCode("Sphd"),  ///< optional int64 "EventSet": whose hold it was
+  NEXT_EVENT_MESSAGE = FourCharCode("SetE"),  ///< optional int32 "When"
+  QUIT_REQUESTED = FourCharCode("_QRQ"),
+  ABOUT_REQUESTED = FourCharCode("_ABR"),
+
+  // Of the application to itself.
+  OPEN_FILES = FourCharCode("OpnF"),      ///< string "path" fields numbered "0", "1", …; bool "window"
+  ACTIVATE = FourCharCode("Actv"),        ///< a second plain launch: open or raise the interface
+  ALERTS_WAITING = FourCharCode("Alrt"),  ///< the alert desk has windows to open
+  SETTINGS_CHANGED = FourCharCode("StCh"),
+  FORCED_QUIT = FourCharCode("FrcQ"),     ///< a signal or the end of the desktop session
+  PASSES_AT_REST = FourCharCode("Rest"),  ///< nothing is due any more: save what delivery changed
+};
+
+}  // namespace kestrin
