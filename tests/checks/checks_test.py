@@ -1,0 +1,135 @@
+"""The checks of the sources, run on small trees that break one rule each."""
+import importlib.util
+import json
+import pathlib
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+sys.dont_write_bytecode = True
+
+CHECKS = pathlib.Path(__file__).resolve().parents[2] / "scripts/checks"
+
+
+def load(name):
+    loader = importlib.util.spec_from_file_location(name, CHECKS / f"{name}.py")
+    module = importlib.util.module_from_spec(loader)
+    loader.loader.exec_module(module)
+    return module
+
+
+includes = load("includes")
+
+GOOD = {
+    "include/kestrin/Types.h": "#include <cstdint>\n",
+    "src/support/Clock.h": '#include "kestrin/Types.h"\n',
+    "src/core/Event.h": '#include "support/Clock.h"\nclass QWidget;\n',
+    "src/handlers/Table.h": '#include "core/Event.h"\n',
+    "src/session/Bus.cpp": '#include <QDBusConnection>\n#include "core/Event.h"\n',
+    "src/session/Launch.cpp": '#include <gio/gio.h>\n#include "core/Event.h"\n',
+    "src/interface/View.h": '#include <QWidget>\n#include "handlers/Table.h"\n',
+    "src/programs/kestrin/main.cpp": '#include "interface/View.h"\n#include "core/Event.h"\n',
+    "src/programs/background/main.cpp": "#include <systemd/sd-bus.h>\n",
+    "addons/beep/Beep.cpp": '#include "kestrin/Types.h"\n#include "Tone.h"\n',
+    "addons/beep/Tone.h": "",
+}
+
+# What is added to or replaced in the good tree, and a part of the one line that must come out.
+BAD = {
+    "core looks up": ({"src/core/Event.h": '#include "handlers/Table.h"\n'}, "must not know"),
+    "angle brackets hide nothing": ({"src/support/A.h": "#include <core/Event.h>\n"}, "must not know"),
+    "handlers know session": (
+        {"src/session/S.h": "", "src/handlers/H.h": '#include "session/S.h"\n'}, "must not know"),
+    "session knows handlers": (
+        {"src/session/S.h": '#include "handlers/Table.h"\n'}, "must not know"),
+    "interface knows session": (
+        {"src/session/S.h": "", "src/interface/I.h": '#include "../session/S.h"\n'}, "must not know"),
+    "public header knows core": (
+        {"include/kestrin/P.h": '#include "core/Event.h"\n'}, "must not know"),
+    "add-on knows core": ({"addons/beep/Beep.cpp": '#include "core/Event.h"\n'}, "must not know"),
+    "indented include": ({"src/support/A.h": '  #  include "core/Event.h"\n'}, "must not know"),
+    "core meets Qt": ({"src/core/A.cpp": "#include <QString>\n"}, "reaches <QString>"),
+    "core meets Qt by folder": ({"src/core/A.cpp": "#include <QtCore/qglobal.h>\n"}, "reaches"),
+    "handlers meet GLib": ({"src/handlers/A.cpp": "#include <glib.h>\n"}, "reaches <glib.h>"),
+    "the deliverer meets streams": (
+        {"src/programs/background/A.cpp": "#include <sstream>\n"}, "has no streams"),
+    "Qt and GIO in one file": (
+        {"src/session/A.cpp": "#include <QObject>\n#include <gio/gio.h>\n"}, "together with"),
+    "Qt and GIO through a header": (
+        {"src/session/A.h": "#include <gio/gio.h>\n",
+         "src/session/A.cpp": '#include <QObject>\n#include "session/A.h"\n'}, "through src/session/A.h"),
+    "a header that is not there": ({"src/core/A.cpp": '#include "core/Gone.h"\n'}, "no file"),
+    "a room nobody knows": ({"src/attic/A.cpp": ""}, "stands in no room"),
+}
+
+
+class Tree(unittest.TestCase):
+    def setUp(self):
+        self.root = pathlib.Path(tempfile.mkdtemp())
+        self.addCleanup(shutil.rmtree, self.root)
+
+    def lay(self, files):
+        for name, text in files.items():
+            path = self.root / name
+            path.parent.mkdir(parents=True, exist_ok=True)
+            path.write_text(text)
+
+    def commands(self, words):
+        path = self.root / "compile_commands.json"
+        path.write_text(json.dumps([{"directory": str(self.root), "file": "src/core/Event.cpp",
+                                     "command": f"c++ {words} -c src/core/Event.cpp"}]))
+        return path
+
+    def test_good_tree(self):
+        self.lay(GOOD)
+        commands = self.commands("-I/usr/include/absl")
+        self.assertEqual(includes.check(self.root, commands), ([], len(GOOD)))
+
+    def test_bad_trees(self):
+        for name, (files, expected) in BAD.items():
+            with self.subTest(name):
+                shutil.rmtree(self.root)
+                self.lay(GOOD | files)
+                faults, _ = includes.check(self.root)
+                self.assertEqual(len([fault for fault in faults if expected in fault]), 1, faults)
+
+    def test_target_that_links_a_toolkit(self):
+        self.lay(GOOD)
+        for words in ("-isystem /usr/include/x86_64-linux-gnu/qt6/QtCore", "-DQT_CORE_LIB",
+                      "-I/usr/include/glib-2.0"):
+            with self.subTest(words):
+                faults, _ = includes.check(self.root, self.commands(words))
+                self.assertEqual(len(faults), 1, faults)
+
+    def test_commands_of_another_tree(self):
+        self.lay(GOOD)
+        path = self.root / "compile_commands.json"
+        path.write_text("[]")
+        self.assertEqual(len(includes.check(self.root, path)[0]), 1)
+
+    def test_long_file(self):
+        for lines, status in ((400, 0), (401, 1)):
+            with self.subTest(lines=lines):
+                self.lay({"src/core/A.cpp": "\n" * lines})
+                run = subprocess.run([sys.executable, CHECKS / "lengths.py", self.root],
+                                     capture_output=True, text=True, check=False)
+                self.assertEqual((run.returncode, "A.cpp" in run.stdout), (status, status == 1))
+
+    def test_linked_program(self):
+        """A program that is linked with GLib and uses streams breaks both rules of links.py."""
+        source = self.root / "a.cpp"
+        source.write_text('#include <iostream>\nextern "C" int g_random_int();\n'
+                          "int main() { std::cout << g_random_int(); }\n")
+        program = self.root / "a"
+        subprocess.run(["c++", "-o", program, source, "-lglib-2.0"], check=True)
+        run = subprocess.run([sys.executable, CHECKS / "links.py", f"{program}=toolkit,streams"],
+                             capture_output=True, text=True, check=False)
+        self.assertEqual(run.returncode, 1)
+        self.assertIn("libglib-2.0", run.stdout)
+        self.assertIn("standard streams", run.stdout)
+
+
+if __name__ == "__main__":
+    unittest.main()
