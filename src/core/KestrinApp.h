@@ -1,0 +1,87 @@
+// The application object: roles, opening and quitting, and the table of messages.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "core/AppState.h"
+#include "core/BackgroundMessenger.h"
+#include "core/BusPresence.h"
+#include "core/Context.h"
+#include "core/DeliveryPass.h"
+#include "core/DocumentApp.h"
+#include "core/RecoveryFolder.h"
+#include "core/SettingsStore.h"
+
+namespace kestrin {
+
+/// What main hands over besides the context. All outlive the application.
+struct AppParts {
+  BackgroundMessenger& background;
+  BusPresence& bus;
+  SettingsStore& settings;
+  std::string kestrinDir;     ///< folder of the real executable
+  std::string stateFolder;    ///< $XDG_STATE_HOME/kestrin
+  std::function<void()> loadHandlers;
+  std::function<void()> unloadHandlers;
+  std::function<void()> endLoop;  ///< called when the program is to end
+};
+
+/// Main thread only. main calls Construct, feeds every queued message to MessageReceived, one per
+/// turn of its event loop, and calls ReadyToRun once, after what the bus had waiting.
+class KestrinApp : public DocumentApp {
+ public:
+  KestrinApp(Context& context, AppParts parts);
+  ~KestrinApp() override;
+
+  /// Starts the background deliverer, reads the settings, loads handlers and the remembered sets.
+  void Construct();
+  /// Opens the files named on the command line; with "-background" among them, without windows.
+  void ArgvReceived(const std::vector<std::string>& arguments);
+  void ReadyToRun();
+  void MessageReceived(const Message& message);
+
+  /// Loads a set or, for an empty path, makes a new one. Opening a file twice shows its window.
+  void OpenSet(const std::string& path, bool openWindow);
+  void OpenUserInterface();
+  /// Re-reads an open set from its file, without a window; what was delivered stays delivered.
+  void RevertToSavedIfRemembered(const std::string& path);
+  std::string GetNextUntitledWindowName();
+  void LaunchBackgroundApp(const Message* message);
+  void FullQuit();
+  void HelpRequested();
+  /// The system's zone has changed, or may have: recomputes every set if so.
+  void CheckZone();
+
+  Context& GetContext() { return context_; }
+  DeliveryPass& Pass() { return pass_; }
+  bool HasQuit() const { return hasQuit_; }
+
+ protected:
+  bool CloseWindows() override;
+
+ private:
+  void ReadSelectedSets();
+  void OpenRecovered();
+  void QuitMessage();
+  void Quit();
+  void ForcedQuit();
+  void SaveModifiedSets();
+  void SaveDeliveredSets();
+  void CommitAllEdits();
+  void End();
+  bool SomethingWaits() const;
+  void ReportOpening(ConstructorResult result, const std::string& path);
+  bool AnyWindow() const;
+
+  Context& context_;
+  AppParts parts_;
+  DeliveryPass pass_;
+  RecoveryFolder recovery_;
+  int32 nextUntitled_ = 1;
+  bool running_ = false;
+  bool hasQuit_ = false;
+};
+
+}  // namespace kestrin
