@@ -4,6 +4,7 @@
 #include <deque>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <vector>
 
 #include "core/Alert.h"
@@ -22,7 +23,9 @@ class AlertDesk {
   AlertDesk(MessageQueue& queue, UserInterface& ui) : queue_(queue), ui_(ui) {}
 
   /// Any thread. The request's Done is called exactly once, in the main thread: when the alert is
-  /// answered, or with the harmless button when it is brought up to date by another or ended.
+  /// answered, or with the harmless button when it is brought up to date by another or ended. Once
+  /// EndByForce has begun, Done is called before Show returns, in the calling thread. No set may be
+  /// locked.
   void Show(AlertRequest request);
 
   /// On ALERTS_WAITING. Main thread, as all that follows.
@@ -42,14 +45,19 @@ class AlertDesk {
     AlertRequest request;
     int32 place;
   };
-  bool BringUpToDate(AlertRequest& request);
+  void BringUpToDate();
+  std::optional<AlertRequest> ReplaceWaiting();
+  std::optional<AlertRequest> ReplaceOpen();
+  std::optional<AlertRequest> TakeWaiting();
+  size_t CountWaiting() const;
   int32 FreePlace() const;
 
   MessageQueue& queue_;
   UserInterface& ui_;
-  mutable std::mutex guard_;  // of waiting_ and ended_
+  mutable std::mutex guard_;  ///< of waiting_ and ended_; all else belongs to the main thread
   std::deque<AlertRequest> waiting_;
   bool ended_ = false;
+  size_t settled_ = 0;  ///< how many of waiting_, from its front, bring no other alert up to date
   std::map<AlertId, Open> open_;
   AlertId nextId_ = 1;
 };
