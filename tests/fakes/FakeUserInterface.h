@@ -1,0 +1,106 @@
+// A screen that only writes down what it is asked to show, and a person who answers alerts.
+#pragma once
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/AlertDesk.h"
+#include "core/UserInterface.h"
+#include "fakes/FakeWindows.h"
+
+namespace kestrin {
+
+class FakeUserInterface final : public UserInterface {
+ public:
+  struct Alert {
+    AlertId Id;
+    AlertRequest Request;
+    int32 Place;
+  };
+
+  FakeUserInterface() = default;
+  ~FakeUserInterface() override {
+    for (auto* window : std::vector(EditorWindows)) window->Orphan(), window->CloseNow();
+    for (auto* window : std::vector(SetWindows)) window->Orphan(), window->CloseNow();
+  }
+
+  bool Screen = true;
+  AlertDesk* Desk = nullptr;          ///< gets the answers
+  std::vector<Alert> Alerts;          ///< stand open, in the order of opening
+  std::vector<AlertRequest> History;  ///< all that were ever opened or brought up to date
+  std::vector<FakeSetWindow*> SetWindows;
+  std::vector<FakeEditorWindow*> EditorWindows;
+  std::vector<std::string> Calls;  ///< "ShowOpenPanel" and the like, fatal errors with their text
+  std::vector<EventAddOnData*> EditViewsMade;
+  std::vector<QWidget*> EditViewsDestroyed;
+  QWidget* NextEditView = nullptr;  ///< what CreateEditView returns; never touched
+
+  /// The alert that stands open with that very text, or null.
+  const Alert* FindText(std::string_view text) const {
+    return Find([text](const AlertRequest& request) { return request.Text == text; });
+  }
+  const Alert* FindTitle(std::string_view title) const {
+    return Find([title](const AlertRequest& request) { return request.Title == title; });
+  }
+  /// Presses the button of the first alert so found; false when there is no such alert.
+  bool AnswerText(std::string_view text, int which) { return Answer(FindText(text), which); }
+  bool AnswerTitle(std::string_view title, int which) { return Answer(FindTitle(title), which); }
+  /// Presses the button of the alert that opened first, or closes it by its harmless button.
+  bool AnswerFirst(int which) { return Answer(Alerts.empty() ? nullptr : &Alerts[0], which); }
+  bool CloseFirst() { return !Alerts.empty() && AnswerFirst(Alerts[0].Request.HarmlessButton); }
+
+  bool HasScreen() const override { return Screen; }
+  SetWindow* OpenSetWindow(EventSet& set) override {
+    if (!Screen) return nullptr;
+    return SetWindows.emplace_back(
+        new FakeSetWindow(set, [this](auto* window) { std::erase(SetWindows, window); }));
+  }
+  EditorWindow* OpenEventWindow(Event& event) override {
+    if (!Screen) return nullptr;
+    return EditorWindows.emplace_back(
+        new FakeEditorWindow(event, [this](auto* window) { std::erase(EditorWindows, window); }));
+  }
+  void OpenAlert(AlertId id, const AlertRequest& request, int32 place) override {
+    Alerts.push_back({id, request, place});
+    History.push_back(request);
+  }
+  void UpdateAlert(AlertId id, const AlertRequest& request) override {
+    for (Alert& alert : Alerts)
+      if (alert.Id == id) alert.Request = request;
+    History.push_back(request);
+  }
+  void CloseAlert(AlertId id) override {
+    std::erase_if(Alerts, [id](const Alert& alert) { return alert.Id == id; });
+  }
+  void WaitForFatalError(const std::string&, const std::string& text, const std::string&) override {
+    Calls.push_back(text);
+  }
+  void ShowOpenPanel() override { Calls.emplace_back("ShowOpenPanel"); }
+  void ShowSettingsWindow() override { Calls.emplace_back("ShowSettingsWindow"); }
+  void ShowAboutWindow() override { Calls.emplace_back("ShowAboutWindow"); }
+  void SettingsChanged() override { Calls.emplace_back("SettingsChanged"); }
+  QWidget* CreateEditView(EventAddOnData& data, Rect) override {
+    EditViewsMade.push_back(&data);
+    return NextEditView;
+  }
+  void DestroyEditView(QWidget* view) override { EditViewsDestroyed.push_back(view); }
+
+ private:
+  template <typename Match>
+  const Alert* Find(Match match) const {
+    const auto found = std::find_if(Alerts.begin(), Alerts.end(),
+                                    [&match](const Alert& alert) { return match(alert.Request); });
+    return found == Alerts.end() ? nullptr : &*found;
+  }
+  bool Answer(const Alert* alert, int which) {
+    if (!alert) return false;
+    const AlertId id = alert->Id;
+    CloseAlert(id);
+    Desk->Answered(id, which);
+    return true;
+  }
+};
+
+}  // namespace kestrin
