@@ -57,28 +57,52 @@ class BufferedFile {
   status_t SetTo(const std::string& path, uint32 openMode);
   status_t SetTo(const std::string& folder, const std::string& name, uint32 openMode);
 
-  /// Where the next byte is read or written, counted from the file's first byte.
+  /// Where the next byte is read or written, counted from the file's first byte (in derived
+  /// classes too).
   int64 Position();
 
-  /// The bytes between the position and the end of the file: what a reader may still get.
-  int64 BytesLeft();
+  /// The bytes between the position and the end of the file: what a reader may still get. Asks
+  /// the system once for each time the buffer is filled.
+  int64 BytesLeft() {
+    return bytesBehindBuffer_ >= 0 ? bytesBehindBuffer_ + (fill_ - position_) : FindBytesLeft();
+  }
 
  protected:
   bool IsReadable() const;
   bool IsWritable() const;
 
+  /// Unread bytes in the buffer; below 1 when there are none.
+  int32 BytesAhead() const { return fill_ - position_; }
+  const uint8* Ahead() const { return buffer_.get() + position_; }
+  /// Consumes `count` bytes of the buffer and returns them, if at least one more lies behind them;
+  /// else null, with nothing changed.
+  const uint8* TakeFromBuffer(int32 count) {
+    if (count >= BytesAhead()) return nullptr;
+    const uint8* taken = Ahead();
+    position_ += count;
+    return taken;
+  }
+
  private:
-  void AllocAndInitBuffer(int32 size);
+  void AllocAndInitBuffer();
   bool Synchronise();
   bool WritePending();
   bool SeekBack();
+  void EmptyBuffer();
+  int32 ReadFromFile(uint8* data, int32 count);
+  int32 WriteToFile(const uint8* data, int32 count);
+  int64 FindBytesLeft();
 
   FileDoor& door_;
   std::unique_ptr<OpenFile> file_;
   std::unique_ptr<uint8[]> buffer_;
   int32 bufferSize_ = 0;
+  // Reading: the buffer holds fill_ bytes and position_ is the next unread one; both are 0 when
+  // nothing is unread. Writing: fill_ is 0 and position_ bytes wait.
   int32 fill_ = 0;
   int32 position_ = 0;
+  // What the file holds beyond the buffer, while reading; below 0 when that must be asked for.
+  int64 bytesBehindBuffer_ = -1;
   uint32 openMode_ = 0;
   status_t initStatus_ = StatusOk;
   bool dirty_ = false;

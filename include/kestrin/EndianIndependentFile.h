@@ -1,17 +1,18 @@
 // A buffered file whose first byte names the byte order of its numbers.
 #pragma once
 
+#include <cstring>
+
 #include "kestrin/BufferedFile.h"
 
 namespace kestrin {
 
 /// A new or erased file gets this machine's order; an existing one keeps its own, and numbers are
 /// swapped on the way in and out. The marker byte is hidden: positions and sizes count from the
-/// byte behind it.
+/// byte behind it, but for Position(), which counts it. SetTo neither reads nor writes a marker.
 class EndianIndependentFile : public BufferedFile {
  public:
-  EndianIndependentFile(FileDoor& door, const std::string& path, uint32 openMode,
-                        int32 bufferSize);
+  EndianIndependentFile(FileDoor& door, const std::string& path, uint32 openMode, int32 bufferSize);
   EndianIndependentFile(FileDoor& door, const std::string& folder, const std::string& name,
                         uint32 openMode, int32 bufferSize);
 
@@ -20,7 +21,14 @@ class EndianIndependentFile : public BufferedFile {
   /// Transfers `count` consecutive numbers of `size` bytes (1, 2, 4 or 8). Returns the whole
   /// numbers transferred. The caller's array is unchanged by a write.
   int32 WriteNumber(void* values, uint8 size, int32 count);
-  int32 ReadNumber(void* values, uint8 size, int32 count);
+  int32 ReadNumber(void* values, uint8 size, int32 count) {
+    if (count == 1 && IsNumberSize(size))
+      if (const uint8* bytes = TakeFromBuffer(size)) {
+        CopyNumber(values, bytes, size);
+        return 1;
+      }
+    return ReadNumbers(values, size, count);
+  }
 
   /// Writes the text and its NUL; null is written as the empty text.
   status_t WriteString(const char* text);
@@ -40,7 +48,21 @@ class EndianIndependentFile : public BufferedFile {
   status_t SetSize(int64 size) override;
 
  private:
+  static constexpr bool IsNumberSize(uint8 size) {
+    return size == 1 || size == 2 || size == 4 || size == 8;
+  }
+  /// Copies one number, its bytes reversed when the file is of the other order.
+  void CopyNumber(void* to, const void* from, uint8 size) const {
+    if (IsNativeEndian()) {
+      std::memcpy(to, from, size);
+      return;
+    }
+    uint8* target = static_cast<uint8*>(to);
+    const uint8* source = static_cast<const uint8*>(from);
+    for (int i = 0; i < size; ++i) target[i] = source[size - 1 - i];
+  }
   void InitEndianness(uint32 openMode);
+  int32 ReadNumbers(void* values, uint8 size, int32 count);
 
   uint8 fileByteOrder_ = 0;
   uint8 hostByteOrder_ = 0;

@@ -11,10 +11,11 @@
 
 namespace kestrin {
 
-/// `write` gets the path of an empty file, created exclusively beside the target with mode 0600;
-/// it writes, flushes and syncs it, and returns whether all of that held. Links to the target are
-/// followed; owner, mode and extended attributes are kept from an existing target, a new one gets
-/// 0666 less the umask. Returns StatusOk, the door's -errno, or StatusFileError when `write` fails;
+/// `write` gets the path of an empty file, created exclusively beside the target (with mode 0600
+/// where there is a target); it writes, flushes and syncs it, and returns whether all of that held.
+/// Links to the target are followed; owner, mode and extended attributes are kept from an existing
+/// target, a new one gets 0666 less the umask. A target that this user may not write, or that is
+/// not a regular file, is refused. Returns StatusOk, the door's -errno, or StatusFileError when `write` fails;
 /// a failed replacement leaves no file behind beside the target.
 status_t ReplaceFile(FileDoor& door, const std::string& path,
                      const std::function<bool(const std::string& temporaryPath)>& write);

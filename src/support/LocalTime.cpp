@@ -1,0 +1,167 @@
+#include "support/LocalTime.h"
+
+#include <limits.h>
+#include <stdlib.h>
+
+#include <algorithm>
+#include <fstream>
+#include <memory>
+#include <string_view>
+#include <utility>
+
+namespace kestrin {
+
+namespace {
+
+// Limits that keep the sum of all fields inside 64 bits.
+constexpr int64 MaxYear = 100'000'000'000, MaxMonth = 100'000'000'000;
+constexpr int64 MaxDay = 10'000'000'000'000, MaxHour = 100'000'000'000'000;
+constexpr int64 MaxMinute = 10'000'000'000'000'000, MaxSecond = 1'000'000'000'000'000'000;
+
+constexpr int64 DaysPerEra = 146097;   // 400 years
+constexpr int64 DaysToEpoch = 719468;  // from 1 March of year 0 to 1 January 1970
+
+constexpr int64 FloorDivide(int64 value, int64 by) {
+  const int64 quotient = value / by;
+  return value % by < 0 ? quotient - 1 : quotient;
+}
+
+constexpr int64 Within(int64 value, int64 limit) { return std::clamp(value, -limit, limit); }
+
+// The year begins in March here, so that the leap day is its last.
+constexpr int64 DaysBeforeMonth(int64 monthFromMarch) { return (153 * monthFromMarch + 2) / 5; }
+
+int64 DaysToFirstOfMonth(int64 year, int64 month) {
+  const int64 marchYear = month < 2 ? year - 1 : year;
+  const int64 era = FloorDivide(marchYear, 400);
+  const int64 yearOfEra = marchYear - era * 400;
+  const int64 monthFromMarch = month < 2 ? month + 10 : month - 2;
+  return era * DaysPerEra + yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 +
+         DaysBeforeMonth(monthFromMarch) - DaysToEpoch;
+}
+
+std::string_view AfterZoneFolder(std::string_view path) {
+  constexpr std::string_view mark = "zoneinfo/";
+  const size_t at = path.rfind(mark);
+  return at == std::string_view::npos ? std::string_view() : path.substr(at + mark.size());
+}
+
+std::optional<Zone> LoadFromPath(const std::string& path) {
+  const std::unique_ptr<char, decltype(&free)> real(realpath(path.c_str(), nullptr), &free);
+  for (const std::string& candidate : {real ? std::string(real.get()) : std::string(), path}) {
+    const std::string_view name = AfterZoneFolder(candidate);
+    if (name.empty()) continue;
+    if (std::optional<Zone> zone = Zone::Load(std::string(name))) return zone;
+  }
+  return std::nullopt;
+}
+
+Zone FromEnvironment(std::string name) {
+  if (!name.empty() && name.front() == ':') name.erase(0, 1);
+  std::optional<Zone> zone;
+  if (!name.empty() && name.front() == '/') {
+    zone = LoadFromPath(name);
+    if (zone) return *zone;
+  }
+  zone = Zone::Load(name);
+  return zone ? *zone : Zone();
+}
+
+}  // namespace
+
+Civil ToCivil(const CivilFields& fields) {
+  const int64 months = Within(fields.month, MaxMonth);
+  const int64 carriedYears = FloorDivide(months, 12);
+  const int64 days =
+      DaysToFirstOfMonth(Within(fields.year, MaxYear) + carriedYears, months - carriedYears * 12) +
+      Within(fields.day, MaxDay) - 1;
+  return {days * SecondsPerDay + Within(fields.hour, MaxHour) * 3600 +
+          Within(fields.minute, MaxMinute) * 60 + Within(fields.second, MaxSecond)};
+}
+
+CivilFields ToFields(Civil time) {
+  const int64 days = FloorDivide(time.seconds, SecondsPerDay);
+  const int64 sinceMidnight = time.seconds - days * SecondsPerDay;
+  const int64 shifted = days + DaysToEpoch;
+  const int64 era = FloorDivide(shifted, DaysPerEra);
+  const int64 dayOfEra = shifted - era * DaysPerEra;
+  const int64 yearOfEra =
+      (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / (DaysPerEra - 1)) / 365;
+  const int64 dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
+  const int64 monthFromMarch = (5 * dayOfYear + 2) / 153;
+  const bool nextYear = monthFromMarch >= 10;
+
+  CivilFields fields;
+  fields.year = era * 400 + yearOfEra + (nextYear ? 1 : 0);
+  fields.month = nextYear ? monthFromMarch - 10 : monthFromMarch + 2;
+  fields.day = dayOfYear - DaysBeforeMonth(monthFromMarch) + 1;
+  fields.hour = sinceMidnight / 3600;
+  fields.minute = sinceMidnight / 60 % 60;
+  fields.second = sinceMidnight % 60;
+  fields.weekday = WeekdayOf(time);
+  return fields;
+}
+
+int WeekdayOf(Civil time) {
+  const int64 days = FloorDivide(time.seconds, SecondsPerDay);
+  return static_cast<int>(((days + 4) % 7 + 7) % 7);
+}
+
+Civil MidnightOf(Civil time) {
+  const int64 days = FloorDivide(time.seconds, SecondsPerDay);
+  return {std::max(days, INT64_MIN / SecondsPerDay) * SecondsPerDay};
+}
+
+int32 SecondsIntoDay(Civil time) {
+  const int64 rest = time.seconds % SecondsPerDay;
+  return static_cast<int32>(rest < 0 ? rest + SecondsPerDay : rest);
+}
+
+Zone::Zone() : zone_(absl::UTCTimeZone()), name_("UTC") {}
+
+Zone::Zone(absl::TimeZone zone, std::string name) : zone_(zone), name_(std::move(name)) {}
+
+std::optional<Zone> Zone::Load(const std::string& name) {
+  // absl would keep what "localtime" meant at the first call, and reads "libc:" as a zone that the
+  // C library computes.
+  if (name.empty() || name == "localtime" || name.starts_with("libc:") ||
+      name.find('\0') != std::string::npos)
+    return std::nullopt;
+  absl::TimeZone zone;
+  if (!absl::LoadTimeZone(name, &zone)) return std::nullopt;
+  return Zone(zone, name);
+}
+
+Zone Zone::System() {
+  if (const char* named = getenv("TZ")) return FromEnvironment(named);
+  if (std::optional<Zone> zone = LoadFromPath("/etc/localtime")) return *zone;
+  std::ifstream file("/etc/timezone");
+  std::string name;
+  if (file >> name)
+    if (std::optional<Zone> zone = Load(name)) return *zone;
+  return Zone();
+}
+
+Civil Zone::AtMoment(int64 moment) const {
+  const int offset = zone_.At(absl::FromUnixSeconds(moment)).offset;
+  int64 seconds = 0;
+  if (__builtin_add_overflow(moment, int64{offset}, &seconds))
+    seconds = moment < 0 ? INT64_MIN : INT64_MAX;
+  return {seconds};
+}
+
+Zone::Resolved Zone::Resolve(Civil time) const {
+  const absl::CivilSecond civil = absl::CivilSecond() + time.seconds;
+  const absl::TimeZone::TimeInfo info = zone_.At(civil);
+  switch (info.kind) {
+    case absl::TimeZone::TimeInfo::SKIPPED:
+      return {absl::ToUnixSeconds(info.trans), Answer::Skipped};
+    case absl::TimeZone::TimeInfo::REPEATED:
+      return {absl::ToUnixSeconds(info.pre), Answer::Repeated};
+    case absl::TimeZone::TimeInfo::UNIQUE:
+      break;
+  }
+  return {absl::ToUnixSeconds(info.pre), Answer::Unique};
+}
+
+}  // namespace kestrin
