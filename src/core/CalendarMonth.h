@@ -1,0 +1,65 @@
+// Whole-number calendar arithmetic for the rules that walk many months: no zone, no normalising.
+// Days are counted from 1970-01-01, months from January of the year 0 (proleptic Gregorian).
+#pragma once
+
+#include <array>
+
+#include "support/LocalTime.h"
+
+namespace kestrin {
+
+struct DayInMonth {
+  int64 month;
+  int64 day;  ///< 1..31, or beyond where a caller has yet to let it run over
+};
+
+inline constexpr int64 FloorDivide(int64 value, int64 by) {
+  return value / by - (value % by < 0 ? 1 : 0);
+}
+
+inline constexpr bool IsLeapYear(uint64 year) {
+  return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
+}
+
+/// Months within 10^11 of year 0.
+inline constexpr int64 FirstDayOf(int64 month) {
+  constexpr std::array<int16_t, 12> before = {0,   31,  59,  90,  120, 151,
+                                              181, 212, 243, 273, 304, 334};
+  // A multiple of 400 years that makes every year positive, so that divisions are plain ones.
+  constexpr uint64 bias = 10'000'000'000;
+  constexpr int64 biasDays = bias / 400 * 146097, daysTo1970 = 719528;
+  const uint64 biased = static_cast<uint64>(month + int64{bias} * 12);
+  const uint64 year = biased / 12, inYear = biased % 12;
+  const uint64 leapDays = (year + 3) / 4 - (year + 99) / 100 + (year + 399) / 400;
+  const uint64 days = year * 365 + leapDays + static_cast<uint64>(before[inYear]) +
+                      (inYear >= 2 && IsLeapYear(year) ? 1 : 0);
+  return static_cast<int64>(days) - biasDays - daysTo1970;
+}
+
+inline constexpr int64 LengthOf(int64 month) { return FirstDayOf(month + 1) - FirstDayOf(month); }
+
+/// Days within 3 * 10^12 of 1970.
+inline constexpr DayInMonth MonthOf(int64 day) {
+  int64 month = FloorDivide((day + 719528) * 4800, 146097);  // the mean month: at most one off
+  if (day < FirstDayOf(month)) --month;
+  if (day >= FirstDayOf(month + 1)) ++month;
+  return {month, day - FirstDayOf(month) + 1};
+}
+
+inline constexpr int64 DayOf(Civil time) { return FloorDivide(time.seconds, SecondsPerDay); }
+inline constexpr Civil OnDay(int64 day, int64 secondsIntoDay) {
+  return {day * SecondsPerDay + secondsIntoDay};
+}
+
+/// 0 = Sunday.
+inline constexpr int64 WeekdayOfDay(int64 day) { return day + 4 - 7 * FloorDivide(day + 4, 7); }
+
+/// Months on the wall clock: the day of the month stays, and runs over into the next month where
+/// there is no such day.
+inline constexpr Civil AddMonths(Civil time, int64 months) {
+  const int64 day = DayOf(time);
+  const DayInMonth date = MonthOf(day);
+  return OnDay(FirstDayOf(date.month + months) + date.day - 1, time.seconds - day * SecondsPerDay);
+}
+
+}  // namespace kestrin
