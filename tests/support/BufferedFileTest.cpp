@@ -1,0 +1,202 @@
+#include "kestrin/BufferedFile.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "fakes/FailingFileDoor.h"
+#include "fakes/MemoryFileDoor.h"
+
+namespace kestrin {
+namespace {
+
+const std::string path = "/d/file";
+
+// Letters, so that a misplaced byte shows.
+std::string Letters(size_t count) {
+  std::string letters;
+  for (size_t i = 0; i < count; ++i) letters += static_cast<char>('a' + i % 26);
+  return letters;
+}
+
+TEST(BufferedFile, AnyMixOfOperationsActsAsOnThePlainBytes) {
+  std::mt19937 random(20261115);
+  for (const int32 bufferSize : {1, 2, 3, 7, 16, 64}) {
+    MemoryFileDoor disk;
+    std::string model = Letters(100);
+    disk.Put(path, model);
+    BufferedFile file(disk, path, OpenReadWrite, bufferSize);
+    size_t position = 0;
+    for (int step = 0; step < 4000; ++step) {
+      SCOPED_TRACE(testing::Message() << "buffer " << bufferSize << " step " << step);
+      const size_t count = random() % 40;
+      const size_t left = model.size() > position ? model.size() - position : 0;
+      std::string got(count, '\0');
+      size_t expected = std::min(count, left);
+      switch (random() % 6) {
+        case 0:
+        case 1:
+          got.resize(static_cast<size_t>(file.BufferedRead(got.data(), count)));
+          ASSERT_EQ(got, model.substr(std::min(position, model.size()), expected));
+          position += expected;
+          break;
+        case 2: {
+          const std::string text(count, static_cast<char>('A' + step % 26));
+          ASSERT_EQ(file.BufferedWrite(text.data(), count), static_cast<int32>(count));
+          model.replace(position, std::min(count, left), text);
+          position += count;
+          break;
+        }
+        case 3:
+          expected = std::min(expected, static_cast<size_t>(bufferSize) - 1);
+          if (count > static_cast<size_t>(bufferSize)) expected = 0;
+          got.resize(static_cast<size_t>(file.BufferedPreview(got.data(), count)));
+          ASSERT_EQ(got, model.substr(std::min(position, model.size()), expected));
+          break;
+        case 4:
+          position = random() % (model.size() + 1);
+          ASSERT_EQ(file.Seek(static_cast<int64>(position), SEEK_SET),
+                    static_cast<int64>(position));
+          break;
+        default:
+          ASSERT_EQ(file.Position(), static_cast<int64>(position));
+          ASSERT_EQ(file.BytesLeft(), static_cast<int64>(left));
+          break;
+      }
+    }
+    ASSERT_EQ(file.FlushBuffer(), StatusOk);
+    EXPECT_EQ(disk.Bytes(path), model);
+  }
+}
+
+TEST(BufferedFile, ReadsLinesOfEveryEnding) {
+  struct {
+    std::string bytes;
+    size_t max;
+    std::string line;
+    int32 consumed;
+    std::string rest;
+  } const cases[] = {
+      {"ab\r\ncd", 20, "ab", 4, "cd"},
+      {"ab\rcd", 20, "ab", 3, "cd"},
+      {"ab\ncd", 20, "ab", 3, "cd"},
+      {{"ab\0cd", 5}, 20, "ab", 3, "cd"},
+      {"ab", 20, "ab", 2, ""},
+      {"ab\r", 20, "ab", 3, ""},
+      {"abcd", 3, "ab", 2, "cd"},
+      {"ab", 1, "", 0, "ab"},
+      {"", 20, "", 0, ""},
+      {"\n\n", 20, "", 1, "\n"},
+  };
+  for (const auto& each : cases)
+    for (const int32 bufferSize : {2, 3, 4, 64}) {
+      SCOPED_TRACE(testing::Message() << testing::PrintToString(each.bytes) << " " << bufferSize);
+      MemoryFileDoor disk;
+      disk.Put(path, each.bytes);
+      BufferedFile file(disk, path, OpenReadOnly, bufferSize);
+      std::string line(20, '#'), rest(20, '#');
+      EXPECT_EQ(file.BufferedReadLine(line.data(), each.max), each.consumed);
+      EXPECT_STREQ(line.c_str(), each.line.c_str());
+      rest.resize(static_cast<size_t>(file.BufferedRead(rest.data(), 20)));
+      EXPECT_EQ(rest, each.rest);
+    }
+  MemoryFileDoor disk;
+  disk.Put(path, "ab");
+  BufferedFile file(disk, path, OpenReadOnly, 8);
+  char untouched = '#';
+  EXPECT_EQ(file.BufferedReadLine(&untouched, 0), 0);
+  EXPECT_EQ(untouched, '#');
+}
+
+TEST(BufferedFile, PassesAFullBufferOnAtOnceAndLosesTheRestUnlessFlushed) {
+  MemoryFileDoor disk;
+  disk.PutFolder("/d");
+  {
+    BufferedFile file(disk, path, OpenWriteOnly | OpenCreate, 8);
+    file.BufferedWrite("abcde", 5);
+    EXPECT_EQ(disk.Bytes(path), "");
+    file.BufferedWrite("fgh", 3);
+    EXPECT_EQ(disk.Bytes(path), "abcdefgh");
+    file.BufferedWrite("lost", 4);
+    EXPECT_EQ(file.Position(), 12);
+  }
+  EXPECT_EQ(disk.Bytes(path), "abcdefgh");
+}
+
+TEST(BufferedFile, CountsWhatAShortWriteLost) {
+  // Calls: the open is the first, every write to the file one more. A short write takes half.
+  struct {
+    std::vector<size_t> writes;
+    int failAt;
+    std::vector<int32> results;
+    std::string bytes;
+  } const cases[] = {
+      {{8}, 2, {4}, "abcd"},
+      {{5, 5}, 2, {5, -1}, "abcd"},  // 3 of the second call fit in; 4 bytes of the 8 are lost
+      {{24}, 2, {12}, "abcdefghijkl"},
+      {{5, 5},
+       3,
+       {5, 5},
+       "abcdefgh"
+       "i"},  // the flush fails
+  };
+  for (const auto& each : cases) {
+    MemoryFileDoor disk;
+    disk.PutFolder("/d");
+    FailingFileDoor door(disk, each.failAt);
+    door.ShortWrite = true;
+    BufferedFile file(door, path, OpenWriteOnly | OpenCreate, 8);
+    const std::string letters = Letters(30);
+    size_t from = 0;
+    for (size_t i = 0; i < each.writes.size(); from += each.writes[i++])
+      EXPECT_EQ(file.BufferedWrite(letters.data() + from, each.writes[i]), each.results[i]);
+    EXPECT_EQ(file.FlushBuffer(), each.failAt == 3 ? StatusFileError : StatusOk);
+    EXPECT_EQ(disk.Bytes(path), each.bytes);
+  }
+}
+
+TEST(BufferedFile, AnswersNothingWhereTheModeForbidsItOrNoFileIsOpen) {
+  MemoryFileDoor disk;
+  disk.Put(path, "abc");
+  char byte = 0;
+  BufferedFile reader(disk, path, OpenReadOnly, 8), writer(disk, path, OpenWriteOnly, 8);
+  EXPECT_EQ(reader.BufferedWrite("x", 1), 0);
+  EXPECT_EQ(writer.BufferedRead(&byte, 1), 0);
+  EXPECT_EQ(writer.BufferedPreview(&byte, 1), 0);
+  BufferedFile missing(disk, "/d", "missing", OpenReadWrite, 8);
+  EXPECT_EQ(missing.InitCheck(), -ENOENT);
+  EXPECT_EQ(missing.BufferedRead(&byte, 1), 0);
+  EXPECT_EQ(missing.BufferedWrite("x", 1), 0);
+  EXPECT_LT(missing.Seek(0, SEEK_SET), 0);
+  EXPECT_EQ(missing.BytesLeft(), 0);
+  EXPECT_EQ(missing.SetTo("/d", "file", OpenReadOnly), StatusOk);
+  EXPECT_EQ(missing.BufferedRead(&byte, 1), 1);
+  EXPECT_EQ(byte, 'a');
+}
+
+TEST(BufferedFile, PlainOperationsSeeWhatIsPendingAndFailWhenThatCannotBeWritten) {
+  MemoryFileDoor disk;
+  disk.Put(path, Letters(20));
+  FailingFileDoor door(disk);
+  BufferedFile file(door, path, OpenReadWrite, 16);
+  char bytes[4];
+  file.BufferedRead(bytes, 2);
+  EXPECT_EQ(file.Read(bytes, 1), 1);
+  EXPECT_EQ(bytes[0], 'c');
+  file.BufferedWrite("XY", 2);
+  EXPECT_EQ(file.ReadAt(2, bytes, 4), 4);
+  EXPECT_EQ(std::string(bytes, 4), "cXYf");
+  file.BufferedWrite("Z", 1);
+  door.FailAt = door.Count + 1;
+  door.FailFromThen = true;
+  EXPECT_EQ(file.Seek(3, SEEK_SET), 0);
+  EXPECT_EQ(file.Write("x", 1), 0);
+  EXPECT_EQ(file.SetSize(1), StatusFileError);
+  EXPECT_EQ(file.SetTo(path, OpenReadOnly), StatusFileError);
+  door.FailAt = 0;
+  EXPECT_EQ(file.SetTo("/d/other", OpenWriteOnly | OpenCreate), StatusOk);
+  EXPECT_EQ(disk.Bytes(path)->substr(0, 7), "abcXYZg");
+}
+
+}  // namespace
+}  // namespace kestrin

@@ -1,0 +1,153 @@
+#include "kestrin/EndianIndependentFile.h"
+
+#include <gtest/gtest.h>
+
+#include "fakes/MemoryFileDoor.h"
+
+namespace kestrin {
+namespace {
+
+using namespace std::string_literals;
+
+const std::string path = "/d/file";
+
+struct EndianIndependentFileTest : testing::Test {
+  MemoryFileDoor disk;
+  EndianIndependentFileTest() { disk.PutFolder("/d"); }
+  EndianIndependentFile Open(uint32 mode, int32 bufferSize = 1024) {
+    return EndianIndependentFile(disk, path, mode, bufferSize);
+  }
+};
+
+TEST_F(EndianIndependentFileTest, KeepsTheOrderThatTheMarkerNames) {
+  struct {
+    std::string marker, two, four, eight;
+  } const orders[] = {
+      {"\x00"s, "\x02\x01", "\x04\x03\x02\x01", "\x08\x07\x06\x05\x04\x03\x02\x01"},
+      {"\x01", "\x01\x02", "\x01\x02\x03\x04", "\x01\x02\x03\x04\x05\x06\x07\x08"},
+  };
+  for (const auto& order : orders)
+    for (const int32 bufferSize : {1, 3, 5, 1024}) {
+      disk.Put(path, order.marker);
+      uint16_t two[] = {0x0102, 0x0102};
+      uint32 four = 0x01020304;
+      std::vector<uint32> many(300, 0x01020304);
+      uint64 eight = 0x0102030405060708;
+      auto writer = Open(OpenReadWrite, bufferSize);
+      ASSERT_EQ(writer.InitCheck(), StatusOk);
+      EXPECT_EQ(writer.IsBigEndian(), order.marker == "\x01");
+      EXPECT_EQ(writer.WriteNumber(two, 2, 2), 2);
+      EXPECT_EQ(writer.WriteNumber(&four, 4, 1), 1);
+      EXPECT_EQ(writer.WriteNumber(&four, 3, 1), 0);
+      EXPECT_EQ(writer.WriteNumber(&four, 4, -1), 0);
+      EXPECT_EQ(writer.WriteNumber(&eight, 8, 1), 1);
+      EXPECT_EQ(writer.WriteNumber(many.data(), 4, 300), 300);
+      EXPECT_EQ(four, 0x01020304u);
+      EXPECT_EQ(writer.FlushBuffer(), StatusOk);
+      std::string expected = order.marker + order.two + order.two + order.four + order.eight;
+      for (int i = 0; i < 300; ++i) expected += order.four;
+      ASSERT_EQ(disk.Bytes(path), expected);
+
+      auto reader = Open(OpenReadOnly, bufferSize);
+      uint16_t twoBack[2] = {};
+      uint32 fourBack = 0;
+      uint64 eightBack = 0;
+      std::vector<uint32> manyBack(301);
+      EXPECT_EQ(reader.ReadNumber(twoBack, 2, 2), 2);
+      EXPECT_EQ(twoBack[1], 0x0102);
+      EXPECT_EQ(reader.ReadNumber(&fourBack, 4, 1), 1);
+      EXPECT_EQ(fourBack, four);
+      EXPECT_EQ(reader.ReadNumber(&fourBack, 5, 1), 0);
+      EXPECT_EQ(reader.ReadNumber(&eightBack, 8, 1), 1);
+      EXPECT_EQ(eightBack, eight);
+      EXPECT_EQ(reader.ReadNumber(manyBack.data(), 4, 301), 300);
+      manyBack.pop_back();
+      EXPECT_EQ(manyBack, many);
+    }
+}
+
+TEST_F(EndianIndependentFileTest, TakesTheMarkerOrGivesOne) {
+  struct {
+    std::string before;
+    uint32 mode;
+    status_t status;
+    std::string after;
+  } const cases[] = {
+      {"", OpenReadOnly, StatusFileError, ""},
+      {"", OpenReadWrite, StatusOk, "\0"s},
+      {"\1ab", OpenReadOnly, StatusOk, "\1ab"},
+      {"\1ab", OpenReadWrite, StatusOk, "\1ab"},
+      {"\1ab", OpenReadWrite | OpenErase, StatusOk, "\0"s},
+      {"\1ab", OpenWriteOnly, StatusOk, "\0ab"s},
+      // Opened at the end, the size is reported; write-only, the marker cannot be read first.
+      {"\1ab", OpenReadWrite | OpenAtEnd, 3, "\1ab"},
+      {"\1ab", OpenWriteOnly | OpenAtEnd, 3, "\0ab"s},
+      {"\1ab", OpenReadOnly | OpenErase, StatusOk, "\1ab"},
+  };
+  for (const auto& each : cases) {
+    disk.Put(path, each.before);
+    auto file = Open(each.mode);
+    EXPECT_EQ(file.InitCheck(), each.status) << each.before << " " << each.mode;
+    file.FlushBuffer();
+    EXPECT_EQ(disk.Bytes(path), each.after) << each.before << " " << each.mode;
+  }
+  disk.Put(path, "\x07\0\0\0\1"s);
+  auto strange = Open(OpenReadOnly);
+  int32 number = 0;
+  EXPECT_FALSE(strange.IsNativeEndian());
+  EXPECT_EQ(strange.ReadNumber(&number, 4, 1), 1);
+  EXPECT_EQ(number, 1);
+  EXPECT_EQ(EndianIndependentFile(disk, "/d", "missing", OpenReadOnly, 16).InitCheck(), -ENOENT);
+}
+
+TEST_F(EndianIndependentFileTest, ReadsStringsUpToTheirNulAndNoFurtherThanAllowed) {
+  const std::string thirty(30, 'x');
+  struct {
+    std::string bytes;
+    int32 max;
+    status_t status;
+    std::string text, rest;
+  } const cases[] = {
+      {"1.2\0rest"s, 30, StatusOk, "1.2", "rest"},
+      {"\0rest"s, 30, StatusOk, "", "rest"},
+      {thirty + "rest", 30, StatusError, thirty.substr(1), "rest"},
+      {thirty.substr(1) + "\0rest"s, 30, StatusOk, thirty.substr(1), "rest"},
+      {"cut", 30, StatusFileError, "cut", ""},
+      {"", 30, StatusFileError, "", ""},
+      {"ab", 1, StatusError, "", "b"},
+  };
+  for (const auto& each : cases)
+    for (const int32 bufferSize : {1, 2, 5, 8, 31, 1024}) {
+      SCOPED_TRACE(testing::Message() << testing::PrintToString(each.bytes) << " " << bufferSize);
+      disk.Put(path, "\0"s + each.bytes);
+      auto file = Open(OpenReadOnly, bufferSize);
+      std::string text(31, '#'), rest(31, '#');
+      EXPECT_EQ(file.ReadString(text.data(), each.max), each.status);
+      EXPECT_STREQ(text.c_str(), each.text.c_str());
+      EXPECT_EQ(text.back(), '#');
+      rest.resize(static_cast<size_t>(file.ReadRaw(rest.data(), 31)));
+      EXPECT_EQ(rest, each.rest);
+    }
+}
+
+TEST_F(EndianIndependentFileTest, HidesTheMarkerInPositionsAndSizes) {
+  auto file = Open(OpenReadWrite | OpenCreate, 16);
+  EXPECT_EQ(file.WriteString(nullptr), StatusOk);
+  EXPECT_EQ(file.WriteString("abc"), StatusOk);
+  EXPECT_EQ(file.WriteRaw("\1\2", 2), 2);
+  EXPECT_EQ(file.Seek(0, SEEK_SET), 0);
+  EXPECT_EQ(file.Position(), 1);
+  EXPECT_EQ(file.BytesLeft(), 7);
+  char byte = 0;
+  EXPECT_EQ(file.ReadAt(1, &byte, 1), 1);
+  EXPECT_EQ(byte, 'a');
+  EXPECT_EQ(file.WriteAt(2, "B", 1), 1);
+  EXPECT_EQ(file.SetSize(4), StatusOk);
+  EXPECT_EQ(disk.Bytes(path), "\0\0aBc"s);
+  // The one byte is added whatever the seek counts from.
+  EXPECT_EQ(file.Seek(-2, SEEK_END), 3);
+  EXPECT_EQ(file.Seek(-1, SEEK_CUR), 3);
+}
+
+}  // namespace
+}  // namespace kestrin

@@ -1,0 +1,133 @@
+#include "support/WholeFile.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "fakes/FailingFileDoor.h"
+#include "fakes/MemoryFileDoor.h"
+#include "kestrin/EndianIndependentFile.h"
+
+namespace kestrin {
+namespace {
+
+using testing::ElementsAre;
+using testing::StartsWith;
+
+const std::string path = "/home/set";
+
+// As a set is saved: through a small buffer, so that there is more than one write to fail.
+status_t Save(FileDoor& door, const std::string& text) {
+  return ReplaceFile(door, path, [&](const std::string& temporary) {
+    EndianIndependentFile file(door, temporary, OpenWriteOnly, 8);
+    return file.InitCheck() == StatusOk && file.WriteString(text.c_str()) == StatusOk &&
+           file.FlushBuffer() == StatusOk && file.Sync() == StatusOk;
+  });
+}
+
+const std::string newText = "a text of more than one buffer";
+const std::string newBytes = std::string(1, '\0') + newText + '\0';
+
+TEST(ReplaceFile, WhateverCallFailsTheEarlierOrTheNewFileIsWholeAndNothingElseLeft) {
+  for (const bool shortWrite : {false, true}) {
+    int n = 1;
+    for (;; ++n) {
+      MemoryFileDoor disk;
+      disk.Put(path, "earlier");
+      FailingFileDoor door(disk, n, -ENOSPC);
+      door.ShortWrite = shortWrite;
+      const status_t status = Save(door, newText);
+      if (!door.HasFailed()) break;
+      SCOPED_TRACE(testing::Message() << "call " << n << ": " << door.Failed);
+      EXPECT_NE(status, StatusOk);
+      EXPECT_EQ(disk.Bytes(path), door.Failed == "sync folder" ? newBytes : "earlier");
+      EXPECT_THAT(*disk.List("/home"), ElementsAre("set"));
+    }
+    EXPECT_GT(n, 10);
+  }
+}
+
+TEST(ReplaceFile, APowerCutAtAnyCallLeavesTheEarlierOrTheNewFileWhole) {
+  for (const bool namesKept : {false, true})
+    for (int n = 1;; ++n) {
+      MemoryFileDoor disk;
+      disk.Put(path, "earlier");
+      FailingFileDoor door(disk, n);
+      door.FailFromThen = true;
+      const status_t status = Save(door, newText);
+      disk.CutPower(namesKept);
+      if (!door.HasFailed()) {
+        EXPECT_EQ(status, StatusOk);
+        EXPECT_EQ(disk.Bytes(path), newBytes);
+        break;
+      }
+      EXPECT_THAT(*disk.Bytes(path), testing::AnyOf("earlier", newBytes)) << n;
+    }
+}
+
+TEST(ReplaceFile, KeepsModeAttributesAndLinks) {
+  MemoryFileDoor disk;
+  disk.Put("/other/real", "earlier", 0640);
+  disk.SetAttribute("/other/real", "user.mime_type", "x/y");
+  disk.Links = {{path, "/link"}, {"/link", "other/real"}, {"/dangling", "other/new"}};
+  disk.PutFolder("/home");
+  EXPECT_EQ(WriteWholeFile(disk, path, "new"), StatusOk);
+  EXPECT_EQ(disk.Bytes("/other/real"), "new");
+  EXPECT_EQ(disk.Mode("/other/real"), 0640u);
+  EXPECT_EQ(disk.GetAttribute("/other/real", "user.mime_type"), "x/y");
+  EXPECT_EQ(WriteWholeFile(disk, "/dangling", "first"), StatusOk);
+  EXPECT_EQ(disk.Bytes("/other/new"), "first");
+  EXPECT_EQ(disk.Mode("/other/new"), 0644u);
+  EXPECT_EQ(disk.Links.size(), 3u);
+}
+
+TEST(ReplaceFile, RefusesWhatItMayNotReplace) {
+  MemoryFileDoor disk;
+  disk.Put("/home/protected", "mine", 0444);
+  EXPECT_EQ(WriteWholeFile(disk, "/home/protected", "x"), -EACCES);
+  EXPECT_EQ(WriteWholeFile(disk, "/home", "x"), -EISDIR);
+  EXPECT_EQ(WriteWholeFile(disk, "/nowhere/file", "x"), -ENOENT);
+  EXPECT_EQ(disk.Bytes("/home/protected"), "mine");
+}
+
+TEST(ReplaceFile, ALongNameStillHasRoomForATemporaryOne) {
+  MemoryFileDoor disk;
+  std::string name = "/home/";
+  while (name.size() < 6 + 254) name += "\xC3\xA9";
+  disk.Put(name, "earlier");
+  std::string beside;
+  EXPECT_EQ(ReplaceFile(disk, name,
+                        [&](const std::string& temporary) {
+                          beside = temporary;
+                          return true;
+                        }),
+            StatusOk);
+  EXPECT_THAT(beside, StartsWith("/home/.\xC3\xA9\xC3\xA9"));
+  EXPECT_LE(beside.size(), 6u + 255);
+  EXPECT_EQ(disk.Bytes(name), "");
+}
+
+TEST(WholeFile, SaysWhyItCouldNotBeWritten) {
+  MemoryFileDoor disk;
+  disk.Put(path, "earlier");
+  for (int n = 1;; ++n) {
+    FailingFileDoor door(disk, n, -ENOSPC);
+    const status_t status = WriteWholeFile(door, path, "new");
+    if (!door.HasFailed()) break;
+    EXPECT_EQ(status, -ENOSPC) << door.Failed;
+  }
+}
+
+TEST(WholeFile, ReadsNoMoreThanTheLimit) {
+  MemoryFileDoor disk;
+  disk.Put(path, std::string(1000, 'x'));
+  status_t status = 1;
+  EXPECT_EQ(ReadWholeFile(disk, path, status, 1000), std::string(1000, 'x'));
+  EXPECT_EQ(status, StatusOk);
+  EXPECT_EQ(ReadWholeFile(disk, path, status, 999), std::nullopt);
+  EXPECT_EQ(status, -EFBIG);
+  EXPECT_EQ(ReadWholeFile(disk, "/home/missing", status), std::nullopt);
+  EXPECT_EQ(status, -ENOENT);
+}
+
+}  // namespace
+}  // namespace kestrin
