@@ -34,6 +34,9 @@ void ResetHandlerTable();
 std::unique_ptr<EventAddOnData> MakeAddOnData(int32 row, Event* event, EndianIndependentFile* file,
                                               bool* ok, bool* threw);
 
+/// The data's SaveData; false when it throws.
+bool SaveAddOnData(EventAddOnData& data, EndianIndependentFile* file);
+
 /// Implemented by the data of row 0: keeps the name of the handler that is not installed.
 class KeepsOriginalHandler {
  public:
