@@ -1,0 +1,17 @@
+#include "handlers/BuiltInData.h"
+
+#include "core/EventSet.h"
+#include "core/UserInterface.h"
+
+namespace kestrin {
+
+QWidget* BuiltInData::CreateEditView(Rect frame) {
+  return GetAttachedTo()->GetOwner()->GetContext().ui.CreateEditView(*this, frame);
+}
+
+void BuiltInData::Changed() {
+  AutoLock lock(GetAttachedTo()->GetProtectionSemaphore());
+  GetAttachedTo()->SetModified();
+}
+
+}  // namespace kestrin

@@ -1,0 +1,67 @@
+#include "handlers/DeliveryAlert.h"
+
+#include <cstdio>
+#include <utility>
+
+#include "core/AlertDesk.h"
+#include "core/EventSet.h"
+#include "core/EventTypes.h"
+#include "core/Holds.h"
+
+namespace kestrin {
+
+namespace {
+
+std::string MissedLine(int32 when, const Zone& zone) {
+  const CivilFields at = ToFields(zone.AtMoment(when));
+  const int64 hour = at.hour % 12 == 0 ? 12 : at.hour % 12;
+  char text[64];
+  std::snprintf(text, sizeof text, "%s, %s %02d %04d, %02d:%02d:%02d %s",
+                DayAbbr[static_cast<size_t>(at.weekday)].data(),
+                MonthAbbr[static_cast<size_t>(at.month)].data(), static_cast<int>(at.day),
+                static_cast<int>(at.year), static_cast<int>(hour), static_cast<int>(at.minute),
+                static_cast<int>(at.second), at.hour >= 12 ? "PM" : "AM");
+  return std::string("\nThe event was missed.  It occurred ") + text;
+}
+
+}  // namespace
+
+DeliveredEvent::DeliveredEvent(const class Event& event)
+    : context(&event.GetOwner()->GetContext()),
+      Set(event.GetOwner()->GetHandle()),
+      Event(event.GetHandle()),
+      Occurrence(event.GetActualEventTime()) {}
+
+std::string MessageAlertText(const Event& event, bool missed,
+                             std::initializer_list<const char*> parts) {
+  std::string text = "Kestrin event:  " + event.GetName();
+  if (missed) text += MissedLine(event.GetActualEventTime(), event.GetOwner()->GetContext().zone);
+  for (const char* part : parts)
+    if (part) text += part;
+  return text;
+}
+
+AlertRequest AlertAbout(const DeliveredEvent& delivered, AlertRole role, std::string text) {
+  AlertRequest request;
+  request.Text = std::move(text);
+  request.Role = role;
+  request.Set = delivered.Set;
+  request.Event = delivered.Event;
+  request.Occurrence = delivered.Occurrence;
+  return request;
+}
+
+void ShowDeliveryAlert(const DeliveredEvent& delivered, std::string text) {
+  AlertRequest request = AlertAbout(delivered, AlertRole::Delivery, std::move(text));
+  request.Buttons = {"Ok"};
+  request.Done = [context = delivered.context](int) { context->queue.Post(PROCESS_HOLD_DONE); };
+  delivered.context->alerts.Show(std::move(request));
+}
+
+void TellOfDelivery(const Event& event, bool missed, std::initializer_list<const char*> parts) {
+  const DeliveredEvent delivered(event);
+  delivered.context->holds.ProcessHold();
+  ShowDeliveryAlert(delivered, MessageAlertText(event, missed, parts));
+}
+
+}  // namespace kestrin

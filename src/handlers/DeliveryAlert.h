@@ -1,0 +1,38 @@
+// What handlers tell the user about an event: the text and the alert around it.
+#pragma once
+
+#include <initializer_list>
+#include <string>
+
+#include "core/Alert.h"
+#include "core/Context.h"
+
+namespace kestrin {
+
+class Event;
+
+/// Which event a delivery was for; outlives the event.
+struct DeliveredEvent {
+  explicit DeliveredEvent(const Event& event);
+
+  Context* context;
+  uint64 Set, Event;
+  int32 Occurrence;
+};
+
+/// "Kestrin event:  ", the event's name, the missed line when `missed`, and the parts; null parts
+/// are passed over.
+std::string MessageAlertText(const Event& event, bool missed,
+                             std::initializer_list<const char*> parts);
+
+/// An alert about the event, with nothing but its handles filled in.
+AlertRequest AlertAbout(const DeliveredEvent& delivered, AlertRole role, std::string text);
+
+/// Shows the text with the button "Ok". The caller has taken a hold, which the alert's end
+/// releases. Any thread.
+void ShowDeliveryAlert(const DeliveredEvent& delivered, std::string text);
+
+/// Takes that hold, and says in the parts what happened to the event.
+void TellOfDelivery(const Event& event, bool missed, std::initializer_list<const char*> parts);
+
+}  // namespace kestrin

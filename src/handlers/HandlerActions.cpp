@@ -1,0 +1,108 @@
+#include "handlers/HandlerActions.h"
+
+#include <utility>
+
+#include "core/AlertDesk.h"
+#include "core/EventSet.h"
+#include "core/HandlerTable.h"
+#include "core/Holds.h"
+#include "core/Notices.h"
+#include "handlers/DeliveryAlert.h"
+
+namespace kestrin {
+
+namespace {
+
+struct Reminder {
+  char kind;
+  AlertRole role;
+  MessageCode reply;
+  const char* title;
+  const char* stopButton;
+};
+
+constexpr Reminder Prewarning = {0, AlertRole::Prewarning, PREWARN_ALERT_REPLY,
+                                 "Kestrin prewarning", "No more prewarnings"};
+constexpr Reminder Nagging = {1, AlertRole::Nag, NAG_ALERT_REPLY, "Kestrin nag", "No more nagging"};
+
+/// The reply releases the hold.
+Message ReplyTo(const Reminder& reminder, const DeliveredEvent& delivered, int which) {
+  Message reply(reminder.reply);
+  reply.Set("which", static_cast<int32>(which));
+  reply.Set("Event", static_cast<int64>(delivered.Event));
+  reply.Set("EventSet", static_cast<int64>(delivered.Set));
+  reply.Set("Occurrence", delivered.Occurrence);
+  return reply;
+}
+
+void Remind(const Event& event, const Reminder& reminder, const std::string& userText) {
+  const DeliveredEvent delivered(event);
+  Context& context = *delivered.context;
+  AlertRequest request = AlertAbout(
+      delivered, reminder.role,
+      GetNagOrPrewarnMessage(reminder.kind, event.GetName(), event.GetActualEventTime(),
+                             event.GetApplyTime(), userText, context.clock.Now(), context.zone));
+  request.Title = reminder.title;
+  request.Buttons = {reminder.stopButton, "OK"};
+  request.HarmlessButton = 1;
+  request.DefaultButton = 1;
+  request.Done = [delivered, &reminder](int which) {
+    delivered.context->queue.Post(ReplyTo(reminder, delivered, which));
+  };
+  context.holds.ProcessHold(delivered.Set);
+  context.alerts.Show(std::move(request));
+}
+
+bool NeedsScreen(const EventAddOnData* data) {
+  if (!data) return false;
+  const auto* acts = dynamic_cast<const ActsWithoutScreen*>(data);
+  try {
+    return !acts || acts->NeedsScreen();
+  } catch (...) {
+    return true;
+  }
+}
+
+}  // namespace
+
+void HandlerActions::DeliverPrewarnMessage(Event& event) {
+  Remind(event, Prewarning, event.Record().PrewarnMessage);
+}
+
+void HandlerActions::DeliverNagMessage(Event& event) {
+  Remind(event, Nagging, event.Record().NagMessage);
+}
+
+void HandlerActions::DeliverEvent(Event& event, bool missed) {
+  AssertNoSetLocked("HandlerActions::DeliverEvent");
+  EventAddOnData* data = event.GetAddOnData();
+  if (!data) return;
+  // Copied before the handler acts, which may delete its event.
+  Notices& notices = event.GetOwner()->GetContext().notices;
+  const std::string which = "event \"" + event.GetName() + "\"";
+  const std::string handler = event.GetHandlerName();
+  try {
+    data->DealWithEvent(missed);
+  } catch (...) {
+    notices.ReportCompoundError("Kestrin: The handler \"" + handler, "\" failed to deal with the ",
+                                which + ".");
+  }
+}
+
+bool HandlerActions::CanDeliver(const Event& event) const {
+  const Context& context = event.GetOwner()->GetContext();
+  if (context.ui.HasScreen()) return true;
+  switch (event.GetStatus()) {
+    case WaitingToNag:
+      return false;
+    case WaitingForPrewarning:
+      if (context.clock.Now() < event.GetActualEventTime()) return false;
+      [[fallthrough]];
+    case WaitingForEvent:
+      return !NeedsScreen(event.GetAddOnData());
+    default:
+      return true;
+  }
+}
+
+}  // namespace kestrin

@@ -1,0 +1,157 @@
+#include "handlers/LoadEventHandlers.h"
+
+#include <dlfcn.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <exception>
+#include <vector>
+
+#include "core/Context.h"
+#include "core/HandlerTable.h"
+#include "core/Notices.h"
+#include "handlers/ActOnFileDataHandler.h"
+#include "handlers/CommandDataHandler.h"
+#include "handlers/DoNothingDataHandler.h"
+#include "handlers/MessageDataHandler.h"
+#include "handlers/UnknownDataHandler.h"
+#include "support/OwnedText.h"
+
+namespace kestrin {
+
+namespace {
+
+constexpr size_t MaxNamedLeftOut = 20;
+
+SettingsStore* addOnSettings = nullptr;
+
+void AddRow(const char* name, NewAddOnDataFunction factory) {
+  AddOnNames.push_back(name);
+  Function_NewAddOnData.push_back(factory);
+  ++NumberOfEventHandlers;
+}
+
+template <typename Function>
+Function FindSymbol(void* image, const char* name) {
+  return reinterpret_cast<Function>(dlsym(image, name));
+}
+
+void TellLoadFailed(Context& context, const std::string& path, int code, const char* words) {
+  if (words) std::fprintf(stderr, "Kestrin: %s\n", words);
+  char text[16];
+  std::snprintf(text, sizeof text, ": 0x%08X", static_cast<unsigned>(code));
+  context.notices.ReportCompoundError("LoadEventHandlers: load_add_on failed for ", path, text);
+}
+
+void* OpenImage(Context& context, const std::string& path) {
+  if (context.files.Kind(path) == FileKind::Other) {  // the loader would wait at a pipe for ever
+    TellLoadFailed(context, path, ENOEXEC, nullptr);
+    return nullptr;
+  }
+  errno = 0;
+  void* image = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
+  const int code = errno ? errno : ENOEXEC;
+  if (!image) TellLoadFailed(context, path, code, dlerror());
+  return image;
+}
+
+/// Null when the add-on refuses, throws, or gives a name that no file could hold.
+const char* Initialise(InitializeAddOnFunction initialise, const std::string& path) {
+  try {
+    const char* name = initialise();
+    return name && strnlen(name, TextLimit) < TextLimit ? name : nullptr;
+  } catch (const std::exception& thrown) {
+    std::fprintf(stderr, "Kestrin: InitializeAddOn of %s: %s\n", path.c_str(), thrown.what());
+  } catch (...) {
+    std::fprintf(stderr, "Kestrin: InitializeAddOn of %s threw\n", path.c_str());
+  }
+  return nullptr;
+}
+
+/// The words of the failure, or null when the image has taken a row.
+const char* TakeRow(void* image, const std::string& path) {
+  const auto factory = FindSymbol<NewAddOnDataFunction>(image, "NewAddOnData");
+  if (!factory) return "LoadEventHandlers:  couldn't find NewAddOnData for ";
+  const auto initialise = FindSymbol<InitializeAddOnFunction>(image, "InitializeAddOn");
+  if (!initialise) return "LoadEventHandlers:  couldn't find InitializeAddOn for ";
+  const char* name = Initialise(initialise, path);
+  if (!name) return "LoadEventHandlers:  InitializeAddOn failed for ";
+  AddRow(name, factory);
+  AddOnImages.push_back(image);
+  return nullptr;
+}
+
+void LoadAddOn(Context& context, const std::string& path) {
+  void* image = OpenImage(context, path);
+  if (!image) return;
+  if (const char* failure = TakeRow(image, path)) {
+    context.notices.ReportCompoundError(failure, path, "");
+    dlclose(image);
+  }
+}
+
+void TellLeftOut(Context& context, const std::vector<std::string>& paths) {
+  std::string list;
+  for (size_t i = 0; i < paths.size() && i < MaxNamedLeftOut; ++i) list += "\n" + paths[i];
+  if (paths.size() > MaxNamedLeftOut)
+    list += "\nand " + std::to_string(paths.size() - MaxNamedLeftOut) + " more";
+  context.notices.ReportCompoundError("Kestrin can use at most " + std::to_string(MaxAddOns),
+                                      " handler add-ons.  These were left out:", list);
+}
+
+void CleanUp(int32 row, void* image) {
+  const auto cleanUp = FindSymbol<CleanUpAddOnFunction>(image, "CleanUpAddOn");
+  if (!cleanUp) return;
+  try {
+    cleanUp();
+  } catch (...) {  // no alert opens any more when this runs
+    std::fprintf(stderr, "Kestrin: CleanUpAddOn failed for %s\n",
+                 AddOnNames[static_cast<size_t>(row)]);
+  }
+}
+
+}  // namespace
+
+void LoadBuiltInHandlers(Context& context) {
+  ResetHandlerTable();
+  HandlerContext = &context;
+  AddRow(DefHandUnknownName, DefHandUnknown_NewAddOnData);
+  AddRow(DefHandDoNothingName, DefHandDoNothing_NewAddOnData);
+  AddRow(DefHandMessageName, DefHandMessage_NewAddOnData);
+  AddRow(DefHandCommandName, DefHandCommand_NewAddOnData);
+  AddRow(DefHandActOnFileName, DefHandActOnFile_NewAddOnData);
+}
+
+void LoadEventHandlers(Context& context, SettingsStore* settings, const std::string& kestrinDir,
+                       const std::string& userAddOnFolder) {
+  if (kestrinDir.empty())
+    context.notices.HandleErrorAndExit("LoadEventHandlers: GetAppInfo failed");
+  LoadBuiltInHandlers(context);
+  addOnSettings = settings;
+  std::vector<std::string> leftOut;
+  for (const std::string& folder : {kestrinDir + "/add-ons", userAddOnFolder})
+    for (const std::string& name :
+         context.files.List(folder).value_or(std::vector<std::string>())) {
+      const std::string path = folder + "/" + name;
+      if (static_cast<int32>(AddOnImages.size()) < MaxAddOns)
+        LoadAddOn(context, path);
+      else
+        leftOut.push_back(path);
+    }
+  if (!leftOut.empty()) TellLeftOut(context, leftOut);
+}
+
+void UnloadEventHandlers() {
+  for (int32 row = NumberOfBuiltInHandlers; row < NumberOfEventHandlers; ++row) {
+    void* image = AddOnImages[static_cast<size_t>(row - NumberOfBuiltInHandlers)];
+    CleanUp(row, image);
+    dlclose(image);
+  }
+  addOnSettings = nullptr;
+  ResetHandlerTable();
+}
+
+SettingsStore* AddOnSettings() { return addOnSettings; }
+
+}  // namespace kestrin
