@@ -1,0 +1,141 @@
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+#include <random>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "core/DateTimeText.h"
+
+namespace kestrin {
+namespace {
+
+std::vector<std::vector<std::string>> ExamplesOfThePage() {
+  std::ifstream page(KESTRIN_SOURCE_DIR "/docs/time-rules.md");
+  std::vector<std::vector<std::string>> rows;
+  bool inTable = false;
+  for (std::string line; std::getline(page, line);) {
+    if (line == "| typed | means | time of day |") inTable = true;
+    if (!inTable || line.starts_with("| typed") || line.starts_with("|---")) continue;
+    if (!line.starts_with("| ")) break;
+    std::vector<std::string> cells;
+    std::istringstream cutter(line.substr(2));
+    for (std::string cell; std::getline(cutter, cell, '|');) {
+      const size_t last = cell.find_last_not_of(' ');
+      const size_t first = cell.find_first_not_of(' ');
+      cells.push_back(first == std::string::npos ? "" : cell.substr(first, last - first + 1));
+    }
+    rows.push_back(cells);
+  }
+  return rows;
+}
+
+std::string WallText(int32 moment, const Zone& zone) {
+  if (moment == -1) return "no date";
+  const CivilFields at = ToFields(zone.AtMoment(moment));
+  char text[80];
+  std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", static_cast<int>(at.year),
+                static_cast<int>(at.month + 1), static_cast<int>(at.day), static_cast<int>(at.hour),
+                static_cast<int>(at.minute), static_cast<int>(at.second));
+  return text;
+}
+
+TEST(DateParser, ReadsWhatThePageSays) {
+  const Zone zone = *Zone::Load("Europe/Berlin");
+  const int64 now = zone.ToMoment(ToCivil({2026, 10, 11, 10, 30, 15}));
+  const auto rows = ExamplesOfThePage();
+  ASSERT_GT(rows.size(), 50u);
+  for (const auto& row : rows) {
+    ASSERT_EQ(row.size(), 3u);
+    bool hasTime = true;
+    const int32 moment = hastimeinfo_parsedate(row[0], now, zone, &hasTime);
+    EXPECT_EQ(WallText(moment, zone), row[1]) << row[0];
+    EXPECT_EQ(hasTime ? "yes" : "no", row[2]) << row[0];
+    EXPECT_EQ(hastimeinfo_parsedate("  " + row[0] + "\t", now, zone, nullptr), moment) << row[0];
+  }
+}
+
+TEST(DateParser, WhatItShowsItReadsBack) {
+  std::mt19937 random(7);
+  std::uniform_int_distribution<int32> moments(INT32_MIN, INT32_MAX), nows(0, INT32_MAX);
+  for (const char* name : {"UTC", "America/New_York", "Australia/Lord_Howe", "Pacific/Apia"}) {
+    const Zone zone = *Zone::Load(name);
+    for (int i = 0; i < 3000; ++i) {
+      const int32 moment = moments(random), now = nows(random);
+      const Zone::Resolved shown = zone.Resolve(zone.AtMoment(moment));
+      if (shown.moment != moment) continue;  // the second showing of an hour reads as the first
+      for (const bool use24Hours : {false, true}) {
+        const std::string text = GetDateTimeString(moment, true, zone, use24Hours);
+        bool hasTime = false;
+        ASSERT_EQ(hastimeinfo_parsedate(text, now, zone, &hasTime), moment) << text;
+        ASSERT_TRUE(hasTime) << text;
+        ASSERT_EQ(hastimeinfo_parsedate(text.substr(5), now, zone, nullptr), moment) << text;
+      }
+    }
+  }
+}
+
+TEST(DateParser, ADayWhoseMidnightIsSkippedStillNamesNoTime) {
+  const Zone zone = *Zone::Load("America/Sao_Paulo");
+  const int64 now = zone.ToMoment(ToCivil({2018, 10, 1, 12, 0, 0}));
+  bool hasTime = true;
+  const int32 moment = hastimeinfo_parsedate("Nov 4 2018", now, zone, &hasTime);
+  EXPECT_EQ(WallText(moment, zone), "2018-11-04 01:00:00");
+  EXPECT_FALSE(hasTime);
+}
+
+TEST(DateParser, OutsideWhatCanBeStoredIsNoDate) {
+  EXPECT_EQ(ParseDate("Dec 13 1901 20:45:52", 1000, Zone()), INT32_MIN);
+  EXPECT_EQ(ParseDate("Dec 13 1901 20:45:51", 1000, Zone()), -1);
+  EXPECT_EQ(ParseDate("2038-01-19 03:14:07", 1000, Zone()), INT32_MAX);
+  EXPECT_EQ(ParseDate("2038-01-19 03:14:08", 1000, Zone()), -1);
+  EXPECT_EQ(ParseDate("in 1 second", INT32_MAX, Zone()), -1);
+  EXPECT_EQ(ParseDate("in 1 second", INT64_MAX, Zone()), -1);
+  EXPECT_EQ(ParseDate("Nov 15 2026" + std::string(200, ' '), 1000, Zone()), -1);
+  EXPECT_EQ(ParseDate("Nov 15 2026\xc2\xa0", 1000, Zone()), -1);
+  EXPECT_EQ(ParseDate(std::string_view("today\0", 6), 1000, Zone()), -1);
+}
+
+TEST(DateParser, AnyTextEnds) {
+  const std::vector<std::string> pieces = {
+      "12", "3",  "2026", "99999999", "/",    "-",    ".",        ":",     ",",    " ",
+      "am", "pm", "th",   "nov",      "sun",  "next", "last",     "week",  "in",   "ago",
+      "at", "on", "from", "now",      "noon", "T",    "tomorrow", "month", "\xff", "the"};
+  std::mt19937 random(11);
+  std::uniform_int_distribution<size_t> piece(0, pieces.size() - 1), count(0, 12);
+  const Zone zone = *Zone::Load("Europe/Berlin");
+  int dates = 0;
+  for (int i = 0; i < 100000; ++i) {
+    std::string text;
+    for (size_t left = count(random); left > 0; --left) text += pieces[piece(random)];
+    bool hasTime = true;
+    const int32 moment = hastimeinfo_parsedate(text, 1794389415, zone, &hasTime);
+    const int32 timeOfDay = ParseTimeOfDay(text);
+    ASSERT_TRUE(moment != -1 || !hasTime) << text;
+    ASSERT_TRUE(timeOfDay >= -1 && timeOfDay < 86400) << text;
+    dates += moment != -1;
+  }
+  EXPECT_GT(dates, 1000);
+}
+
+TEST(DateParser, TimesOfDayAlone) {
+  struct {
+    const char* typed;
+    int32 seconds;
+  } const rows[] = {
+      {"7pm", 68400},   {"19:30", 70200}, {"7:30:15 am", 27015},
+      {"noon", 43200},  {"midnight", 0},  {"12", 0},
+      {"0730", 27000},  {"730", 27000},   {" at 9:05 ", 32700},
+      {"12:00", 43200}, {"12 pm", 43200}, {"12 am", 0},
+      {"7", 25200},     {"23", 82800},    {"24", -1},
+      {"2460", -1},     {"13 pm", -1},    {"pm", -1},
+      {"", -1},         {"7:5", -1},      {"19:30 today", -1},
+      {"7:30:60", -1},  {"tomorrow", -1}, {"7 8", -1},
+  };
+  for (const auto& row : rows) EXPECT_EQ(ParseTimeOfDay(row.typed), row.seconds) << row.typed;
+}
+
+}  // namespace
+}  // namespace kestrin
