@@ -2,7 +2,7 @@
 add_library(kestrin_flags INTERFACE)
 target_compile_options(
   kestrin_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wold-style-cast
-                          -Wcast-align -Wunused -Woverloaded-virtual -Wnull-dereference
+                          -Wcast-align -Wunused -Woverloaded-virtual
                           -Wimplicit-fallthrough -Wformat=2 -Werror)
 if(KESTRIN_SANITIZE)
   target_compile_options(kestrin_flags INTERFACE -fsanitize=${KESTRIN_SANITIZE} -fno-omit-frame-pointer)

@@ -25,7 +25,7 @@ struct AlertRequest {
   int DefaultButton = 0;   ///< what Return presses once the alert has the focus
   AlertKind Kind = AlertKind::Information;
   AlertRole Role = AlertRole::Notice;
-  uint64 Set = 0;    ///< handles of the set and event the alert is about; 0 = none
+  uint64 Set = 0;  ///< handles of the set and event the alert is about; 0 = none
   uint64 Event = 0;
   int32 Occurrence = 0;  ///< the event's ActualEventTime when the alert was asked for
   /// Called once, in the main thread, with the index of the pressed button.

@@ -1,4 +1,5 @@
-// All alerts of the application: which stand open, which wait, and what happens when one is answered.
+// All alerts of the application: which stand open, which wait, and what happens when one is
+// answered.
 #pragma once
 
 #include <deque>

@@ -28,8 +28,8 @@ struct Context {
   Desktop& desktop;
   Workers& workers;
   EventActions& actions;
-  Zone zone;               ///< the system's zone; changed only between messages
-  uint64 nextHandle = 1;   ///< handles of sets and events; never reused
+  Zone zone;              ///< the system's zone; changed only between messages
+  uint64 nextHandle = 1;  ///< handles of sets and events; never reused
 };
 
 }  // namespace kestrin

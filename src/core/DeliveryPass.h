@@ -42,8 +42,8 @@ class DeliveryPass {
     bool passedOver = false;  ///< something due had to stay due
   };
   Earliest FindEarliest(bool passOverUndeliverable);
-  void HandOn(int64 when);
-  void DealWith(const Earliest& earliest, bool startup);
+  void HandOn(const Earliest& earliest);
+  void DealWith(const Earliest& earliest);
   void AlertReply(const Message& message);
 
   Context& context_;
@@ -52,7 +52,6 @@ class DeliveryPass {
   bool dealing_ = false;
   bool passStartup_ = false;
   bool nextIsStartup_ = false;
-  bool toldOfNoScreen_ = false;
 };
 
 /// A handler may take that long, measured with the steady clock.

@@ -10,8 +10,9 @@ namespace kestrin {
 
 struct FileDescription {
   bool Exists = false;
-  bool IsApplication = false;   ///< an executable or an application's desktop entry
-  std::string ApplicationName;  ///< the application itself, or what opens the document; may be empty
+  bool IsApplication = false;  ///< an executable or an application's desktop entry
+  std::string
+      ApplicationName;  ///< the application itself, or what opens the document; may be empty
 };
 
 class Desktop {

@@ -18,11 +18,14 @@ class DocumentApp {
   int32 CountRegWindProcHolds() const { return holds_.Count(); }
 
   bool IsQuitInProgress() const { return quitInProgress_; }
-  void CancelQuitProcess() { quitInProgress_ = false; }
+  /// A quit that waits is given up: somebody opened a window or said "Cancel".
+  void CancelQuitProcess();
 
  protected:
   /// Asks every window to close; true when none refused.
   virtual bool CloseWindows() = 0;
+  virtual void QuitAbandoned() = 0;
+  void BeginQuit() { quitInProgress_ = true; }
   bool QuitRequested();
 
  private:

@@ -25,7 +25,8 @@ enum class ConstructorResult : int32 { Success = 0, CouldNotOpen = 1, CouldNotRe
 /// window's state marks the set modified. Texts are cut to TextLimit - 1 bytes at their first NUL.
 class Event {
  public:
-  /// A new event with the defaults: tomorrow at midnight, the "Message" handler. Not yet in the set.
+  /// A new event with the defaults: tomorrow at midnight, the "Message" handler. Not yet in the
+  /// set.
   explicit Event(EventSet& owner);
   /// An event with these values and no handler data: the reader of a file or message adds it.
   Event(EventSet& owner, EventRecord record);
@@ -85,6 +86,8 @@ class Event {
   void SetSkipNag(bool skip) { skipNag_ = skip; }
   /// `own` is kept only for index -2.
   void SetIcon(int32 index, std::unique_ptr<IconPair> own);
+  /// For readers: the bitmaps that belong to the icon number -2. Notifies nobody.
+  void AdoptIcon(std::unique_ptr<IconPair> own) { ownIcon_ = std::move(own); }
   /// The event's own bitmaps, or null.
   const IconPair* GetOwnIcon() const { return ownIcon_.get(); }
   void SetModified();
@@ -96,7 +99,7 @@ class Event {
   EventAddOnData* GetAddOnData() const { return GetAddOnData(selectedHandler_); }
   EventAddOnData* GetAddOnData(int32 row) const;
   /// What a file or message calls the handler: for "Unknown" the name of the missing one.
-  const std::string& GetHandlerName() const;
+  std::string GetHandlerName() const;
   /// For readers: puts data into a slot and selects it. Notifies nobody.
   void AdoptAddOnData(int32 row, std::unique_ptr<EventAddOnData> data);
 
@@ -108,6 +111,10 @@ class Event {
   /// gone afterwards. `checkMissed`: the pass follows a start, so events may have been missed.
   void DealWithEvent(bool checkMissed);
 
+  /// Advances the state as after a delivery, delivering nothing: for what was delivered before its
+  /// set was read again. The event may be gone afterwards.
+  void MoveOn();
+
   /// Opens the editor, or activates it.
   void OpenWindow();
   EditorWindow* GetWindow() const { return window_; }
@@ -117,20 +124,30 @@ class Event {
   static int64 Compare(const Event& a, const Event& b, int32 column);
 
   // For NextEventIndex alone.
-  uint64 indexStamp = 0;   ///< place in the set's list: smaller stands earlier
+  uint64 indexStamp = 0;  ///< place in the set's list: smaller stands earlier
   int32 indexPlace = -1;
 
  private:
-  template <typename T>
-  void Store(T& field, T value);
-  void StoreText(std::string& field, std::string_view text);
-  void TellTimes();
-  void EventDelivered();
-  void DropToNextOccurrence();
-  bool IsLate(int64 now) const;
+  /// Stores a field of the timing rule and recomputes.
+  template <typename T, typename V>
+  void StoreTiming(T& field, V value);
+  /// Stores any other field and marks the set modified.
+  template <typename T, typename V>
+  void StorePlain(T& field, V value);
+  void JoinDayAndTime(int32 day);
   void TakeTimes(const EventTimes& times);
-  void FinishDelivered();
-  void PostDealtWith();
+  void TellTimes();
+  const Zone& LocalZone() const;
+  int64 Now() const;
+
+  bool IsLate(int64 now) const;
+  void PassOverMissed();
+  void EventDelivered();
+  void PrewarningDelivered(int64 now);
+  void OccurrenceDelivered(int64 now);
+  void NagDelivered(int64 now);
+  void StepNag(int64 after);
+  void DeleteSelf();
 
   EventSet& owner_;
   uint64 handle_;

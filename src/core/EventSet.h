@@ -3,7 +3,9 @@
 #pragma once
 
 #include <array>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -53,8 +55,10 @@ class EventSet : public Locker {
   /// Appends while reading: nobody is told, nothing is marked.
   void AppendRead(std::unique_ptr<Event> event);
   /// Takes the event out (its editor is closed first) and tells the window and the application. The
-  /// caller may keep the event to offer it back: InsertEvent.
+  /// caller may keep the event and offer it back, at its old place, with InsertEvent.
   std::unique_ptr<Event> RemoveEvent(Event* event);
+  Event* InsertEvent(std::unique_ptr<Event> event, size_t place);
+  size_t PlaceOf(const Event* event) const;
   /// Room for that many events, while reading.
   void Reserve(size_t count) { events_.reserve(count); }
 
@@ -62,12 +66,14 @@ class EventSet : public Locker {
   Event* GetNextEvent();
   /// 0 and null when nothing is pending. Inactive events are passed over.
   int32 GetNextEventTime(Event** event);
-  /// The same without the events that `passOver` names by handle.
-  int32 GetNextEventTime(Event** event, const std::vector<uint64>& passOver);
+  /// The same without the events that `passOver` is true for. Looks at every event.
+  int32 GetNextEventTime(Event** event, const std::function<bool(const Event&)>& passOver);
 
-  /// Writes the file as a whole. On success nothing is modified any more. If the file was changed by
-  /// others since it was read, the set is written beside it, keeps that new name and the user is told.
-  bool SaveData();
+  enum class SavedBy { User, Itself };
+  /// Writes the file as a whole. On success nothing is modified any more. If the file was changed
+  /// by others since it was read, the set is written beside it, keeps that new name and the user is
+  /// told. A save by the user takes the mark of a downloaded file off.
+  bool SaveData(SavedBy by = SavedBy::User);
   /// Writes a copy elsewhere; name and modified flag stay.
   bool SaveCopy(const std::string& path);
 
@@ -92,6 +98,28 @@ class EventSet : public Locker {
   /// A new name: what is known of the earlier file no longer holds.
   void SetFileName(const std::string& path);
   bool IsUntitled() const { return untitled_; }
+  /// Whether the file came from elsewhere and the user has not saved it yet: commands and files
+  /// then always ask first.
+  bool IsDownloaded() const { return downloaded_; }
+
+  /// The set was read from a recovery copy: it goes by that name, unsaved, and the copy goes when
+  /// the set is saved or discarded.
+  void BecomeRecovered(const std::string& untitledName);
+  const std::string& RecoveredFrom() const { return recoveredFrom_; }
+  /// Removes the recovery copy, if there is one.
+  void DiscardRecovered();
+
+  /// What of this set was delivered since it was last saved.
+  struct Delivered {
+    std::string name;
+    int32 occurrence;
+    int32 status;
+    bool operator==(const Delivered&) const = default;
+  };
+  void RecordDelivered(const Event& event);
+  const std::vector<Delivered>& DeliveredUnsaved() const { return delivered_; }
+  /// Moves on every event that is due at `now` although `delivered` says it was delivered.
+  void MoveOnDelivered(const std::vector<Delivered>& delivered, int64 now);
   /// The last component of the file name.
   std::string GetLeaf() const;
   static std::string LeafOf(const std::string& path);
@@ -108,13 +136,11 @@ class EventSet : public Locker {
   const SetLayout& Layout() const { return layout_; }
   SetLayout& Layout() { return layout_; }  ///< window state: changing it marks nothing modified
 
-  const std::string& FileVersion() const { return fileVersion_; }
-  bool FileIsBigEndian() const { return fileIsBigEndian_; }
-  void RecordFileForm(std::string version, bool bigEndian);
-
  private:
+  void Read(ConstructorResult* result, bool* versionOK);
   bool WriteTo(const std::string& path);
   std::string NameBeside() const;
+  void Insert(std::unique_ptr<Event> event, size_t at);
 
   Context& context_;
   uint64 handle_;
@@ -126,8 +152,9 @@ class EventSet : public Locker {
   std::optional<FileStamp> stamp_;  ///< the file as it was read or last written
   SetWindow* window_ = nullptr;
   SetLayout layout_;
-  std::string fileVersion_;
-  bool fileIsBigEndian_ = false;
+  std::string recoveredFrom_;
+  std::vector<Delivered> delivered_;
+  bool downloaded_ = false;
   bool modified_ = false;
   bool deliveryModified_ = false;
   int32 deliveries_ = 0;

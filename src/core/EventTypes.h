@@ -39,7 +39,7 @@ enum EventStatus : int32 {
 
 /// Seconds per unit; 0 for months, which are calendar arithmetic.
 inline constexpr std::array<int64, NumberOfIntervalTypes> IntervalLength = {0, 604800, 86400, 3600,
-                                                                             60};
+                                                                            60};
 
 inline constexpr std::array<std::string_view, 4> StatusMessages = {
     "Waiting for prewarning", "Waiting for event", "Waiting to nag", "Done with event"};
@@ -57,8 +57,8 @@ inline constexpr std::array<std::string_view, 12> MonthAbbr = {
 
 /// Which TimingType (column) each PeriodicityType (row) admits.
 inline constexpr bool AllowableTypeCombination[NumberOfPeriodTypes][NumberOfTimingTypes] = {
-    {true, false, false}, {true, true, true},  {false, true, true}, {false, false, true},
-    {true, true, true},   {true, true, true},  {true, true, true},  {true, true, true},
+    {true, false, false}, {true, true, true},   {false, true, true}, {false, false, true},
+    {true, true, true},   {true, true, true},   {true, true, true},  {true, true, true},
     {false, true, true},  {false, false, true}, {true, true, true},  {true, true, true},
 };
 

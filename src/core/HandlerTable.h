@@ -13,10 +13,10 @@ namespace kestrin {
 
 struct Context;
 
-extern int8 NumberOfEventHandlers;                           ///< usable rows, built-ins included
-extern std::vector<const char*> AddOnNames;                  ///< row i: display and file name
+extern int8 NumberOfEventHandlers;           ///< usable rows, built-ins included
+extern std::vector<const char*> AddOnNames;  ///< row i: display and file name
 extern std::vector<NewAddOnDataFunction> Function_NewAddOnData;  ///< row i: the factory
-extern std::vector<void*> AddOnImages;                       ///< entry i - 5 belongs to row i
+extern std::vector<void*> AddOnImages;                           ///< entry i - 5 belongs to row i
 /// What handlers' services work with, while the table is loaded.
 extern Context* HandlerContext;
 

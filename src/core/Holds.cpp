@@ -15,7 +15,10 @@ void Holds::ProcessDone(uint64 set) {
     const auto found = perSet_.find(set);
     if (found != perSet_.end() && --found->second == 0) perSet_.erase(found);
   }
-  if (count_.fetch_sub(1) == 1) queue_.Post(QUIT_REQUESTED);
+  if (count_.fetch_sub(1) != 1) return;
+  Message quit(QUIT_REQUESTED);
+  quit.Set("IfIdle", true);
+  queue_.Post(std::move(quit));
 }
 
 int32 Holds::CountFor(uint64 set) const {

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <functional>
+#include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -11,6 +13,7 @@
 #include "core/Context.h"
 #include "core/DeliveryPass.h"
 #include "core/DocumentApp.h"
+#include "core/Event.h"
 #include "core/RecoveryFolder.h"
 #include "core/SettingsStore.h"
 
@@ -21,10 +24,11 @@ struct AppParts {
   BackgroundMessenger& background;
   BusPresence& bus;
   SettingsStore& settings;
-  std::string kestrinDir;     ///< folder of the real executable
-  std::string stateFolder;    ///< $XDG_STATE_HOME/kestrin
+  std::string kestrinDir;   ///< folder of the real executable
+  std::string stateFolder;  ///< $XDG_STATE_HOME/kestrin
   std::function<void()> loadHandlers;
   std::function<void()> unloadHandlers;
+  std::function<Zone()> systemZone;
   std::function<void()> endLoop;  ///< called when the program is to end
 };
 
@@ -60,27 +64,49 @@ class KestrinApp : public DocumentApp {
 
  protected:
   bool CloseWindows() override;
+  void QuitAbandoned() override;
 
  private:
+  // Opening.
   void ReadSelectedSets();
   void OpenRecovered();
-  void QuitMessage();
+  EventSet* LoadSet(const std::string& file);
+  void OpenFiles(const Message& message);
+  void Activate();
+  void ReportOpening(ConstructorResult result, const std::string& path);
+  bool AnyWindow() const;
+  bool KeepsMissingFile(const std::string& path) const;
+
+  // Messages.
+  bool WindowMessage(const Message& message);
+  void SettingsChanged();
+  void SaveDeliveredSets();
+  void RecomputeAll();
+
+  // Ending.
+  void QuitMessage(const Message& message);
   void Quit();
   void ForcedQuit();
   void SaveModifiedSets();
-  void SaveDeliveredSets();
+  void SaveRecoveryCopies();
   void CommitAllEdits();
   void End();
   bool SomethingWaits() const;
-  void ReportOpening(ConstructorResult result, const std::string& path);
-  bool AnyWindow() const;
+
+  // Alerts that outlived an earlier process.
+  void ShowRecordedAlerts();
+  void ShowRecorded(size_t place);
+  void RecordedAlertDone(size_t place);
 
   Context& context_;
   AppParts parts_;
   DeliveryPass pass_;
   RecoveryFolder recovery_;
+  std::vector<std::optional<Message>> recorded_;  ///< shown again, not yet answered
+  std::set<uint64> saveReported_;                 ///< sets whose automatic saving has failed
   int32 nextUntitled_ = 1;
   bool running_ = false;
+  bool ending_ = false;
   bool hasQuit_ = false;
 };
 

@@ -1,5 +1,5 @@
-// What-codes of messages. The numbers below 100 and the four-character codes are fixed: windows, the
-// background deliverer and add-ons rely on them.
+// What-codes of messages. The numbers below 100 and the four-character codes are fixed: windows,
+// the background deliverer and add-ons rely on them.
 #pragma once
 
 #include "support/Message.h"
@@ -18,13 +18,14 @@ enum MessageCode : uint32 {
   NAG_ALERT_REPLY = 9,      ///< "Occurrence" (the ActualEventTime the alert was for)
 
   DELIVER_EVENTS = FourCharCode("DelE"),
-  PROCESS_HOLD_DONE = FourCharCode("Sphd"),  ///< optional int64 "EventSet": whose hold it was
+  PROCESS_HOLD_DONE = FourCharCode("Sphd"),   ///< optional int64 "EventSet": whose hold it was
   NEXT_EVENT_MESSAGE = FourCharCode("SetE"),  ///< optional int32 "When"
-  QUIT_REQUESTED = FourCharCode("_QRQ"),
+  QUIT_REQUESTED = FourCharCode("_QRQ"),      ///< optional bool "IfIdle": only while nothing holds
   ABOUT_REQUESTED = FourCharCode("_ABR"),
 
   // Of the application to itself.
-  OPEN_FILES = FourCharCode("OpnF"),      ///< string "path" fields numbered "0", "1", …; bool "window"
+  OPEN_FILES = FourCharCode("OpnF"),  ///< string "path" fields numbered "0", "1", …; bool "window"
+  SETS_OPENED = FourCharCode("Opnd"),     ///< sets were loaded: what is due in them may be missed
   ACTIVATE = FourCharCode("Actv"),        ///< a second plain launch: open or raise the interface
   ALERTS_WAITING = FourCharCode("Alrt"),  ///< the alert desk has windows to open
   SETTINGS_CHANGED = FourCharCode("StCh"),

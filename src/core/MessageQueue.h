@@ -18,7 +18,8 @@ class MessageQueue {
   /// Called in the posting thread whenever a message was queued.
   void SetWakeUp(std::function<void()> wakeUp);
 
-  /// EVENT_SETS_CHANGED, ALERTS_WAITING, SETTINGS_CHANGED and PASSES_AT_REST are queued at most once.
+  /// EVENT_SETS_CHANGED, ALERTS_WAITING, SETTINGS_CHANGED, SETS_OPENED and PASSES_AT_REST are
+  /// queued at most once.
   void Post(Message message);
   void Post(MessageCode code) { Post(Message(code)); }
 

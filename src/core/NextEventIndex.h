@@ -1,6 +1,7 @@
 // Which event of a set comes next: a heap on (NextEventTime, place in the list).
 #pragma once
 
+#include <memory>
 #include <vector>
 
 #include "kestrin/Types.h"
@@ -9,14 +10,14 @@ namespace kestrin {
 
 class Event;
 
-/// Holds the events that are active and have a next time. Built on the first question; a change then
-/// costs O(log n).
+/// Holds the events that are active and have a next time. Built on the first question; a change
+/// then costs O(log n).
 class NextEventIndex {
  public:
   /// The events are all new or their order has changed: build anew at the next question.
   void Forget();
   bool IsBuilt() const { return built_; }
-  void Build(const std::vector<Event*>& events);
+  void Build(const std::vector<std::unique_ptr<Event>>& events);
   /// The event's next time or active flag may have changed.
   void Changed(Event* event);
   void Remove(Event* event);

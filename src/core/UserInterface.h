@@ -24,7 +24,8 @@ class SetWindow {
   virtual void EventAdded(Event& event) = 0;
   /// The event is about to go; nothing may keep a pointer to it.
   virtual void EventRemoved(Event& event) = 0;
-  /// Columns of the event have changed. May be called 100,000 times in a row: collect, repaint once.
+  /// Columns of the event have changed. May be called 100,000 times in a row: collect, repaint
+  /// once.
   virtual void EventModified(Event& event) = 0;
   /// The set's name, its modified flag or what it delivers next have changed.
   virtual void SetChanged() = 0;

@@ -15,8 +15,8 @@ class WindowPositionSet {
   Rect DefaultFrame() const { return default_; }
   void SetDefaultFrame(Rect frame);
 
-  /// `frame` moved, and only if need be shrunk, so that it lies within `screen`. A frame with values
-  /// that are no numbers, or with nothing inside, becomes `fallback` first.
+  /// `frame` moved, and only if need be shrunk, so that it lies within `screen`. A frame with
+  /// values that are no numbers, or with nothing inside, becomes `fallback` first.
   static Rect MovedOntoScreen(Rect frame, Rect screen, Rect fallback);
 
   static constexpr float Step = 20;

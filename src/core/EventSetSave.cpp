@@ -1,0 +1,119 @@
+// Reading a set in and writing it out.
+#include <cstdio>
+
+#include "core/Clock.h"
+#include "core/EventSet.h"
+#include "core/EventSetFile.h"
+#include "core/Notices.h"
+#include "core/UserInterface.h"
+#include "support/WholeFile.h"
+
+namespace kestrin {
+
+namespace {
+
+constexpr char OriginAttribute[] = "user.xdg.origin.url";
+constexpr char TypeAttribute[] = "user.mime_type";
+constexpr int32 WriteBuffer = 65536;
+
+}  // namespace
+
+void EventSet::Read(ConstructorResult* result, bool* versionOK) {
+  *versionOK = true;
+  stamp_ = context_.files.Stamp(fileName_);
+  SetFileReport report;
+  *result = ReadSetFile(*this, fileName_, versionOK, &report);
+  if (!report.Fault.empty())
+    std::fprintf(stderr, "kestrin: %s: %s\n", fileName_.c_str(), report.Fault.c_str());
+  if (!*versionOK)
+    context_.notices.ReportError(
+        "The EventSet file " + fileName_ +
+        " was written by an unknown version of Kestrin.  It was written by version " +
+        report.Version + ", and the current version is " + SetFileVersion +
+        ".  The set will not be able to be opened until you get a newer version of Kestrin.");
+  downloaded_ = context_.files.GetAttribute(fileName_, OriginAttribute).has_value();
+}
+
+bool EventSet::WriteTo(const std::string& path) {
+  EndianIndependentFile file(context_.files, path, OpenWriteOnly | OpenCreate | OpenErase,
+                             WriteBuffer);
+  return file.InitCheck() == StatusOk && WriteSetFile(*this, file) && file.Sync() == StatusOk;
+}
+
+bool EventSet::SaveCopy(const std::string& path) {
+  return ReplaceFile(context_.files, path, [this](const std::string& temporary) {
+           return WriteTo(temporary);
+         }) == StatusOk;
+}
+
+/// A name beside the file that says why it is there and that nobody has taken yet.
+std::string EventSet::NameBeside() const {
+  std::string stem = fileName_;
+  const std::string suffix = SetFileSuffix;
+  if (stem.size() > suffix.size() && stem.ends_with(suffix))
+    stem.resize(stem.size() - suffix.size());
+  const CivilFields now = ToFields(context_.zone.AtMoment(context_.clock.Now()));
+  char when[64];
+  std::snprintf(when, sizeof when, " (kept apart %04d-%02d-%02d %02d.%02d.%02d",
+                static_cast<int>(now.year), static_cast<int>(now.month + 1),
+                static_cast<int>(now.day), static_cast<int>(now.hour), static_cast<int>(now.minute),
+                static_cast<int>(now.second));
+  for (int number = 1;; ++number) {
+    const std::string name =
+        stem + when + (number > 1 ? ", " + std::to_string(number) : "") + ")" + suffix;
+    if (context_.files.Kind(name) == FileKind::Missing) return name;
+  }
+}
+
+bool EventSet::SaveData(SavedBy by) {
+  const std::string earlier = fileName_;
+  const std::optional<FileStamp> onDisk = context_.files.Stamp(fileName_);
+  const bool changedByOthers = stamp_ && onDisk && *stamp_ != *onDisk;
+  const std::string target = changedByOthers ? NameBeside() : fileName_;
+  if (!SaveCopy(target)) return false;
+  if (by == SavedBy::User) {
+    context_.files.RemoveAttribute(target, OriginAttribute);
+    downloaded_ = false;
+  }
+  context_.files.SetAttribute(target, TypeAttribute, SetFileType);
+  stamp_ = context_.files.Stamp(target);
+  fileName_ = target;
+  modified_ = deliveryModified_ = false;
+  delivered_.clear();
+  if (untitled_) {
+    untitled_ = false;
+    DiscardRecovered();
+  }
+  if (changedByOthers) {
+    const AutoLock lock(KestrinSettings::Protect);
+    if (KestrinSettings::IsFileRemembered(earlier)) KestrinSettings::RememberSet(fileName_);
+    context_.notices.InformUser("The event set \"" + LeafOf(earlier) +
+                                "\" was changed by another program since Kestrin read it.  Your "
+                                "events were saved beside it as \"" +
+                                GetLeaf() + "\", and the set now goes by that name.");
+  }
+  if (window_) window_->SetChanged();
+  return true;
+}
+
+void EventSet::SetFileName(const std::string& path) {
+  if (path == fileName_) return;
+  fileName_ = path;
+  stamp_.reset();
+}
+
+void EventSet::BecomeRecovered(const std::string& untitledName) {
+  recoveredFrom_ = fileName_;
+  fileName_ = untitledName;
+  untitled_ = true;
+  stamp_.reset();
+  modified_ = true;
+}
+
+void EventSet::DiscardRecovered() {
+  if (recoveredFrom_.empty()) return;
+  context_.files.Remove(recoveredFrom_);
+  recoveredFrom_.clear();
+}
+
+}  // namespace kestrin

@@ -1,0 +1,32 @@
+#include "core/OpenSets.h"
+
+#include <algorithm>
+
+#include "core/EventSet.h"
+
+namespace kestrin {
+
+std::vector<std::unique_ptr<EventSet>> OpenSets::Sets;
+Locker OpenSets::Protect("Open sets", LockRank::OpenSets);
+
+EventSet* OpenSets::FindFile(const std::string& path) {
+  for (const auto& set : Sets)
+    if (set->GetFileName() == path) return set.get();
+  return nullptr;
+}
+
+EventSet* OpenSets::FindHandle(uint64 handle) {
+  for (const auto& set : Sets)
+    if (set->GetHandle() == handle) return set.get();
+  return nullptr;
+}
+
+void OpenSets::Destroy(EventSet* set) {
+  const auto found =
+      std::find_if(Sets.begin(), Sets.end(), [set](const auto& open) { return open.get() == set; });
+  if (found == Sets.end()) return;
+  const std::unique_ptr<EventSet> gone = std::move(*found);
+  Sets.erase(found);
+}
+
+}  // namespace kestrin
