@@ -1,0 +1,225 @@
+// The program itself, on a bus of the test's own.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <filesystem>
+
+#include "PrivateBus.h"
+#include "programs/background/BusContract.h"
+
+namespace kestrin {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+constexpr int32_t Later = 1893456000;
+constexpr int64_t Second = 1'000'000;
+
+class BackgroundProcess : public testing::Test {
+ protected:
+  std::unique_ptr<Child> Start(std::vector<std::string> command = {KESTRIN_BACKGROUND}) {
+    auto child = std::make_unique<Child>(std::move(command), bus.Environment());
+    EXPECT_TRUE(peer.WaitForOwner(BackgroundBusName));
+    return child;
+  }
+
+  PrivateBus bus;
+  Peer peer{bus};
+};
+
+TEST_F(BackgroundProcess, SetsReplacesAndClearsTheTime) {
+  const auto deliverer = Start();
+  EXPECT_EQ(peer.When(), 0);
+  EXPECT_EQ(peer.SetWhen(Later), "");
+  EXPECT_EQ(peer.When(), Later);
+  EXPECT_EQ(ReadFile(bus.KeptFile()), "1893456000\n");
+  EXPECT_EQ(peer.SetWhen(Later), "");
+  EXPECT_EQ(peer.Post(NextEventCode, {{"Why", 's', 3}, {"When", 'i', Later + 1}, {"Zeal", 'x', 9}}),
+            "");
+  EXPECT_EQ(peer.When(), Later + 1);
+  EXPECT_EQ(peer.Post(NextEventCode, {{"why", 'b', 1}}), "");
+  EXPECT_EQ(peer.When(), 0);
+  EXPECT_FALSE(fs::exists(bus.KeptFile()));
+  EXPECT_TRUE(peer.WaitUntil([&] { return peer.announced.size() >= 3; }));
+  EXPECT_THAT(peer.announced, ElementsAre(Later, Later + 1, 0));
+}
+
+TEST_F(BackgroundProcess, RefusesForeignCodesAndFieldsOfAnotherType) {
+  const auto deliverer = Start();
+  ASSERT_EQ(peer.SetWhen(Later), "");
+  for (const uint32_t what : {0u, 1u, 6u, 7u, DeliverEventsCode, 0x53706864u, 0x73657445u})
+    EXPECT_EQ(peer.Post(what, {{"When", 'i', 5}}), UnknownMessageError) << what;
+  for (const char type : {'u', 'x', 'b', 's'}) {
+    EXPECT_EQ(peer.Post(NextEventCode, {{"When", type, 1}}), BadFieldError) << type;
+    EXPECT_EQ(peer.Post(NextEventCode, {{"When", 'i', 5}, {"When", type, 1}}), BadFieldError);
+  }
+  EXPECT_EQ(peer.When(), Later);
+  EXPECT_EQ(ReadFile(bus.KeptFile()), "1893456000\n");
+}
+
+TEST_F(BackgroundProcess, WakesARunningApplicationAtTheSecond) {
+  const auto deliverer = Start();
+  Peer application(bus, ApplicationBusName);
+  const int64_t when = RealTime() / Second + 2;
+  ASSERT_EQ(application.SetWhen(Later), "");
+  ASSERT_EQ(application.SetWhen(when), "");
+  ASSERT_TRUE(application.WaitUntil([&] { return !application.taken.empty(); }));
+  EXPECT_EQ(application.taken[0].what, DeliverEventsCode);
+  const int64_t late = application.taken[0].at - when * Second;
+  EXPECT_GE(late, 0);
+  std::printf("woken %lld us after the second\n", static_cast<long long>(late));
+  EXPECT_EQ(peer.When(), when) << "stands until the application has told its next event";
+}
+
+TEST_F(BackgroundProcess, APastTimeIsDeliveredAtOnce) {
+  const auto deliverer = Start();
+  Peer application(bus, ApplicationBusName);
+  size_t count = 0;
+  for (const int64_t when :
+       {RealTime() / Second, RealTime() / Second - 3600, int64_t{1}, int64_t{-5}}) {
+    ASSERT_EQ(application.SetWhen(when), "");
+    ++count;
+    EXPECT_TRUE(application.WaitUntil([&] { return application.taken.size() == count; })) << when;
+  }
+}
+
+TEST_F(BackgroundProcess, HasTheBusStartTheApplication) {
+  LinePipe pipe(bus.Folder() + "/woken");
+  bus.AddService(ApplicationBusName,
+                 std::string(WOKEN_APPLICATION) + " " + bus.Folder() + "/woken");
+  const auto deliverer = Start();
+  ASSERT_EQ(peer.SetWhen(RealTime() / Second), "");
+  EXPECT_EQ(pipe.NextLine(), "44656C45");
+  EXPECT_TRUE(peer.WaitUntil([&] { return peer.announced.size() == 2; }));
+  EXPECT_EQ(peer.When(), 0);
+  EXPECT_THAT(deliverer->Errors(), IsEmpty());
+}
+
+TEST_F(BackgroundProcess, StartsTheApplicationBesideItselfWhenTheBusCannot) {
+  LinePipe pipe(bus.Folder() + "/launched");
+  fs::copy_file(KESTRIN_BACKGROUND, bus.Folder() + "/KestrinBackground");
+  WriteFile(bus.Folder() + "/kestrin",
+            "#!/bin/sh\necho \"$# $1\" > " + bus.Folder() + "/launched\n");
+  fs::permissions(bus.Folder() + "/kestrin", fs::perms::owner_all);
+  // Knows a file for the application, but that file has gone.
+  bus.AddService(ApplicationBusName, "/nonexistent/kestrin");
+  const auto deliverer = Start({bus.Folder() + "/KestrinBackground"});
+  ASSERT_EQ(peer.SetWhen(1), "");
+  EXPECT_EQ(pipe.NextLine(), "1 -background");
+}
+
+TEST_F(BackgroundProcess, TriesAgainWhenTheApplicationVanishes) {
+  const auto deliverer = Start();
+  int64_t vanished = 0;
+  {
+    Peer application(bus, ApplicationBusName);
+    ASSERT_EQ(application.SetWhen(1), "");
+    ASSERT_TRUE(application.WaitUntil([&] { return !application.taken.empty(); }));
+    vanished = RealTime();
+  }
+  Peer application(bus, ApplicationBusName);
+  ASSERT_TRUE(application.WaitUntil([&] { return !application.taken.empty(); }));
+  EXPECT_EQ(application.taken[0].what, DeliverEventsCode);
+  EXPECT_GE(application.taken[0].at - vanished, Second);
+  EXPECT_THAT(deliverer->Errors(), HasSubstr("try 1 of 5"));
+}
+
+TEST_F(BackgroundProcess, AKilledDelivererGoesOnWhereItStood) {
+  auto deliverer = Start();
+  ASSERT_EQ(peer.SetWhen(Later), "");
+  deliverer->Signal(SIGKILL);
+  EXPECT_EQ(deliverer->Wait(), -SIGKILL);
+  ASSERT_TRUE(peer.WaitForOwner(BackgroundBusName, false));
+  deliverer = Start();
+  EXPECT_EQ(peer.When(), Later);
+  EXPECT_THAT(deliverer->Errors(), IsEmpty());
+}
+
+TEST_F(BackgroundProcess, ADamagedKeptTimeIsNone) {
+  fs::create_directories(fs::path(bus.KeptFile()).parent_path());
+  WriteFile(bus.KeptFile(), "tomorrow\n");
+  const auto deliverer = Start();
+  EXPECT_EQ(peer.When(), 0);
+  EXPECT_EQ(deliverer->Errors(), "KestrinBackground: the kept time is damaged and is ignored\n");
+}
+
+TEST_F(BackgroundProcess, WorksWithoutARuntimeFolder) {
+  auto environment = bus.Environment();
+  environment["XDG_RUNTIME_DIR"] = "";
+  Child deliverer({KESTRIN_BACKGROUND}, environment);
+  ASSERT_TRUE(peer.WaitForOwner(BackgroundBusName));
+  EXPECT_EQ(peer.SetWhen(Later), "");
+  EXPECT_EQ(peer.When(), Later);
+  EXPECT_THAT(deliverer.Errors(), HasSubstr("XDG_RUNTIME_DIR"));
+}
+
+TEST_F(BackgroundProcess, ASecondOneLeavesQuietly) {
+  const auto first = Start();
+  ASSERT_EQ(peer.SetWhen(Later), "");
+  Child second({KESTRIN_BACKGROUND}, bus.Environment());
+  EXPECT_EQ(second.Wait(), 0);
+  EXPECT_THAT(second.Errors(), IsEmpty());
+  EXPECT_EQ(peer.When(), Later);
+}
+
+TEST_F(BackgroundProcess, EndsWhenToldToAndForgetsOnlyWhenAskedToQuit) {
+  const std::pair<std::function<void(const Child&)>, bool> ways[] = {
+      {[&](const Child&) {
+         EXPECT_EQ(peer.Post(QuitRequestedCode, {{"Full", 'b', 1}}), "");
+       },
+       false},
+      {[](const Child& child) { child.Signal(SIGTERM); }, true},
+      {[](const Child& child) { child.Signal(SIGINT); }, true},
+      {[&](const Child&) { bus.End(); }, true},
+  };
+  for (const auto& [end, kept] : ways) {
+    const auto deliverer = Start();
+    ASSERT_EQ(peer.SetWhen(Later), "");
+    end(*deliverer);
+    EXPECT_EQ(deliverer->Wait(), 0);
+    EXPECT_THAT(deliverer->Errors(), IsEmpty());
+    EXPECT_EQ(fs::exists(bus.KeptFile()), kept);
+    peer.WaitForOwner(BackgroundBusName, false);
+  }
+}
+
+TEST_F(BackgroundProcess, AChangedZoneWakesTheApplication) {
+  const std::string zone = bus.Folder() + "/zone";
+  fs::create_directory(zone);
+  const auto deliverer = Start({BACKGROUND_ELSEWHERE, zone});
+  Peer application(bus, ApplicationBusName);
+  ASSERT_EQ(application.SetWhen(Later), "");
+  WriteFile(zone + "/hostname", "another file");
+  const int64_t changed = RealTime();
+  for (const char* name : {"Europe/Berlin", "Asia/Tokyo"}) {
+    fs::create_symlink(std::string("/usr/share/zoneinfo/") + name, zone + "/localtime.new");
+    fs::rename(zone + "/localtime.new", zone + "/localtime");
+  }
+  ASSERT_TRUE(application.WaitUntil([&] { return !application.taken.empty(); }));
+  EXPECT_EQ(application.taken.size(), 1u);
+  EXPECT_GE(application.taken[0].at - changed, Second);
+  EXPECT_EQ(application.When(), Later);
+}
+
+TEST(BackgroundUsage, SaysInOneLineWhyItCannotStart) {
+  TemporaryFolder empty;
+  const std::pair<std::vector<std::string>, std::string> cases[] = {
+      {{KESTRIN_BACKGROUND, "--version"}, "\"--version\""},
+      {{KESTRIN_BACKGROUND, ""}, "\"\""},
+      {{KESTRIN_BACKGROUND}, "session bus"},
+  };
+  for (const auto& [command, reason] : cases) {
+    Child child(command, {{"DBUS_SESSION_BUS_ADDRESS", "unix:path=" + empty.path + "/none"},
+                          {"DBUS_STARTER_ADDRESS", ""}});
+    EXPECT_EQ(child.Wait(), 1);
+    EXPECT_THAT(child.Errors(), HasSubstr(reason));
+    EXPECT_EQ(std::count(child.Errors().begin(), child.Errors().end(), '\n'), 1);
+  }
+}
+
+}  // namespace
+}  // namespace kestrin
