@@ -1,0 +1,18 @@
+// What the desktop knows about files: which application opens them, and how it is started. Works
+// without a display and without a running event loop.
+#pragma once
+
+#include <string>
+
+#include "core/Desktop.h"
+
+namespace kestrin {
+
+/// Reads no more than the head of a regular file; pipes and devices are not opened.
+FileDescription DescribeFile(const std::string& path);
+
+/// Starts an executable (an execute bit, and an ELF or "#!" head), the application of a desktop
+/// entry, or the default application of a document or folder. Any thread.
+bool LaunchFile(const std::string& path);
+
+}  // namespace kestrin

@@ -1,0 +1,17 @@
+// The desktop port over the system's own.
+#pragma once
+
+#include "core/Desktop.h"
+#include "session/DesktopFiles.h"
+#include "session/ShellCommand.h"
+
+namespace kestrin {
+
+class SystemDesktop final : public Desktop {
+ public:
+  FileDescription Describe(const std::string& path) override { return DescribeFile(path); }
+  bool Launch(const std::string& path) override { return LaunchFile(path); }
+  void RunCommand(const std::string& command) override { RunShellCommand(command); }
+};
+
+}  // namespace kestrin
