@@ -1,6 +1,7 @@
 #include "support/Bitmap.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace kestrin {
 
@@ -20,10 +21,11 @@ int Distance(Colour a, Colour b) {
   return red * red + green * green + blue * blue;
 }
 
-int NearestGrey(int mean) {
-  const int guess = mean * (GreyCount - 1) / 255;
+// `sum` of the three channels; in thirds, so that nothing is rounded before it is compared.
+int NearestGrey(int sum) {
+  const int guess = sum * (GreyCount - 1) / (3 * 255);
   const int next = std::min(guess + 1, GreyCount - 1);
-  return mean - GreyLevel(guess) <= GreyLevel(next) - mean ? guess : next;
+  return std::abs(sum - 3 * GreyLevel(guess)) <= std::abs(3 * GreyLevel(next) - sum) ? guess : next;
 }
 
 }  // namespace
@@ -44,8 +46,8 @@ uint8 IndexOfColour(Colour colour) {
   const auto inCube = static_cast<uint8>(
       (CubeLevel(colour.red) * CubeLevels + CubeLevel(colour.green)) * CubeLevels +
       CubeLevel(colour.blue));
-  const int mean = (colour.red + colour.green + colour.blue + 1) / 3;
-  const auto grey = static_cast<uint8>(CubeSize + NearestGrey(mean));
+  const auto grey =
+      static_cast<uint8>(CubeSize + NearestGrey(colour.red + colour.green + colour.blue));
   return Distance(colour, ColourOfIndex(grey)) < Distance(colour, ColourOfIndex(inCube)) ? grey
                                                                                          : inCube;
 }

@@ -205,7 +205,7 @@ status_t SystemFileDoor::MakeFolders(const std::string& folder, uint32 permissio
   for (size_t slash = folder.find('/', 1);; slash = folder.find('/', slash + 1)) {
     const std::string part = folder.substr(0, slash);
     if (mkdir(part.c_str(), permissions) < 0) {
-      const status_t status = -errno;
+      const status_t status = errno == EEXIST ? -ENOTDIR : -errno;
       if (Kind(part) != FileKind::Folder) return status;
     }
     if (slash == std::string::npos) return StatusOk;

@@ -151,7 +151,8 @@ class MemoryFileDoor final : public FileDoor {
     return FileStamp{1, file->Inode, static_cast<int64>(file->Bytes.size()), file->Changed};
   }
   std::string Canonical(const std::string& path) override { return Resolved(path, 40); }
-  std::optional<std::vector<std::string>> List(const std::string& folder) override {
+  std::optional<std::vector<std::string>> List(const std::string& given) override {
+    const std::string folder = Canonical(given);
     if (!IsFolder(folder)) return std::nullopt;
     std::set<std::string> names;
     for (const auto& [path, file] : files_)

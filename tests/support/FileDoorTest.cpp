@@ -1,0 +1,176 @@
+#include "support/FileDoor.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+
+#include "fakes/MemoryFileDoor.h"
+#include "support/WholeFile.h"
+
+namespace kestrin {
+namespace {
+
+using Names = std::vector<std::string>;
+
+// The system's door and its twin in memory must agree, or the tests of all others prove nothing.
+class EveryFileDoor : public testing::TestWithParam<bool> {
+ protected:
+  EveryFileDoor() {
+    std::string name = testing::TempDir() + "kestrin-XXXXXX";
+    top = std::filesystem::canonical(mkdtemp(name.data()));
+    door.MakeFolders(top);
+  }
+  ~EveryFileDoor() override { std::filesystem::remove_all(top); }
+
+  void Link(const std::string& leaf, const std::string& target) {
+    if (GetParam())
+      static_cast<MemoryFileDoor&>(door).Links[top + "/" + leaf] = target;
+    else
+      std::filesystem::create_symlink(target, top + "/" + leaf);
+  }
+  status_t Try(const std::string& leaf, uint32 mode) {
+    status_t status = 1;
+    const auto file = door.Open(top + "/" + leaf, mode, status);
+    EXPECT_EQ(file != nullptr, status == StatusOk);
+    return status;
+  }
+
+  SystemFileDoor systemDoor;
+  MemoryFileDoor memoryDoor;
+  FileDoor& door = GetParam() ? static_cast<FileDoor&>(memoryDoor) : systemDoor;
+  std::string top;
+};
+
+INSTANTIATE_TEST_SUITE_P(Doors, EveryFileDoor, testing::Bool(),
+                         [](const auto& each) { return each.param ? "Memory" : "System"; });
+
+TEST_P(EveryFileDoor, OpensAsTheModeSays) {
+  EXPECT_EQ(Try("file", OpenReadWrite), -ENOENT);
+  EXPECT_EQ(Try("no/file", OpenWriteOnly | OpenCreate), -ENOENT);
+  EXPECT_EQ(Try("file", OpenWriteOnly | OpenExclusive), StatusOk);
+  EXPECT_EQ(Try("file", OpenWriteOnly | OpenExclusive), -EEXIST);
+  EXPECT_EQ(Try("", OpenReadOnly), -EISDIR);
+  EXPECT_EQ(Try(std::string(256, 'x'), OpenWriteOnly | OpenCreate), -ENAMETOOLONG);
+  status_t status = 1;
+  EXPECT_EQ(WriteWholeFile(door, top + "/file", "12345"), StatusOk);
+  EXPECT_EQ(Try("file", OpenReadOnly | OpenErase), StatusOk);
+  const auto file = door.Open(top + "/file", OpenReadWrite | OpenAtEnd, status);
+  EXPECT_EQ(file->Write("67", 2), 2);
+  EXPECT_EQ(file->WriteAt(0, "A", 1), 1);
+  EXPECT_EQ(file->Seek(-3, SEEK_CUR), 4);
+  EXPECT_EQ(file->SetSize(6), StatusOk);
+  EXPECT_EQ(file->Size(), 6);
+  char bytes[8];
+  EXPECT_EQ(file->Read(bytes, 8), 2);
+  EXPECT_EQ(file->ReadAt(9, bytes, 8), 0);
+  EXPECT_LT(file->Seek(-1, SEEK_SET), 0);
+  EXPECT_EQ(ReadWholeFile(door, top + "/file", status), "A23456");
+  EXPECT_EQ(Try("file", OpenWriteOnly | OpenErase), StatusOk);
+  EXPECT_EQ(file->Size(), 0);
+}
+
+TEST_P(EveryFileDoor, FindsTheTruePathOfLinksAndOfWhatIsNotThereYet) {
+  door.MakeFolders(top + "/a/b");
+  WriteWholeFile(door, top + "/a/b/file", "x");
+  Link("link", "a/b");
+  Link("chain", "link/file");
+  Link("absolute", top + "/a");
+  Link("dangling", "a/../new");
+  Link("loop", "loop");
+  struct {
+    std::string given, canonical;
+  } const cases[] = {
+      {"/link/file", "/a/b/file"},  {"/chain", "/a/b/file"},      {"/absolute/./b/", "/a/b"},
+      {"/dangling", "/new"},        {"/link/../none", "/a/none"}, {"//a//b/../b/none", "/a/b/none"},
+      {"/no/deep/x", "/no/deep/x"}, {"/no/../a/b", "/a/b"},       {"/loop", "/loop"},
+  };
+  for (const auto& each : cases)
+    EXPECT_EQ(door.Canonical(top + each.given), top + each.canonical) << each.given;
+  EXPECT_EQ(door.Kind(top + "/link"), FileKind::Folder);
+  EXPECT_EQ(door.Kind(top + "/chain"), FileKind::Regular);
+  EXPECT_EQ(door.Kind(top + "/dangling"), FileKind::Missing);
+  EXPECT_EQ(door.List(top + "/link"), Names({"file"}));
+  EXPECT_EQ(door.List(top), Names({"a", "absolute", "chain", "dangling", "link", "loop"}));
+  EXPECT_EQ(door.List(top + "/none"), std::nullopt);
+}
+
+TEST_P(EveryFileDoor, TellsAReplacedFileFromTheOneItWas) {
+  const std::string path = top + "/file";
+  WriteWholeFile(door, path, "one");
+  const auto first = door.Stamp(path);
+  EXPECT_EQ(door.Stamp(path), first);
+  WriteWholeFile(door, path, "two");
+  EXPECT_NE(door.Stamp(path), first);
+  EXPECT_EQ(door.Rename(path, top + "/moved"), StatusOk);
+  EXPECT_EQ(door.Stamp(path), std::nullopt);
+  EXPECT_EQ(door.Rename(path, top + "/moved"), -ENOENT);
+  EXPECT_EQ(door.Remove(top + "/moved"), StatusOk);
+  EXPECT_EQ(door.Remove(top + "/moved"), -ENOENT);
+}
+
+TEST_P(EveryFileDoor, KeepsAttributesAndModeWhenAFileIsReplaced) {
+  const std::string path = top + "/file", name = "user.kestrin.test";
+  WriteWholeFile(door, path, "one");
+  const std::string value("with\0nul", 8);
+  const status_t status = door.SetAttribute(path, name, value);
+  if (!GetParam()) {
+    chmod(path.c_str(), 0640);
+    // A file system without attributes says so, and gives none.
+    ASSERT_TRUE(status == StatusOk || status == -ENOTSUP);
+  }
+  WriteWholeFile(door, path, "two");
+  EXPECT_EQ(door.GetAttribute(path, name),
+            status == StatusOk ? std::optional(value) : std::nullopt);
+  EXPECT_EQ(door.RemoveAttribute(path, name), status);
+  EXPECT_EQ(door.GetAttribute(path, name), std::nullopt);
+  if (GetParam()) return;
+  struct stat info = {};
+  stat(path.c_str(), &info);
+  EXPECT_EQ(info.st_mode & 07777, 0640u);
+  EXPECT_EQ(door.List(top), Names({"file"}));
+}
+
+using SystemFiles = EveryFileDoor;
+INSTANTIATE_TEST_SUITE_P(System, SystemFiles, testing::Values(false));
+
+TEST_P(SystemFiles, OpensNoPipeAndNoDeviceAndWaitsForNeither) {
+  ASSERT_EQ(mkfifo((top + "/pipe").c_str(), 0600), 0);
+  EXPECT_EQ(Try("pipe", OpenReadOnly), -EINVAL);
+  EXPECT_EQ(Try("pipe", OpenReadWrite), -EINVAL);
+  Link("null", "/dev/null");
+  EXPECT_EQ(Try("null", OpenReadOnly), -EINVAL);
+  EXPECT_EQ(WriteWholeFile(door, top + "/pipe", "x"), -EINVAL);
+  EXPECT_EQ(door.Kind(top + "/pipe"), FileKind::Other);
+}
+
+TEST_P(SystemFiles, GivesANewFileWhatTheUmaskLeavesAndNoDescriptorToChildren) {
+  const mode_t before = umask(0027);
+  WriteWholeFile(door, top + "/file", "x");
+  EXPECT_EQ(door.MakeFolders(top + "/deep/er", 0700), StatusOk);
+  EXPECT_EQ(door.MakeFolders(top + "/deep/er", 0700), StatusOk);
+  EXPECT_EQ(door.MakeFolders(top + "/file/er", 0700), -ENOTDIR);
+  umask(before);
+  struct stat info = {};
+  stat((top + "/file").c_str(), &info);
+  EXPECT_EQ(info.st_mode & 07777, 0640u);
+  stat((top + "/deep").c_str(), &info);
+  EXPECT_EQ(info.st_mode & 07777, 0700u);
+  const int next = dup(0);
+  close(next);
+  status_t status = 1;
+  const auto file = door.Open(top + "/file", OpenReadOnly, status);
+  EXPECT_EQ(fcntl(next, F_GETFD), FD_CLOEXEC);
+}
+
+TEST_P(SystemFiles, AnEndlesslyDeepMissingPathIsAnswered) {
+  std::string deep = top;
+  for (int i = 0; i < 50000; ++i) deep += "/x";
+  EXPECT_EQ(door.Canonical(deep), deep);
+  EXPECT_EQ(door.Canonical(""), "");
+}
+
+}  // namespace
+}  // namespace kestrin

@@ -1,0 +1,165 @@
+#include "support/LocalTime.h"
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <time.h>
+
+#include <random>
+
+namespace kestrin {
+namespace {
+
+Civil At(int64 year, int64 month, int64 day, int64 hour = 0, int64 minute = 0, int64 second = 0) {
+  return ToCivil({year, month - 1, day, hour, minute, second});
+}
+
+// Sets TZ for a test and gives it back.
+class EnvironmentZone {
+ public:
+  explicit EnvironmentZone(const char* name) {
+    if (const char* before = getenv("TZ")) before_ = before;
+    Set(name);
+  }
+  ~EnvironmentZone() { Set(before_ ? before_->c_str() : nullptr); }
+  EnvironmentZone(const EnvironmentZone&) = delete;
+  EnvironmentZone& operator=(const EnvironmentZone&) = delete;
+
+ private:
+  static void Set(const char* name) {
+    if (name)
+      setenv("TZ", name, 1);
+    else
+      unsetenv("TZ");
+    tzset();
+  }
+  std::optional<std::string> before_;
+};
+
+TEST(Civil, AgreesWithTheCLibrary) {
+  std::mt19937_64 random(1);
+  std::uniform_int_distribution<int64> seconds(-100'000'000'000, 200'000'000'000);
+  std::uniform_int_distribution<int> field(-100000, 100000);
+  for (int i = 0; i < 200000; ++i) {
+    const Civil time{seconds(random)};
+    const time_t same = time.seconds;
+    tm broken = {};
+    gmtime_r(&same, &broken);
+    const CivilFields fields = ToFields(time);
+    ASSERT_EQ(fields.year, broken.tm_year + 1900) << same;
+    ASSERT_EQ(fields.month, broken.tm_mon) << same;
+    ASSERT_EQ(fields.day, broken.tm_mday) << same;
+    ASSERT_EQ(fields.hour, broken.tm_hour) << same;
+    ASSERT_EQ(fields.minute, broken.tm_min) << same;
+    ASSERT_EQ(fields.second, broken.tm_sec) << same;
+    ASSERT_EQ(fields.weekday, broken.tm_wday) << same;
+    ASSERT_EQ(ToCivil(fields), time);
+    ASSERT_EQ(MidnightOf(time).seconds + SecondsIntoDay(time), time.seconds);
+    ASSERT_LT(static_cast<uint32>(SecondsIntoDay(time)), SecondsPerDay);
+
+    broken = {};
+    broken.tm_year = field(random) / 20, broken.tm_mon = field(random),
+    broken.tm_mday = field(random);
+    broken.tm_hour = field(random), broken.tm_min = field(random), broken.tm_sec = field(random);
+    const Civil joined = ToCivil({broken.tm_year + int64{1900}, broken.tm_mon, broken.tm_mday,
+                                  broken.tm_hour, broken.tm_min, broken.tm_sec});
+    ASSERT_EQ(joined.seconds, timegm(&broken));
+  }
+}
+
+TEST(Civil, EverySillyValueIsAnswered) {
+  for (const int64 silly : {INT64_MIN, INT64_MIN + 1, INT64_MAX, INT64_MAX - 1}) {
+    const CivilFields fields = ToFields({silly});
+    EXPECT_LE(static_cast<uint64>(fields.month), 11u);
+    EXPECT_LE(static_cast<uint64>(fields.day - 1), 30u);
+    EXPECT_EQ(fields.weekday, WeekdayOf({silly}));
+    EXPECT_EQ(SecondsIntoDay(MidnightOf({silly})), 0);
+    EXPECT_EQ(ToCivil({silly, silly, silly, silly, silly, silly}).seconds < 0, silly < 0);
+    for (const Zone& zone : {Zone(), *Zone::Load("Europe/Berlin")}) {
+      EXPECT_EQ(zone.AtMoment(silly).seconds < 0, silly < 0);
+      EXPECT_EQ(zone.ToMoment({silly}) < 0, silly < 0);
+    }
+  }
+}
+
+TEST(Zone, AgreesWithTheCLibrary) {
+  std::mt19937_64 random(2);
+  std::uniform_int_distribution<int64> seconds(0, INT32_MAX);
+  for (const char* name : {"Europe/Berlin", "America/New_York", "Australia/Lord_Howe",
+                           "Pacific/Apia", "Asia/Kathmandu", "Africa/Casablanca", "UTC"}) {
+    const EnvironmentZone environment(name);
+    const std::optional<Zone> zone = Zone::Load(name);
+    ASSERT_TRUE(zone) << name;
+    for (int i = 0; i < 5000; ++i) {
+      const time_t moment = seconds(random);
+      tm broken = {};
+      localtime_r(&moment, &broken);
+      const Civil civil = zone->AtMoment(moment);
+      ASSERT_EQ(civil.seconds, timegm(&broken)) << name << " " << moment;
+      const Zone::Resolved back = zone->Resolve(civil);
+      ASSERT_NE(back.answer, Zone::Answer::Skipped);
+      ASSERT_EQ(zone->AtMoment(back.moment), civil);
+      if (back.answer == Zone::Answer::Unique) {
+        ASSERT_EQ(back.moment, moment);
+      } else {
+        ASSERT_LE(back.moment, moment);
+      }
+    }
+  }
+}
+
+TEST(Zone, KnowsSkippedAndRepeatedTimes) {
+  using enum Zone::Answer;
+  struct {
+    const char* zone;
+    Civil wall;
+    Zone::Answer answer;
+    Civil utc;
+  } const cases[] = {
+      {"Europe/Berlin", At(2026, 3, 29, 1, 59, 59), Unique, At(2026, 3, 29, 0, 59, 59)},
+      {"Europe/Berlin", At(2026, 3, 29, 2, 30), Skipped, At(2026, 3, 29, 1)},
+      {"Europe/Berlin", At(2026, 3, 29, 3), Unique, At(2026, 3, 29, 1)},
+      {"Europe/Berlin", At(2026, 10, 25, 2, 30), Repeated, At(2026, 10, 25, 0, 30)},
+      {"Europe/Berlin", At(2026, 10, 25, 3), Unique, At(2026, 10, 25, 2)},
+      {"America/New_York", At(2026, 3, 8, 2), Skipped, At(2026, 3, 8, 7)},
+      {"America/New_York", At(2026, 11, 1, 1), Repeated, At(2026, 11, 1, 5)},
+      {"Australia/Lord_Howe", At(2026, 10, 4, 2, 10), Skipped, At(2026, 10, 3, 15, 30)},
+      {"Australia/Lord_Howe", At(2026, 4, 5, 1, 45), Repeated, At(2026, 4, 4, 14, 45)},
+      {"Pacific/Apia", At(2011, 12, 30, 12), Skipped, At(2011, 12, 30, 10)},
+      {"Pacific/Apia", At(2011, 12, 31), Unique, At(2011, 12, 30, 10)},
+  };
+  for (const auto& each : cases) {
+    const Zone::Resolved resolved = Zone::Load(each.zone)->Resolve(each.wall);
+    EXPECT_EQ(resolved.answer, each.answer) << each.zone << " " << each.wall.seconds;
+    EXPECT_EQ(resolved.moment, each.utc.seconds) << each.zone << " " << each.wall.seconds;
+  }
+}
+
+TEST(Zone, SystemFollowsTheEnvironment) {
+  struct {
+    const char* environment;
+    const char* name;
+  } const cases[] = {
+      {"Europe/Berlin", "Europe/Berlin"},
+      {":America/New_York", "America/New_York"},
+      {"/usr/share/zoneinfo/Pacific/Apia", "Pacific/Apia"},
+      {"EST5EDT", "EST5EDT"},
+      {"UTC", "UTC"},
+      {"", "UTC"},
+      {"No/Such_Zone", "UTC"},
+      {"../../../etc/passwd", "UTC"},
+  };
+  for (const auto& each : cases) {
+    const EnvironmentZone environment(each.environment);
+    EXPECT_EQ(Zone::System().Name(), each.name) << each.environment;
+  }
+  const EnvironmentZone environment(nullptr);
+  const time_t moment = 1794729600;
+  tm broken = {};
+  localtime_r(&moment, &broken);
+  EXPECT_EQ(Zone::System().AtMoment(moment).seconds, timegm(&broken)) << Zone::System().Name();
+  for (const char* name : {"", "localtime", "libc:localtime", "Europe", "Nowhere"})
+    EXPECT_FALSE(Zone::Load(name)) << name;
+}
+
+}  // namespace
+}  // namespace kestrin

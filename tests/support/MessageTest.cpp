@@ -1,0 +1,119 @@
+#include "support/Message.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <limits>
+#include <random>
+
+namespace kestrin {
+namespace {
+
+TEST(Message, EveryContentSurvivesTheJourney) {
+  std::string allBytes;
+  for (int i = 0; i < 256; ++i) allBytes += static_cast<char>(i);
+  Message message(FourCharCode("SetE"));
+  EXPECT_EQ(message.what, 0x53657445u);
+  message.Set("b", true);
+  message.Set("c", int8{-128});
+  message.Set("When", std::numeric_limits<int32>::min());
+  message.Set("long", std::numeric_limits<int64>::min());
+  message.Set("longer", std::numeric_limits<int64>::max());
+  message.Set("text", std::string("\xE2\x82\xAC \"\\\n"));
+  message.Set("nul", std::string("a\0b", 3));
+  message.Set("latin", std::string("\xE9t\xE9"));
+  message.Set(allBytes, allBytes);
+  message.Set("", std::string());
+  message.Set("frame", Rect{0.1f, -0.0f, 1e30f, std::numeric_limits<float>::infinity()});
+  message.Set("raw", RawData{FourCharCode("ICON"), allBytes});
+  EXPECT_EQ(Message::Unflatten(message.Flatten()), message);
+
+  Message strange;
+  const float nan = std::bit_cast<float>(0x7fc12345u);
+  strange.Set("frame", Rect{nan, 0, 0, 0});
+  const auto frame = Message::Unflatten(strange.Flatten())->Get<Rect>("frame");
+  EXPECT_EQ(std::bit_cast<uint32>(frame->left), 0x7fc12345u);
+}
+
+TEST(Message, AFieldIsReplacedInItsPlaceAndGivenOnlyAsItsOwnType) {
+  Message message;
+  message.Set("a", 1);
+  message.Set("b", 2);
+  message.Set("a", int64{3});
+  EXPECT_EQ(message.Fields()[0].first, "a");
+  EXPECT_EQ(message.Fields().size(), 2u);
+  EXPECT_EQ(message.Get<int64>("a"), 3);
+  EXPECT_EQ(message.Get<int32>("a"), std::nullopt);
+  EXPECT_EQ(message.Get<int32>("c"), std::nullopt);
+  EXPECT_TRUE(message.Has("b"));
+  EXPECT_FALSE(message.Has("c"));
+}
+
+std::string Field(const std::string& type, const std::string& value) {
+  return R"({"what":1,"fields":[{"name":"a","type":")" + type + R"(","value":)" + value + "}]}";
+}
+
+TEST(Message, RefusesEverythingElse) {
+  ASSERT_TRUE(Message::Unflatten(Field("int8", "-128")));
+  ASSERT_TRUE(Message::Unflatten(Field("raw", R"({"code":4294967295,"bytes":"00ff"})")));
+  const std::string refused[] = {
+      "",
+      "[]",
+      "null",
+      "{}",
+      "\xFF",
+      R"({"what":1})",
+      R"({"what":-1,"fields":[]})",
+      R"({"what":4294967296,"fields":[]})",
+      R"({"what":1.0,"fields":[]})",
+      R"({"what":1,"fields":{}})",
+      R"({"what":1,"fields":[]} more)",
+      R"({"what":1,"fields":[1]})",
+      R"({"what":1,"fields":[{"name":"a","type":"bool"}]})",
+      R"({"what":1,"fields":[{"name":"a","type":"int8","value":1},)"
+      R"({"name":"a","type":"int8","value":1}]})",
+      Field("int8", "128"),
+      Field("int32", "2147483648"),
+      Field("int64", "9223372036854775808"),
+      Field("int64", "1e3"),
+      Field("int32", "true"),
+      Field("bool", "1"),
+      Field("string", "1"),
+      Field("string", "\"\xE9\""),
+      Field("string", R"({"bytes":"0"})"),
+      Field("string", R"({"bytes":"0G"})"),
+      Field("rect", "[1,2,3]"),
+      Field("rect", "[1,2,3,1e300]"),
+      Field("rect", "[1,2,3,null]"),
+      Field("raw", R"({"code":1})"),
+      Field("raw", R"({"code":4294967296,"bytes":""})"),
+      Field("double", "1"),
+      std::string(1000000, '['),
+      Field("string", "\"" + std::string(size_t{17} << 20, 'x') + "\""),
+  };
+  for (const std::string& text : refused)
+    EXPECT_FALSE(Message::Unflatten(text)) << text.substr(0, 100);
+}
+
+TEST(Message, NoDamagedTextIsAnythingButRefusedOrAMessage) {
+  Message message(7);
+  message.Set("text", std::string("\xE9"));
+  message.Set("frame", Rect{1, 2, 3, 4});
+  message.Set("raw", RawData{1, "abc"});
+  const std::string whole = message.Flatten();
+  std::mt19937 random(3);
+  int understood = 0;
+  for (int i = 0; i < 20000; ++i) {
+    std::string damaged = whole;
+    for (auto n = 1 + random() % 3; n > 0; --n)
+      damaged[random() % damaged.size()] = "{}[]\",:0-e\x80"[random() % 11];
+    if (const auto read = Message::Unflatten(damaged)) {
+      ++understood;
+      ASSERT_EQ(Message::Unflatten(read->Flatten()), read) << damaged;
+    }
+  }
+  EXPECT_GT(understood, 0);
+}
+
+}  // namespace
+}  // namespace kestrin

@@ -1,0 +1,72 @@
+#include "support/OwnedText.h"
+
+#include <gtest/gtest.h>
+
+namespace kestrin {
+namespace {
+
+TEST(OwnedText, AnEmptyTextIsNeverKept) {
+  char* slot = nullptr;
+  EXPECT_EQ(SetNewString("one", &slot), slot);
+  EXPECT_STREQ(slot, "one");
+  SetNewString(slot, &slot);
+  EXPECT_STREQ(slot, "one");
+  SetNewString(slot + 1, &slot);
+  EXPECT_STREQ(slot, "ne");
+  EXPECT_EQ(SetNewString("", &slot), nullptr);
+  EXPECT_EQ(slot, nullptr);
+  EXPECT_EQ(SetNewString(nullptr, &slot), nullptr);
+  EXPECT_EQ(GetCopyString(nullptr), nullptr);
+  EXPECT_EQ(GetCopyString(""), nullptr);
+  char* copy = GetCopyString("a");
+  EXPECT_STREQ(copy, "a");
+  delete[] copy;
+}
+
+TEST(OwnedText, IsCutBetweenCharacters) {
+  const auto x = [](size_t count) { return std::string(count, 'x'); };
+  struct {
+    std::string given, fitted;
+  } const cases[] = {
+      {"", ""},
+      {x(4095), x(4095)},
+      {x(4096), x(4095)},
+      {std::string("ab\0cd", 5), "ab"},
+      {x(4093) + "\xC3\xA9", x(4093) + "\xC3\xA9"},
+      {x(4094) + "\xC3\xA9", x(4094)},
+      {x(4093) + "\xE2\x82\xAC", x(4093)},
+      {x(4092) + "\xE2\x82\xAC"
+                 "x",
+       x(4092) + "\xE2\x82\xAC"},
+      {x(4092) + "\xF0\x9F\x98\x80", x(4092)},
+      {x(4091) + "\xF0\x9F\x98\x80"
+                 "x",
+       x(4091) + "\xF0\x9F\x98\x80"},
+      {x(4094) + "\xF0\x9F\x98\x80", x(4094)},
+      // What is not UTF-8 is cut at the byte.
+      {std::string(5000, '\x80'), std::string(4095, '\x80')},
+      {x(4094) + "\xE9\xE9", x(4094) + "\xE9"},
+  };
+  for (const auto& each : cases) {
+    bool wasCut = false;
+    EXPECT_EQ(FitText(each.given, &wasCut), each.fitted) << each.given.size();
+    EXPECT_EQ(wasCut, each.given != each.fitted) << each.given.size();
+  }
+}
+
+TEST(OwnedText, KnowsUtf8) {
+  for (const char* good : {"", "a", "\xC2\x80", "\xDF\xBF", "\xE0\xA0\x80", "\xED\x9F\xBF",
+                           "\xEE\x80\x80", "\xF0\x90\x80\x80", "\xF4\x8F\xBF\xBF"})
+    EXPECT_TRUE(IsUtf8(good)) << testing::PrintToString(good);
+  for (const char* bad : {"\x80", "\xC3",
+                          "\xC3"
+                          "a",
+                          "\xC0\x80", "\xC1\xBF", "\xE0\x9F\xBF", "\xED\xA0\x80", "\xE2\x82",
+                          "\xE2\x82"
+                          "a",
+                          "\xF0\x8F\xBF\xBF", "\xF4\x90\x80\x80", "\xF5\x80\x80\x80", "\xFF"})
+    EXPECT_FALSE(IsUtf8(bad)) << testing::PrintToString(bad);
+}
+
+}  // namespace
+}  // namespace kestrin
