@@ -21,22 +21,34 @@ inline constexpr bool IsLeapYear(uint64 year) {
   return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
 }
 
-/// Months within 10^11 of year 0.
+/// A multiple of 400 years that makes every year positive, so that divisions are plain ones.
+inline constexpr uint64 YearBias = 10'000'000'000;
+
+struct BiasedMonth {
+  uint64 year, inYear;
+};
+inline constexpr BiasedMonth Biased(int64 month) {
+  const uint64 biased = static_cast<uint64>(month + int64{YearBias} * 12);
+  return {biased / 12, biased % 12};
+}
+
+/// Months within 10^11 of year 0, here and below.
 inline constexpr int64 FirstDayOf(int64 month) {
   constexpr std::array<int16_t, 12> before = {0,   31,  59,  90,  120, 151,
                                               181, 212, 243, 273, 304, 334};
-  // A multiple of 400 years that makes every year positive, so that divisions are plain ones.
-  constexpr uint64 bias = 10'000'000'000;
-  constexpr int64 biasDays = bias / 400 * 146097, daysTo1970 = 719528;
-  const uint64 biased = static_cast<uint64>(month + int64{bias} * 12);
-  const uint64 year = biased / 12, inYear = biased % 12;
+  constexpr int64 biasDays = YearBias / 400 * 146097, daysTo1970 = 719528;
+  const auto [year, inYear] = Biased(month);
   const uint64 leapDays = (year + 3) / 4 - (year + 99) / 100 + (year + 399) / 400;
   const uint64 days = year * 365 + leapDays + static_cast<uint64>(before[inYear]) +
                       (inYear >= 2 && IsLeapYear(year) ? 1 : 0);
   return static_cast<int64>(days) - biasDays - daysTo1970;
 }
 
-inline constexpr int64 LengthOf(int64 month) { return FirstDayOf(month + 1) - FirstDayOf(month); }
+inline constexpr int64 LengthOf(int64 month) {
+  constexpr std::array<int8, 12> lengths = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+  const auto [year, inYear] = Biased(month);
+  return inYear == 1 && IsLeapYear(year) ? 29 : lengths[inYear];
+}
 
 /// Days within 3 * 10^12 of 1970.
 inline constexpr DayInMonth MonthOf(int64 day) {

@@ -37,7 +37,7 @@ class OccurrenceSearch {
   std::optional<int64> MultiDaily() const;
   std::optional<int64> MonthlyByRule() const;
   std::optional<int64> YearlyByRule() const;
-  std::optional<int64> MultiByRule(bool yearly) const;
+  std::optional<int64> MultiByRule() const;
 
  private:
   Instant See(int64 moment) const { return {moment, zone_.AtMoment(moment)}; }
@@ -45,10 +45,19 @@ class OccurrenceSearch {
   int64 Today() const { return DayOf(now_.wall); }
   int64 DayAhead() const { return At(Today()) > now_.wall ? Today() : Today() + 1; }
   int64 JumpPastNow(int64 day, int64 period) const;
-  DayInMonth DayByRule(int64 month) const;
+  bool IsYearly() const {
+    return rule_.PeriodType == Annually || rule_.PeriodType == MultiAnnually;
+  }
+  DayInMonth DayByRule(int64 month, int64 yearOfLength) const;
+  DayInMonth Step(DayInMonth found, int64 months) const {
+    const int64 month = found.month + months;
+    return DayByRule(month, (IsYearly() ? month : found.month) / 12);
+  }
   bool IsAtOrBefore(int64 day, const Instant& instant) const;
 
-  std::optional<int64> WalkMonths(DayInMonth found, int64 step, bool jump) const;
+  bool RunsOver(int64 month, int64 yearOfLength) const;
+  int64 SkipPastMonths(int64 month, int64 step) const;
+  std::optional<int64> WalkMonths(DayInMonth found, int64 step) const;
   template <typename Following>
   std::optional<int64> Settle(int64 day, Following following) const;
 
@@ -126,9 +135,9 @@ std::optional<int64> OccurrenceSearch::MultiDaily() const {
   return Settle(JumpPastNow(day, period), [=](int64 d) { return d + period; });
 }
 
-/// The rule's day in `month`; the search backwards from the length of the rule's own month can end
-/// in the month after it.
-DayInMonth OccurrenceSearch::DayByRule(int64 month) const {
+/// The rule's day in `month`. The search backwards starts from the length of the rule's own month,
+/// as long as that is in `yearOfLength`, and can end in the month after `month`.
+DayInMonth OccurrenceSearch::DayByRule(int64 month, int64 yearOfLength) const {
   const int64 first = FirstDayOf(month);
   if (rule_.TimingType == ByDayOfMonth) {
     const int64 length = FirstDayOf(month + 1) - first;
@@ -139,45 +148,61 @@ DayInMonth OccurrenceSearch::DayByRule(int64 month) const {
     const int64 ahead = rule_.DayOfWeek - WeekdayOfDay(first);
     return {month, first + (ahead < 0 ? ahead + 7 : ahead) + 7 * rule_.WeekOfMonth};
   }
-  const int64 ownMonth = month - (month % 12) + rule_.Month;
-  const int64 from = first + LengthOf(ownMonth) - 1;
+  const int64 from = first + LengthOf(yearOfLength * 12 + rule_.Month) - 1;
   const int64 back = WeekdayOfDay(from) - rule_.DayOfWeek;
   const int64 day = from - (back < 0 ? back + 7 : back) - 7 * (rule_.WeekOfMonth - 4);
   return {rule_.WeekOfMonth == 4 && day >= FirstDayOf(month + 1) ? month + 1 : month, day};
 }
 
-/// From an occurrence to the first one after now, by steps of `step` months. Unless `jump`, each
-/// step depends on where the one before ended.
-std::optional<int64> OccurrenceSearch::WalkMonths(DayInMonth found, int64 step, bool jump) const {
-  const int64 thisMonth = MonthOf(Today()).month;
-  if (jump && found.month < thisMonth - step)
-    found = DayByRule(found.month + (thisMonth - 1 - found.month) / step * step);
-  while (found.day <= LastDay && At(found.day) <= now_.wall) found = DayByRule(found.month + step);
+bool OccurrenceSearch::RunsOver(int64 month, int64 yearOfLength) const {
+  const int64 length = LengthOf(yearOfLength * 12 + rule_.Month);
+  const int64 beyond = length - LengthOf(month);
+  if (beyond <= 0) return false;
+  const int64 back = WeekdayOfDay(FirstDayOf(month) + length - 1) - rule_.DayOfWeek;
+  return (back < 0 ? back + 7 : back) < beyond;
+}
+
+/// From the month of an occurrence to that of a later one which is past for certain. A step of a
+/// rule that can run over depends on where the one before ended.
+int64 OccurrenceSearch::SkipPastMonths(int64 month, int64 step) const {
+  const bool canRunOver = !IsYearly() && rule_.TimingType != ByDayOfMonth && rule_.WeekOfMonth == 4;
+  const int64 last = MonthOf(Today()).month - (canRunOver ? 2 : 1);
+  if (!canRunOver) return month + std::max<int64>(0, last - month) / step * step;
+  while (month + step <= last) {
+    const int64 next = month + step;
+    month = RunsOver(next, month / 12) ? next + 1 : next;
+  }
+  return month;
+}
+
+/// From an occurrence, by steps of `step` months, to the first one after now.
+std::optional<int64> OccurrenceSearch::WalkMonths(DayInMonth found, int64 step) const {
+  const int64 past = SkipPastMonths(found.month, step);
+  if (past != found.month) found = Step({past, 0}, step);
+  while (found.day <= LastDay && At(found.day) <= now_.wall) found = Step(found, step);
   return Settle(found.day, [&](int64) {
-    found = DayByRule(found.month + step);
+    found = Step(found, step);
     return found.day;
   });
 }
 
 std::optional<int64> OccurrenceSearch::MonthlyByRule() const {
-  return WalkMonths(DayByRule(MonthOf(Today()).month), 1, false);
+  const int64 month = MonthOf(Today()).month;
+  return WalkMonths(DayByRule(month, month / 12), 1);
 }
 
 std::optional<int64> OccurrenceSearch::YearlyByRule() const {
-  const int64 month = MonthOf(Today()).month;
-  return WalkMonths(DayByRule(month - month % 12 + rule_.Month), 12, false);
+  const int64 year = MonthOf(Today()).month / 12;
+  return WalkMonths(DayByRule(year * 12 + rule_.Month, year), 12);
 }
 
-std::optional<int64> OccurrenceSearch::MultiByRule(bool yearly) const {
+std::optional<int64> OccurrenceSearch::MultiByRule() const {
   const Instant start = See(rule_.MultiStartTime);
-  const int64 startMonth = MonthOf(DayOf(start.wall)).month;
-  const int64 unit = yearly ? 12 : 1;
-  DayInMonth found = DayByRule(yearly ? startMonth - startMonth % 12 + rule_.Month : startMonth);
-  while (IsAtOrBefore(found.day, start)) found = DayByRule(found.month + unit);
-  // A February is never longer than the month looked at, and yearly rules look at their own month.
-  const bool runsOver =
-      !yearly && rule_.TimingType != ByDayOfMonth && rule_.WeekOfMonth == 4 && rule_.Month != 1;
-  return WalkMonths(found, unit * rule_.Multiple, !runsOver);
+  const int64 startMonth = MonthOf(DayOf(start.wall)).month, year = startMonth / 12;
+  const int64 unit = IsYearly() ? 12 : 1;
+  DayInMonth found = DayByRule(IsYearly() ? year * 12 + rule_.Month : startMonth, year);
+  while (IsAtOrBefore(found.day, start)) found = Step(found, unit);
+  return WalkMonths(found, unit * rule_.Multiple);
 }
 
 /// The years of a date: 29 February becomes 1 March in the first year without it and stays there.
@@ -252,9 +277,9 @@ std::optional<int64> NextOccurrence(const TimingRule& rule, int64 now, const Zon
     case Weekends:
       return search().Weekends();
     case MultiAnnually:
-      return byDate ? YearlyByDate(rule, now, zone) : search().MultiByRule(true);
+      return byDate ? YearlyByDate(rule, now, zone) : search().MultiByRule();
     case MultiMonthly:
-      return search().MultiByRule(false);
+      return search().MultiByRule();
     case MultiWeekly:
       return search().MultiWeekly();
     case MultiDaily:

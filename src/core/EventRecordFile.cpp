@@ -247,7 +247,9 @@ bool WriteEventRecord(Event& event, EndianIndependentFile& file) {
     out.Raw(icon->mini);
   }
   out.Frame(record.WindowFrame);
-  out.Flag(event.GetWindow() != nullptr);
+  // A set that is not shown keeps which of its editors opened with it.
+  out.Flag(event.GetOwner()->GetWindow() ? event.GetWindow() != nullptr
+                                         : record.ShouldWindowOpen);
   out.Number(record.TabShown);
   out.Text(event.GetHandlerName());
   return out.Whole() && event.GetAddOnData() && event.GetAddOnData()->SaveData(&file);

@@ -11,12 +11,12 @@
 namespace kestrin {
 
 EventSet::EventSet(Context& context, const std::string& path, ConstructorResult* result,
-                   bool* versionOK)
+                   bool* versionOK, SetFileReport* report)
     : Locker("EventSet", LockRank::EventSet),
       context_(context),
       handle_(context.nextHandle++),
       fileName_(path) {
-  Read(result, versionOK);
+  Read(result, versionOK, report);
 }
 
 EventSet::EventSet(Context& context, const std::string& untitledName)
@@ -128,18 +128,22 @@ int32 EventSet::GetNextEventTime(Event** event, const std::function<bool(const E
 }
 
 void EventSet::RecordDelivered(const Event& event) {
-  delivered_.push_back({event.GetName(), event.GetActualEventTime(), event.GetStatus()});
+  delivered_.try_emplace(
+      event.GetHandle(),
+      Delivered{event.GetName(), event.GetActualEventTime(), event.GetStatus()});
 }
 
-void EventSet::MoveOnDelivered(const std::vector<Delivered>& delivered, int64 now) {
+void EventSet::MoveOnDelivered(const DeliveredEvents& delivered, int64 now) {
   std::vector<Event*> due;
   for (const auto& event : events_)
     if (event->GetNextEventTime() != 0 && event->GetNextEventTime() <= now)
       due.push_back(event.get());
   for (Event* const event : due) {
     const Delivered state{event->GetName(), event->GetActualEventTime(), event->GetStatus()};
-    if (std::find(delivered.begin(), delivered.end(), state) == delivered.end()) continue;
-    delivered_.push_back(state);
+    const auto known = std::any_of(delivered.begin(), delivered.end(),
+                                   [&](const auto& entry) { return entry.second == state; });
+    if (!known) continue;
+    RecordDelivered(*event);
     event->MoveOn();
   }
 }

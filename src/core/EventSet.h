@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "core/Event.h"
@@ -18,6 +19,7 @@
 namespace kestrin {
 
 class SetWindow;
+struct SetFileReport;
 
 /// How a set's window shows it. Opaque numbers in files; any value is kept.
 struct SetLayout {
@@ -37,8 +39,9 @@ class EventSet : public Locker {
  public:
   /// With a path: reads that file; on failure `result` or `versionOK` says so (the user is told of
   /// an unknown version here, of everything else by the caller) and the set is good only to be
-  /// destroyed. Without: a new, empty, untitled set called `untitledName`.
-  EventSet(Context& context, const std::string& path, ConstructorResult* result, bool* versionOK);
+  /// destroyed; `report` has the details. Without: a new, empty, untitled set called `untitledName`.
+  EventSet(Context& context, const std::string& path, ConstructorResult* result, bool* versionOK,
+           SetFileReport* report);
   EventSet(Context& context, const std::string& untitledName);
   ~EventSet() override;
 
@@ -109,17 +112,18 @@ class EventSet : public Locker {
   /// Removes the recovery copy, if there is one.
   void DiscardRecovered();
 
-  /// What of this set was delivered since it was last saved.
+  /// The state in which an event was first delivered since the set was last saved.
   struct Delivered {
     std::string name;
     int32 occurrence;
     int32 status;
     bool operator==(const Delivered&) const = default;
   };
+  using DeliveredEvents = std::unordered_map<uint64, Delivered>;
   void RecordDelivered(const Event& event);
-  const std::vector<Delivered>& DeliveredUnsaved() const { return delivered_; }
+  const DeliveredEvents& DeliveredUnsaved() const { return delivered_; }
   /// Moves on every event that is due at `now` although `delivered` says it was delivered.
-  void MoveOnDelivered(const std::vector<Delivered>& delivered, int64 now);
+  void MoveOnDelivered(const DeliveredEvents& delivered, int64 now);
   /// The last component of the file name.
   std::string GetLeaf() const;
   static std::string LeafOf(const std::string& path);
@@ -137,7 +141,7 @@ class EventSet : public Locker {
   SetLayout& Layout() { return layout_; }  ///< window state: changing it marks nothing modified
 
  private:
-  void Read(ConstructorResult* result, bool* versionOK);
+  void Read(ConstructorResult* result, bool* versionOK, SetFileReport* report);
   bool WriteTo(const std::string& path);
   std::string NameBeside() const;
   void Insert(std::unique_ptr<Event> event, size_t at);
@@ -153,7 +157,7 @@ class EventSet : public Locker {
   SetWindow* window_ = nullptr;
   SetLayout layout_;
   std::string recoveredFrom_;
-  std::vector<Delivered> delivered_;
+  DeliveredEvents delivered_;  ///< by the event's handle
   bool downloaded_ = false;
   bool modified_ = false;
   bool deliveryModified_ = false;

@@ -18,18 +18,15 @@ constexpr int32 WriteBuffer = 65536;
 
 }  // namespace
 
-void EventSet::Read(ConstructorResult* result, bool* versionOK) {
+void EventSet::Read(ConstructorResult* result, bool* versionOK, SetFileReport* report) {
   *versionOK = true;
   stamp_ = context_.files.Stamp(fileName_);
-  SetFileReport report;
-  *result = ReadSetFile(*this, fileName_, versionOK, &report);
-  if (!report.Fault.empty())
-    std::fprintf(stderr, "kestrin: %s: %s\n", fileName_.c_str(), report.Fault.c_str());
+  *result = ReadSetFile(*this, fileName_, versionOK, report);
   if (!*versionOK)
     context_.notices.ReportError(
         "The EventSet file " + fileName_ +
         " was written by an unknown version of Kestrin.  It was written by version " +
-        report.Version + ", and the current version is " + SetFileVersion +
+        report->Version + ", and the current version is " + SetFileVersion +
         ".  The set will not be able to be opened until you get a newer version of Kestrin.");
   downloaded_ = context_.files.GetAttribute(fileName_, OriginAttribute).has_value();
 }

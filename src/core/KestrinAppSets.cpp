@@ -1,8 +1,11 @@
 // How the application opens its sets and shows them again.
+#include <cstdio>
+
 #include "core/AlertDesk.h"
 #include "core/AlertRecord.h"
 #include "core/EventActions.h"
 #include "core/EventSet.h"
+#include "core/EventSetFile.h"
 #include "core/KestrinApp.h"
 #include "core/KestrinSettings.h"
 #include "core/MessageQueue.h"
@@ -54,7 +57,10 @@ void KestrinApp::OpenSet(const std::string& path, bool openWindow) {
 EventSet* KestrinApp::LoadSet(const std::string& file) {
   ConstructorResult result = ConstructorResult::Success;
   bool versionOK = true;
-  auto set = std::make_unique<EventSet>(context_, file, &result, &versionOK);
+  SetFileReport report;
+  auto set = std::make_unique<EventSet>(context_, file, &result, &versionOK, &report);
+  if (!report.Fault.empty())
+    std::fprintf(stderr, "kestrin: %s: %s\n", file.c_str(), report.Fault.c_str());
   ReportOpening(result, file);
   if (result != ConstructorResult::Success || !versionOK) return nullptr;
   OpenSets::Sets.push_back(std::move(set));
@@ -138,7 +144,7 @@ void KestrinApp::RevertToSavedIfRemembered(const std::string& path) {
     const AutoLock open(OpenSets::Protect);
     EventSet* const set = OpenSets::FindFile(path);
     if (set) {
-      const std::vector<EventSet::Delivered> delivered = set->DeliveredUnsaved();
+      const EventSet::DeliveredEvents delivered = set->DeliveredUnsaved();
       OpenSets::Destroy(set);
       if (EventSet* const fresh = LoadSet(path)) {
         const AutoLock lock(*fresh);

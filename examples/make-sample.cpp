@@ -1,0 +1,197 @@
+// Makes the sample event set: one event of every period type, every built-in handler among them.
+//
+//   make-sample OUT.kestrin [--now TIME] [--soon SECONDS]
+//
+// Times are reckoned from TIME (seconds since 1970; now by default). With --soon, the first event
+// is a reminder due that many seconds later.
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "core/AppState.h"
+#include "core/EventSet.h"
+#include "core/VirtualEngine.h"
+#include "handlers/ActOnFileDataHandler.h"
+#include "handlers/CommandDataHandler.h"
+#include "handlers/LoadEventHandlers.h"
+#include "handlers/MessageDataHandler.h"
+
+namespace kestrin {
+namespace {
+
+constexpr int32 Hour = 3600, Minute = 60;
+enum HandlerRow : int32 { DoNothingRow = 1, MessageRow = 2, CommandRow = 3, ActOnFileRow = 4 };
+
+class Sample {
+ public:
+  explicit Sample(VirtualEngine& engine) : engine_(engine), set_(engine.context, "sample") {}
+
+  EventSet& Set() { return set_; }
+
+  void AddSoon(int32 seconds) {
+    Event& event = Add("Welcome to Kestrin", Once, -1);
+    event.SetEventTime(static_cast<int32>(engine_.clock.Time) + seconds, true);
+    Say(event, "This is what a reminder looks like. Press Ok, and have a look at the list.");
+  }
+
+  void AddYearly() {
+    Event& birthday = Add("Ada's birthday", Annually, 9 * Hour);
+    birthday.SetTimingType(ByDayOfMonth);
+    birthday.SetMonth(11);
+    birthday.SetDayOfMonth(10);
+    birthday.SetApplyPrewarn(true);
+    birthday.SetPrewarnTime(1);
+    birthday.SetPrewarnType(Weeks);
+    birthday.SetApplyPrewarnRepeat(true);
+    birthday.SetPrewarnRepeatTime(2);
+    birthday.SetPrewarnRepeatType(Days);
+    birthday.SetPrewarnMessage("Time to find a present.");
+    Say(birthday, "Ring her up and congratulate.");
+
+    Event& passport = Add("Renew the passport", MultiAnnually, -1);
+    passport.SetMultiple(10);
+    passport.SetTimingType(ByDayOfWeek);
+    passport.SetWeekOfMonth(0);
+    passport.SetDayOfWeek(1);
+    passport.SetMonth(4);
+    Say(passport, "The office is open in the mornings only.");
+  }
+
+  void AddMonthly() {
+    Event& rent = Add("Pay the rent", Monthly, 18 * Hour);
+    rent.SetTimingType(ByDayOfMonth);
+    rent.SetDayOfMonth(32);
+    rent.SetApplyNag(true);
+    rent.SetNagRepeatTime(1);
+    rent.SetNagRepeatType(Days);
+    rent.SetNagMessage("It is still not paid.");
+    Say(rent, "Last day of the month.");
+
+    Event& filter = Add("Change the water filter", MultiMonthly, 10 * Hour);
+    filter.SetMultiple(3);
+    filter.SetDayOfWeek(6);
+    filter.SetWeekOfMonth(1);
+    Say(filter, "The spare one lies in the cellar.");
+  }
+
+  void AddWeekly() {
+    Event& choir = Add("Choir practice", Weekly, 19 * Hour + 30 * Minute);
+    choir.SetDayOfWeek(4);
+    choir.SetDeliverIfMissed(false);
+    Say(choir, "Bring the new score.");
+
+    Event& bins = Add("Put the paper bin out", MultiWeekly, 20 * Hour);
+    bins.SetMultiple(2);
+    bins.SetDayOfWeek(2);
+    Say(bins, "");
+  }
+
+  void AddDaily() {
+    Event& backup = Add("Back the documents up", Daily, 22 * Hour);
+    backup.SetSelectedHandler(CommandRow);
+    auto* command = dynamic_cast<CommandDataHandler*>(backup.GetAddOnData());
+    command->SetCommand("rsync -a ~/Documents/ ~/Backup/");
+    command->SetVerify(true);
+
+    Event& timesheet = Add("Fill the time sheet in", Weekdays, 16 * Hour + 45 * Minute);
+    timesheet.SetSelectedHandler(ActOnFileRow);
+    auto* file = dynamic_cast<ActOnFileDataHandler*>(timesheet.GetAddOnData());
+    file->SetFileName("/usr/share/common-licenses/GPL-3");
+    file->SetVerify(true);
+
+    Say(Add("Water the garden", Weekends, 8 * Hour), "The tomatoes first.");
+
+    Event& plants = Add("Turn the orchids", MultiDaily, -1);
+    plants.SetMultiple(5);
+    plants.SetSelectedHandler(DoNothingRow);
+
+    Event& eyes = Add("Look out of the window", SubDaily, -1);
+    eyes.SetMultiStartTime(Today(9 * Hour));
+    eyes.SetMultiple(2);
+    eyes.SetSubIntType(Hours);
+    eyes.SetApplyStop(true);
+    eyes.SetStopTime(17 * Hour);
+    eyes.SetComment("Every two hours between nine and five.");
+    Say(eyes, "Twenty seconds, something far away.");
+  }
+
+ private:
+  /// A new event, due at `secondsIntoDay` (none when negative), starting today.
+  Event& Add(const char* name, PeriodicityType type, int32 secondsIntoDay) {
+    Event& event = *set_.AddEvent(nullptr);
+    event.SetName(name);
+    event.SetPeriodType(type);
+    event.SetMultiStartTime(Today(0));
+    if (secondsIntoDay >= 0) {
+      event.SetApplyTime(true);
+      event.SetTimeToApply(secondsIntoDay);
+    }
+    event.SetShouldWindowOpen(false);
+    return event;
+  }
+
+  int32 Today(int32 secondsIntoDay) const {
+    const Zone& zone = engine_.context.zone;
+    Civil time = MidnightOf(zone.AtMoment(engine_.clock.Time));
+    time.seconds += secondsIntoDay;
+    return static_cast<int32>(zone.ToMoment(time));
+  }
+
+  static void Say(Event& event, const char* text) {
+    event.SetSelectedHandler(MessageRow);
+    dynamic_cast<MessageDataHandler*>(event.GetAddOnData())->SetMessage(text);
+  }
+
+  VirtualEngine& engine_;
+  EventSet set_;
+};
+
+int Make(const char* path, int64 now, int32 soon, int32 copies) {
+  VirtualEngine engine;
+  engine.clock.Time = now;
+  LoadBuiltInHandlers(engine.context);
+  bool saved = false;
+  {
+    Sample sample(engine);
+    for (int32 copy = 0; copy < copies; ++copy) {
+      sample.AddSoon(soon > 0 ? soon : 24 * Hour);
+      sample.AddYearly();
+      sample.AddMonthly();
+      sample.AddWeekly();
+      sample.AddDaily();
+    }
+    sample.Set().Layout().WindowFrame = {60, 80, 860, 440};
+    saved = sample.Set().SaveCopy(path);
+  }
+  if (!saved) std::fprintf(stderr, "make-sample: %s: cannot be written\n", path);
+  ResetProcessState();
+  return saved ? 0 : 2;
+}
+
+}  // namespace
+}  // namespace kestrin
+
+int main(int argc, char** argv) {
+  kestrin::int64 now = kestrin::SystemClock().Now();
+  kestrin::int32 soon = 0;
+  kestrin::int32 copies = 1;
+  const char* path = argc > 1 ? argv[1] : nullptr;
+  bool usable = path != nullptr && argc % 2 == 0;
+  for (int i = 2; usable && i + 1 < argc; i += 2) {
+    if (std::strcmp(argv[i], "--now") == 0)
+      now = std::strtoll(argv[i + 1], nullptr, 10);
+    else if (std::strcmp(argv[i], "--soon") == 0)
+      soon = std::atoi(argv[i + 1]);
+    else if (std::strcmp(argv[i], "--copies") == 0)
+      copies = std::atoi(argv[i + 1]);
+    else
+      usable = false;
+  }
+  if (!usable) {
+    std::fputs("usage: make-sample OUT.kestrin [--now TIME] [--soon SECONDS] [--copies N]\n",
+               stderr);
+    return 1;
+  }
+  return kestrin::Make(path, now, soon, copies);
+}
