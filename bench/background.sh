@@ -35,7 +35,7 @@ cat > "$work/bus.conf" <<END
 </busconfig>
 END
 mkfifo "$work/address" "$work/names"
-dbus-daemon --config-file="$work/bus.conf" --nofork --print-address=3 3>"$work/address" &
+dbus-daemon --config-file="$work/bus.conf" --nofork --print-address=3 3>"$work/address" 2>"$work/log" &
 pids="$pids $!"
 read -r DBUS_SESSION_BUS_ADDRESS < "$work/address"
 export DBUS_SESSION_BUS_ADDRESS

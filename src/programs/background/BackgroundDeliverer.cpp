@@ -148,9 +148,11 @@ void BackgroundDeliverer::OpenKeptTime() {
 }
 
 void BackgroundDeliverer::WatchZone() {
-  const int result = sd_event_add_inotify(event_.get(), nullptr, surroundings_.zoneFolder,
+  sd_event_source* watch = nullptr;
+  const int result = sd_event_add_inotify(event_.get(), &watch, surroundings_.zoneFolder,
                                           IN_CREATE | IN_MOVED_TO | IN_CLOSE_WRITE | IN_ONLYDIR,
                                           OnZoneFolder, this);
+  zoneWatch_.reset(watch);
   if (result < 0) Say("changes of the time zone will go unnoticed", result);
 }
 

@@ -75,7 +75,7 @@ class BackgroundDeliverer {
   Owned<sd_event> event_;
   Owned<sd_bus> bus_;
   Owned<sd_bus_slot> call_;
-  Owned<sd_event_source> timer_, retry_, zoneSettled_;
+  Owned<sd_event_source> timer_, retry_, zoneSettled_, zoneWatch_;
 };
 
 }  // namespace kestrin

@@ -102,14 +102,17 @@ TEST_F(BackgroundProcess, HasTheBusStartTheApplication) {
 TEST_F(BackgroundProcess, StartsTheApplicationBesideItselfWhenTheBusCannot) {
   LinePipe pipe(bus.Folder() + "/launched");
   fs::copy_file(KESTRIN_BACKGROUND, bus.Folder() + "/KestrinBackground");
+  // Tells its arguments, whether it leads a session, blocked signals, whether SIGPIPE is ignored.
   WriteFile(bus.Folder() + "/kestrin",
-            "#!/bin/sh\necho \"$# $1\" > " + bus.Folder() + "/launched\n");
+            "#!/bin/sh\nset -- \"$# $*\" $(cut -d' ' -f6 /proc/$$/stat) $(grep -E 'SigBlk|SigIgn' "
+            "/proc/$$/status)\necho \"$1 $(($2 == $$)) $4 $((0x$6 & 0x1000))\" > " +
+                bus.Folder() + "/launched\n");
   fs::permissions(bus.Folder() + "/kestrin", fs::perms::owner_all);
   // Knows a file for the application, but that file has gone.
   bus.AddService(ApplicationBusName, "/nonexistent/kestrin");
   const auto deliverer = Start({bus.Folder() + "/KestrinBackground"});
   ASSERT_EQ(peer.SetWhen(1), "");
-  EXPECT_EQ(pipe.NextLine(), "1 -background");
+  EXPECT_EQ(pipe.NextLine(), "1 -background 1 0000000000000000 0");
 }
 
 TEST_F(BackgroundProcess, TriesAgainWhenTheApplicationVanishes) {
