@@ -1,0 +1,78 @@
+#include "interface/AlertText.h"
+
+#include <QStyle>
+#include <QTextLayout>
+#include <QTextOption>
+#include <algorithm>
+#include <cmath>
+
+namespace kestrin {
+
+namespace {
+
+constexpr int NarrowestCharacters = 30, WidestCharacters = 64;
+
+/// The space the text takes when wrapped at `width`; measures no further than `height`.
+QSizeF Wrapped(const QString& text, const QFont& font, qreal width, qreal height) {
+  QSizeF taken;
+  for (const QString& paragraph : text.split(u'\n')) {
+    QTextLayout layout(paragraph, font);
+    layout.setTextOption([] {
+      QTextOption option;
+      option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+      return option;
+    }());
+    layout.beginLayout();
+    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+      line.setLineWidth(width);
+      taken.setWidth(std::max(taken.width(), line.naturalTextWidth()));
+      taken.rheight() += std::ceil(line.height());
+      if (taken.height() > height) break;
+    }
+    layout.endLayout();
+    if (taken.height() > height) break;
+  }
+  return taken;
+}
+
+}  // namespace
+
+AlertText::AlertText(QWidget* parent) : QPlainTextEdit(parent) {
+  setReadOnly(true);
+  setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+  setTabChangesFocus(true);
+  setFrameShape(QFrame::NoFrame);
+  setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+  setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+  viewport()->setAutoFillBackground(false);
+  document()->setDocumentMargin(0);
+  document()->setUndoRedoEnabled(false);
+}
+
+void AlertText::ShowText(const QString& text, QSize largest, int lowest) {
+  if (toPlainText() != text) setPlainText(text);
+  const int character = fontMetrics().averageCharWidth();
+  const int widest = std::min(largest.width(), WidestCharacters * character);
+  const int narrowest = std::min(widest, NarrowestCharacters * character);
+  QSizeF taken = Wrapped(text, font(), widest, largest.height());
+  const bool scrolls = taken.height() > largest.height();
+  const int bar = scrolls ? style()->pixelMetric(QStyle::PM_ScrollBarExtent) : 0;
+  if (scrolls) taken.setWidth(widest);
+  setVerticalScrollBarPolicy(scrolls ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAsNeeded);
+
+  const int height = std::min(static_cast<int>(std::ceil(taken.height())), largest.height());
+  const int above = std::max(0, (lowest - height) / 2);
+  setViewportMargins(0, above, 0, 0);
+  // One pixel more than measured: a line that fits exactly must not be wrapped again.
+  const int width = static_cast<int>(std::ceil(taken.width())) + 1;
+  hint_ = {std::clamp(width, narrowest, widest + 1) + bar, std::max(height, lowest) + 1};
+  updateGeometry();
+}
+
+QSize AlertText::minimumSizeHint() const {
+  const int line = fontMetrics().lineSpacing();
+  return {std::min(hint_.width(), 12 * line), std::min(hint_.height(), 3 * line)};
+}
+
+}  // namespace kestrin

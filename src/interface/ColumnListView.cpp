@@ -1,0 +1,98 @@
+#include "interface/ColumnListView.h"
+
+#include <QKeyEvent>
+
+#include "interface/ShownLayout.h"
+
+namespace kestrin {
+
+ColumnListView::ColumnListView(QWidget* parent) : QTreeView(parent), header_(new SortHeader(this)) {
+  header_->setObjectName("columns");
+  header_->setAccessibleName("Columns");
+  header_->setMinimumSectionSize(MinimumColumnWidth);
+  setHeader(header_);
+  BuildList();
+}
+
+void ColumnListView::BuildList() {
+  setRootIsDecorated(false);
+  setItemsExpandable(false);
+  setUniformRowHeights(true);
+  setAllColumnsShowFocus(true);
+  setAlternatingRowColors(true);
+  setSelectionMode(SingleSelection);
+  setSelectionBehavior(SelectRows);
+  setEditTriggers(NoEditTriggers);
+  setVerticalScrollMode(ScrollPerPixel);
+  setHorizontalScrollMode(ScrollPerPixel);
+  setTextElideMode(Qt::ElideRight);
+  connect(this, &QAbstractItemView::doubleClicked, this, &ColumnListView::Invoked);
+}
+
+void ColumnListView::Build(QAbstractItemModel& model, const std::vector<CLVColumn>& columns,
+                           const std::vector<int>& order, std::vector<SortKey> keys) {
+  setModel(&model);
+  columns_ = columns;
+  for (int column = 0; column < static_cast<int>(columns.size()); ++column) {
+    const CLVColumn& made = columns[static_cast<size_t>(column)];
+    header_->resizeSection(column, made.width);
+    header_->setSectionHidden(column, (made.flags & CLVColumn::Hidden) != 0);
+    if (made.flags & CLVColumn::Sortable)
+      header_->SetSortable(column);
+    else
+      header_->setSectionResizeMode(column, QHeaderView::Fixed);
+  }
+  for (int place = 0; place < static_cast<int>(order.size()); ++place)
+    header_->moveSection(header_->visualIndex(order[static_cast<size_t>(place)]), place);
+  header_->SetKeys(std::move(keys));
+  WatchHeader();
+}
+
+void ColumnListView::WatchHeader() {
+  connect(header_, &QHeaderView::sectionMoved, this, [this] { DisplayOrderChanged(); });
+  connect(header_, &SortHeader::SortingChanged, this, [this] { SortingChanged(); });
+  connect(header_, &QHeaderView::sectionResized, this, [this](int column, int before, int now) {
+    // Hiding and showing come as a width of 0.
+    if (before > 0 && now > 0) ColumnWidthChanged(column, now);
+  });
+}
+
+uint32 ColumnListView::ColumnFlags(int column) const {
+  const uint32 flags = columns_[static_cast<size_t>(column)].flags;
+  return isColumnHidden(column) ? flags | CLVColumn::Hidden : flags & ~CLVColumn::Hidden;
+}
+
+std::vector<int> ColumnListView::DisplayOrder() const {
+  std::vector<int> order;
+  for (int place = 0; place < header_->count(); ++place)
+    order.push_back(header_->logicalIndex(place));
+  return order;
+}
+
+void ColumnListView::ShowColumn(int column, bool shown) { setColumnHidden(column, !shown); }
+
+void ColumnListView::keyPressEvent(QKeyEvent* event) {
+  switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+      if (currentIndex().isValid()) emit Invoked(currentIndex());
+      return;
+    case Qt::Key_Backspace:
+    case Qt::Key_Delete:
+      emit DeleteRequested();
+      return;
+    default:
+      QTreeView::keyPressEvent(event);
+  }
+}
+
+void ColumnListView::keyboardSearch(const QString& search) {
+  // The search looks into the current column, and texts are looked for by name.
+  const QModelIndex current = currentIndex();
+  const QModelIndex from = model()->index(current.isValid() ? current.row() : 0, NameColumn);
+  if (from.isValid() && from != current)
+    selectionModel()->setCurrentIndex(from, QItemSelectionModel::NoUpdate);
+  QTreeView::keyboardSearch(search);
+}
+
+}  // namespace kestrin

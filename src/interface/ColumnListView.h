@@ -1,0 +1,58 @@
+// A list with several columns that are sorted by, hidden, resized and reordered.
+#pragma once
+
+#include <QTreeView>
+#include <vector>
+
+#include "interface/EventOrder.h"
+#include "interface/SortHeader.h"
+
+namespace kestrin {
+
+/// A column as it is created. Of the flags, Sortable and Hidden mean something here.
+struct CLVColumn {
+  static constexpr uint32 Sortable = 0x1, Hidden = 0x20;
+
+  int width;
+  uint32 flags;
+};
+
+/// Shows a flat model, one selected row at most.
+class ColumnListView : public QTreeView {
+  Q_OBJECT
+
+ public:
+  explicit ColumnListView(QWidget* parent = nullptr);
+
+  /// The model has a column for each of `columns`; it outlives the view or is its child. `order`
+  /// lists the columns from left to right.
+  void Build(QAbstractItemModel& model, const std::vector<CLVColumn>& columns,
+             const std::vector<int>& order, std::vector<SortKey> keys);
+
+  uint32 ColumnFlags(int column) const;
+  std::vector<int> DisplayOrder() const;
+  void ShowColumn(int column, bool shown);
+  const std::vector<SortKey>& SortKeys() const { return header_->Keys(); }
+
+ signals:
+  void Invoked(const QModelIndex& index);
+  void DeleteRequested();
+
+ protected:
+  // What the person does to the columns.
+  virtual void DisplayOrderChanged() = 0;
+  virtual void ColumnWidthChanged(int column, int width) = 0;
+  virtual void SortingChanged() = 0;
+
+  void keyPressEvent(QKeyEvent* event) override;
+  void keyboardSearch(const QString& search) override;
+
+ private:
+  void BuildList();
+  void WatchHeader();
+
+  SortHeader* header_;
+  std::vector<CLVColumn> columns_;
+};
+
+}  // namespace kestrin

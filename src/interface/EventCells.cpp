@@ -1,0 +1,73 @@
+#include "interface/EventCells.h"
+
+#include <QImage>
+
+#include "core/DateTimeText.h"
+#include "core/Event.h"
+#include "core/EventSet.h"
+#include "core/HandlerTable.h"
+#include "interface/EventOrder.h"
+#include "interface/ShownText.h"
+
+namespace kestrin {
+
+namespace {
+
+constexpr std::array<const char*, NumberOfColumns> Labels = {
+    "", "Name", "Event time", "Next message time", "Handler", "Status"};
+
+QString TimeText(const Event& event, int32 time) {
+  const Zone& zone = event.GetOwner()->GetContext().zone;
+  return ShownText(
+      GetDateTimeString(time, event.GetApplyTime(), zone, KestrinSettings::Time24Hour));
+}
+
+QString HandlerText(const Event& event) {
+  const auto row = static_cast<size_t>(event.GetSelectedHandler());
+  return row < AddOnNames.size() ? ShownLine(AddOnNames[row]) : QString();
+}
+
+QString StatusText(const Event& event) {
+  if (!event.GetActive()) return ShownText(InactiveMessage);
+  const auto status = static_cast<size_t>(event.GetStatus());
+  return status < StatusMessages.size() ? ShownText(StatusMessages[status])
+                                        : QString::number(event.GetStatus());
+}
+
+}  // namespace
+
+QString ColumnLabel(int32 column) {
+  const auto number = static_cast<size_t>(column);
+  return number < Labels.size() ? Labels[number] : QString();
+}
+
+QString CellText(const Event& event, int32 column) {
+  switch (column) {
+    case NameColumn:
+      return ShownLine(event.GetName());
+    case EventTimeColumn:
+      return TimeText(event, event.GetActualEventTime());
+    case NextTimeColumn:
+      return TimeText(event, event.GetNextEventTime());
+    case HandlerColumn:
+      return HandlerText(event);
+    case StatusColumn:
+      return StatusText(event);
+    default:
+      return {};
+  }
+}
+
+QVariant MiniIcon(const Event& event) {
+  const IconPair* own = event.GetOwnIcon();
+  if (!own || own->mini.size() != size_t{MiniIconBytes}) return {};
+  QImage image(MiniIconSize, MiniIconSize, QImage::Format_ARGB32);
+  for (int i = 0; i < MiniIconBytes; ++i) {
+    const Colour pixel = ColourOfIndex(static_cast<uint8>(own->mini[static_cast<size_t>(i)]));
+    image.setPixel(i % MiniIconSize, i / MiniIconSize,
+                   qRgba(pixel.red, pixel.green, pixel.blue, pixel.alpha));
+  }
+  return image;
+}
+
+}  // namespace kestrin

@@ -1,0 +1,18 @@
+// What stands in the cells of the event list.
+#pragma once
+
+#include <QString>
+#include <QVariant>
+
+#include "kestrin/Types.h"
+
+namespace kestrin {
+
+class Event;
+
+QString ColumnLabel(int32 column);
+QString CellText(const Event& event, int32 column);
+/// A QImage of MiniIconSize, or nothing.
+QVariant MiniIcon(const Event& event);
+
+}  // namespace kestrin

@@ -1,0 +1,192 @@
+#include "interface/EventOrder.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "core/Event.h"
+#include "core/HandlerTable.h"
+#include "interface/FoldedText.h"
+
+namespace kestrin {
+
+namespace {
+
+constexpr int32 InactiveStatus = 4;
+
+/// Row of the handler table -> place of its name among all names, equal names sharing one.
+std::vector<int32> RankHandlers() {
+  std::vector<std::string> names;
+  for (const char* name : AddOnNames) names.push_back(FoldedText(name));
+  std::vector<std::string> sorted = names;
+  std::sort(sorted.begin(), sorted.end());
+  std::vector<int32> ranks;
+  for (const std::string& name : names)
+    ranks.push_back(
+        static_cast<int32>(std::lower_bound(sorted.begin(), sorted.end(), name) - sorted.begin()));
+  return ranks;
+}
+
+uint64 InOrder(int32 number) { return static_cast<uint32>(number) ^ 0x80000000u; }
+
+}  // namespace
+
+EventOrder::EventOrder() : handlerRanks_(RankHandlers()) {}
+
+int32 EventOrder::HandlerRank(int32 handler) const {
+  const auto row = static_cast<size_t>(handler);
+  return handler >= 0 && row < handlerRanks_.size() ? handlerRanks_[row] : -1;
+}
+
+void EventOrder::TakeValues(Row& row) const {
+  const Event& event = *row.event;
+  row.name = FoldedText(event.GetName());
+  row.numbers[EventTimeColumn] = event.GetActualEventTime();
+  row.numbers[NextTimeColumn] = event.GetNextEventTime();
+  row.numbers[HandlerColumn] = HandlerRank(event.GetSelectedHandler());
+  row.numbers[StatusColumn] = event.GetActive() ? event.GetStatus() : InactiveStatus;
+}
+
+uint64 EventOrder::HeadOf(const Row& row) const {
+  uint64 head = 0;
+  int left = 64;
+  for (const SortKey& key : keys_) {
+    uint64 part = 0;
+    int bits = std::min(left, 32);
+    if (key.column == NameColumn) {
+      for (size_t i = 0; i < static_cast<size_t>(left / 8); ++i)
+        part = part << 8 | (i < row.name.size() ? static_cast<unsigned char>(row.name[i]) : 0u);
+      bits = left;
+    } else {
+      part = InOrder(row.numbers[key.column]);
+    }
+    if (key.descending) part = ~part;
+    if (bits < 64) part &= (uint64{1} << bits) - 1;
+    left -= bits;
+    head |= part << left;
+    if (left == 0) break;
+  }
+  return head;
+}
+
+bool EventOrder::Before(const Place& a, const Place& b) const {
+  if (a.head != b.head) return a.head < b.head;
+  for (const SortKey& key : keys_) {
+    const Row& first = key.descending ? *b.row : *a.row;
+    const Row& second = key.descending ? *a.row : *b.row;
+    if (key.column == NameColumn) {
+      if (const int order = first.name.compare(second.name)) return order < 0;
+    } else if (first.numbers[key.column] != second.numbers[key.column]) {
+      return first.numbers[key.column] < second.numbers[key.column];
+    }
+  }
+  return a.row->arrival < b.row->arrival;
+}
+
+EventOrder::Row& EventOrder::NewRow(Event* event) {
+  Row& row = rows_[event];
+  row.event = event;
+  row.arrival = nextArrival_++;
+  std::fill(std::begin(row.numbers), std::end(row.numbers), 0);
+  TakeValues(row);
+  return row;
+}
+
+int32 EventOrder::Find(const Row& row) const {
+  const Place wanted{HeadOf(row), const_cast<Row*>(&row)};
+  const auto found =
+      std::lower_bound(places_.begin(), places_.end(), wanted,
+                       [this](const Place& a, const Place& b) { return Before(a, b); });
+  return static_cast<int32>(found - places_.begin());
+}
+
+int32 EventOrder::RowOf(const Event* event) const {
+  const auto found = rows_.find(event);
+  return found == rows_.end() ? -1 : Find(found->second);
+}
+
+int32 EventOrder::Insert(Row& row) {
+  const int32 at = Find(row);
+  places_.insert(places_.begin() + at, {HeadOf(row), &row});
+  return at;
+}
+
+int32 EventOrder::Add(Event* event) { return Insert(NewRow(event)); }
+
+void EventOrder::Add(const std::vector<Event*>& events) {
+  const size_t sorted = places_.size();
+  rows_.reserve(sorted + events.size());
+  places_.reserve(sorted + events.size());
+  for (Event* event : events) {
+    Row& row = NewRow(event);
+    places_.push_back({HeadOf(row), &row});
+  }
+  Merge(sorted);
+}
+
+int32 EventOrder::Remove(const Event* event) {
+  const auto found = rows_.find(event);
+  if (found == rows_.end()) return -1;
+  const int32 at = Find(found->second);
+  places_.erase(places_.begin() + at);
+  rows_.erase(found);
+  return at;
+}
+
+void EventOrder::Clear() {
+  places_.clear();
+  rows_.clear();
+}
+
+int32 EventOrder::Resort(const Event* event) {
+  const auto found = rows_.find(event);
+  if (found == rows_.end()) return -1;
+  Row& row = found->second;
+  const auto from = places_.begin() + Find(row);
+  TakeValues(row);
+  const Place changed{HeadOf(row), &row};
+  const auto before = [this](const Place& a, const Place& b) { return Before(a, b); };
+  // All but the changed one are in order, on either side of it.
+  auto to = std::lower_bound(places_.begin(), from, changed, before);
+  if (to == from) {
+    to = std::lower_bound(from + 1, places_.end(), changed, before) - 1;
+    std::rotate(from, from + 1, to + 1);
+  } else {
+    std::rotate(to, from, from + 1);
+  }
+  *to = changed;
+  return static_cast<int32>(to - places_.begin());
+}
+
+void EventOrder::Resort(const std::vector<Event*>& events) {
+  for (const Event* event : events) {
+    const auto found = rows_.find(event);
+    if (found != rows_.end()) found->second.moves = true;
+  }
+  const auto moving = std::stable_partition(places_.begin(), places_.end(),
+                                            [](const Place& place) { return !place.row->moves; });
+  for (auto place = moving; place != places_.end(); ++place) {
+    place->row->moves = false;
+    TakeValues(*place->row);
+    place->head = HeadOf(*place->row);
+  }
+  Merge(static_cast<size_t>(moving - places_.begin()));
+}
+
+void EventOrder::Merge(size_t sorted) {
+  const auto before = [this](const Place& a, const Place& b) { return Before(a, b); };
+  const auto middle = places_.begin() + static_cast<std::ptrdiff_t>(sorted);
+  std::sort(middle, places_.end(), before);
+  std::inplace_merge(places_.begin(), middle, places_.end(), before);
+}
+
+void EventOrder::SetKeys(std::vector<SortKey> keys) {
+  keys_ = std::move(keys);
+  nextArrival_ = 0;
+  for (Place& place : places_) {
+    place.row->arrival = nextArrival_++;
+    place.head = HeadOf(*place.row);
+  }
+  Merge(0);
+}
+
+}  // namespace kestrin

@@ -1,0 +1,57 @@
+// The window of an event set: menus over a list of its events.
+#pragma once
+
+#include <QMainWindow>
+
+#include "core/UserInterface.h"
+
+namespace kestrin {
+
+class DocumentApp;
+class EventSetMenus;
+class ListEventView;
+
+/// Registers with the application while it is open. Closing takes it back from its set, which may
+/// be the end of the set, and deletes it on a later turn of the event loop.
+class EventSetWindow final : public QMainWindow, public SetWindow {
+  Q_OBJECT
+
+ public:
+  EventSetWindow(EventSet& set, DocumentApp& application);
+  ~EventSetWindow() override;
+
+  /// Null once the window has closed.
+  EventSet* GetEventSet() const { return set_; }
+  ListEventView* GetEventsView() const { return list_; }
+  void SettingsChanged();
+
+  void Activate() override;
+  void EventAdded(Event& event) override;
+  void EventRemoved(Event& event) override;
+  void EventModified(Event& event) override;
+  void SetChanged() override;
+  void CommitEdits() override {}
+  bool RequestClose() override;
+  void CloseNow() override;
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void moveEvent(QMoveEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+
+ private:
+  void OpenAtFrame();
+  void StoreFrame();
+  void RememberAsDefault();
+  void Command(uint32 command);
+  /// Takes the window back from the set and the application; afterwards there is no set.
+  void Detach();
+
+  EventSet* set_;
+  DocumentApp& application_;
+  EventSetMenus* menus_;
+  ListEventView* list_;
+  QRect opened_;  ///< the geometry the window was given; only another one is the person's
+};
+
+}  // namespace kestrin

@@ -1,0 +1,77 @@
+#include "interface/ListEventView.h"
+
+#include <QItemSelectionModel>
+#include <algorithm>
+
+#include "core/EventSet.h"
+#include "interface/EventRowDelegate.h"
+#include "interface/ShownLayout.h"
+
+namespace kestrin {
+
+namespace {
+
+// As other programs know the two kinds of column.
+constexpr uint32 IconColumnFlags = 78, LabelColumnFlags = 3073;
+
+}  // namespace
+
+ListEventView::ListEventView(EventSet& set) : EventSetViewInterface(set), model_(set) {
+  setObjectName("events");
+  setAccessibleName("Events");
+  setItemDelegate(new EventRowDelegate(this));
+  AddColumnLabels();
+  connect(this, &ColumnListView::Invoked, this, [this](const QModelIndex& index) {
+    if (Event* event = model_.EventAt(index.row())) emit EventInvoked(event);
+  });
+  connect(selectionModel(), &QItemSelectionModel::selectionChanged, this,
+          &ListEventView::SelectedEventChanged);
+}
+
+void ListEventView::AddColumnLabels() {
+  const ShownLayout layout = ShownLayoutOf(GetEventSet().Layout());
+  std::vector<CLVColumn> columns;
+  for (size_t column = 0; column < layout.width.size(); ++column) {
+    const uint32 flags = column == IconColumn ? IconColumnFlags : LabelColumnFlags;
+    columns.push_back(
+        {layout.width[column], layout.shown[column] ? flags : flags | CLVColumn::Hidden});
+  }
+  model_.SetKeys(layout.keys);
+  Build(model_, columns, {layout.order.begin(), layout.order.end()}, layout.keys);
+}
+
+void ListEventView::SetColumnShown(Columns column, bool shown) {
+  ShowColumn(column, shown);
+  AutoLock lock(GetEventSet());
+  GetEventSet().Layout().ColumnShown[column] = shown;
+}
+
+Event* ListEventView::GetSelectedEvent() {
+  const QModelIndexList selected = selectionModel()->selectedRows();
+  return selected.isEmpty() ? nullptr : model_.EventAt(selected.first().row());
+}
+
+void ListEventView::SelectEvent(const Event* event) {
+  const int row = model_.RowOf(event);
+  if (row >= 0) setCurrentIndex(model_.index(row, NameColumn));
+}
+
+void ListEventView::DisplayOrderChanged() {
+  const std::vector<int> order = DisplayOrder();
+  AutoLock lock(GetEventSet());
+  std::copy(order.begin(), order.end(), GetEventSet().Layout().ColumnOrder.begin());
+}
+
+void ListEventView::ColumnWidthChanged(int column, int width) {
+  AutoLock lock(GetEventSet());
+  GetEventSet().Layout().ColumnWidth[static_cast<size_t>(column)] = static_cast<float>(width);
+}
+
+void ListEventView::SortingChanged() {
+  model_.SetKeys(SortKeys());
+  if (currentIndex().isValid()) scrollTo(currentIndex());
+  AutoLock lock(GetEventSet());
+  StoreSorting(SortKeys(), GetEventSet().Layout());
+}
+
+}  // namespace kestrin

@@ -1,0 +1,47 @@
+// The list of a set's events.
+#pragma once
+
+#include "interface/ColumnListView.h"
+#include "interface/EventListModel.h"
+#include "interface/EventSetViewInterface.h"
+
+namespace kestrin {
+
+/// Opens as the set's layout says and writes what the person changes into it. What of the layout
+/// could not be shown stays stored as it was until the person changes that very thing.
+class ListEventView final : public ColumnListView, public EventSetViewInterface {
+  Q_OBJECT
+
+ public:
+  explicit ListEventView(EventSet& set);
+
+  void SetColumnShown(Columns column, bool shown) override;
+  QWidget* GetBViewPart() override { return this; }
+  void AddEvent(Event* event) override { model_.EventAdded(*event); }
+  void RemoveEvent(Event* event) override { model_.EventRemoved(*event); }
+  /// Applies now what was collected.
+  void SortEvents() override { model_.Apply(); }
+  Event* GetSelectedEvent() override;
+  void EventModified(Event* event) override { model_.EventModified(*event); }
+
+  /// Selects the event's row and scrolls to it.
+  void SelectEvent(const Event* event);
+  /// Shows nothing any more: the set is about to go.
+  void Clear() { model_.Clear(); }
+
+ signals:
+  void EventInvoked(kestrin::Event* event);
+  void SelectedEventChanged();
+
+ protected:
+  void DisplayOrderChanged() override;
+  void ColumnWidthChanged(int column, int width) override;
+  void SortingChanged() override;
+
+ private:
+  void AddColumnLabels();
+
+  EventListModel model_;
+};
+
+}  // namespace kestrin

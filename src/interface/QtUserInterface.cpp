@@ -1,0 +1,117 @@
+#include "interface/QtUserInterface.h"
+
+#include <QApplication>
+#include <QEventLoop>
+#include <QScreen>
+
+#include "core/AlertDesk.h"
+#include "core/Context.h"
+#include "interface/AlertAccessible.h"
+#include "interface/AlertCascade.h"
+#include "interface/AlertWindow.h"
+#include "interface/EventSetWindow.h"
+
+namespace kestrin {
+
+QtUserInterface::QtUserInterface() : QtUserInterface(&QApplication::beep) {}
+
+QtUserInterface::QtUserInterface(std::function<void()> bell) : bell_(std::move(bell)) {
+  if (!HasScreen()) return;
+  InstallAlertAccessibility();
+  WatchScreens();
+}
+
+QtUserInterface::~QtUserInterface() = default;
+
+void QtUserInterface::Connect(Context& context, DocumentApp& application) {
+  context_ = &context;
+  application_ = &application;
+}
+
+bool QtUserInterface::HasScreen() const {
+  return qobject_cast<QApplication*>(QCoreApplication::instance()) != nullptr;
+}
+
+SetWindow* QtUserInterface::OpenSetWindow(EventSet& set) {
+  if (!HasScreen()) return nullptr;
+  auto* window = new EventSetWindow(set, *application_);
+  window->Activate();
+  return window;
+}
+
+EditorWindow* QtUserInterface::OpenEventWindow(Event&) { return nullptr; }
+
+void QtUserInterface::OpenAlert(AlertId id, const AlertRequest& request, int32 place) {
+  auto& window = alerts_[id] = std::make_unique<AlertWindow>(request, place);
+  connect(window.get(), &AlertWindow::Pressed, this, [this, id](int which) { Answer(id, which); });
+  window->Announce();
+  bell_();
+}
+
+void QtUserInterface::UpdateAlert(AlertId id, const AlertRequest& request) {
+  const auto found = alerts_.find(id);
+  if (found == alerts_.end()) return;
+  found->second->Update(request);
+  found->second->Announce();
+  bell_();
+}
+
+void QtUserInterface::CloseAlert(AlertId id) { RemoveAlert(id); }
+
+void QtUserInterface::Answer(AlertId id, int which) {
+  RemoveAlert(id);
+  context_->alerts.Answered(id, which);
+}
+
+void QtUserInterface::RemoveAlert(AlertId id) {
+  const auto found = alerts_.find(id);
+  if (found == alerts_.end()) return;
+  // One of the window's own buttons may be what calls this.
+  AlertWindow* window = found->second.release();
+  alerts_.erase(found);
+  window->hide();
+  window->deleteLater();
+}
+
+void QtUserInterface::WaitForFatalError(const std::string& title, const std::string& text,
+                                        const std::string& button) {
+  if (!HasScreen()) return;
+  AlertRequest request;
+  request.Title = title;
+  request.Text = text;
+  request.Buttons = {button};
+  request.Kind = AlertKind::Warning;
+  AlertWindow window(request, AlertCascade::Places - 1);
+  window.setAttribute(Qt::WA_ShowWithoutActivating, false);
+  QEventLoop loop;
+  connect(&window, &AlertWindow::Pressed, &loop, &QEventLoop::quit);
+  window.Announce();
+  loop.exec();
+}
+
+void QtUserInterface::ShowOpenPanel() {}
+void QtUserInterface::ShowSettingsWindow() {}
+void QtUserInterface::ShowAboutWindow() {}
+
+void QtUserInterface::SettingsChanged() {
+  for (QWidget* widget : QApplication::topLevelWidgets())
+    if (auto* window = qobject_cast<EventSetWindow*>(widget)) window->SettingsChanged();
+}
+
+QWidget* QtUserInterface::CreateEditView(EventAddOnData&, Rect) { return nullptr; }
+void QtUserInterface::DestroyEditView(QWidget* view) { delete view; }
+
+void QtUserInterface::WatchScreens() {
+  const auto watch = [this](QScreen* screen) {
+    connect(screen, &QScreen::availableGeometryChanged, this, &QtUserInterface::KeepAlertsOnScreen);
+  };
+  for (QScreen* screen : QGuiApplication::screens()) watch(screen);
+  connect(qGuiApp, &QGuiApplication::screenAdded, this, watch);
+  connect(qGuiApp, &QGuiApplication::screenRemoved, this, &QtUserInterface::KeepAlertsOnScreen);
+}
+
+void QtUserInterface::KeepAlertsOnScreen() {
+  for (auto& [id, window] : alerts_) window->KeepOnScreen();
+}
+
+}  // namespace kestrin

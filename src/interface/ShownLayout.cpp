@@ -1,0 +1,72 @@
+#include "interface/ShownLayout.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace kestrin {
+
+namespace {
+
+enum SortMode : int32 { Ascending = 0, Descending = 1, Unsorted = 2 };
+
+constexpr int WidestColumn = 4000;
+constexpr std::array<int, NumberOfColumns> UsualWidth = {
+    MinimumColumnWidth, 190, 150, 150, 60, 115};
+
+std::array<int, NumberOfColumns> ShownOrder(const std::array<int32, NumberOfColumns>& stored) {
+  std::vector<int> order;
+  const auto add = [&order](int32 column) {
+    const bool isColumn = column >= 0 && column < NumberOfColumns;
+    if (isColumn && std::find(order.begin(), order.end(), column) == order.end())
+      order.push_back(column);
+  };
+  for (const int32 column : stored) add(column);
+  for (int32 column = 0; column < NumberOfColumns; ++column) add(column);
+  std::array<int, NumberOfColumns> all{};
+  std::copy(order.begin(), order.end(), all.begin());
+  return all;
+}
+
+int ShownWidth(size_t column, float stored) {
+  if (column == IconColumn || !std::isfinite(stored) || stored <= 0) return UsualWidth[column];
+  const float width = std::clamp(stored, float{MinimumColumnWidth}, float{WidestColumn});
+  return static_cast<int>(std::lround(width));
+}
+
+std::vector<SortKey> ShownKeys(const SetLayout& stored) {
+  std::vector<SortKey> keys;
+  const int32 number = std::clamp(stored.NumberOfKeys, 0, MaxSortKeys);
+  for (size_t i = 0; i < static_cast<size_t>(number); ++i) {
+    const int32 column = stored.SortKeys[i], mode = stored.SortModes[i];
+    const bool isKnown = column > IconColumn && column < NumberOfColumns;
+    const bool isTaken = std::any_of(keys.begin(), keys.end(),
+                                     [column](const SortKey& key) { return key.column == column; });
+    if (isKnown && !isTaken && (mode == Ascending || mode == Descending))
+      keys.push_back({column, mode == Descending});
+  }
+  return keys;
+}
+
+}  // namespace
+
+ShownLayout ShownLayoutOf(const SetLayout& stored) {
+  ShownLayout layout{ShownOrder(stored.ColumnOrder), stored.ColumnShown, {}, ShownKeys(stored)};
+  const auto isShown = [](bool shown) { return shown; };
+  if (std::none_of(layout.shown.begin(), layout.shown.end(), isShown))
+    layout.shown[NameColumn] = true;
+  for (size_t column = 0; column < layout.width.size(); ++column)
+    layout.width[column] = ShownWidth(column, stored.ColumnWidth[column]);
+  return layout;
+}
+
+void StoreSorting(const std::vector<SortKey>& keys, SetLayout& stored) {
+  stored.NumberOfKeys = static_cast<int32>(keys.size());
+  stored.SortKeys.fill(0);
+  stored.SortModes.fill(Unsorted);
+  for (size_t i = 0; i < keys.size(); ++i) {
+    stored.SortKeys[i] = keys[i].column;
+    stored.SortModes[i] = keys[i].descending ? Descending : Ascending;
+  }
+}
+
+}  // namespace kestrin

@@ -1,0 +1,46 @@
+// The header of a multi-column list: click to sort, drag to reorder or resize.
+#pragma once
+
+#include <QHeaderView>
+#include <vector>
+
+#include "interface/EventOrder.h"
+
+namespace kestrin {
+
+/// A click makes a column the only sort key; a click on the only key turns it round. With Shift, it
+/// adds a key behind the others, or turns it round where it stands. Each key's column shows an
+/// arrow, and its rank when there are several.
+class SortHeader final : public QHeaderView {
+  Q_OBJECT
+
+ public:
+  explicit SortHeader(QWidget* parent = nullptr);
+
+  /// A click on any other column does nothing.
+  void SetSortable(int column) { sortable_.push_back(column); }
+
+  const std::vector<SortKey>& Keys() const { return keys_; }
+  void SetKeys(std::vector<SortKey> keys);
+
+ signals:
+  /// By the person, not by SetKeys.
+  void SortingChanged();
+
+ protected:
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void paintSection(QPainter* painter, const QRect& rect, int column) const override;
+  QSize sectionSizeFromContents(int column) const override;
+
+ private:
+  void Clicked(int column);
+  int RankOf(int column) const;
+  int MarkWidth(int column) const;
+  void PaintMark(QPainter* painter, const QStyleOptionHeader& option, int rank) const;
+
+  std::vector<int> sortable_;
+  std::vector<SortKey> keys_;
+  bool withShift_ = false;
+};
+
+}  // namespace kestrin
