@@ -61,8 +61,8 @@ class BufferedFile {
   /// classes too).
   int64 Position();
 
-  /// The bytes between the position and the end of the file: what a reader may still get. Asks
-  /// the system once for each time the buffer is filled.
+  /// The bytes between the position and the end of the file: what a reader may still get. The
+  /// size is asked for once, and again after a write or a seek.
   int64 BytesLeft() {
     return bytesBehindBuffer_ >= 0 ? bytesBehindBuffer_ + (fill_ - position_) : FindBytesLeft();
   }

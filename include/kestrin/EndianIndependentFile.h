@@ -1,6 +1,7 @@
 // A buffered file whose first byte names the byte order of its numbers.
 #pragma once
 
+#include <bit>
 #include <cstring>
 
 #include "kestrin/BufferedFile.h"
@@ -53,19 +54,33 @@ class EndianIndependentFile : public BufferedFile {
   }
   /// Copies one number, its bytes reversed when the file is of the other order.
   void CopyNumber(void* to, const void* from, uint8 size) const {
-    if (IsNativeEndian()) {
+    if (IsNativeEndian() || size == 1)
       std::memcpy(to, from, size);
-      return;
-    }
-    uint8* target = static_cast<uint8*>(to);
-    const uint8* source = static_cast<const uint8*>(from);
-    for (int i = 0; i < size; ++i) target[i] = source[size - 1 - i];
+    else if (size == 4)
+      CopySwapped<uint32>(to, from);
+    else if (size == 2)
+      CopySwapped<std::uint16_t>(to, from);
+    else
+      CopySwapped<uint64>(to, from);
+  }
+  template <typename Number>
+  static void CopySwapped(void* to, const void* from) {
+    Number number;
+    std::memcpy(&number, from, sizeof number);
+    if constexpr (sizeof number == 2)
+      number = __builtin_bswap16(number);
+    else if constexpr (sizeof number == 4)
+      number = __builtin_bswap32(number);
+    else
+      number = __builtin_bswap64(number);
+    std::memcpy(to, &number, sizeof number);
   }
   void InitEndianness(uint32 openMode);
   int32 ReadNumbers(void* values, uint8 size, int32 count);
 
-  uint8 fileByteOrder_ = 0;
-  uint8 hostByteOrder_ = 0;
+  static constexpr uint8 hostByteOrder_ = std::endian::native == std::endian::big ? 1 : 0;
+
+  uint8 fileByteOrder_ = hostByteOrder_;
   status_t markerStatus_ = StatusOk;
 };
 

@@ -54,8 +54,10 @@ bool BufferedFile::IsWritable() const {
 }
 
 int32 BufferedFile::ReadFromFile(uint8* data, int32 count) {
-  bytesBehindBuffer_ = -1;
-  return static_cast<int32>(std::max<int64>(file_->Read(data, static_cast<size_t>(count)), 0));
+  const int64 got = std::max<int64>(file_->Read(data, static_cast<size_t>(count)), 0);
+  if (bytesBehindBuffer_ >= 0)
+    bytesBehindBuffer_ = got < count ? 0 : std::max<int64>(bytesBehindBuffer_ - got, 0);
+  return static_cast<int32>(got);
 }
 
 int32 BufferedFile::WriteToFile(const uint8* data, int32 count) {

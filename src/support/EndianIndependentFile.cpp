@@ -3,13 +3,11 @@
 #include <stdio.h>
 
 #include <algorithm>
-#include <bit>
 
 namespace kestrin {
 
 namespace {
 
-constexpr uint8 LittleEndianMarker = 0, BigEndianMarker = 1;
 constexpr int32 SwapBytes = 512;
 
 int64 BehindMarker(int64 position) { return position == INT64_MAX ? position : position + 1; }
@@ -36,7 +34,6 @@ status_t EndianIndependentFile::InitCheck() const {
 
 void EndianIndependentFile::InitEndianness(uint32 openMode) {
   if (BufferedFile::InitCheck() != StatusOk) return;
-  hostByteOrder_ = std::endian::native == std::endian::big ? BigEndianMarker : LittleEndianMarker;
   if (openMode & OpenAtEnd) {
     const int64 start = BufferedFile::Seek(0, SEEK_SET);
     if (start < 0) {
@@ -97,20 +94,21 @@ status_t EndianIndependentFile::WriteString(const char* text) {
 
 status_t EndianIndependentFile::ReadString(char* text, int32 max) {
   for (int32 stored = 0; stored < max;) {
-    // An empty buffer is filled by reading one byte; what then lies in it is taken up to the NUL.
-    const auto ahead = static_cast<size_t>(std::clamp(BytesAhead(), 1, max - stored));
-    size_t wanted = ahead;
-    if (BytesAhead() > 0)
-      if (const void* end = std::memchr(Ahead(), '\0', ahead))
-        wanted = static_cast<size_t>(static_cast<const uint8*>(end) - Ahead()) + 1;
     char* to = text + stored;
-    if (const uint8* bytes = TakeFromBuffer(static_cast<int32>(wanted))) {
-      std::memcpy(to, bytes, wanted);
-    } else if (BufferedRead(to, wanted) < static_cast<int32>(wanted)) {
+    // An empty buffer is filled by reading one byte; what then lies in it is taken up to the NUL.
+    int32 wanted = 1;
+    if (BytesAhead() > 0) {
+      wanted = std::min(BytesAhead(), max - stored);
+      if (const void* end = std::memchr(Ahead(), '\0', static_cast<size_t>(wanted)))
+        wanted = static_cast<int32>(static_cast<const uint8*>(end) - Ahead()) + 1;
+    }
+    if (const uint8* bytes = TakeFromBuffer(wanted)) {
+      std::memcpy(to, bytes, static_cast<size_t>(wanted));
+    } else if (BufferedRead(to, static_cast<size_t>(wanted)) < wanted) {
       *to = '\0';
       return StatusFileError;
     }
-    stored += static_cast<int32>(wanted);
+    stored += wanted;
     if (text[stored - 1] == '\0') return StatusOk;
   }
   if (max > 0) text[max - 1] = '\0';

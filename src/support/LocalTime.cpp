@@ -81,7 +81,7 @@ Civil ToCivil(const CivilFields& fields) {
 
 CivilFields ToFields(Civil time) {
   const int64 days = FloorDivide(time.seconds, SecondsPerDay);
-  const int64 sinceMidnight = time.seconds - days * SecondsPerDay;
+  const int32 sinceMidnight = SecondsIntoDay(time);
   const int64 shifted = days + DaysToEpoch;
   const int64 era = FloorDivide(shifted, DaysPerEra);
   const int64 dayOfEra = shifted - era * DaysPerEra;
@@ -151,7 +151,9 @@ Civil Zone::AtMoment(int64 moment) const {
 }
 
 Zone::Resolved Zone::Resolve(Civil time) const {
-  const absl::CivilSecond civil = absl::CivilSecond() + time.seconds;
+  const CivilFields fields = ToFields(time);
+  const absl::CivilSecond civil(fields.year, fields.month + 1, fields.day, fields.hour,
+                                fields.minute, fields.second);
   const absl::TimeZone::TimeInfo info = zone_.At(civil);
   switch (info.kind) {
     case absl::TimeZone::TimeInfo::SKIPPED:
