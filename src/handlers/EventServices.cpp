@@ -13,6 +13,14 @@
 
 namespace kestrin {
 
+namespace {
+
+SettingsStore* addOnSettings = nullptr;
+
+}  // namespace
+
+void UseForAddOnSettings(SettingsStore* settings) { addOnSettings = settings; }
+
 const char* GetEventName(const Event* event) { return event->GetName().c_str(); }
 const char* GetEventComment(const Event* event) { return event->GetComment().c_str(); }
 int32 GetActualEventTime(const Event* event) { return event->GetActualEventTime(); }
@@ -42,8 +50,7 @@ void DeliverEventMessage(Event* event, bool missed, const char* s1, const char* 
 
 status_t ReadAddOnSetting(const char* name, const void*& data, int32& size, uint32& type) {
   AutoLock lock(KestrinSettings::Protect);
-  const SettingsStore* store = AddOnSettings();
-  const auto value = store ? store->Get(name) : std::nullopt;
+  const auto value = addOnSettings ? addOnSettings->Get(name) : std::nullopt;
   if (!value) return StatusError;
   data = value->bytes.data();
   size = static_cast<int32>(value->bytes.size());
@@ -53,9 +60,8 @@ status_t ReadAddOnSetting(const char* name, const void*& data, int32& size, uint
 
 status_t WriteAddOnSetting(const char* name, const void* data, uint32 size, uint32 type) {
   AutoLock lock(KestrinSettings::Protect);
-  SettingsStore* store = AddOnSettings();
-  if (!store) return StatusError;
-  const status_t status = store->Set(name, {static_cast<const char*>(data), size}, type);
+  if (!addOnSettings) return StatusError;
+  const status_t status = addOnSettings->Set(name, {static_cast<const char*>(data), size}, type);
   if (status == StatusOk) KestrinSettings::Changed();
   return status;
 }

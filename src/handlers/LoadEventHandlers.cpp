@@ -16,6 +16,7 @@
 #include "handlers/DoNothingDataHandler.h"
 #include "handlers/MessageDataHandler.h"
 #include "handlers/UnknownDataHandler.h"
+#include "kestrin/BufferedFile.h"
 #include "support/OwnedText.h"
 
 namespace kestrin {
@@ -23,8 +24,6 @@ namespace kestrin {
 namespace {
 
 constexpr size_t MaxNamedLeftOut = 20;
-
-SettingsStore* addOnSettings = nullptr;
 
 void AddRow(const char* name, NewAddOnDataFunction factory) {
   AddOnNames.push_back(name);
@@ -44,15 +43,27 @@ void TellLoadFailed(Context& context, const std::string& path, int code, const c
   context.notices.ReportCompoundError("LoadEventHandlers: load_add_on failed for ", path, text);
 }
 
+/// Why the loader could not read the file, or ENOEXEC: it has no numbers itself.
+int ReasonOf(Context& context, const std::string& path) {
+  switch (context.files.Kind(path)) {
+    case FileKind::Missing:
+      return ENOENT;
+    case FileKind::Folder:
+      return EISDIR;
+    default:
+      break;
+  }
+  status_t status = StatusOk;
+  return context.files.Open(path, OpenReadOnly, status) || status == StatusOk ? ENOEXEC : -status;
+}
+
 void* OpenImage(Context& context, const std::string& path) {
   if (context.files.Kind(path) == FileKind::Other) {  // the loader would wait at a pipe for ever
     TellLoadFailed(context, path, ENOEXEC, nullptr);
     return nullptr;
   }
-  errno = 0;
   void* image = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
-  const int code = errno ? errno : ENOEXEC;
-  if (!image) TellLoadFailed(context, path, code, dlerror());
+  if (!image) TellLoadFailed(context, path, ReasonOf(context, path), dlerror());
   return image;
 }
 
@@ -128,7 +139,7 @@ void LoadEventHandlers(Context& context, SettingsStore* settings, const std::str
   if (kestrinDir.empty())
     context.notices.HandleErrorAndExit("LoadEventHandlers: GetAppInfo failed");
   LoadBuiltInHandlers(context);
-  addOnSettings = settings;
+  UseForAddOnSettings(settings);
   std::vector<std::string> leftOut;
   for (const std::string& folder : {kestrinDir + "/add-ons", userAddOnFolder})
     for (const std::string& name :
@@ -148,10 +159,8 @@ void UnloadEventHandlers() {
     CleanUp(row, image);
     dlclose(image);
   }
-  addOnSettings = nullptr;
+  UseForAddOnSettings(nullptr);
   ResetHandlerTable();
 }
-
-SettingsStore* AddOnSettings() { return addOnSettings; }
 
 }  // namespace kestrin

@@ -31,7 +31,7 @@ void LoadEventHandlers(Context& context, SettingsStore* settings, const std::str
 /// Main thread, once, after all sets are gone: lets every add-on clean up and empties the table.
 void UnloadEventHandlers();
 
-/// The store that LoadEventHandlers was given, while the table is loaded.
-SettingsStore* AddOnSettings();
+/// The store behind ReadAddOnSetting and WriteAddOnSetting; null: there is none.
+void UseForAddOnSettings(SettingsStore* settings);
 
 }  // namespace kestrin

@@ -1,0 +1,265 @@
+// Loading: real shared libraries in real folders.
+#include <dlfcn.h>
+#include <sys/stat.h>
+
+#include <condition_variable>
+#include <filesystem>
+#include <fstream>
+#include <mutex>
+
+#include "HandlerTestBase.h"
+#include "core/BuiltInPrefs.h"
+#include "core/EventSetFile.h"
+#include "core/SettingsStore.h"
+
+namespace kestrin {
+namespace {
+
+namespace fs = std::filesystem;
+
+class LoadEventHandlersTest : public testing::Test {
+ protected:
+  LoadEventHandlersTest() {
+    ResetProcessState();
+    std::string pattern = fs::temp_directory_path() / "kestrin-handlers-XXXXXX";
+    root_ = mkdtemp(pattern.data());
+    fs::create_directories(root_ / "app/add-ons");
+    fs::create_directories(root_ / "user");
+  }
+  ~LoadEventHandlersTest() override {
+    Set.reset();
+    ResetProcessState();
+    fs::remove_all(root_);
+  }
+
+  /// Puts a test add-on into a folder ("app/add-ons" or "user") under a name there.
+  void Put(const std::string& addOn, const std::string& place) {
+    fs::create_symlink(fs::path(KESTRIN_TEST_ADD_ONS) / (addOn + ".so"), root_ / place);
+  }
+  std::string In(const std::string& place) const { return root_ / place; }
+  void Load(SettingsStore* settings = nullptr) {
+    LoadEventHandlers(World.Core, settings, In("app"), In("user"));
+    World.RunMessages();
+  }
+  std::vector<std::string> Rows() const {
+    EXPECT_EQ(AddOnNames.size(), static_cast<size_t>(NumberOfEventHandlers));
+    EXPECT_EQ(Function_NewAddOnData.size(), AddOnNames.size());
+    EXPECT_EQ(AddOnImages.size() + NumberOfBuiltInHandlers, AddOnNames.size());
+    return {AddOnNames.begin() + NumberOfBuiltInHandlers, AddOnNames.end()};
+  }
+  std::string Bytes(const std::string& place) const {
+    std::ifstream file(root_ / place, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+  std::vector<std::string> Reports() const {
+    std::vector<std::string> texts;
+    for (const AlertRequest& request : World.Ui.History) texts.push_back(request.Text);
+    return texts;
+  }
+  Event& MakeEvent(const char* handler) {
+    Set = std::make_unique<EventSet>(World.Core, "Untitled event set 1");
+    Event& event = *Set->AddEvent(nullptr);
+    event.SetName("Tea");
+    EXPECT_TRUE(event.SetSelectedHandler(FindHandler(handler)));
+    return event;
+  }
+
+  fs::path root_;
+  TestContext World;
+  std::unique_ptr<EventSet> Set;
+};
+
+using Texts = std::vector<std::string>;
+
+TEST_F(LoadEventHandlersTest, WithoutFoldersThereAreTheBuiltInRows) {
+  fs::remove_all(root_ / "app/add-ons");
+  fs::remove_all(root_ / "user");
+  Load();
+  EXPECT_EQ(NumberOfEventHandlers, 5);
+  EXPECT_EQ(Rows(), Texts{});
+  EXPECT_EQ(Texts(AddOnNames.begin(), AddOnNames.end()),
+            (Texts{"Unknown", "Do nothing", "Message", "Command", "Act on file"}));
+  EXPECT_TRUE(Reports().empty());
+}
+
+TEST_F(LoadEventHandlersTest, EveryWayToFailIsReportedAndLeavesNoRow) {
+  Put("NoFactory", "user/a");
+  Put("NoInitialize", "user/b");
+  Put("NullName", "user/c");
+  Put("EndlessName", "user/d");
+  Put("ThrowingName", "user/e");
+  Put("gone", "user/f");
+  fs::create_directory(root_ / "user/g");
+  ASSERT_EQ(mkfifo(In("user/h").c_str(), 0600), 0);
+  std::ofstream(root_ / "user/i") << "no library at all, but long enough to hold a header of one, "
+                                     "for the loader has another word for what is shorter";
+  std::ofstream(root_ / "user/j");
+  Put("Good", "user/k");
+  Load();
+  EXPECT_EQ(Rows(), Texts{"Good"});
+  const std::string failed = "LoadEventHandlers: load_add_on failed for ";
+  EXPECT_EQ(Reports(),
+            (Texts{"LoadEventHandlers:  couldn't find NewAddOnData for " + In("user/a"),
+                   "LoadEventHandlers:  couldn't find InitializeAddOn for " + In("user/b"),
+                   "LoadEventHandlers:  InitializeAddOn failed for " + In("user/c"),
+                   "LoadEventHandlers:  InitializeAddOn failed for " + In("user/d"),
+                   "LoadEventHandlers:  InitializeAddOn failed for " + In("user/e"),
+                   failed + In("user/f") + ": 0x00000002", failed + In("user/g") + ": 0x00000015",
+                   failed + In("user/h") + ": 0x00000008", failed + In("user/i") + ": 0x00000008",
+                   failed + In("user/j") + ": 0x00000008"}));
+}
+
+TEST_F(LoadEventHandlersTest, RowsFollowFoldersAndNamesAndTheFirstOfANameWins) {
+  Put("Twin", "user/1");
+  Put("LikeBuiltIn", "app/add-ons/z");
+  Put("NullName", "app/add-ons/y");
+  Put("Good", "app/add-ons/x");
+  Put("ThrowingAction", "app/add-ons/w");
+  Load();
+  EXPECT_EQ(Rows(), (Texts{"Throwing action", "Good", "Message", "Good"}));
+  EXPECT_EQ(FindHandler("Good"), 6);
+  EXPECT_EQ(FindHandler("Message"), MessageHandler);
+  EXPECT_EQ(FindHandler("good"), UnknownHandler);
+
+  std::vector<const int*> cleanedUp;
+  for (void* image : AddOnImages)
+    cleanedUp.push_back(static_cast<const int*>(dlsym(image, "CleanedUp")));
+  UnloadEventHandlers();
+  for (const int* count : cleanedUp) EXPECT_EQ(*count, 1) << "also behind one that throws";
+  EXPECT_EQ(NumberOfEventHandlers, 0);
+  EXPECT_TRUE(AddOnNames.empty());
+}
+
+TEST_F(LoadEventHandlersTest, ThereIsRoomFor122AndTheRestIsNamed) {
+  for (int i = 0; i < 150; ++i) Put("Good", "app/add-ons/" + std::to_string(100 + i));
+  Load();
+  EXPECT_EQ(NumberOfEventHandlers, 127);
+  EXPECT_EQ(Rows().size(), 122u);
+  ASSERT_EQ(Reports().size(), 1u);
+  const std::string text = Reports()[0];
+  EXPECT_EQ(text.find(In("app/add-ons/221")), std::string::npos);
+  EXPECT_NE(text.find(In("app/add-ons/222")), std::string::npos) << text;
+  EXPECT_TRUE(text.ends_with("\nand 8 more")) << text;
+}
+
+TEST_F(LoadEventHandlersTest, WhatAnAddOnThrowsStopsAtTheBorder) {
+  Put("ThrowingFactory", "user/a");
+  Put("NullFactory", "user/b");
+  Put("ThrowingAction", "user/c");
+  Load();
+  Event& event = MakeEvent("Throwing action");
+  for (const char* handler : {"Throwing factory", "Null factory"}) {
+    bool ok = false, threw = false;
+    EXPECT_EQ(MakeAddOnData(FindHandler(handler), &event, nullptr, &ok, &threw), nullptr);
+    EXPECT_EQ(threw, handler == std::string("Throwing factory"));
+  }
+  HandlerActions().DeliverEvent(event, false);
+  World.RunMessages();
+  EXPECT_EQ(World.Ui.History.back().Text,
+            "Kestrin: The handler \"Throwing action\" failed to deal with the event \"Tea\".");
+}
+
+TEST_F(LoadEventHandlersTest, EveryPromisedServiceIsThere) {
+  SettingsStore settings(MakeBuiltInPrefs(World.SystemFiles, In("config")));
+  Put("EveryService", "user/a");
+  Load(&settings);
+  ASSERT_EQ(Rows(), Texts{"Every service"});
+  Event& event = MakeEvent("Every service");
+  event.SetComment(", hot");
+  event.SetEventTime(1794773322, true);
+  Set->SetFileName(In("set"));
+  ASSERT_TRUE(Set->SaveData());
+  int saves = 0;
+  KestrinSettings::WhenChanged = [&saves] { ++saves; };
+  HandlerActions().DeliverEvent(event, false);
+  HandlerActions().DeliverEvent(event, false);
+  World.RunMessages();
+  EXPECT_TRUE(Set->HasBeenModified());
+  EXPECT_EQ(saves, 2);
+  const std::string times = "1794773322/1794773322/1";
+  const std::string first = "Kestrin event:  Tea\n\nTea, hot " + times + " end";
+  EXPECT_EQ(Reports(), (Texts{first, "Kestrin event:  Tea calls 1 in " + In("set"), first,
+                              "Kestrin event:  Tea calls 2 in " + In("set")}));
+  while (World.Ui.CloseFirst()) World.RunMessages();
+  EXPECT_EQ(World.Holding.Count(), 0);
+}
+
+TEST_F(LoadEventHandlersTest, AFileKeepsEveryByteOfAHandlerThatIsNotThere) {
+  Put("EveryService", "user/a");
+  Load();
+  MakeEvent("Every service");
+  Set->SetFileName(In("set"));
+  ASSERT_TRUE(Set->SaveData());
+  for (const bool installed : {true, false}) {
+    if (!installed) LoadBuiltInHandlers(World.Core);
+    bool versionOk = false;
+    ConstructorResult result = ConstructorResult::CouldNotOpen;
+    SetFileReport report;
+    EventSet read(World.Core, In("set"), &result, &versionOk, &report);
+    ASSERT_EQ(result, ConstructorResult::Success);
+    EXPECT_EQ(read.Events()[0]->GetHandlerName(), "Every service");
+    EXPECT_EQ(read.Events()[0]->GetSelectedHandler() == UnknownHandler, !installed);
+    ASSERT_TRUE(read.SaveCopy(In("copy")));
+    EXPECT_EQ(Bytes("copy"), Bytes("set"));
+    EXPECT_NE(Bytes("set").find("every service"), std::string::npos);
+  }
+}
+
+/// The sample add-on, built by itself outside the tree.
+class OutsideAddOnTest : public LoadEventHandlersTest {
+ protected:
+  OutsideAddOnTest() {
+    fs::create_symlink(fs::path(KESTRIN_OUTSIDE_ADD_ON) / "LogToFile.so", root_ / "user/log");
+    setenv("XDG_STATE_HOME", In("state").c_str(), 1);
+    World.Queue.SetWakeUp([this] {
+      const std::lock_guard lock(guard_);
+      posted_ = true;
+      came_.notify_all();
+    });
+    Load();
+    Subject = &MakeEvent("Write to log");
+  }
+  /// Delivers and runs messages until the add-on's thread has given its hold back.
+  void DeliverAndWait(bool missed) {
+    HandlerActions().DeliverEvent(*Subject, missed);
+    ASSERT_EQ(World.Holding.Count(), 1);
+    for (World.RunMessages(); World.Holding.Count() > 0; World.RunMessages()) {
+      std::unique_lock lock(guard_);
+      ASSERT_TRUE(came_.wait_for(lock, std::chrono::seconds(30), [this] { return posted_; }));
+      posted_ = false;
+    }
+  }
+  Event* Subject = nullptr;
+
+ private:
+  std::mutex guard_;
+  std::condition_variable came_;
+  bool posted_ = false;
+};
+
+TEST_F(OutsideAddOnTest, WritesALineADeliveryAndNeedsNoScreen) {
+  World.Ui.Screen = false;
+  EXPECT_TRUE(HandlerActions().CanDeliver(*Subject));
+  DeliverAndWait(false);
+  Subject->SetName("Two\nlines");
+  DeliverAndWait(true);
+  EXPECT_THAT(Bytes("state/kestrin/events.log"),
+              testing::MatchesRegex("20[-0-9T:]+Z\tTea\n20[-0-9T:]+Z\tTwo lines\tmissed\n"));
+}
+
+TEST_F(OutsideAddOnTest, KeepsWhatALaterVersionStored) {
+  for (const std::string& payload : {std::string("\3\0\0\0new", 7), std::string(4, '\0')}) {
+    std::ofstream(root_ / "in", std::ios::binary) << std::string(1, '\0') + payload;
+    EndianIndependentFile in(World.SystemFiles, In("in"), OpenReadOnly, 64);
+    EndianIndependentFile out(World.SystemFiles, In("out"), OpenWriteOnly | OpenCreate | OpenErase,
+                              64);
+    bool ok = false;
+    const auto data = MakeAddOnData(FindHandler("Write to log"), Subject, &in, &ok, nullptr);
+    ASSERT_TRUE(ok && SaveAddOnData(*data, &out));
+    out.FlushBuffer();
+    EXPECT_EQ(Bytes("out").substr(1), payload);
+  }
+}
+
+}  // namespace
+}  // namespace kestrin

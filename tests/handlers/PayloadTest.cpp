@@ -1,0 +1,168 @@
+// The bytes of the built-in handlers' payloads, read in both byte orders and written back.
+#include <algorithm>
+#include <optional>
+
+#include "HandlerTestBase.h"
+#include "handlers/ActOnFileDataHandler.h"
+#include "handlers/CommandDataHandler.h"
+#include "handlers/MessageDataHandler.h"
+
+namespace kestrin {
+namespace {
+
+using namespace std::string_literals;
+
+struct Content {
+  std::string Text;
+  std::optional<bool> Verify;
+  bool operator==(const Content&) const = default;
+};
+
+Content ContentOf(const EventAddOnData& data) {
+  if (const auto* message = dynamic_cast<const MessageDataHandler*>(&data))
+    return {message->GetMessage(), std::nullopt};
+  if (const auto* command = dynamic_cast<const CommandDataHandler*>(&data))
+    return {command->GetCommand(), command->GetVerify()};
+  if (const auto* file = dynamic_cast<const ActOnFileDataHandler*>(&data))
+    return {file->GetFileName(), file->GetVerify()};
+  return {};
+}
+
+struct Payload {
+  uint32 Count;
+  std::string Rest;
+
+  std::string Bytes(bool bigEndian) const {
+    std::string number;
+    for (int i = 0; i < 4; ++i) number += static_cast<char>(Count >> (8 * i));
+    if (bigEndian) std::reverse(number.begin(), number.end());
+    return number + Rest;
+  }
+};
+
+class PayloadTest : public HandlerTestBase {
+ protected:
+  std::unique_ptr<EventAddOnData> Read(const char* handler, const std::string& bytes,
+                                       bool bigEndian, bool& ok) {
+    Files.Put("/home/payload", std::string(1, bigEndian ? '\1' : '\0') + bytes);
+    EndianIndependentFile file(Files, "/home/payload", OpenReadOnly, 64);
+    auto data = MakeAddOnData(FindHandler(handler), Subject, &file, &ok, nullptr);
+    left_ = file.BytesLeft();
+    return data;
+  }
+  std::string Written(EventAddOnData& data) {
+    EndianIndependentFile file(Files, "/home/out", OpenWriteOnly | OpenCreate | OpenErase, 64);
+    EXPECT_TRUE(data.SaveData(&file));
+    file.FlushBuffer();
+    return Files.Bytes("/home/out").value_or("?").substr(1);
+  }
+  static bool HostIsBigEndian() {
+    const uint32 one = 1;
+    return *reinterpret_cast<const uint8*>(&one) == 0;
+  }
+
+  int64 left_ = 0;
+};
+
+TEST_F(PayloadTest, EveryFormIsReadAndWrittenBackInBothByteOrders) {
+  const struct {
+    const char* Handler;
+    Payload Stored;
+    int64 Left;  ///< bytes the handler does not read
+    Content Shown;
+    Payload Saved;
+  } rows[] = {
+      {"Message", {0, "next"}, 4, {"", {}}, {0, ""}},
+      {"Message", {4, "tea\0next"s}, 4, {"tea", {}}, {4, "tea\0"s}},
+      {"Message", {3, "tea"}, 0, {"tea", {}}, {3, "tea"}},
+      {"Message", {1, "\0"s}, 0, {"", {}}, {1, "\0"s}},
+      {"Message", {8, "te\0a\0\xff\0b"s}, 0, {"te", {}}, {8, "te\0a\0\xff\0b"s}},
+      {"Command", {0, "\0next"s}, 4, {"", false}, {0, "\0"s}},
+      {"Command", {0, "\1next"s}, 4, {"", true}, {0, "\1"s}},
+      {"Command", {1, "\1next"s}, 4, {"", true}, {1, "\1"s}},
+      {"Command", {2, "\1\0next"s}, 4, {"", true}, {2, "\1\0"s}},
+      {"Command", {4, "\0ls\0"s}, 0, {"ls", false}, {4, "\0ls\0"s}},
+      {"Command", {4, "\x80ls\0"s}, 0, {"ls", true}, {4, "\1ls\0"s}},
+      {"Command", {3, "\1ls"s}, 0, {"ls", true}, {3, "\1ls"s}},
+      {"Act on file", {0, "\0next"s}, 4, {"", false}, {0, "\0"s}},
+      {"Act on file", {6, "\1/a b\0"s}, 0, {"/a b", true}, {6, "\1/a b\0"s}},
+      {"Do nothing", {0, "next"}, 4, {}, {0, ""}},
+      {"Do nothing", {7, "next"}, 4, {}, {0, ""}},
+      {"Unknown", {0, "next"}, 4, {}, {0, ""}},
+      {"Unknown", {3, "\0\1\2next"s}, 4, {}, {3, "\0\1\2"s}},
+  };
+  for (const auto& row : rows)
+    for (const bool bigEndian : {false, true}) {
+      SCOPED_TRACE(row.Handler + testing::PrintToString(row.Stored.Bytes(bigEndian)));
+      bool ok = false;
+      const auto data = Read(row.Handler, row.Stored.Bytes(bigEndian), bigEndian, ok);
+      ASSERT_TRUE(ok && data);
+      EXPECT_EQ(left_, row.Left);
+      EXPECT_EQ(ContentOf(*data), row.Shown);
+      EXPECT_EQ(Written(*data), row.Saved.Bytes(HostIsBigEndian()));
+    }
+}
+
+TEST_F(PayloadTest, MissingBytesAreRefusedBeforeAnythingIsAllocated) {
+  const struct {
+    const char* Handler;
+    std::string Bytes;
+  } rows[] = {
+      {"Message", "\4\0\0"s},
+      {"Message", "\4\0\0\0tea"s},
+      {"Message", "\xff\xff\xff\xfftea"s},
+      {"Command", "\0\0\0\0"s},
+      {"Command", "\4\0\0\0\1ls"s},
+      {"Command", "\0\0\0\x80\1ls"s},
+      {"Act on file", "\4\0\0\0\1/"s},
+      {"Act on file", "\xff\xff\xff\xff\1/"s},
+      {"Do nothing", "\0\0\0"s},
+      {"Unknown", ""s},
+      {"Unknown", "\0\0\0\x7fxyz"s},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.Handler + testing::PrintToString(row.Bytes));
+    bool ok = true;
+    const auto data = Read(row.Handler, row.Bytes, false, ok);
+    EXPECT_FALSE(ok);
+    if (data) {
+      EXPECT_EQ(ContentOf(*data).Text, "");
+    }
+  }
+}
+
+TEST_F(PayloadTest, ASetTextIsCutAndMarksTheEventWhileTheVerifyFlagMarksNothing) {
+  auto& command = Select<CommandDataHandler>("Command");
+  SaveSet();
+  command.SetVerify(true);
+  EXPECT_FALSE(Set->HasBeenModified());
+  command.SetCommand("ls");
+  EXPECT_TRUE(Set->HasBeenModified());
+  EXPECT_EQ(Written(command), (Payload{4, "\1ls\0"s}.Bytes(HostIsBigEndian())));
+  command.SetCommand(nullptr);
+  EXPECT_EQ(Written(command), (Payload{0, "\1"}.Bytes(HostIsBigEndian())));
+
+  auto& message = Select<MessageDataHandler>("Message");
+  SaveSet();
+  std::string umlauts;
+  for (int i = 0; i < 3000; ++i) umlauts += "ü";
+  message.SetMessage(umlauts.c_str());
+  EXPECT_TRUE(Set->HasBeenModified());
+  EXPECT_EQ(message.GetMessage(), umlauts.substr(0, 4094)) << "cut within a character";
+}
+
+TEST_F(PayloadTest, ABareFlagThatCountsIsForgottenWithTheTextSetOverIt) {
+  bool ok = false;
+  const auto data = Read("Command", Payload{1, "\1"}.Bytes(false), false, ok);
+  dynamic_cast<CommandDataHandler&>(*data).SetCommand("");
+  EXPECT_EQ(Written(*data), (Payload{0, "\1"}.Bytes(HostIsBigEndian())));
+}
+
+TEST_F(PayloadTest, AnUnknownHandlerCannotBeChosenFresh) {
+  bool ok = false;
+  EXPECT_EQ(MakeAddOnData(UnknownHandler, Subject, nullptr, &ok, nullptr), nullptr);
+  EXPECT_TRUE(ok);
+}
+
+}  // namespace
+}  // namespace kestrin
