@@ -86,6 +86,14 @@ TEST(DateParser, ADayWhoseMidnightIsSkippedStillNamesNoTime) {
   EXPECT_FALSE(hasTime);
 }
 
+TEST(DateParser, MonthsAwayStopAtTheMonthsEnd) {
+  const int64 now = ToCivil({2027, 11, 31, 12, 0, 0}).seconds;
+  for (const char* typed : {"in 2 months", "2 months from now"})
+    EXPECT_EQ(WallText(ParseDate(typed, now, Zone()), Zone()), "2028-02-29 00:00:00");
+  EXPECT_EQ(WallText(ParseDate("last month", now, Zone()), Zone()), "2027-11-30 00:00:00");
+  EXPECT_EQ(WallText(ParseDate("next year", now, Zone()), Zone()), "2028-12-31 00:00:00");
+}
+
 TEST(DateParser, OutsideWhatCanBeStoredIsNoDate) {
   EXPECT_EQ(ParseDate("Dec 13 1901 20:45:52", 1000, Zone()), INT32_MIN);
   EXPECT_EQ(ParseDate("Dec 13 1901 20:45:51", 1000, Zone()), -1);

@@ -205,6 +205,8 @@ TEST(EventTiming, SeveralTimesADay) {
       {"night: on the stop", night, At(2026, 11, 11, 1), At(2026, 11, 11, 2)},
       {"night: past the stop", night, At(2026, 11, 11, 2), At(2026, 11, 11, 22)},
       {"night: by day", night, Now, At(2026, 11, 11, 22)},
+      {"night: on the stop it is yesterday's", Window(26, Hours, At(2026, 11, 1, 22), 2 * Hour),
+       At(2026, 11, 11, 2), At(2026, 11, 12)},
       {"night: over midnight", night, At(2026, 11, 11, 22), At(2026, 11, 12)},
       {"stop at the first point, now too", roundTheClock, At(2026, 11, 11, 22),
        At(2026, 11, 12, 3)},
