@@ -1,0 +1,175 @@
+#include "session/ApplicationBus.h"
+
+#include <QtDBus/QDBusMetaType>
+#include <optional>
+
+#include "session/BusMessages.h"
+#include "session/BusNames.h"
+#include "session/FileUri.h"
+
+namespace kestrin {
+
+namespace {
+
+constexpr char ConnectionName[] = "kestrin";
+constexpr char BackgroundArgument[] = "-background";
+
+constexpr uint32 DoNotQueue = 4;                      // a flag of RequestName
+constexpr uint32 PrimaryOwner = 1, AlreadyOwner = 4;  // answers of RequestName
+
+constexpr int ArrivalTries = 3;
+
+// The library's own connection to the session bus holds calls back until an event loop runs.
+QDBusConnection ConnectToSessionBus() {
+  const QString address = qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS");
+  if (!address.isEmpty()) return QDBusConnection::connectToBus(address, ConnectionName);
+  return QDBusConnection::connectToBus(QDBusConnection::SessionBus, ConnectionName);
+}
+
+bool IsError(const QDBusMessage& reply) { return reply.type() != QDBusMessage::ReplyMessage; }
+
+std::string OneLine(const QString& text) { return text.simplified().toStdString(); }
+
+// What the arguments ask the running application for. Nothing when they ask for nothing; the
+// argument that names no file in `nameless`.
+std::optional<Message> MessageOf(const Start& start, std::optional<std::string>& nameless) {
+  Message message(OPEN_FILES);
+  bool background = false;
+  size_t files = 0;
+  for (const std::string& argument : start.arguments) {
+    if (argument == BackgroundArgument) {
+      background = true;
+    } else if (const std::optional<std::string> path = AbsolutePath(argument)) {
+      message.Set(std::to_string(files++), *path);
+    } else {
+      nameless = argument;
+      return std::nullopt;
+    }
+  }
+  // What made the bus start this process reaches the name's owner without us.
+  if (files == 0 && (background || start.byBus)) return std::nullopt;
+  if (files == 0)
+    message.what = ACTIVATE;
+  else
+    message.Set("window", !background);
+  if (!start.activationToken.empty()) message.Set("token", start.activationToken);
+  return message;
+}
+
+}  // namespace
+
+ApplicationBus::ApplicationBus(MessageQueue& queue, std::chrono::milliseconds patience)
+    : queue_(queue), patience_(patience), receiver_(queue), connection_(QString()) {}
+
+ApplicationBus::~ApplicationBus() {
+  if (!connection_.name().isEmpty()) QDBusConnection::disconnectFromBus(ConnectionName);
+}
+
+Arrival ApplicationBus::Arrive(const Start& start) {
+  connection_ = ConnectToSessionBus();
+  if (!connection_.isConnected()) {
+    reason_ = OneLine(connection_.lastError().message());
+    return Arrival::NoBus;
+  }
+  if (!start.byBus) TellEnvironment();
+  connection_.connect(QString(), "/org/freedesktop/DBus/Local", "org.freedesktop.DBus.Local",
+                      "Disconnected", &receiver_, SLOT(BusEnded()));
+  connection_.registerVirtualObject(ApplicationObject, &receiver_);
+  Arrival arrival = Arrival::NoAnswer;
+  for (int tries = 0; tries < ArrivalTries; ++tries) {
+    if (TakeName()) {
+      reason_.clear();
+      return Arrival::First;
+    }
+    bool ownerIsGone = false;
+    arrival = HandOver(start, ownerIsGone);
+    if (!ownerIsGone) break;
+  }
+  connection_.unregisterObject(ApplicationObject);
+  return arrival;
+}
+
+// No answer is waited for: the bus deals with it before it deals with anything we send later.
+void ApplicationBus::TellEnvironment() {
+  QMap<QString, QString> environment;
+  for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "XAUTHORITY", "XDG_CURRENT_DESKTOP"})
+    if (qEnvironmentVariableIsSet(name)) environment[name] = qEnvironmentVariable(name);
+  if (environment.isEmpty()) return;
+  qDBusRegisterMetaType<QMap<QString, QString>>();
+  connection_.send(MakeBusCall("UpdateActivationEnvironment") << QVariant::fromValue(environment));
+}
+
+bool ApplicationBus::TakeName() {
+  const QDBusMessage reply = Call(MakeBusCall("RequestName") << ApplicationBusName << DoNotQueue);
+  const uint32 answer = IsError(reply) ? 0 : reply.arguments().value(0).toUInt();
+  hasName_ = answer == PrimaryOwner || answer == AlreadyOwner;
+  return hasName_;
+}
+
+bool ApplicationBus::NameHasOwner() {
+  const QDBusMessage reply = Call(MakeBusCall("NameHasOwner") << ApplicationBusName);
+  return !IsError(reply) && reply.arguments().value(0).toBool();
+}
+
+Arrival ApplicationBus::HandOver(const Start& start, bool& ownerIsGone) {
+  std::optional<std::string> nameless;
+  const std::optional<Message> message = MessageOf(start, nameless);
+  if (nameless) {
+    reason_ = "the working folder is gone, so nobody can tell where " + *nameless + " is";
+    return Arrival::NoAnswer;
+  }
+  if (!message) return Arrival::HandedOver;
+  QDBusMessage call = MakeApplicationCall(*message, ApplicationBusName);
+  call.setAutoStartService(false);
+  const QDBusMessage reply = Call(call, patience_);
+  if (!IsError(reply)) return Arrival::HandedOver;
+  // It may have ended under the call and left the name to us.
+  ownerIsGone = !NameHasOwner();
+  reason_ = "the running application does not answer: " + OneLine(reply.errorMessage());
+  return Arrival::NoAnswer;
+}
+
+void ApplicationBus::Dispatch() {
+  if (!hasName_) return;
+  // The answer comes after everything that the bus has sent us before.
+  Call(MakeBusCall("GetId"));
+  receiver_.HandleWaiting();
+}
+
+bool ApplicationBus::Leave() {
+  if (!hasName_) return true;
+  hasName_ = false;
+  // The same is true of this answer: nothing else is sent to the name from here on.
+  Call(MakeBusCall("ReleaseName") << ApplicationBusName);
+  const std::vector<BusReceiver::Held> held = receiver_.HoldBackWaiting();
+  if (held.empty()) return true;
+  if (!TakeName()) {
+    Forward(held);
+    return true;
+  }
+  for (const auto& [message, call] : held) {
+    queue_.Post(message);
+    if (call.isReplyRequired()) connection_.send(call.createReply());
+  }
+  return false;
+}
+
+void ApplicationBus::Forward(const std::vector<BusReceiver::Held>& held) {
+  // By the owner's unique name, if it is still there; else the bus starts another.
+  const QDBusMessage owner = Call(MakeBusCall("GetNameOwner") << ApplicationBusName);
+  const QString destination =
+      IsError(owner) ? ApplicationBusName : owner.arguments().value(0).toString();
+  for (const auto& [message, call] : held) {
+    const QDBusMessage reply = Call(MakeApplicationCall(message, destination));
+    if (!call.isReplyRequired()) continue;
+    connection_.send(IsError(reply) ? call.createErrorReply(QDBusError(reply))
+                                    : call.createReply());
+  }
+}
+
+// Blocks without an event loop: no message of ours is handled meanwhile.
+QDBusMessage ApplicationBus::Call(const QDBusMessage& call, std::chrono::milliseconds patience) {
+  return connection_.call(call, QDBus::Block, static_cast<int>(patience.count()));
+}
+
+}  // namespace kestrin

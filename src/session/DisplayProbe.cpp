@@ -1,0 +1,108 @@
+#include "session/DisplayProbe.h"
+
+#include <stdlib.h>
+#include <string.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+#include <xcb/xcb.h>
+
+#include <QtCore/QDir>
+#include <QtCore/QLibraryInfo>
+#include <algorithm>
+#include <string_view>
+#include <vector>
+
+#include "session/ProcessInfo.h"
+
+namespace kestrin {
+
+namespace {
+
+using Reason = std::optional<std::string>;
+
+std::string Variable(const char* name) {
+  const char* value = getenv(name);
+  return value ? value : "";
+}
+
+Reason WhyNoX() {
+  const std::string display = Variable("DISPLAY");
+  if (display.empty()) return "DISPLAY is not set";
+  xcb_connection_t* connection = xcb_connect(nullptr, nullptr);
+  const int error = xcb_connection_has_error(connection);
+  xcb_disconnect(connection);
+  if (error == 0) return std::nullopt;
+  return "the X display \"" + display + "\" cannot be reached";
+}
+
+bool CanConnect(const std::string& path) {
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  if (path.size() >= sizeof address.sun_path) return false;
+  memcpy(address.sun_path, path.c_str(), path.size() + 1);
+  const int client = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  if (client < 0) return false;
+  // The system's calls know addresses of all families by the type of their common beginning.
+  const void* untyped = &address;
+  const bool connected =
+      connect(client, static_cast<const sockaddr*>(untyped), sizeof address) == 0;
+  close(client);
+  return connected;
+}
+
+// The toolkit's part for Wayland is a package of its own.
+bool HasWaylandPlugin() {
+  QStringList folders = qEnvironmentVariable("QT_PLUGIN_PATH").split(':', Qt::SkipEmptyParts);
+  folders << QLibraryInfo::path(QLibraryInfo::PluginsPath);
+  for (QString& folder : folders) folder += "/platforms";
+  folders << qEnvironmentVariable("QT_QPA_PLATFORM_PLUGIN_PATH");
+  return std::any_of(folders.begin(), folders.end(), [](const QString& folder) {
+    return !folder.isEmpty() && !QDir(folder).entryList({"libqwayland*"}, QDir::Files).isEmpty();
+  });
+}
+
+Reason WhyNoWayland() {
+  if (!HasWaylandPlugin()) return "Qt has no plugin for Wayland here";
+  if (!Variable("WAYLAND_SOCKET").empty()) return std::nullopt;
+  std::string name = Variable("WAYLAND_DISPLAY");
+  if (name.empty()) name = "wayland-0";
+  if (CanConnect(name.starts_with('/') ? name : RuntimeFolder() + "/" + name)) return std::nullopt;
+  return "the Wayland display \"" + name + "\" cannot be reached";
+}
+
+std::vector<std::string> PlatformsToTry() {
+  const std::string listed = Variable("QT_QPA_PLATFORM");
+  std::vector<std::string> platforms;
+  for (size_t start = 0; start < listed.size();) {
+    const size_t end = std::min(listed.find(';', start), listed.size());
+    const std::string entry = listed.substr(start, end - start);
+    platforms.push_back(entry.substr(0, entry.find(':')));
+    start = end + 1;
+  }
+  if (!platforms.empty()) return platforms;
+  if (!Variable("WAYLAND_DISPLAY").empty() || Variable("XDG_SESSION_TYPE") == "wayland")
+    platforms.push_back("wayland");
+  platforms.push_back("xcb");
+  return platforms;
+}
+
+Reason WhyNot(const std::string& platform) {
+  if (platform == "xcb") return WhyNoX();
+  if (platform.starts_with("wayland")) return WhyNoWayland();
+  return std::nullopt;
+}
+
+}  // namespace
+
+std::optional<std::string> WhyNoDisplay() {
+  std::string reasons;
+  for (const std::string& platform : PlatformsToTry()) {
+    const Reason reason = WhyNot(platform);
+    if (!reason) return std::nullopt;
+    reasons.append(reasons.empty() ? "" : "; ").append(*reason);
+  }
+  return reasons;
+}
+
+}  // namespace kestrin

@@ -1,0 +1,253 @@
+#include "session/ApplicationBus.h"
+
+#include <gmock/gmock.h>
+#include <signal.h>
+
+#include "session/BusBackground.h"
+#include "session/BusMessages.h"
+#include "session/BusNames.h"
+#include "session/PrivateBus.h"
+
+namespace kestrin {
+namespace {
+
+using testing::HasSubstr;
+
+constexpr uint32 HoldDone = PROCESS_HOLD_DONE;
+
+Message Files(const std::vector<std::string>& paths, bool window) {
+  Message message(OPEN_FILES);
+  for (size_t i = 0; i < paths.size(); ++i) message.Set(std::to_string(i), paths[i]);
+  message.Set("window", window);
+  return message;
+}
+
+QDBusMessage ToObject(const char* interface, const char* member, const QVariantList& arguments) {
+  QDBusMessage call =
+      QDBusMessage::createMethodCall(ApplicationBusName, ApplicationObject, interface, member);
+  call.setArguments(arguments);
+  return call;
+}
+
+QDBusMessage Post(uint32 what, const QVariantMap& fields = {}) {
+  return ToObject(MessagesInterface, "Post", {QVariant::fromValue(what), fields});
+}
+
+class ApplicationBusTest : public PrivateBus {
+ protected:
+  Arrival ArriveFirst() { return bus_.Arrive({{}, {}, true}); }
+
+  /// Sends the call from another connection and lets the application dispatch.
+  QDBusMessage Ask(const QDBusMessage& call) {
+    QDBusPendingCall pending = Client().asyncCall(call);
+    Settle();
+    bus_.Dispatch();
+    pending.waitForFinished();
+    return pending.reply();
+  }
+
+  MessageQueue queue_;
+  ApplicationBus bus_{queue_, std::chrono::milliseconds(200)};
+};
+
+TEST_F(ApplicationBusTest, TakesDeliveriesQuitsAndFilesAndNothingElse) {
+  ASSERT_EQ(ArriveFirst(), Arrival::First);
+  const QVariantMap none, pointer = {{"Event", 0x7fff12345678LL}};
+  Message activate(ACTIVATE), opened = Files({"/a b", "/c\xff"}, true);
+  activate.Set("token", "t");
+  opened.Set("token", "x11");
+  struct {
+    const char* what;
+    QDBusMessage call;
+    QString error;
+    std::optional<Message> message;
+  } const rows[] = {
+      {"deliver", Post(DELIVER_EVENTS), "", Message(DELIVER_EVENTS)},
+      {"fields that are not known", Post(DELIVER_EVENTS, pointer), "", Message(DELIVER_EVENTS)},
+      {"quit", Post(QUIT_REQUESTED), "", Message(QUIT_REQUESTED)},
+      {"not so full", Post(QUIT_REQUESTED, {{"Full", false}}), "", Message(QUIT_REQUESTED)},
+      {"full quit", Post(QUIT_REQUESTED, {{"Full", true}}), "", Message(FULL_QUIT_REQUESTED)},
+      {"bad field", Post(QUIT_REQUESTED, {{"Full", 1}}), BadFieldError, {}},
+      {"the deliverer's", Post(NEXT_EVENT_MESSAGE, {{"When", 5}}), UnknownMessageError, {}},
+      {"a hold", Post(HoldDone), UnknownMessageError, {}},
+      {"full quit by number", Post(FULL_QUIT_REQUESTED), UnknownMessageError, {}},
+      {"an alert's reply", Post(NAG_ALERT_REPLY, pointer), UnknownMessageError, {}},
+      {"an own one", Post(FORCED_QUIT), UnknownMessageError, {}},
+      {"signed",
+       ToObject(MessagesInterface, "Post", {1147497548, none}),
+       InvalidArgumentsError,
+       {}},
+      {"open",
+       ToObject(ApplicationInterface, "Open",
+                {QStringList{"file:///a%20b", "FILE://localhost/c%FF"},
+                 QVariantMap{{"desktop-startup-id", "x11"}}}),
+       "", opened},
+      {"open unseen",
+       ToObject(ApplicationInterface, "Open",
+                {QStringList{"file:///a"}, QVariantMap{{BackgroundKey, true}}}),
+       "", Files({"/a"}, false)},
+      {"open no file",
+       ToObject(ApplicationInterface, "Open", {QStringList{"file:///a", "http://b/c"}, none}),
+       InvalidArgumentsError,
+       {}},
+      {"open nothing", ToObject(ApplicationInterface, "Open", {QStringList(), none}), "", {}},
+      {"activate",
+       ToObject(ApplicationInterface, "Activate", {QVariantMap{{"activation-token", "t"}}}), "",
+       activate},
+      {"action",
+       ToObject(ApplicationInterface, "ActivateAction", {"new", QVariantList(), none}),
+       "",
+       {}},
+      {"no method",
+       ToObject(MessagesInterface, "Open", {QStringList{"file:///a"}, none}),
+       UnknownMethodError,
+       {}},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.what);
+    EXPECT_EQ(Ask(row.call).errorName().toStdString(), row.error.toStdString());
+    EXPECT_EQ(queue_.Take(), row.message);
+    EXPECT_TRUE(queue_.Empty());
+  }
+  const QDBusMessage refusal =
+      Ask(ToObject(ApplicationInterface, "Open", {QStringList{"http://b/c"}, none}));
+  EXPECT_TRUE(refusal.errorMessage().contains("http://b/c"));
+  const QDBusMessage described =
+      Ask(ToObject("org.freedesktop.DBus.Introspectable", "Introspect", {}));
+  for (const char* interface : {MessagesInterface, ApplicationInterface})
+    EXPECT_TRUE(described.arguments().value(0).toString().contains(interface)) << interface;
+}
+
+TEST_F(ApplicationBusTest, ASecondProcessHandsItsArgumentsOver) {
+  ASSERT_EQ(ArriveFirst(), Arrival::First);
+  const std::string here = Folder(), strange = "50%#?\xff\n\xc3\xa9 'x'";
+  Message activate(ACTIVATE), withToken = Files({"/a"}, true);
+  activate.Set("token", "t");
+  withToken.Set("token", "t");
+  struct {
+    std::vector<std::string> arguments;
+    const char* token;
+    std::optional<Message> message;
+  } const rows[] = {
+      {{"/x//y/../z/.", strange, "../" + strange},
+       "",
+       Files({"/x/z", here + "/" + strange, Folder().parent_path().string() + "/" + strange},
+             true)},
+      {{"-background", "a", "-backgrounds"},
+       "",
+       Files({here + "/a", here + "/-backgrounds"}, false)},
+      {{"/a"}, "t", withToken},
+      {{}, "t", activate},
+      {{"-background"}, "t", std::nullopt},
+  };
+  const auto program = Install("kestrin");
+  for (const auto& row : rows) {
+    const ScopedVariable token("DESKTOP_STARTUP_ID", row.token);
+    Process second(program, row.arguments, Folder());
+    ASSERT_TRUE(!row.message || RunUntil([this] { return !queue_.Empty(); }));
+    EXPECT_EQ(second.Status(), 0);
+    EXPECT_EQ(NextLine(), "application arrived handed over");
+    EXPECT_EQ(queue_.Take(), row.message);
+  }
+}
+
+TEST_F(ApplicationBusTest, AnOwnerThatIsSilentIsGivenUpAndOneThatDiesIsFollowed) {
+  CallBus("RequestName", {ApplicationBusName, 0U});
+  Client().registerVirtualObject(ApplicationObject, nullptr);
+  BusReceiver silent(queue_);
+  ASSERT_TRUE(Client().registerVirtualObject(ApplicationObject, &silent));
+  EXPECT_EQ(bus_.Arrive({{"/a"}, {}, true}), Arrival::NoAnswer);
+  EXPECT_THAT(bus_.Reason(), HasSubstr("does not answer"));
+  EXPECT_TRUE(bus_.Leave());
+  CallBus("ReleaseName", {ApplicationBusName});
+
+  const Process mortal(Install("Mortal"), {}, Folder());
+  EXPECT_EQ(NextLine(), "mortal waits");
+  Process follower(Install("kestrin"), {"/a"}, Folder());
+  EXPECT_EQ(NextLine(), "application arrived first");
+  EXPECT_EQ(NextLine(), "application opens");
+  Client().call(Post(QUIT_REQUESTED));
+  EXPECT_EQ(follower.Status(), 0);
+}
+
+TEST_F(ApplicationBusTest, FindsTheMessageItWasStartedForBeforeItsRoleIsDecided) {
+  Activatable(ApplicationBusName, Install("kestrin"));
+  EXPECT_EQ(Client().call(Post(DELIVER_EVENTS)).type(), QDBusMessage::ReplyMessage);
+  EXPECT_EQ(NextLine(), "application arrived first");
+  EXPECT_EQ(NextLine(), "application delivers");
+  EXPECT_THAT(NextLine(), HasSubstr("application got"));
+  // A start by the bus that finds the name taken has nothing to say.
+  const ScopedVariable mark("DBUS_STARTER_BUS_TYPE", "session");
+  EXPECT_EQ(bus_.Arrive({{}, {}, true}), Arrival::HandedOver);
+  EXPECT_EQ(Client().call(Post(QUIT_REQUESTED)).type(), QDBusMessage::ReplyMessage);
+  EXPECT_EQ(NextLine(), "application got " + Message(QUIT_REQUESTED).Flatten());
+}
+
+TEST_F(ApplicationBusTest, APersonsStartTellsTheBusItsDisplay) {
+  Activatable(BackgroundBusName, Install("KestrinBackground"));
+  const ScopedVariable display("DISPLAY", ":77");
+  SystemFileDoor files;
+  for (const bool byBus : {true, false}) {
+    ApplicationBus bus(queue_);
+    ASSERT_EQ(bus.Arrive({{}, {}, byBus}), Arrival::First);
+    BusBackground background(bus.Connection(), files);
+    EXPECT_EQ(background.Launch(nullptr), LaunchResult::Started);
+    EXPECT_THAT(NextLine(), testing::EndsWith(byBus ? "DISPLAY=" : "DISPLAY=:77"));
+    background.AskToQuit();
+    EXPECT_EQ(NextLine(), "deliverer got 5f515251 ");
+    while (HasOwner(BackgroundBusName)) continue;
+    EXPECT_TRUE(bus.Leave());
+  }
+}
+
+TEST_F(ApplicationBusTest, LeavesOnlyWhenNothingHasComeMeanwhile) {
+  ASSERT_EQ(ArriveFirst(), Arrival::First);
+  QDBusPendingCall late = Client().asyncCall(Post(DELIVER_EVENTS));
+  Settle();
+  EXPECT_FALSE(bus_.Leave());
+  late.waitForFinished();
+  EXPECT_FALSE(late.isError());
+  EXPECT_TRUE(HasOwner(ApplicationBusName));
+  EXPECT_EQ(queue_.Take(), Message(DELIVER_EVENTS));
+  queue_.Post(EVENT_SETS_CHANGED);
+  EXPECT_TRUE(bus_.Leave());
+  EXPECT_FALSE(HasOwner(ApplicationBusName));
+}
+
+TEST_F(ApplicationBusTest, WhatComesTooLateGoesToTheNewOwner) {
+  ASSERT_EQ(ArriveFirst(), Arrival::First);
+  const Process heir(Install("Heir"), {}, Folder());
+  EXPECT_EQ(NextLine(), "heir waits");
+  const QVariantMap platformData = {{"activation-token", "t"}, {BackgroundKey, true}};
+  QDBusPendingCall late = Client().asyncCall(
+      ToObject(ApplicationInterface, "Open", {QStringList{"file:///a%FF"}, platformData}));
+  Client().asyncCall(Post(QUIT_REQUESTED, {{"Full", true}}));
+  Settle();
+  EXPECT_TRUE(bus_.Leave());
+  Message opened = Files({"/a\xff"}, false);
+  opened.Set("token", "t");
+  EXPECT_EQ(NextLine(), "application got " + opened.Flatten());
+  EXPECT_EQ(NextLine(), "application got " + Message(FULL_QUIT_REQUESTED).Flatten());
+  late.waitForFinished();
+  EXPECT_FALSE(late.isError());
+  EXPECT_TRUE(queue_.Empty());
+}
+
+TEST_F(ApplicationBusTest, TheEndOfTheBusEndsTheProgramOnce) {
+  ASSERT_EQ(ArriveFirst(), Arrival::First);
+  Daemon().Signal(SIGTERM);
+  ASSERT_TRUE(RunUntil([this] { return !queue_.Empty(); }));
+  EXPECT_EQ(queue_.Take(), Message(FORCED_QUIT));
+  EXPECT_TRUE(bus_.Leave());
+  EXPECT_TRUE(queue_.Empty());
+}
+
+TEST_F(ApplicationBusTest, WithoutABusItSaysSo) {
+  const ScopedVariable address("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus");
+  EXPECT_EQ(bus_.Arrive({}), Arrival::NoBus);
+  EXPECT_THAT(bus_.Reason(), HasSubstr("/nonexistent/bus"));
+  EXPECT_TRUE(bus_.Leave());
+}
+
+}  // namespace
+}  // namespace kestrin

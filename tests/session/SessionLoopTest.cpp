@@ -1,0 +1,101 @@
+// Queue and signals, driven by the real event loop.
+#include <errno.h>
+#include <gmock/gmock.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QTimer>
+#include <thread>
+
+#include "session/PrivateBus.h"
+#include "session/QueueRunner.h"
+#include "session/UnixSignals.h"
+
+namespace kestrin {
+namespace {
+
+using testing::ElementsAre;
+
+TEST(QueueRunner, OneMessageATurnHoweverManyAreAdded) {
+  MessageQueue queue;
+  std::vector<uint32> seen;
+  queue.Post(Message(1001));
+  const QueueRunner runner(queue, [&](const Message& message) {
+    seen.push_back(message.what);
+    if (message.what < 1005) queue.Post(Message(message.what + 1));
+  });
+  QTimer windows;
+  QObject::connect(&windows, &QTimer::timeout, [&] { seen.push_back(0); });
+  windows.start(0);
+  ASSERT_TRUE(RunUntil([&] { return !seen.empty() && seen.back() == 1005; }));
+  // Something else of the loop came to its turn between any two.
+  for (size_t i = 1; i < seen.size(); ++i) EXPECT_TRUE(seen[i] == 0 || seen[i - 1] == 0) << i;
+  std::erase(seen, 0U);
+  EXPECT_THAT(seen, ElementsAre(1001, 1002, 1003, 1004, 1005));
+}
+
+TEST(QueueRunner, NoMessageInsideAnother) {
+  MessageQueue queue;
+  int depth = 0, deepest = 0, handled = 0;
+  const QueueRunner runner(queue, [&](const Message&) {
+    deepest = std::max(deepest, ++depth);
+    if (++handled == 1) {
+      queue.Post(Message(1002));
+      QCoreApplication::processEvents();
+    }
+    --depth;
+  });
+  queue.Post(Message(1001));
+  ASSERT_TRUE(RunUntil([&] { return handled == 2; }));
+  EXPECT_EQ(deepest, 1);
+}
+
+TEST(QueueRunner, NothingIsLostBetweenThreads) {
+  constexpr int each = 2000;
+  MessageQueue queue;
+  int handled = 0;
+  auto runner = std::make_unique<QueueRunner>(queue, [&](const Message&) { ++handled; });
+  const auto post = [&queue] {
+    for (int i = 0; i < each; ++i) queue.Post(Message(1000));
+  };
+  std::thread first(post), second(post);
+  EXPECT_TRUE(RunUntil([&] { return handled == 2 * each; }));
+  runner.reset();
+  queue.Post(Message(1000));
+  first.join();
+  second.join();
+  EXPECT_FALSE(queue.Empty());
+}
+
+TEST(UnixSignals, TheFirstOneForcesTheQuitAndTheOthersDoNothing) {
+  MessageQueue queue;
+  signal(SIGHUP, SIG_IGN);  // as under nohup
+  {
+    const UnixSignals guard(queue);
+    raise(SIGHUP);
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(queue.Empty());
+    for (const int number : {SIGINT, SIGTERM, SIGTERM}) {
+      raise(number);
+      QCoreApplication::processEvents();
+    }
+    ASSERT_TRUE(RunUntil([&] { return !queue.Empty(); }));
+    EXPECT_EQ(queue.Take(), Message(FORCED_QUIT));
+    EXPECT_TRUE(queue.Empty());
+
+    int pipes[2];
+    ASSERT_EQ(pipe(pipes), 0);
+    close(pipes[0]);
+    EXPECT_EQ(write(pipes[1], "x", 1), -1);
+    EXPECT_EQ(errno, EPIPE);
+    close(pipes[1]);
+    // Ignored signals stay ignored in started programs; this one must not.
+    EXPECT_NE(signal(SIGPIPE, SIG_DFL), SIG_IGN);
+  }
+  EXPECT_EQ(signal(SIGTERM, SIG_DFL), SIG_DFL);
+  signal(SIGHUP, SIG_DFL);
+}
+
+}  // namespace
+}  // namespace kestrin
