@@ -23,6 +23,6 @@ PrefsLibrary OpenPrefs(FileDoor& door, const std::string& configFolder,
                        const std::string& applicationFolder, const std::string& libraryPath);
 
 /// A value has at most this many bytes, the text of a set four times as many.
-inline constexpr int32 PrefsValueLimit = int32{16} << 20;
+inline constexpr int32 PrefsValueLimit = int32{4} << 20;
 
 }  // namespace kestrin

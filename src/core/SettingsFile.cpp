@@ -1,6 +1,7 @@
 #include "core/SettingsFile.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cstring>
 #include <span>
 #include <string>
@@ -46,10 +47,11 @@ struct Reader {
 
 struct Writer {
   SettingsStore& store;
-  bool failed = false;
+  status_t status = StatusOk;  ///< the last failure
 
   void Bytes(const char* key, uint32 type, std::string_view bytes) {
-    if (store.Set(key, bytes, type) != StatusOk) failed = true;
+    const status_t result = store.Set(key, bytes, type);
+    if (result != StatusOk) status = result;
   }
   template <typename T, size_t Count>
   bool operator()(const char* key, uint32 type, std::span<T, Count> values) {
@@ -208,9 +210,13 @@ void WriteSettings(SettingsStore& store, Notices& notices) {
   VisitIconNumbers(write);
   WriteIcons(write);
   write.Bytes("ZoneName", TextType, Settings::ZoneName + '\0');
-  const bool failed = store.Save() != StatusOk || write.failed;
-  if (failed && !store.UserKnowsOfFailure)
+  const status_t saved = store.Save();
+  if (saved != StatusOk) write.status = saved;
+  const bool failed = write.status != StatusOk;
+  if (failed && !store.UserKnowsOfFailure) {
+    std::fprintf(stderr, "Settings: %s\n", store.MessageOf(write.status).c_str());
     notices.ReportError("WriteSettings: Failed to save settings");
+  }
   store.UserKnowsOfFailure = failed;
 }
 

@@ -16,11 +16,6 @@ SettingsStore::~SettingsStore() {
   if (initStatus_ == StatusOk) library_.PREFShutdown(handle_);
 }
 
-std::string SettingsStore::Version() const {
-  const char* version = library_.PREFVersion();
-  return version ? version : "";
-}
-
 std::optional<SettingValue> SettingsStore::Get(const std::string& key) const {
   const void* data = nullptr;
   int32 size = 0;

@@ -33,7 +33,6 @@ class SettingsStore {
   status_t LoadStatus() const { return loadStatus_; }
   /// What the user should be told about the state in which the set was found; often empty.
   std::string Complaint() const { return library_.Complaint ? library_.Complaint() : ""; }
-  std::string Version() const;
 
   std::optional<SettingValue> Get(const std::string& key) const;
   status_t Set(const std::string& key, std::string_view bytes, uint32 type);

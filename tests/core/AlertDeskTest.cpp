@@ -1,0 +1,208 @@
+#include "core/AlertDesk.h"
+
+#include <gmock/gmock.h>
+
+#include <atomic>
+#include <set>
+#include <thread>
+
+#include "fakes/TestContext.h"
+
+namespace kestrin {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Pair;
+
+struct AlertDeskTest : testing::Test {
+  TestContext context;
+  AlertDesk& desk = context.Alerts;
+  FakeUserInterface& ui = context.Ui;
+  std::vector<std::pair<std::string, int>> answers;  ///< text of the alert, button
+
+  AlertRequest Request(const std::string& text, AlertRole role = AlertRole::Notice,
+                       uint64 event = 0) {
+    AlertRequest request;
+    request.Text = text;
+    request.Buttons = {"Stop", "OK"};
+    request.HarmlessButton = 1;
+    request.Role = role;
+    request.Set = event ? 900 : 0;
+    request.Event = event;
+    request.Done = [this, text](int which) { answers.emplace_back(text, which); };
+    return request;
+  }
+  std::vector<std::string> OpenTexts() const {
+    std::vector<std::string> texts;
+    for (const auto& alert : ui.Alerts) texts.push_back(alert.Request.Text);
+    return texts;
+  }
+};
+
+TEST_F(AlertDeskTest, WindowsOpenOnALaterTurnAndNeverMoreThanTheLimit) {
+  for (int i = 0; i < 30; ++i) desk.Show(Request(std::to_string(i)));
+  EXPECT_THAT(ui.Alerts, IsEmpty());
+  context.RunMessages();
+  ASSERT_EQ(ui.Alerts.size(), 24u);
+  std::set<int32> places;
+  for (const auto& alert : ui.Alerts) places.insert(alert.Place);
+  EXPECT_EQ(places.size(), 24u);
+  EXPECT_EQ(*places.rbegin(), 23);
+
+  ui.AnswerText("5", 0);
+  context.RunMessages();
+  EXPECT_EQ(ui.Alerts.back().Request.Text, "24") << "in order";
+  EXPECT_EQ(ui.Alerts.back().Place, 5) << "the place that became free";
+  while (ui.CloseFirst()) context.RunMessages();
+  EXPECT_EQ(answers.size(), 30u);
+  EXPECT_TRUE(desk.Empty());
+}
+
+TEST_F(AlertDeskTest, AReminderReplacesOnlyAReminderOfTheSameEvent) {
+  struct Case {
+    AlertRole first, second;
+    uint64 firstEvent, secondEvent;
+    bool replaces;
+  };
+  using enum AlertRole;
+  const Case cases[] = {
+      {Prewarning, Prewarning, 7, 7, true},
+      {Prewarning, Nag, 7, 7, true},
+      {Nag, Nag, 7, 7, true},
+      {Nag, Nag, 7, 8, false},
+      {Nag, Nag, 0, 0, false},
+      {Prewarning, Delivery, 7, 7, false},
+      {Delivery, Nag, 7, 7, false},
+      {Question, Nag, 7, 7, false},
+      {Notice, Notice, 7, 7, false},
+  };
+  for (const bool firstIsOpen : {true, false})
+    for (const Case& each : cases) {
+      SCOPED_TRACE(testing::Message() << (&each - cases) << (firstIsOpen ? " open" : " waiting"));
+      answers.clear();
+      desk.Show(Request("old", each.first, each.firstEvent));
+      if (firstIsOpen) context.RunMessages();
+      desk.Show(Request("new", each.second, each.secondEvent));
+      context.RunMessages();
+      if (each.replaces) {
+        EXPECT_THAT(OpenTexts(), ElementsAre("new"));
+        EXPECT_THAT(answers, ElementsAre(Pair("old", 1)));
+      } else {
+        EXPECT_THAT(OpenTexts(), ElementsAre("old", "new"));
+        EXPECT_THAT(answers, IsEmpty());
+      }
+      while (ui.AnswerFirst(0)) {
+      }
+      EXPECT_EQ(answers.size(), 2u) << "each is answered once";
+      EXPECT_THAT(answers.back(), Pair("new", 0));
+    }
+}
+
+TEST_F(AlertDeskTest, AnOpenReminderIsBroughtUpToDateThoughNoPlaceIsFree) {
+  desk.Show(Request("reminder", AlertRole::Nag, 7));
+  for (int i = 0; i < 30; ++i) desk.Show(Request(std::to_string(i)));
+  context.RunMessages();
+  desk.Show(Request("again", AlertRole::Nag, 7));
+  context.RunMessages();
+  EXPECT_EQ(ui.Alerts.front().Request.Text, "again");
+  EXPECT_THAT(answers, ElementsAre(Pair("reminder", 1)));
+
+  // One that waits itself is replaced where it waits.
+  desk.Show(Request("waits", AlertRole::Nag, 8));
+  context.RunMessages();
+  desk.Show(Request("last", AlertRole::Notice));
+  desk.Show(Request("waits anew", AlertRole::Prewarning, 8));
+  context.RunMessages();
+  EXPECT_THAT(answers.back(), Pair("waits", 1));
+  while (ui.Alerts.size() > 2 || !context.Queue.Empty()) ui.CloseFirst(), context.RunMessages();
+  EXPECT_THAT(OpenTexts(), ElementsAre("waits anew", "last"));
+}
+
+TEST_F(AlertDeskTest, AnAnswerCountsOnceAndAnImpossibleOneIsHarmless) {
+  desk.Show(Request("a"));
+  context.RunMessages();
+  const AlertId id = ui.Alerts[0].Id;
+  desk.Answered(id + 1, 0);
+  EXPECT_THAT(answers, IsEmpty());
+  desk.Answered(id, 2);
+  desk.Answered(id, 0);
+  EXPECT_THAT(answers, ElementsAre(Pair("a", 1)));
+}
+
+TEST_F(AlertDeskTest, AContinuationMayAskTheNextQuestion) {
+  AlertRequest first = Request("first");
+  first.Done = [this](int) { desk.Show(Request("second")); };
+  desk.Show(first);
+  context.RunMessages();
+  ui.CloseFirst();
+  EXPECT_FALSE(desk.Empty());
+  context.RunMessages();
+  EXPECT_THAT(OpenTexts(), ElementsAre("second"));
+}
+
+TEST_F(AlertDeskTest, TellsWhetherASetIsAskedAbout) {
+  desk.Show(Request("a", AlertRole::Nag, 7));
+  EXPECT_TRUE(desk.AnyFor(900));
+  context.RunMessages();
+  EXPECT_TRUE(desk.AnyFor(900));
+  EXPECT_FALSE(desk.AnyFor(901));
+  ui.CloseFirst();
+  EXPECT_FALSE(desk.AnyFor(900));
+}
+
+TEST_F(AlertDeskTest, WithoutAScreenTheTextGoesToStandardError) {
+  ui.Screen = false;
+  desk.Show(Request("nobody sees this"));
+  testing::internal::CaptureStderr();
+  context.RunMessages();
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "Kestrin: nobody sees this\n");
+  EXPECT_THAT(answers, ElementsAre(Pair("nobody sees this", 1)));
+  EXPECT_THAT(ui.History, IsEmpty());
+  EXPECT_TRUE(desk.Empty());
+}
+
+TEST_F(AlertDeskTest, AForcedEndAnswersEverythingHarmlesslyAndHandsItOver) {
+  for (int i = 0; i < 25; ++i) desk.Show(Request(std::to_string(i), AlertRole::Nag, 1u + i));
+  context.RunMessages();
+  desk.Show(Request("late", AlertRole::Nag, 1));
+  AlertRequest stubborn = Request("stubborn");
+  stubborn.Done = [this](int) { desk.Show(Request("after all")); };
+  desk.Show(stubborn);
+
+  const auto ended = desk.EndByForce();
+  ASSERT_EQ(ended.size(), 26u);
+  EXPECT_EQ(ended[0].Text, "late") << "what stands is what was last to be said";
+  EXPECT_EQ(ended[24].Text, "24");
+  EXPECT_EQ(ended[25].Text, "stubborn");
+  EXPECT_THAT(ui.Alerts, IsEmpty());
+  EXPECT_TRUE(desk.Empty());
+  EXPECT_EQ(answers.size(), 27u);
+  for (const auto& [text, which] : answers) EXPECT_EQ(which, 1) << text;
+  EXPECT_THAT(answers.back(), Pair("after all", 1));
+}
+
+TEST_F(AlertDeskTest, ThreadsMayAskWhileAlertsOpenAndClose) {
+  constexpr int Threads = 4, Each = 50;
+  std::atomic<int> done = 0, running = Threads;
+  std::vector<std::thread> askers;
+  for (int thread = 0; thread < Threads; ++thread)
+    askers.emplace_back([&] {
+      for (int i = 0; i < Each; ++i) {
+        AlertRequest request;
+        request.Role = AlertRole::Nag;
+        request.Event = 1u + static_cast<uint64>(i) % 7;
+        request.Done = [&done](int) { ++done; };
+        desk.Show(request);
+      }
+      --running;
+    });
+  while (running > 0) context.RunMessages(), ui.CloseFirst();
+  for (std::thread& asker : askers) asker.join();
+  context.RunMessages();
+  while (ui.CloseFirst()) context.RunMessages();
+  EXPECT_EQ(done, Threads * Each);
+}
+
+}  // namespace
+}  // namespace kestrin

@@ -1,0 +1,338 @@
+#include "core/KestrinSettings.h"
+
+#include <errno.h>
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <cstring>
+#include <functional>
+#include <limits>
+#include <memory>
+
+#include "core/BuiltInPrefs.h"
+#include "core/SettingsFile.h"
+#include "fakes/FailingFileDoor.h"
+#include "fakes/MemoryFileDoor.h"
+#include "fakes/TestContext.h"
+
+namespace kestrin {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using Settings = KestrinSettings;
+
+constexpr uint32 Long = FourCharCode("LONG"), Bool = FourCharCode("BOOL"),
+                 Byte = FourCharCode("BYTE");
+
+std::string BytesOf(int32 value) {
+  return std::string(reinterpret_cast<const char*>(&value), sizeof value);
+}
+
+// Every member that a key may change, as one text.
+std::string Snapshot() {
+  std::string text;
+  const auto add = [&text](const auto& value) { text += testing::PrintToString(value) + "\n"; };
+  const auto addRect = [&add](Rect rect) {
+    add(std::array{rect.left, rect.top, rect.right, rect.bottom});
+  };
+  add(Settings::SetFileNames);
+  add(std::array{Settings::SelectedSetHandling, Settings::WhichEventsToDeliver, Settings::ViewMode,
+                 Settings::NumberOfKeys, Settings::NumberOfUserIcons});
+  add(std::array{Settings::Time24Hour, Settings::RememberWindowSetupAsDefault});
+  addRect(Settings::SetWindowPosition.DefaultFrame());
+  addRect(Settings::EventWindowPosition.DefaultFrame());
+  addRect(Settings::SettingsWindowFrame);
+  add(Settings::ColumnOrder);
+  add(Settings::ColumnShown);
+  add(Settings::ColumnWidth);
+  add(Settings::SortKeys);
+  add(Settings::SortModes);
+  add(std::array{Settings::IconPanelLocation.x, Settings::IconPanelLocation.y});
+  add(Settings::UserMiniIcons);
+  add(Settings::UserLargeIcons);
+  add(Settings::ZoneName);
+  return text;
+}
+
+struct KestrinSettingsTest : testing::Test {
+  TestContext context;
+  MemoryFileDoor disk;
+  FailingFileDoor door{disk};
+  std::unique_ptr<SettingsStore> store;
+
+  KestrinSettingsTest() { Restart(); }
+  ~KestrinSettingsTest() override { Settings::Reset(); }
+
+  /// As at the start of the program, with what was saved.
+  void Restart() {
+    Settings::Reset();
+    store = std::make_unique<SettingsStore>(MakeBuiltInPrefs(door, "/c"));
+  }
+  void Init() { InitSettings(*store, context.Notes); }
+  void Write() { WriteSettings(*store, context.Notes); }
+};
+
+TEST_F(KestrinSettingsTest, ASetIsRememberedOnceAndForgottenOnce) {
+  int changes = 0;
+  Settings::WhenChanged = [&changes] { ++changes; };
+  Settings::RememberSet("/a");
+  Settings::RememberSet("/b");
+  Settings::RememberSet("/a");
+  EXPECT_THAT(Settings::SetFileNames, ElementsAre("/a", "/b"));
+  EXPECT_EQ(changes, 2);
+  Settings::ForgetSet("/c");
+  EXPECT_EQ(changes, 2);
+  Settings::ForgetSet("/a");
+  EXPECT_EQ(changes, 3);
+  EXPECT_FALSE(Settings::IsFileRemembered("/a"));
+  EXPECT_TRUE(Settings::IsFileRemembered("/b"));
+}
+
+TEST_F(KestrinSettingsTest, AUserIconIsFoundByBothItsSizes) {
+  Settings::UserMiniIcons = {"m", "m", "n"};
+  Settings::UserLargeIcons = {"x", "y", "y"};
+  EXPECT_EQ(Settings::WhichUserIcon({.large = "y", .mini = "m"}), 1);
+  EXPECT_EQ(Settings::WhichUserIcon({.large = "y", .mini = "n"}), 2);
+  EXPECT_EQ(Settings::WhichUserIcon({.large = "x", .mini = "n"}), -1);
+}
+
+TEST_F(KestrinSettingsTest, EverySettingIsThereAgainAfterARestart) {
+  Settings::SetFileNames = {"/home/u/a.kestrin", "/home/u/b \xff"};
+  Settings::SelectedSetHandling = ShowNever;
+  Settings::WhichEventsToDeliver = DeliverNothing;
+  Settings::Time24Hour = true;
+  Settings::SetWindowPosition.SetDefaultFrame({1, 2, 3.5f, 4});
+  Settings::EventWindowPosition.SetDefaultFrame({5, 6, 7, 8});
+  Settings::ColumnOrder = {5, 4, 3, 2, 1, 0};
+  Settings::ColumnShown = {false, true, false, true, false, true};
+  Settings::ColumnWidth = {0.1f, 2, 3, 4, 5, 6};
+  Settings::ViewMode = 3;
+  Settings::NumberOfKeys = 5;
+  Settings::SortKeys = {1, 2, 3, 4, 5};
+  Settings::SortModes = {2, 1, 0, 1, 2};
+  Settings::IconPanelLocation = {-3, 7};
+  Settings::NumberOfUserIcons = 2;
+  Settings::UserMiniIcons = {std::string(256, 'm'), std::string(256, 'n')};
+  Settings::UserLargeIcons = {std::string(1024, 'x'), std::string(1024, 'y')};
+  Settings::SettingsWindowFrame = {9, 10, 11, 12};
+  Settings::ZoneName = "Europe/Berlin";
+  const std::string before = Snapshot();
+  Write();
+  EXPECT_EQ(Snapshot(), before) << "writing keeps the lists";
+  Restart();
+  EXPECT_NE(Snapshot(), before);
+  Init();
+  EXPECT_EQ(Snapshot(), before);
+  const auto calls = disk.Calls;
+  Write();
+  EXPECT_EQ(disk.Calls, calls) << "nothing differs";
+}
+
+TEST_F(KestrinSettingsTest, AKeyCountsOnlyWithItsTypeAndSize) {
+  struct Case {
+    const char* key;
+    const char (&type)[5];
+    size_t size;
+    char fill;  ///< gives a value other than the initial one
+  };
+  const Case cases[] = {
+      {"SelectedSetHandling", "LONG", 4, 0},
+      {"WhichEventsToDeliver", "LONG", 4, 0},
+      {"Time24Hour", "BOOL", 1, 2},
+      {"RememberWindowSetupAsDefault", "BOOL", 1, 0},
+      {"SetWindowFrame", "RECT", 16, 0},
+      {"ColumnOrder", "LONG", 24, -1},
+      {"ColumnShown", "BOOL", 6, -1},
+      {"ColumnWidth", "FLOT", 24, 0},
+      {"ViewMode", "LONG", 4, 1},
+      {"NumberOfKeys", "LONG", 4, -1},
+      {"SortKeys", "LONG", 20, 0},
+      {"SortModes", "LONG", 20, -1},
+      {"EventWindowFrame", "RECT", 16, -1},
+      {"SettingsWindowFrame", "RECT", 16, 0},
+      {"IconPanelLocation", "BPNT", 8, 0},
+      {"NumberOfUserIcons", "LONG", 4, 127},
+  };
+  const std::string initial = Snapshot();
+  for (const Case& each : cases) {
+    SCOPED_TRACE(each.key);
+    const uint32 type = FourCharCode(each.type);
+    for (const auto& [size, code] : {std::pair(each.size - 1, type), std::pair(each.size + 1, type),
+                                     std::pair(each.size, type + 1), std::pair(size_t{0}, type)}) {
+      Restart();
+      store->Set(each.key, std::string(size, each.fill), code);
+      Init();
+      EXPECT_EQ(Snapshot(), initial) << size << " bytes of type " << code;
+    }
+    Restart();
+    store->Set(each.key, std::string(each.size, each.fill), type);
+    Init();
+    EXPECT_NE(Snapshot(), initial);
+  }
+}
+
+TEST_F(KestrinSettingsTest, TheCountSplitsTheNamesAndTheBytesBoundThem) {
+  struct Case {
+    int32 count;
+    std::string bytes;
+    std::vector<std::string> names;
+  };
+  using namespace std::string_literals;
+  const Case cases[] = {
+      {2, "/a\0/b\0"s, {"/a", "/b"}},
+      {1, "/a\0/b\0"s, {"/a"}},
+      {0, "/a\0"s, {}},
+      {-1, "/a\0"s, {}},
+      {2147483647, "/a\0/b"s, {"/a", "/b"}},
+      {3, "\0\0/c\0"s, {"/c"}},
+      {5, ""s, {}},
+  };
+  for (const Case& each : cases) {
+    SCOPED_TRACE(each.bytes);
+    Restart();
+    store->Set("NumberOfSetsToUse", BytesOf(each.count), Long);
+    store->Set("SetsToUse", each.bytes, Byte);
+    Init();
+    EXPECT_EQ(Settings::SetFileNames, each.names);
+  }
+  Settings::SetFileNames.clear();
+  Write();
+  EXPECT_FALSE(store->Get("SetsToUse"));
+  EXPECT_EQ(store->Get("NumberOfSetsToUse")->bytes, BytesOf(0));
+}
+
+TEST_F(KestrinSettingsTest, IconsOfTheWrongSizeAreNeitherReadNorLost) {
+  for (const int32 count : {2, 4, -1, 2147483647}) {
+    Restart();
+    const std::string bytes(3 * 1280, 'i');
+    store->Set("NumberOfUserIcons", BytesOf(count), Long);
+    store->Set("UserIcons", bytes, Byte);
+    Init();
+    EXPECT_EQ(Settings::NumberOfUserIcons, count);
+    EXPECT_THAT(Settings::UserMiniIcons, IsEmpty());
+    EXPECT_THAT(Settings::UserLargeIcons, IsEmpty());
+    Write();
+    EXPECT_EQ(store->Get("UserIcons")->bytes, bytes);
+    EXPECT_EQ(store->Get("NumberOfUserIcons")->bytes, BytesOf(count));
+  }
+  Settings::NumberOfUserIcons = 0;
+  Write();
+  EXPECT_FALSE(store->Get("UserIcons"));
+}
+
+TEST_F(KestrinSettingsTest, WithoutRememberingTheLayoutIsDeletedButTheSettingsFrameIsRead) {
+  store->Set("AscendingOrder", "1", Bool);
+  store->Set("GroupActiveEventsFirst", "1", Bool);
+  store->Set("Beep volume", "11", FourCharCode("CSTR"));
+  Settings::ViewMode = 2;
+  Settings::SettingsWindowFrame = {1, 2, 3, 4};
+  Write();
+  EXPECT_TRUE(store->Get("AscendingOrder")) << "deleted only when not remembering";
+  store->Set("RememberWindowSetupAsDefault", std::string(1, '\0'), Bool);
+  EXPECT_EQ(store->Save(), StatusOk);
+
+  Restart();
+  Init();
+  EXPECT_EQ(Settings::ViewMode, 0) << "stored, but not to be used";
+  EXPECT_EQ(Settings::SettingsWindowFrame, (Rect{1, 2, 3, 4}));
+  Write();
+  for (const char* key : {"SetWindowFrame", "ColumnOrder", "ColumnShown", "ColumnWidth", "ViewMode",
+                          "NumberOfKeys", "SortKeys", "SortModes", "EventWindowFrame",
+                          "SettingsWindowFrame", "GroupActiveEventsFirst", "AscendingOrder"})
+    EXPECT_FALSE(store->Get(key)) << key;
+  EXPECT_TRUE(store->Get("IconPanelLocation"));
+  EXPECT_TRUE(store->Get("Beep volume")) << "others' keys stay";
+}
+
+TEST_F(KestrinSettingsTest, AFailureIsReportedOnceUntilASaveSucceeds) {
+  const auto writeAndCount = [this] {
+    Settings::ViewMode += 1;
+    Write();
+    context.RunMessages();
+    int alerts = 0;
+    while (context.Ui.AnswerText("WriteSettings: Failed to save settings", 0)) ++alerts;
+    return alerts;
+  };
+  door.FailAt = 1;
+  door.FailFromThen = true;
+  EXPECT_EQ(writeAndCount(), 1);
+  EXPECT_EQ(writeAndCount(), 0);
+  door.FailAt = 0;
+  EXPECT_EQ(writeAndCount(), 0);
+  door.FailAt = 1;
+  EXPECT_EQ(writeAndCount(), 1);
+  EXPECT_THAT(context.Ui.Alerts, IsEmpty());
+}
+
+TEST_F(KestrinSettingsTest, ADamagedFileIsReported) {
+  disk.Put("/c/Kestrin/KestrinSettings.json", "{");
+  Restart();
+  Init();
+  context.RunMessages();
+  ASSERT_EQ(context.Ui.Alerts.size(), 1u);
+  EXPECT_EQ(context.Ui.Alerts[0].Request.Text, store->Complaint());
+}
+
+TEST(KestrinSettingsDeathTest, AStoreThatCannotBeOpenedEndsTheProgram) {
+  const auto start = [](const std::function<void(PrefsLibrary&)>& spoil) {
+    TestContext context;
+    MemoryFileDoor disk;
+    PrefsLibrary library = MakeBuiltInPrefs(disk, "/c");
+    spoil(library);
+    SettingsStore store(library);
+    InitSettings(store, context.Notes);
+  };
+  EXPECT_EXIT(start([](PrefsLibrary& library) {
+                library.PREFInit = [](const char*, void**) { return -ENOMEM; };
+              }),
+              testing::ExitedWithCode(0), "InitSettings: Libprefs failed to initialize\n");
+  EXPECT_EXIT(start([](PrefsLibrary& library) {
+                library.PREFLoadSet = [](void*, const char*, int32, void**) { return -EIO; };
+              }),
+              testing::ExitedWithCode(0), "InitSettings: Libprefs failed to initialize settings\n");
+}
+
+TEST(WindowPositionSetTest, WindowsOpenInStepsAndStartAgain) {
+  WindowPositionSet position({16, 33, 569, 357});
+  for (int round = 0; round < 2; ++round)
+    for (int step = 0; step <= WindowPositionSet::MaxSteps; ++step) {
+      const float offset = static_cast<float>(step) * 20;
+      EXPECT_EQ(position.NextFrame(), (Rect{16 + offset, 33 + offset, 569 + offset, 357 + offset}));
+    }
+  position.NextFrame();
+  position.SetDefaultFrame({1, 2, 3, 4});
+  EXPECT_EQ(position.NextFrame(), (Rect{1, 2, 3, 4}));
+}
+
+TEST(WindowPositionSetTest, AFrameIsMovedOntoTheScreen) {
+  constexpr float Inf = std::numeric_limits<float>::infinity(), Nan = NAN, Max = 3e38f;
+  constexpr Rect Screen{0, 0, 999, 599}, Fallback{10, 20, 109, 69};
+  struct Case {
+    Rect frame, expected;
+  };
+  const Case cases[] = {
+      {{5, 6, 104, 55}, {5, 6, 104, 55}},
+      {{-50, -7, 49, 42}, {0, 0, 99, 49}},
+      {{950, 590, 1049, 639}, {900, 550, 999, 599}},
+      {{-100, 10, 2000, 20}, {0, 10, 999, 20}},
+      {{-Max, -Max, Max, Max}, Screen},
+      {{Max, 5, Max, 6}, {999, 5, 999, 6}},
+      {{Nan, 0, 10, 10}, Fallback},
+      {{0, 0, 10, Nan}, Fallback},
+      {{0, -Inf, 10, 10}, Fallback},
+      {{0, 0, Inf, 10}, Fallback},
+      {{0, 0, -1, -1}, Fallback},
+      {{10, 10, 20, 9}, Fallback},
+  };
+  for (const Case& each : cases)
+    EXPECT_EQ(WindowPositionSet::MovedOntoScreen(each.frame, Screen, Fallback), each.expected)
+        << (&each - cases);
+  EXPECT_EQ(WindowPositionSet::MovedOntoScreen({0, 0, -1, -1}, Screen, {Nan, 0, 1, 1}), Screen);
+  const Rect second{1920, 0, 3839, 1079};
+  EXPECT_EQ(WindowPositionSet::MovedOntoScreen({0, 0, 99, 99}, second, Fallback),
+            (Rect{1920, 0, 2019, 99}));
+}
+
+}  // namespace
+}  // namespace kestrin

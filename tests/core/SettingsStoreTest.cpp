@@ -1,0 +1,232 @@
+// The built-in store under the settings: its file's text, and what becomes of damaged files.
+#include "core/SettingsStore.h"
+
+#include <errno.h>
+#include <gmock/gmock.h>
+
+#include <bit>
+#include <cmath>
+#include <limits>
+
+#include "core/BuiltInPrefs.h"
+#include "core/SettingsText.h"
+#include "fakes/FailingFileDoor.h"
+#include "fakes/MemoryFileDoor.h"
+
+namespace kestrin {
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+constexpr const char* Folder = "/home/u/.config";
+constexpr const char* File = "/home/u/.config/Kestrin/KestrinSettings.json";
+constexpr uint32 Long = FourCharCode("LONG"), Text = FourCharCode("CSTR");
+
+template <typename T>
+std::string BytesOf(T value) {
+  return std::string(reinterpret_cast<const char*>(&value), sizeof value);
+}
+
+TEST(SettingsTextTest, IsReadable) {
+  const SettingsMap settings = {
+      {"Big", {Long, BytesOf(int32{-2147483647 - 1})}},
+      {"Icons", {FourCharCode("BYTE"), std::string("\0\xff", 2)}},
+      {"Names", {FourCharCode("BYTE"), std::string("/home/\xc3\xa9\0/b\0", 12)}},
+      {"Shown", {FourCharCode("BOOL"), std::string("\1\0", 2)}},
+      {"Width", {FourCharCode("FLOT"), BytesOf(35.1f)}},
+      {"Without \"text\"", {0x00010203, ""}},
+  };
+  EXPECT_EQ(WriteSettingsText(settings), R"({
+  "Big": {"type":"LONG","value":[-2147483648]},
+  "Icons": {"hex":"00ff","type":"BYTE"},
+  "Names": {"texts":["/home/é","/b"],"type":"BYTE"},
+  "Shown": {"type":"BOOL","value":[1,0]},
+  "Width": {"type":"FLOT","value":[35.1]},
+  "Without \"text\"": {"hex":"","type":"0x00010203"}
+}
+)");
+}
+
+TEST(SettingsTextTest, EveryValueSurvivesByteForByte) {
+  using Limits = std::numeric_limits<float>;
+  SettingsMap settings;
+  for (const float value :
+       {0.1f, -0.0f, 1e-45f, Limits::max(), Limits::lowest(), Limits::infinity(),
+        Limits::quiet_NaN(), std::bit_cast<float>(0x7fc12345), 16777217.0f, 0.3f, 8.5899346e9f})
+    settings["float " + std::to_string(settings.size())] = {FourCharCode("RECT"), BytesOf(value)};
+  for (const char* type : {"LONG", "BOOL", "FLOT", "BPNT", "CSTR", "BYTE", "ab\"\\"})
+    for (const std::string& bytes :
+         {std::string(), std::string("\2\0\0\0\5", 5), std::string("\xff\xff\xff\xff"),
+          std::string("a"), std::string("\0\0", 2), std::string("a\0\0", 3),
+          std::string("tab\t\0", 5), std::string("\xc3\0", 2), std::string("caf\xc3\xa9\0", 6)}) {
+      const uint32 code = FourCharCode({type[0], type[1], type[2], type[3], '\0'});
+      settings[type + (" " + std::to_string(settings.size()))] = {code, bytes};
+    }
+  const auto read = ReadSettingsText(WriteSettingsText(settings));
+  EXPECT_EQ(read.settings, settings);
+  EXPECT_THAT(read.unreadable, IsEmpty());
+}
+
+TEST(SettingsTextTest, AnUnreadableEntryCostsOnlyItself) {
+  for (const char* entry : {"5",
+                            "null",
+                            "[]",
+                            "{}",
+                            R"({"type":"LONG"})",
+                            R"({"type":"LONG","value":7})",
+                            R"({"type":"LONG","value":[2147483648]})",
+                            R"({"type":"LONG","value":[1.5]})",
+                            R"({"type":"LONG","value":[18446744073709551615]})",
+                            R"({"type":"BOOL","value":[256]})",
+                            R"({"type":"BOOL","value":[-1]})",
+                            R"({"type":"FLOT","value":[1e39]})",
+                            R"({"type":"FLOT","value":["1"]})",
+                            R"({"type":"CSTR","value":[1]})",
+                            R"({"type":"CSTR","hex":"0"})",
+                            R"({"type":"CSTR","hex":"0g"})",
+                            R"({"type":"CSTR","texts":[1]})",
+                            R"({"type":"LON","hex":""})",
+                            R"({"type":"0x1234567g","hex":""})",
+                            R"({"type":7,"hex":""})"}) {
+    const auto read = ReadSettingsText(std::string(R"({"a":{"type":"BOOL","value":[true]},"b":)") +
+                                       entry + R"(,"c":{"type":"LONG","value":[1]}})");
+    EXPECT_TRUE(read.isObject) << entry;
+    EXPECT_THAT(read.unreadable, testing::ElementsAre("b")) << entry;
+    EXPECT_EQ(read.settings.size(), 2u) << entry;
+    EXPECT_EQ(read.settings.at("a").bytes, "\1") << entry;
+  }
+}
+
+TEST(SettingsStoreTest, ValuesLastOnceSavedAndUnknownOnesAreKept) {
+  MemoryFileDoor disk;
+  disk.Put(File, R"({"Foreign":{"type":"ABCD","hex":"00"}})");
+  {
+    SettingsStore store(MakeBuiltInPrefs(disk, Folder));
+    EXPECT_EQ(store.InitStatus(), StatusOk);
+    EXPECT_EQ(store.LoadStatus(), StatusOk);
+    EXPECT_EQ(store.Complaint(), "");
+    EXPECT_EQ(store.Set("a", "one", Text), StatusOk);
+    EXPECT_EQ(store.Set("b", "two", Text), StatusOk);
+    const char* stays = store.Get("a")->bytes.data();
+    for (int i = 0; i < 100; ++i) store.Set("c" + std::to_string(i), "x", Text);
+    EXPECT_EQ(store.Get("a")->bytes.data(), stays) << "a caller may still be looking at it";
+    store.Delete("b");
+    EXPECT_EQ(store.Save(), StatusOk);
+    store.Set("a", "not saved", Text);
+  }
+  SettingsStore store(MakeBuiltInPrefs(disk, Folder));
+  EXPECT_EQ(store.Get("a")->bytes, "one");
+  EXPECT_EQ(store.Get("a")->type, Text);
+  EXPECT_FALSE(store.Get("b"));
+  EXPECT_EQ(store.Get("Foreign")->bytes, std::string(1, '\0'));
+}
+
+TEST(SettingsStoreTest, NothingIsWrittenWhenNothingHasChanged) {
+  MemoryFileDoor disk;
+  SettingsStore store(MakeBuiltInPrefs(disk, Folder));
+  store.Delete("never there");
+  EXPECT_EQ(store.Save(), StatusOk);
+  EXPECT_FALSE(disk.Bytes(File));
+  store.Set("a", "1", Text);
+  EXPECT_EQ(store.Save(), StatusOk);
+  const auto calls = disk.Calls;
+  store.Set("a", "1", Text);
+  EXPECT_EQ(store.Save(), StatusOk);
+  EXPECT_EQ(disk.Calls, calls);
+  store.Set("a", "1", Long);
+  EXPECT_EQ(store.Save(), StatusOk);
+  EXPECT_NE(disk.Calls, calls) << "another type is a change";
+}
+
+TEST(SettingsStoreTest, WhatCannotBeKeptIsRefused) {
+  MemoryFileDoor disk;
+  PrefsLibrary table = MakeBuiltInPrefs(disk, Folder);
+  for (const char* name : {"", "../x", ".hidden", "a/b"}) {
+    void* set = nullptr;
+    EXPECT_NE(table.PREFLoadSet(nullptr, name, 1, &set), StatusOk) << name;
+  }
+  void* set = nullptr;
+  EXPECT_EQ(table.PREFLoadSet(nullptr, "Other", 0, &set), -ENOENT) << "not to be made";
+  EXPECT_STREQ(table.PREFGetMessage(-ENOENT), "No such file or directory");
+  ASSERT_EQ(table.PREFLoadSet(nullptr, "Other", 1, &set), StatusOk);
+  EXPECT_EQ(table.PREFSetData(set, "a", "x", -1, Text), -EINVAL);
+  EXPECT_EQ(table.PREFSetData(set, "a", nullptr, 1, Text), -EINVAL);
+  EXPECT_EQ(table.PREFSetData(set, "", "x", 1, Text), -EINVAL);
+  EXPECT_EQ(table.PREFSetData(set, "\xff", "x", 1, Text), -EINVAL) << "no JSON could hold it";
+  const std::string large(static_cast<size_t>(PrefsValueLimit) + 1, 'x');
+  EXPECT_EQ(table.PREFSetData(set, "a", large.data(), PrefsValueLimit + 1, Text), -EFBIG);
+  EXPECT_EQ(table.PREFDelete(set, "a"), -ENOENT);
+  for (int i = 0; i < 3; ++i)
+    table.PREFSetData(set, std::to_string(i).c_str(), large.data(), PrefsValueLimit, Text);
+  EXPECT_EQ(table.PREFSaveSet(set), -EFBIG) << "more than would be read back";
+  EXPECT_EQ(table.PREFDisposeSet(&set), StatusOk);
+  EXPECT_EQ(set, nullptr);
+}
+
+TEST(DamagedSettingsTest, TheFileIsMovedAsideBeforeTheFirstSave) {
+  const std::string good = R"("kept":{"type":"CSTR","texts":["x"]})";
+  const std::string damaged[] = {"",
+                                 "{",
+                                 "[]",
+                                 "\xff\xfe",
+                                 "{" + good,
+                                 "{" + good + R"(,"bad":{"type":"LONG","value":"x"}})",
+                                 std::string(100000, '['),
+                                 std::string("\0\0\0\0", 4)};
+  for (const std::string& bytes : damaged) {
+    SCOPED_TRACE(bytes.substr(0, 40));
+    MemoryFileDoor disk;
+    disk.Put(File, bytes);
+    disk.Put(std::string(File) + ".damaged", "of last year");
+    SettingsStore store(MakeBuiltInPrefs(disk, Folder));
+    EXPECT_EQ(store.LoadStatus(), StatusOk);
+    EXPECT_THAT(store.Complaint(), HasSubstr(File));
+    EXPECT_EQ(store.Get("kept").has_value(), bytes.ends_with("}}")) << "what can be read counts";
+    EXPECT_EQ(disk.Bytes(File), bytes) << "reading moves nothing";
+    store.Set("a", "1", Text);
+    ASSERT_EQ(store.Save(), StatusOk);
+    store.Set("a", "2", Text);
+    ASSERT_EQ(store.Save(), StatusOk);
+    EXPECT_EQ(disk.Bytes(std::string(File) + ".damaged"), "of last year");
+    EXPECT_EQ(disk.Bytes(std::string(File) + ".damaged.2"), bytes);
+    EXPECT_FALSE(disk.Bytes(std::string(File) + ".damaged.3"));
+    EXPECT_EQ(SettingsStore(MakeBuiltInPrefs(disk, Folder)).Complaint(), "");
+  }
+}
+
+TEST(DamagedSettingsTest, AFileThatMayNotBeReadIsNotWrittenOver) {
+  MemoryFileDoor disk;
+  disk.Put(File, "{}", 0200);
+  SettingsStore store(MakeBuiltInPrefs(disk, Folder));
+  EXPECT_THAT(store.Complaint(), HasSubstr("Permission denied"));
+  store.Set("a", "1", Text);
+  EXPECT_EQ(store.Save(), StatusOk);
+  EXPECT_EQ(disk.Bytes(std::string(File) + ".damaged"), "{}");
+}
+
+TEST(DamagedSettingsTest, ASaveThatFailsAnywhereLosesNothing) {
+  for (const std::string& before : {std::string("{}\n"), std::string("damaged")})
+    for (int failAt = 1;; ++failAt) {
+      MemoryFileDoor disk;
+      disk.Put(File, before);
+      FailingFileDoor door(disk);
+      SettingsStore store(MakeBuiltInPrefs(door, Folder));
+      store.Set("a", "1", Text);
+      door.Count = 0;
+      door.FailAt = failAt;
+      const status_t status = store.Save();
+      if (!door.HasFailed()) break;
+      SCOPED_TRACE(before + " " + door.Failed + " " + std::to_string(failAt));
+      const auto now = disk.Bytes(File);
+      const bool isWhole = now && ReadSettingsText(*now).settings.contains("a");
+      EXPECT_TRUE(isWhole || now == before || disk.Bytes(std::string(File) + ".damaged") == before);
+      EXPECT_TRUE(isWhole || status != StatusOk);
+      door.FailAt = 0;
+      EXPECT_EQ(store.Save(), StatusOk) << "the next attempt writes it after all";
+      EXPECT_TRUE(ReadSettingsText(*disk.Bytes(File)).settings.contains("a"));
+    }
+}
+
+}  // namespace
+}  // namespace kestrin
