@@ -1,0 +1,133 @@
+// kestrin: edits event sets and delivers events; one process per session bus.
+#include <QApplication>
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "core/AlertDesk.h"
+#include "core/BuiltInPrefs.h"
+#include "core/KestrinApp.h"
+#include "core/Notices.h"
+#include "core/Workers.h"
+#include "handlers/HandlerActions.h"
+#include "handlers/LoadEventHandlers.h"
+#include "interface/QtUserInterface.h"
+#include "session/ApplicationBus.h"
+#include "session/BusBackground.h"
+#include "session/DisplayProbe.h"
+#include "session/ProcessInfo.h"
+#include "session/QueueRunner.h"
+#include "session/SystemDesktop.h"
+#include "session/UnixSignals.h"
+
+namespace kestrin {
+namespace {
+
+constexpr char UserAddOns[] = "/.local/lib/kestrin/add-ons";
+
+std::string FromEnvironment(const char* name) {
+  const char* const value = std::getenv(name);
+  return value ? value : "";
+}
+
+/// Everything the application is made of, in the order in which it is built.
+struct Parts {
+  Parts(MessageQueue& messages, ApplicationBus& applicationBus)
+      : queue(messages), bus(applicationBus) {
+    ui.Connect(context, app);
+  }
+
+  AppParts ForApp() {
+    return {background,
+            bus,
+            settings,
+            ExecutableFolder(),
+            StateFolder() + "/kestrin",
+            [this] {
+              LoadEventHandlers(context, &settings, ExecutableFolder(),
+                                FromEnvironment("HOME") + UserAddOns);
+            },
+            UnloadEventHandlers,
+            Zone::System,
+            [] { QCoreApplication::quit(); }};
+  }
+
+  MessageQueue& queue;
+  ApplicationBus& bus;
+  SystemClock clock;
+  SystemFileDoor files;
+  Holds holds{queue};
+  QtUserInterface ui;
+  AlertDesk alerts{queue, ui};
+  Notices notices{alerts, holds, ui};
+  SystemDesktop desktop;
+  ThreadWorkers workers;
+  HandlerActions actions;
+  Context context{clock,   files,   queue,   holds,          ui, alerts, notices,
+                  desktop, workers, actions, Zone::System(), 1};
+  BusBackground background{bus.Connection(), files};
+  SettingsStore settings{
+      OpenPrefs(files, ConfigFolder(), ExecutableFolder(), FromEnvironment("LIBRARY_PATH"))};
+  KestrinApp app{context, ForApp()};
+};
+
+/// With a screen the toolkit's windows, without one its event loop alone.
+std::unique_ptr<QCoreApplication> BuildToolkit(int& argc, char** argv, bool screen) {
+  QCoreApplication::setApplicationName("kestrin");
+  if (!screen) return std::make_unique<QCoreApplication>(argc, argv);
+  QGuiApplication::setApplicationDisplayName("Kestrin");
+  QGuiApplication::setDesktopFileName("vnd.ZR.Kestrin");
+  auto toolkit = std::make_unique<QApplication>(argc, argv);
+  QGuiApplication::setQuitOnLastWindowClosed(false);
+  return toolkit;
+}
+
+int RunLoop(Parts& parts, const std::vector<std::string>& arguments) {
+  KestrinApp& app = parts.app;
+  const UnixSignals unixSignals(parts.queue);
+  app.Construct();
+  app.ArgvReceived(arguments);
+  // What the bus had waiting decides the role: it comes before ReadyToRun.
+  while (auto message = parts.queue.Take()) app.MessageReceived(*message);
+  if (!app.HasQuit()) app.ReadyToRun();
+  if (app.HasQuit()) return 0;
+  const QueueRunner runner(parts.queue,
+                           [&app](const Message& message) { app.MessageReceived(message); });
+  if (auto* const gui = qobject_cast<QGuiApplication*>(QCoreApplication::instance()))
+    QObject::connect(gui, &QGuiApplication::commitDataRequest, gui,
+                     [&app] { app.MessageReceived(Message(FORCED_QUIT)); });
+  return app.HasQuit() ? 0 : QCoreApplication::exec();
+}
+
+int Run(int argc, char** argv) {
+  const Start start{{argv + 1, argv + argc}, ActivationToken(), StartedByBus()};
+  ForgetHowStarted();
+  BackgroundOnlyStartup =
+      std::find(argv + 1, argv + argc, std::string("-background")) != argv + argc;
+  MessageQueue queue;
+  ApplicationBus bus(queue);
+  const Arrival arrival = bus.Arrive(start);
+  if (arrival == Arrival::HandedOver) return 0;
+  if (arrival != Arrival::First) std::fprintf(stderr, "kestrin: %s\n", bus.Reason().c_str());
+  if (arrival == Arrival::NoAnswer) return 1;
+  const std::optional<std::string> whyNoDisplay = WhyNoDisplay();
+  const auto toolkit = BuildToolkit(argc, argv, !whyNoDisplay);
+  bus.Dispatch();
+  if (whyNoDisplay && !BackgroundOnlyStartup && !queue.Holds(DELIVER_EVENTS)) {
+    std::fprintf(stderr, "kestrin: no window can be opened: %s\n", whyNoDisplay->c_str());
+    return 1;
+  }
+  Parts parts(queue, bus);
+  const int status = RunLoop(parts, start.arguments);
+  // After a forced end commands may still be running in threads that know these parts.
+  if (parts.holds.Count() > 0) std::_Exit(status);
+  return status;
+}
+
+}  // namespace
+}  // namespace kestrin
+
+int main(int argc, char** argv) { return kestrin::Run(argc, argv); }
