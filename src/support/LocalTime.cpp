@@ -21,6 +21,11 @@ constexpr int64 MaxMinute = 10'000'000'000'000'000, MaxSecond = 1'000'000'000'00
 constexpr int64 DaysPerEra = 146097;   // 400 years
 constexpr int64 DaysToEpoch = 719468;  // from 1 March of year 0 to 1 January 1970
 
+// The changes of the clocks between these two are listed: all that int32 times can meet, and a
+// year.
+constexpr int64 FirstListed = int64{INT32_MIN} - 366 * SecondsPerDay;
+constexpr int64 EndListed = int64{INT32_MAX} + 366 * SecondsPerDay;
+
 constexpr int64 FloorDivide(int64 value, int64 by) {
   const int64 quotient = value / by;
   return value % by < 0 ? quotient - 1 : quotient;
@@ -117,9 +122,13 @@ int32 SecondsIntoDay(Civil time) {
   return static_cast<int32>(rest < 0 ? rest + SecondsPerDay : rest);
 }
 
-Zone::Zone() : zone_(absl::UTCTimeZone()), name_("UTC") {}
+Zone::Zone() : Zone(absl::UTCTimeZone(), "UTC") {}
 
-Zone::Zone(absl::TimeZone zone, std::string name) : zone_(zone), name_(std::move(name)) {}
+Zone::Zone(absl::TimeZone zone, std::string name)
+    : zone_(zone),
+      name_(std::move(name)),
+      changes_(std::make_shared<const std::vector<Change>>(ChangesOf(zone))),
+      firstOffset_(zone.At(absl::FromUnixSeconds(FirstListed)).offset) {}
 
 std::optional<Zone> Zone::Load(const std::string& name) {
   // absl would keep what "localtime" meant at the first call, and reads "libc:" as a zone that the
@@ -139,10 +148,33 @@ Zone Zone::System() {
   std::string name;
   if (file >> name)
     if (std::optional<Zone> zone = Load(name)) return *zone;
+  // A copy of a zone's file, without a name. A change of it is seen at the next start only.
+  if (std::optional<Zone> zone = Load("/etc/localtime")) return *zone;
   return Zone();
 }
 
+std::vector<Zone::Change> Zone::ChangesOf(const absl::TimeZone& zone) {
+  std::vector<Change> changes;
+  absl::Time at = absl::FromUnixSeconds(FirstListed);
+  absl::TimeZone::CivilTransition transition;
+  while (zone.NextTransition(at, &transition)) {
+    absl::TimeZone::TimeInfo info = zone.At(transition.from);
+    if (info.kind == absl::TimeZone::TimeInfo::UNIQUE) info = zone.At(transition.to);
+    at = info.trans;
+    const int64 moment = absl::ToUnixSeconds(at);
+    if (moment >= EndListed) break;
+    changes.push_back({moment, zone.At(at - absl::Seconds(1)).offset, zone.At(at).offset});
+  }
+  return changes;
+}
+
 Civil Zone::AtMoment(int64 moment) const {
+  if (moment >= FirstListed && moment < EndListed) {
+    const auto next =
+        std::upper_bound(changes_->begin(), changes_->end(), moment,
+                         [](int64 time, const Change& change) { return time < change.moment; });
+    return {moment + (next == changes_->begin() ? firstOffset_ : std::prev(next)->after)};
+  }
   const int offset = zone_.At(absl::FromUnixSeconds(moment)).offset;
   int64 seconds = 0;
   if (__builtin_add_overflow(moment, int64{offset}, &seconds))
@@ -151,6 +183,19 @@ Civil Zone::AtMoment(int64 moment) const {
 }
 
 Zone::Resolved Zone::Resolve(Civil time) const {
+  if (time.seconds < FirstListed + SecondsPerDay || time.seconds >= EndListed - SecondsPerDay)
+    return ResolveByRule(time);
+  const auto next = std::upper_bound(
+      changes_->begin(), changes_->end(), time.seconds,
+      [](int64 civil, const Change& change) { return civil < change.FirstCivil(); });
+  if (next == changes_->begin()) return {time.seconds - firstOffset_, Answer::Unique};
+  const Change& change = *std::prev(next);
+  if (time.seconds >= change.EndCivil()) return {time.seconds - change.after, Answer::Unique};
+  if (change.before < change.after) return {change.moment, Answer::Skipped};
+  return {time.seconds - change.before, Answer::Repeated};
+}
+
+Zone::Resolved Zone::ResolveByRule(Civil time) const {
   const CivilFields fields = ToFields(time);
   const absl::CivilSecond civil(fields.year, fields.month + 1, fields.day, fields.hour,
                                 fields.minute, fields.second);
