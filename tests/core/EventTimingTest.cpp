@@ -18,7 +18,7 @@ static void PrintTo(const EventTimes& times, std::ostream* out) {
 
 namespace {
 
-constexpr int32 Day = 86400, Hour = 3600, Week = 7 * Day;
+constexpr int32 Day = 86400, Hour = 3600;
 
 int32 At(int64 year, int64 month, int64 day, int64 hour = 0, int64 minute = 0) {
   return static_cast<int32>(ToCivil({year, month - 1, day, hour, minute}).seconds);
@@ -269,103 +269,10 @@ TEST(EventTiming, NothingComesAfterTheLastSecond) {
             finished);
 }
 
-TimingRule Warned(int32 event, uint32 ahead, int32 unit, uint32 repeat = 0, int32 repeatUnit = -1) {
-  TimingRule rule = On(event, RuleOf(Once));
-  rule.ActualEventTime = event;
-  rule.ApplyPrewarn = true;
-  rule.PrewarnTime = ahead;
-  rule.PrewarnType = unit;
-  rule.ApplyPrewarnRepeat = repeatUnit >= 0;
-  rule.PrewarnRepeatTime = repeat;
-  rule.PrewarnRepeatType = repeatUnit;
-  return rule;
-}
-
-TEST(EventTiming, FirstPrewarning) {
-  const int32 event = At(2026, 12, 31, 9);
-  struct {
-    const char* what;
-    TimingRule rule;
-    int32 now, expected;
-  } const rows[] = {
-      {"ahead", Warned(event, 3, Days), Now, event - 3 * Day},
-      {"exactly now is still due", Warned(event, 3, Days), event - 3 * Day, event - 3 * Day},
-      {"past, no repeat", Warned(event, 3, Days), event - 3 * Day + 1, event},
-      {"repeated", Warned(event, 1, Days, 6, Hours), event - 10 * Hour, event - 6 * Hour},
-      {"a repeat exactly now", Warned(event, 1, Days, 6, Hours), event - 6 * Hour,
-       event - 6 * Hour},
-      {"the repeat is the event", Warned(event, 1, Days, 6, Hours), event - 6 * Hour + 1, event},
-      {"a repeat past the event", Warned(event, 10, Hours, 7, Hours), event - Hour, event},
-      {"31 November runs over", Warned(event, 1, Months), Now, At(2026, 12, 1, 9)},
-      {"over the year", Warned(event, 22, Months), At(2025, 1, 1), At(2025, 3, 3, 9)},
-      {"months on months", Warned(event, 5, Months, 2, Months), Now, At(2026, 12, 1, 9)},
-      {"4294967295 months", Warned(event, UINT32_MAX, Months, 1, Months), Now, At(2026, 12, 1, 9)},
-      {"4294967295 weeks", Warned(event, UINT32_MAX, Weeks, 1, Weeks), Now, event - 7 * Week},
-      {"ahead by no unit", Warned(event, 3, 5), Now, event},
-      {"ahead by nothing", Warned(event, 0, Months), Now, event},
-      {"repeat of nothing", Warned(event, 60, Days, 0, Hours), Now, event},
-      {"repeat of no months", Warned(event, 60, Days, 0, Months), Now, event},
-      {"repeat of no unit", Warned(event, 60, Days, 1, 7), Now, event},
-  };
-  for (const auto& row : rows) {
-    const EventTimes expected{event, row.expected,
-                              row.expected < event ? WaitingForPrewarning : WaitingForEvent};
-    EXPECT_EQ(ComputeEventTimes(row.rule, row.now, Zone()), expected) << row.what;
-    EXPECT_EQ(ComputeEventTimes(row.rule, row.now, Zone(), true).NextEventTime, event) << row.what;
-  }
-}
-
-TEST(EventTiming, AfterAPrewarning) {
-  const int32 event = At(2026, 12, 31, 9), shown = event - Day;
-  TimingRule rule = Warned(event, 1, Days, 6, Hours);
-  rule.NextEventTime = shown;
-  const auto next = [&](int64 now) { return NextPrewarning(rule, now, Zone()); };
-  EXPECT_EQ(next(shown - 1), (EventTimes{event, shown, WaitingForPrewarning}));
-  EXPECT_EQ(next(shown), (EventTimes{event, shown + 6 * Hour, WaitingForPrewarning}));
-  EXPECT_EQ(next(shown + 6 * Hour), (EventTimes{event, shown + 12 * Hour, WaitingForPrewarning}));
-  EXPECT_EQ(next(event - 6 * Hour), (EventTimes{event, event, WaitingForEvent}));
-  EXPECT_EQ(next(INT64_MAX), (EventTimes{event, event, WaitingForEvent}));
-  rule.PrewarnRepeatTime = 0;
-  EXPECT_EQ(next(shown), (EventTimes{event, event, WaitingForEvent}));
-  rule.PrewarnRepeatTime = 6;
-  rule.ApplyPrewarnRepeat = false;
-  EXPECT_EQ(next(shown), (EventTimes{event, event, WaitingForEvent}));
-}
-
-TEST(EventTiming, Nags) {
-  const int32 event = At(2026, 1, 31, 9);
-  struct {
-    const char* what;
-    uint32 count;
-    int32 unit, now, expected;
-  } const rows[] = {
-      {"one step", 2, Hours, event, event + 2 * Hour},
-      {"long overdue", 2, Hours, event + 101 * Day, event + 101 * Day + 2 * Hour},
-      {"still ahead", 2, Hours, event - 1, event},
-      {"months run over once", 1, Months, At(2026, 6, 1), At(2026, 6, 3, 9)},
-      {"years", 12, Months, At(2036, 6, 1), At(2037, 1, 31, 9)},
-      {"nothing", 0, Days, event, 0},
-      {"no months", 0, Months, event, 0},
-      {"no unit", 1, -1, event, 0},
-      {"past the last second", 1, Weeks, At(2038, 1, 17), 0},
-      {"4294967295 weeks", UINT32_MAX, Weeks, event, 0},
-      {"4294967295 months", UINT32_MAX, Months, event, 0},
-  };
-  for (const auto& row : rows) {
-    TimingRule rule = On(event, RuleOf(Once));
-    rule.NextEventTime = rule.ActualEventTime = event;
-    rule.NagRepeatTime = row.count;
-    rule.NagRepeatType = row.unit;
-    EXPECT_EQ(NextNag(rule, row.now, Zone()),
-              (EventTimes{event, row.expected, row.expected ? WaitingToNag : DoneWithEvent}))
-        << row.what;
-  }
-}
-
 TEST(EventTiming, TheEditorHearsWhatIsWrong) {
-  TimingRule rule = Warned(Now, 1, Days, 0, Hours);
-  rule.ApplyNag = true;
-  rule.NagRepeatTime = 0;
+  TimingRule rule = RuleOf(Daily);
+  rule.ApplyPrewarn = rule.ApplyPrewarnRepeat = rule.ApplyNag = true;
+  rule.PrewarnRepeatTime = rule.NagRepeatTime = 0;
   EXPECT_STREQ(WhyRuleNeverYields(Every(0, 0, RuleOf(MultiDaily))),
                "Every 0 days never comes round; enter 1 or more.");
   EXPECT_STRNE(WhyRuleNeverYields(rule), "");
