@@ -1,5 +1,5 @@
-// Replacing a file as a whole: written beside it, flushed, made durable, renamed over it, the folder
-// made durable. Whatever fails, the earlier file stays whole.
+// Replacing a file as a whole: written beside it, flushed, made durable, renamed over it, the
+// folder made durable. Whatever fails, the earlier file stays whole.
 #pragma once
 
 #include <functional>
@@ -15,8 +15,8 @@ namespace kestrin {
 /// where there is a target); it writes, flushes and syncs it, and returns whether all of that held.
 /// Links to the target are followed; owner, mode and extended attributes are kept from an existing
 /// target, a new one gets 0666 less the umask. A target that this user may not write, or that is
-/// not a regular file, is refused. Returns StatusOk, the door's -errno, or StatusFileError when `write` fails;
-/// a failed replacement leaves no file behind beside the target.
+/// not a regular file, is refused. Returns StatusOk, the door's -errno, or StatusFileError when
+/// `write` fails; a failed replacement leaves no file behind beside the target.
 status_t ReplaceFile(FileDoor& door, const std::string& path,
                      const std::function<bool(const std::string& temporaryPath)>& write);
 
