@@ -168,35 +168,43 @@ void Event::SetIcon(int32 index, std::unique_ptr<IconPair> own) {
 void Event::SetModified() { owner_.SetModified(); }
 
 EventAddOnData* Event::GetAddOnData(int32 row) const {
-  for (const Slot& slot : addOnData_)
+  if (row == selectedHandler_) return selectedData_.get();
+  for (const Slot& slot : otherData_)
     if (slot.row == row) return slot.data.get();
   return nullptr;
 }
 
 void Event::AdoptAddOnData(int32 row, std::unique_ptr<EventAddOnData> data) {
-  addOnData_.reserve(1);
-  addOnData_.push_back({row, std::move(data)});
+  selectedData_ = std::move(data);
   selectedHandler_ = row;
 }
 
 bool Event::SetSelectedHandler(int32 row) {
   if (row < 0 || row >= NumberOfEventHandlers) return false;
-  EventAddOnData* data = GetAddOnData(row);
-  if (row == selectedHandler_ && data) return true;
+  if (row == selectedHandler_ && selectedData_) return true;
+  std::unique_ptr<EventAddOnData> data = TakeOtherData(row);
   if (!data) {
     if (row == UnknownHandler) return false;
     bool ok = true;
     bool threw = false;
-    std::unique_ptr<EventAddOnData> made = MakeAddOnData(row, this, nullptr, &ok, &threw);
-    if (!made) return false;
-    data = made.get();
-    addOnData_.push_back({row, std::move(made)});
+    data = MakeAddOnData(row, this, nullptr, &ok, &threw);
+    if (!data) return false;
   }
   if (window_) window_->RemoveEditView();
-  selectedHandler_ = row;
+  if (selectedData_) otherData_.push_back({selectedHandler_, std::move(selectedData_)});
+  AdoptAddOnData(row, std::move(data));
   if (window_) window_->AddEditView();
   owner_.EventModified(this);
   return true;
+}
+
+std::unique_ptr<EventAddOnData> Event::TakeOtherData(int32 row) {
+  const auto found = std::find_if(otherData_.begin(), otherData_.end(),
+                                  [row](const Slot& slot) { return slot.row == row; });
+  if (found == otherData_.end()) return nullptr;
+  std::unique_ptr<EventAddOnData> data = std::move(found->data);
+  otherData_.erase(found);
+  return data;
 }
 
 std::string Event::GetHandlerName() const {

@@ -137,6 +137,7 @@ class Event {
   void JoinDayAndTime(int32 day);
   void TakeTimes(const EventTimes& times);
   void TellTimes();
+  std::unique_ptr<EventAddOnData> TakeOtherData(int32 row);
   const Zone& LocalZone() const;
   int64 Now() const;
 
@@ -157,8 +158,9 @@ class Event {
     int32 row;
     std::unique_ptr<EventAddOnData> data;
   };
-  std::vector<Slot> addOnData_;
   int32 selectedHandler_ = 0;
+  std::unique_ptr<EventAddOnData> selectedData_;  ///< of selectedHandler_
+  std::vector<Slot> otherData_;                   ///< of handlers that were selected before
   EditorWindow* window_ = nullptr;
   bool skipNag_ = false;
   bool skipPrewarn_ = false;

@@ -187,9 +187,9 @@ bool ReadHandlerData(Event& event, const std::string& handlerName, EndianIndepen
     data = MakeAddOnData(keptBy, &event, &file, &ok, &threw);
   }
   if (!data) return false;
-  if (auto* unknown = dynamic_cast<KeepsOriginalHandler*>(data.get());
-      unknown && keptBy == UnknownHandler)
-    unknown->SetOriginalHandler(handlerName);
+  if (keptBy == UnknownHandler)
+    if (auto* const unknown = dynamic_cast<KeepsOriginalHandler*>(data.get()))
+      unknown->SetOriginalHandler(handlerName);
   event.AdoptAddOnData(keptBy, std::move(data));
   return ok;
 }
@@ -248,8 +248,7 @@ bool WriteEventRecord(Event& event, EndianIndependentFile& file) {
   }
   out.Frame(record.WindowFrame);
   // A set that is not shown keeps which of its editors opened with it.
-  out.Flag(event.GetOwner()->GetWindow() ? event.GetWindow() != nullptr
-                                         : record.ShouldWindowOpen);
+  out.Flag(event.GetOwner()->GetWindow() ? event.GetWindow() != nullptr : record.ShouldWindowOpen);
   out.Number(record.TabShown);
   out.Text(event.GetHandlerName());
   return out.Whole() && event.GetAddOnData() && event.GetAddOnData()->SaveData(&file);

@@ -1,5 +1,6 @@
 #include "programs/ctl/JsonWriter.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 
@@ -11,6 +12,11 @@ namespace {
 
 constexpr size_t BufferSize = 65536;
 constexpr char HexDigits[] = "0123456789abcdef";
+
+bool NeedsEscape(char c) {
+  const auto byte = static_cast<unsigned char>(c);
+  return byte < 0x20 || byte == 0x7f || c == '"' || c == '\\';
+}
 
 }  // namespace
 
@@ -85,6 +91,11 @@ void JsonWriter::Float(float value) {
 
 void JsonWriter::Quoted(std::string_view text) {
   buffer_ += '"';
+  if (std::none_of(text.begin(), text.end(), NeedsEscape)) {
+    buffer_ += text;
+    buffer_ += '"';
+    return;
+  }
   for (const char c : text) {
     const auto byte = static_cast<unsigned char>(c);
     if (c == '"' || c == '\\') {
