@@ -51,7 +51,7 @@ class Zone {
 
   /// The zone that TZ names (UTC when there is none of that name), else the one that /etc/localtime
   /// points to, else the one that /etc/timezone names, else UTC. Looked up anew at every call
-  /// (some 20 microseconds), so a changed link is seen.
+  /// (up to a fifth of a millisecond), so a changed link is seen.
   static Zone System();
 
   const std::string& Name() const { return name_; }
