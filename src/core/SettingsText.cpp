@@ -67,7 +67,7 @@ double ShortestDouble(float value) {
   const auto written = std::to_chars(text, text + sizeof text, value);
   double result = 0;
   std::from_chars(text, written.ptr, result);
-  return static_cast<float>(result) == value ? result : double{value};
+  return result;
 }
 
 template <typename T, typename Convert>

@@ -303,6 +303,7 @@ TEST(WindowPositionSetTest, WindowsOpenInStepsAndStartAgain) {
   position.NextFrame();
   position.SetDefaultFrame({1, 2, 3, 4});
   EXPECT_EQ(position.NextFrame(), (Rect{1, 2, 3, 4}));
+  EXPECT_EQ(position.NextFrame(), (Rect{21, 22, 23, 24}));
 }
 
 TEST(WindowPositionSetTest, AFrameIsMovedOntoTheScreen) {
