@@ -36,6 +36,11 @@ class EndianIndependentFile : public BufferedFile {
   /// Reads up to and including a NUL. StatusFileError at the end of the file, StatusError when
   /// `max` bytes hold no NUL (the rest stays unread); `text` is terminated in every case.
   status_t ReadString(char* text, int32 max);
+  /// Consumes an empty text if one stands next in the buffer; the quick way through records, most
+  /// of whose texts are empty. False means nothing was consumed and nothing is known.
+  bool TakeEmptyString() {
+    return BytesAhead() > 1 && *Ahead() == 0 && TakeFromBuffer(1) != nullptr;
+  }
 
   int32 WriteRaw(const void* data, size_t count);
   int32 ReadRaw(void* data, size_t count);

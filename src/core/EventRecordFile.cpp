@@ -26,7 +26,8 @@ class FieldReader {
     if (!fault_) value = byte != 0;
   }
   void Text(const char* field, std::string& value) {
-    if (fault_) return;
+    value.clear();
+    if (fault_ || file_.TakeEmptyString()) return;
     const status_t status = file_.ReadString(buffer_, TextLimit);
     if (status != StatusOk) {
       fault_ = field;

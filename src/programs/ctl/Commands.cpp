@@ -130,11 +130,10 @@ bool OpenAll(VirtualEngine& engine, const std::vector<std::string>& files,
   for (const std::string& file : files) {
     if (OpenSets::FindFile(engine.files.Canonical(file))) continue;
     SetFileReport report;
-    std::unique_ptr<EventSet> set = ReadSet(engine, file, &report);
+    const EventSet* const set = ReadSet(engine, file, &report);
     if (!set) return false;
     sets.push_back({set->GetHandle(), file});
     KestrinSettings::SetFileNames.push_back(set->GetFileName());
-    OpenSets::Sets.push_back(std::move(set));
   }
   return true;
 }
@@ -148,15 +147,17 @@ void Complain(const std::string& file, const std::string& fault) {
   std::fprintf(stderr, "%s\n", line.c_str());
 }
 
-std::unique_ptr<EventSet> ReadSet(VirtualEngine& engine, const std::string& path,
-                                  SetFileReport* report) {
+EventSet* ReadSet(VirtualEngine& engine, const std::string& path, SetFileReport* report) {
   ConstructorResult result = ConstructorResult::Success;
   bool versionOK = true;
   auto set = std::make_unique<EventSet>(engine.context, engine.files.Canonical(path), &result,
                                         &versionOK, report);
-  if (result == ConstructorResult::Success && versionOK) return set;
-  Complain(path, report->Fault);
-  return nullptr;
+  if (result != ConstructorResult::Success || !versionOK) {
+    Complain(path, report->Fault);
+    return nullptr;
+  }
+  OpenSets::Sets.push_back(std::move(set));
+  return OpenSets::Sets.back().get();
 }
 
 int WrittenOut(bool written) {
@@ -168,7 +169,7 @@ int WrittenOut(bool written) {
 int Next(VirtualEngine& engine, const CtlArguments& arguments) {
   engine.clock.Time = arguments.at;
   SetFileReport report;
-  const std::unique_ptr<EventSet> set = ReadSet(engine, arguments.files[0], &report);
+  EventSet* const set = ReadSet(engine, arguments.files[0], &report);
   if (!set) return ExitFailure;
   for (const auto& event : set->Events()) event->UpdateEventTime();
   return WrittenOut(arguments.json ? PrintNextJson(*set)
@@ -194,7 +195,7 @@ int Check(VirtualEngine& engine, const CtlArguments& arguments) {
   bool failed = false;
   for (const std::string& file : arguments.files) {
     SetFileReport report;
-    const std::unique_ptr<EventSet> set = ReadSet(engine, file, &report);
+    EventSet* const set = ReadSet(engine, file, &report);
     failed |= !set;
     if (!set) continue;
     lines += TextTable::Cell(file, PathWidth) + ": " + std::to_string(set->CountEvents()) +
@@ -210,7 +211,7 @@ int Check(VirtualEngine& engine, const CtlArguments& arguments) {
 
 int Rewrite(VirtualEngine& engine, const CtlArguments& arguments) {
   SetFileReport report;
-  const std::unique_ptr<EventSet> set = ReadSet(engine, arguments.files[0], &report);
+  EventSet* const set = ReadSet(engine, arguments.files[0], &report);
   if (!set) return ExitFailure;
   errno = 0;
   if (set->SaveCopy(arguments.files[1])) {

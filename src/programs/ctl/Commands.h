@@ -32,9 +32,8 @@ int Rewrite(VirtualEngine& engine, const CtlArguments& arguments);
 /// "kestrinctl: FILE: FAULT" on standard error, with line breaks and the like made harmless.
 void Complain(const std::string& file, const std::string& fault);
 
-/// The set, or null after complaining.
-std::unique_ptr<EventSet> ReadSet(VirtualEngine& engine, const std::string& path,
-                                  SetFileReport* report);
+/// Adds the set to the open sets, or returns null after complaining.
+EventSet* ReadSet(VirtualEngine& engine, const std::string& path, SetFileReport* report);
 
 /// Complains about standard output if `written` is false.
 int WrittenOut(bool written);

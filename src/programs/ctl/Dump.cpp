@@ -132,7 +132,7 @@ int Dump(VirtualEngine& engine, const CtlArguments& arguments) {
   report.OnHandlerData = [&](const Event&, int64 offset, int64 length) {
     extents.push_back({offset, length});
   };
-  const std::unique_ptr<EventSet> set = ReadSet(engine, path, &report);
+  const EventSet* const set = ReadSet(engine, path, &report);
   if (!set) return ExitFailure;
   status_t status = StatusOk;
   const std::optional<std::string> bytes =

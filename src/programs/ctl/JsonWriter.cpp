@@ -63,8 +63,9 @@ void JsonWriter::End(char bracket) {
 
 void JsonWriter::Key(std::string_view name) {
   BeforeValue();
-  Quoted(name);
-  buffer_ += ": ";
+  buffer_ += '"';
+  buffer_ += name;
+  buffer_ += "\": ";
   afterKey_ = true;
 }
 

@@ -21,7 +21,7 @@ class JsonWriter {
   void EndObject() { End('}'); }
   void BeginArray() { Begin('['); }
   void EndArray() { End(']'); }
-  /// The name of the value that follows.
+  /// The name of the value that follows; plain letters.
   void Key(std::string_view name);
 
   void Number(int64 value);
