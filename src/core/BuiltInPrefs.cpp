@@ -53,7 +53,7 @@ std::string ListOf(const std::vector<std::string>& keys) {
 
 bool IsFileName(const char* name) {
   const std::string_view text = name ? name : "";
-  return !text.empty() && text.front() != '.' && text.find('/') == text.npos;
+  return !text.empty() && text.front() != '.' && text.find('/') == std::string_view::npos;
 }
 
 const char* MessageOf(int32 status) {
