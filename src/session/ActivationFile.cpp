@@ -159,13 +159,12 @@ std::optional<std::string> FindActivatedProgram(FileDoor& files, const std::stri
   if (std::string runtime = RuntimeFolder(); !runtime.empty())
     folders.insert(folders.begin(), std::move(runtime));
   for (std::string& folder : folders) {
-    folder += BelowDataFolder;
-    if (auto program = ProgramInFile(files, folder + "/" + name + std::string(Ending), name))
-      return program;
+    folder.append(BelowDataFolder).append("/");
+    if (auto program = ProgramInFile(files, (folder + name).append(Ending), name)) return program;
     // The session bus does not insist on the file's name.
     for (const std::string& file : files.List(folder).value_or(std::vector<std::string>())) {
       if (!file.ends_with(Ending)) continue;
-      if (auto program = ProgramInFile(files, folder + "/" + file, name)) return program;
+      if (auto program = ProgramInFile(files, folder + file, name)) return program;
     }
   }
   return std::nullopt;

@@ -74,13 +74,13 @@ void BusBackground::RegisterFile(const std::string& path) {
   const QStringList activatable = names.arguments().value(0).toStringList();
   if (Knows(BackgroundBusName, activatable) && Knows(ApplicationBusName, activatable)) return;
 
-  const std::string folder = ActivationFolder();
-  if (files_.MakeFolders(folder, 0700) != StatusOk) return;
+  const std::string folder = ActivationFolder() + "/";
+  if (files_.MakeFolders(ActivationFolder(), 0700) != StatusOk) return;
   const std::pair<std::string, std::string> entries[] = {{BackgroundBusName, path},
                                                          {ApplicationBusName, application}};
   for (const auto& [name, program] : entries)
     if (const std::optional<std::string> text = ActivationText(name, program))
-      WriteWholeFile(files_, folder + "/" + name + ".service", *text);
+      WriteWholeFile(files_, (folder + name).append(".service"), *text);
   Call(MakeBusCall("ReloadConfig"), deadline);
 }
 

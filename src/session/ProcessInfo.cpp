@@ -40,12 +40,12 @@ std::string HomeFolder() {
 }
 
 std::string PersonalFolder(const char* variable, const char* belowHome) {
-  const std::string named = AbsoluteVariable(variable);
+  std::string named = AbsoluteVariable(variable);
   return named.empty() ? HomeFolder() + belowHome : named;
 }
 
 bool BelongsToUserAlone(const std::string& folder) {
-  struct stat info;
+  struct stat info {};
   return stat(folder.c_str(), &info) == 0 && S_ISDIR(info.st_mode) && info.st_uid == getuid() &&
          (info.st_mode & 077) == 0;
 }
@@ -73,7 +73,7 @@ std::string StateFolder() { return PersonalFolder("XDG_STATE_HOME", "/.local/sta
 std::string CacheFolder() { return PersonalFolder("XDG_CACHE_HOME", "/.cache"); }
 
 std::string RuntimeFolder() {
-  const std::string named = AbsoluteVariable("XDG_RUNTIME_DIR");
+  std::string named = AbsoluteVariable("XDG_RUNTIME_DIR");
   if (!named.empty()) return named;
   const std::string usual = "/run/user/" + std::to_string(getuid());
   return BelongsToUserAlone(usual) ? usual : std::string();
