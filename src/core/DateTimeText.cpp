@@ -23,7 +23,7 @@ int TwelveHour(int hour) { return hour % 12 == 0 ? 12 : hour % 12; }
 const char* HalfOfDay(int hour) { return hour > 11 ? " PM" : " AM"; }
 
 std::string ClockText(int hour, int minute, int second) {
-  std::array<char, 40> text;
+  std::array<char, 40> text = {};
   std::snprintf(text.data(), text.size(), "%02d:%02d:%02d", hour, minute, second);
   return text.data();
 }
@@ -67,7 +67,7 @@ bool HoldsTimeWord(std::string_view text) {
 std::string GetDateTimeString(int32 time, bool withTime, const Zone& zone, bool use24Hours) {
   if (time == 0 || time == -1) return "None";
   const CivilFields fields = ToFields(zone.AtMoment(time));
-  std::array<char, 40> date;
+  std::array<char, 40> date = {};
   std::snprintf(date.data(), date.size(), "%s, %s %02d %04d",
                 DayAbbr[static_cast<size_t>(fields.weekday)].data(),
                 MonthAbbr[static_cast<size_t>(fields.month)].data(), static_cast<int>(fields.day),
@@ -85,7 +85,7 @@ std::string GetDateTimeString(int32 time, bool withTime, const Zone& zone, bool 
 std::string GetTimeOfDayText(int32 secondsIntoDay, bool use24Hours) {
   const int32 seconds = FoldIntoDay(secondsIntoDay);
   const int hour = seconds / 3600;
-  std::array<char, 40> text;
+  std::array<char, 40> text = {};
   std::snprintf(text.data(), text.size(), "%02d:%02d%s", use24Hours ? hour : TwelveHour(hour),
                 seconds / 60 % 60, use24Hours ? "" : HalfOfDay(hour));
   return text.data();

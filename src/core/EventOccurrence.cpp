@@ -141,7 +141,7 @@ DayInMonth OccurrenceSearch::DayByRule(int64 month, int64 yearOfLength) const {
   const int64 first = FirstDayOf(month);
   if (rule_.TimingType == ByDayOfMonth) {
     const int64 length = FirstDayOf(month + 1) - first;
-    const int64 day = rule_.DayOfMonth;
+    const auto day = static_cast<int64>(rule_.DayOfMonth);
     return {month, first - 1 + (day >= 32 ? length + 32 - day : std::min(day, length))};
   }
   if (rule_.WeekOfMonth <= 3) {

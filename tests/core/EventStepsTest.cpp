@@ -41,9 +41,9 @@ TimingRule Warned(int32 event, uint32 ahead, int32 unit, uint32 repeat = 0, int3
 TEST(EventSteps, FirstPrewarning) {
   const int32 event = At(2026, 12, 31, 9);
   struct {
-    const char* what;
+    const char* what = nullptr;
     TimingRule rule;
-    int32 now, expected;
+    int32 now = 0, expected = 0;
   } const rows[] = {
       {"ahead", Warned(event, 3, Days), Now, event - 3 * Day},
       {"exactly now is still due", Warned(event, 3, Days), event - 3 * Day, event - 3 * Day},

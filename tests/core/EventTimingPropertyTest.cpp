@@ -38,14 +38,14 @@ class StepByStep {
         return r_.EventTime;
       case Annually:
         if (r_.TimingType == ByDate) return ByDateFrom(1, INT64_MIN);
-        today.tm_mon = r_.Month;
+        today.tm_mon = static_cast<int>(r_.Month);
         while (Eval(today, byDay) <= now_) ++today.tm_year;
         return a_;
       case Monthly:
         while (Eval(today, byDay) <= now_) ++today.tm_mon;
         return a_;
       case Weekly: {
-        const int d = r_.DayOfWeek, w = today.tm_wday;
+        const int d = static_cast<int>(r_.DayOfWeek), w = today.tm_wday;
         today.tm_mday += w < d ? d - w : w > d ? d - w + 7 : 0;
         if (w == d && !(r_.ApplyTime && r_.TimeToApply > now_ % Day)) today.tm_mday += 7;
         return timegm(&today) + Tod();
@@ -60,7 +60,7 @@ class StepByStep {
       }
       case MultiAnnually:
         if (r_.TimingType == ByDate) return ByDateFrom(r_.Multiple, r_.MultiStartTime);
-        start.tm_mon = r_.Month;
+        start.tm_mon = static_cast<int>(r_.Month);
         while (Eval(start, byDay) <= r_.MultiStartTime) ++start.tm_year;
         while (a_ <= now_) start.tm_year += r_.Multiple, Eval(start, byDay);
         return a_;
@@ -69,7 +69,7 @@ class StepByStep {
         while (a_ <= now_) start.tm_mon += r_.Multiple, Eval(start, byDay);
         return a_;
       case MultiWeekly: {
-        const int d = r_.DayOfWeek, w = start.tm_wday;
+        const int d = static_cast<int>(r_.DayOfWeek), w = start.tm_wday;
         start.tm_mday += w < d ? d - w : w > d ? d - w + 7 : 0;
         if (w == d && r_.ApplyTime && r_.TimeToApply <= r_.MultiStartTime % Day) start.tm_mday += 7;
         a_ = timegm(&start) + Tod();

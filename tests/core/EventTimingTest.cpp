@@ -85,9 +85,9 @@ int32 Next(const TimingRule& rule, int32 now = Now) {
 }
 
 struct Case {
-  const char* what;
+  const char* what = nullptr;
   TimingRule rule;
-  int32 now, expected;
+  int32 now = 0, expected = 0;
 };
 
 template <size_t Count>

@@ -91,7 +91,7 @@ TEST(EventTimingZones, NineOClockStaysNineOClock) {
   date.EventTime = berlin.Moment("2025-07-29 09:00");
   const struct {
     TimingRule rule;
-    const char *now, *next;
+    const char *now = nullptr, *next = nullptr;
   } rows[] = {
       {Rule(Daily).At(9), "2026-03-28 12:00", "2026-03-29 09:00 +0200"},
       {Rule(Daily).At(9), "2026-10-24 12:00", "2026-10-25 09:00 +0100"},
