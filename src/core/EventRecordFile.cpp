@@ -2,8 +2,6 @@
 
 #include "core/EventSet.h"
 #include "core/HandlerTable.h"
-#include "core/Notices.h"
-#include "core/UserInterface.h"
 #include "support/OwnedText.h"
 
 namespace kestrin {
@@ -170,7 +168,8 @@ void WriteReminders(FieldWriter& out, const EventRecord& record) {
 
 }  // namespace
 
-bool ReadHandlerData(Event& event, const std::string& handlerName, EndianIndependentFile& file) {
+bool ReadHandlerData(Event& event, const std::string& handlerName, EndianIndependentFile& file,
+                     std::string& complaint) {
   const int32 row = FindHandler(handlerName);
   // Only an add-on may fail in ways that leave the block to be kept; asking for the place costs.
   const int64 begin = row < NumberOfBuiltInHandlers ? 0 : file.Position();
@@ -179,10 +178,9 @@ bool ReadHandlerData(Event& event, const std::string& handlerName, EndianIndepen
   std::unique_ptr<EventAddOnData> data = MakeAddOnData(row, &event, &file, &ok, &threw);
   int32 keptBy = row;
   if (!data && row >= NumberOfBuiltInHandlers) {
-    event.GetOwner()->GetContext().notices.ReportCompoundError(
-        "The event handler \"", handlerName,
-        threw ? "\" failed while reading an event.  The event is kept unchanged."
-              : "\" gave no data for an event.  The event is kept unchanged.");
+    complaint = "The event handler \"" + handlerName +
+                (threw ? "\" failed while reading an event.  The event is kept unchanged."
+                       : "\" gave no data for an event.  The event is kept unchanged.");
     file.Seek(begin - 1, SEEK_SET);
     keptBy = UnknownHandler;
     data = MakeAddOnData(keptBy, &event, &file, &ok, &threw);
@@ -197,7 +195,7 @@ bool ReadHandlerData(Event& event, const std::string& handlerName, EndianIndepen
 
 std::unique_ptr<Event> ReadEventRecord(EventSet& owner, EndianIndependentFile& file,
                                        SetFileVersionIndex version, std::string& fault,
-                                       int64* handlerDataAt) {
+                                       std::string& complaint, int64* handlerDataAt) {
   FieldReader in(file);
   EventRecord record;
   in.Text("Name", record.Name);
@@ -223,7 +221,7 @@ std::unique_ptr<Event> ReadEventRecord(EventSet& owner, EndianIndependentFile& f
   auto event = std::make_unique<Event>(owner, std::move(record));
   event->AdoptIcon(std::move(icon));
   if (handlerDataAt) *handlerDataAt = file.Position();
-  if (!ReadHandlerData(*event, handlerName, file)) {
+  if (!ReadHandlerData(*event, handlerName, file, complaint)) {
     fault = "the data of its handler \"" + handlerName + "\" cannot be read";
     return nullptr;
   }

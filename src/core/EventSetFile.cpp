@@ -85,7 +85,7 @@ ConstructorResult ReadEvents(EventSet& set, EndianIndependentFile& file,
   for (int32 i = 0; i < count; ++i) {
     std::string fault;
     std::unique_ptr<Event> event =
-        ReadEventRecord(set, file, version, fault, report.OnHandlerData ? &handlerDataAt : nullptr);
+        ReadEventRecord(set, file, version, fault, report.Complaint, report.OnHandlerData ? &handlerDataAt : nullptr);
     if (!event) return Fail(report, "event " + std::to_string(i + 1) + ": " + fault);
     if (report.OnHandlerData) ReportHandlerData(file, *event, report, handlerDataAt);
     set.AppendRead(std::move(event));

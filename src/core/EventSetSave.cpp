@@ -28,10 +28,12 @@ void EventSet::Read(ConstructorResult* result, bool* versionOK, SetFileReport* r
         " was written by an unknown version of Kestrin.  It was written by version " +
         report->Version + ", and the current version is " + SetFileVersion +
         ".  The set will not be able to be opened until you get a newer version of Kestrin.");
+  if (!report->Complaint.empty()) context_.notices.ReportError(report->Complaint);
   downloaded_ = context_.files.GetAttribute(fileName_, OriginAttribute).has_value();
 }
 
 bool EventSet::WriteTo(const std::string& path) {
+  const AutoLock lock(*this);
   EndianIndependentFile file(context_.files, path, OpenWriteOnly | OpenCreate | OpenErase,
                              WriteBuffer);
   return file.InitCheck() == StatusOk && WriteSetFile(*this, file) && file.Sync() == StatusOk;

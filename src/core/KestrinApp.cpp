@@ -168,7 +168,6 @@ void KestrinApp::SaveDeliveredSets() {
     if (!set->OnlyDeliveriesChanged() || set->IsUntitled() || context_.alerts.AnyFor(handle) ||
         context_.holds.CountFor(handle) > 0)
       continue;
-    const AutoLock lock(*set);
     if (set->SaveData(EventSet::SavedBy::Itself))
       saveReported_.erase(handle);
     else if (saveReported_.insert(handle).second)

@@ -68,7 +68,6 @@ void KestrinApp::CommitAllEdits() {
 void KestrinApp::SaveModifiedSets() {
   const AutoLock open(OpenSets::Protect);
   for (const auto& set : OpenSets::Sets) {
-    const AutoLock lock(*set);
     if (!set->HasBeenModified()) continue;
     const bool saved =
         set->IsUntitled() ? recovery_.SaveCopy(*set) : set->SaveData(EventSet::SavedBy::Itself);
