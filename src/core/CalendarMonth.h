@@ -64,7 +64,10 @@ inline constexpr Civil OnDay(int64 day, int64 secondsIntoDay) {
 }
 
 /// 0 = Sunday.
-inline constexpr int64 WeekdayOfDay(int64 day) { return day + 4 - 7 * FloorDivide(day + 4, 7); }
+inline constexpr int64 WeekdayOfDay(int64 day) {
+  constexpr int64 wholeWeeks = 7'000'000'000'000;  // makes every day positive
+  return static_cast<int64>(static_cast<uint64>(day + 4 + wholeWeeks) % 7);
+}
 
 /// Months on the wall clock: the day of the month stays, and runs over into the next month where
 /// there is no such day.

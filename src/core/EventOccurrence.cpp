@@ -155,7 +155,8 @@ DayInMonth OccurrenceSearch::DayByRule(int64 month, int64 yearOfLength) const {
 }
 
 bool OccurrenceSearch::RunsOver(int64 month, int64 yearOfLength) const {
-  const int64 length = LengthOf(yearOfLength * 12 + rule_.Month);
+  // Only a February needs its year.
+  const int64 length = LengthOf(rule_.Month == 1 ? yearOfLength * 12 + 1 : rule_.Month);
   const int64 beyond = length - LengthOf(month);
   if (beyond <= 0) return false;
   const int64 back = WeekdayOfDay(FirstDayOf(month) + length - 1) - rule_.DayOfWeek;
