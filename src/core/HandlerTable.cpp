@@ -1,5 +1,7 @@
 #include "core/HandlerTable.h"
 
+#include <atomic>
+
 namespace kestrin {
 
 int8 NumberOfEventHandlers = 0;
@@ -19,19 +21,19 @@ void ResetHandlerTable() {
   AddOnNames.clear();
   Function_NewAddOnData.clear();
   AddOnImages.clear();
-  HandlerContext = nullptr;
+  std::atomic_ref(HandlerContext).store(nullptr);  // threads of handlers may be reading it
 }
 
 std::unique_ptr<EventAddOnData> MakeAddOnData(int32 row, Event* event, EndianIndependentFile* file,
                                               bool* ok, bool* threw) {
   bool unasked = true;
-  bool& works = ok ? *ok : unasked;
-  works = true;
+  if (!ok) ok = &unasked;
+  *ok = true;
   if (threw) *threw = false;
   if (row < 0 || row >= NumberOfEventHandlers) return nullptr;
   try {
     return std::unique_ptr<EventAddOnData>(
-        Function_NewAddOnData[static_cast<size_t>(row)](event, file, &works));
+        Function_NewAddOnData[static_cast<size_t>(row)](event, file, ok));
   } catch (...) {
     if (threw) *threw = true;
     return nullptr;

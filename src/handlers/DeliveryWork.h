@@ -9,7 +9,7 @@
 namespace kestrin {
 
 struct DeliveryWork {
-  const char* ThreadName;
+  const char* ThreadName = "";
   std::string Question;     ///< empty: nobody is asked
   std::string FailureText;  ///< told when no thread can be had, or Run fails
   /// In the worker thread; works on copies, for the event may be gone. False tells the failure.

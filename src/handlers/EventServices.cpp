@@ -1,6 +1,7 @@
 #include "kestrin/EventServices.h"
 
 #include <algorithm>
+#include <atomic>
 #include <string>
 
 #include "core/EventSet.h"
@@ -67,7 +68,8 @@ status_t WriteAddOnSetting(const char* name, const void* data, uint32 size, uint
 }
 
 void ReportError(const char* text) {
-  if (HandlerContext) HandlerContext->notices.ReportError(text ? text : "");
+  if (Context* context = std::atomic_ref(HandlerContext).load())
+    context->notices.ReportError(text ? text : "");
 }
 
 }  // namespace kestrin

@@ -144,7 +144,8 @@ void LoadEventHandlers(Context& context, SettingsStore* settings, const std::str
   for (const std::string& folder : {kestrinDir + "/add-ons", userAddOnFolder})
     for (const std::string& name :
          context.files.List(folder).value_or(std::vector<std::string>())) {
-      const std::string path = folder + "/" + name;
+      std::string path = folder;
+      path.append("/").append(name);
       if (static_cast<int32>(AddOnImages.size()) < MaxAddOns)
         LoadAddOn(context, path);
       else

@@ -50,8 +50,8 @@ class SpawnOptions {
   const posix_spawn_file_actions_t* Actions() const { return &actions_; }
 
  private:
-  posix_spawnattr_t attributes_;
-  posix_spawn_file_actions_t actions_;
+  posix_spawnattr_t attributes_{};
+  posix_spawn_file_actions_t actions_{};
 };
 
 }  // namespace
@@ -59,6 +59,7 @@ class SpawnOptions {
 pid_t SpawnApart(const std::vector<std::string>& arguments) {
   std::vector<std::string> copies = arguments;
   std::vector<char*> words;
+  words.reserve(copies.size() + 1);
   for (std::string& copy : copies) words.push_back(copy.data());
   words.push_back(nullptr);
   const SpawnOptions options(HomeFolder());
