@@ -161,7 +161,10 @@ int Make(const char* path, int64 now, int32 soon, int32 copies) {
       sample.AddWeekly();
       sample.AddDaily();
     }
-    sample.Set().Layout().WindowFrame = {60, 80, 860, 440};
+    SetLayout& layout = sample.Set().Layout();
+    layout.WindowFrame = {60, 80, 1000, 440};
+    layout.ColumnShown.fill(true);
+    layout.ColumnWidth = {26, 190, 235, 235, 90, 150};
     saved = sample.Set().SaveCopy(path);
   }
   if (!saved) std::fprintf(stderr, "make-sample: %s: cannot be written\n", path);
