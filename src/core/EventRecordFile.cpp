@@ -250,7 +250,7 @@ bool WriteEventRecord(Event& event, EndianIndependentFile& file) {
   out.Flag(event.GetOwner()->GetWindow() ? event.GetWindow() != nullptr : record.ShouldWindowOpen);
   out.Number(record.TabShown);
   out.Text(event.GetHandlerName());
-  return out.Whole() && event.GetAddOnData() && event.GetAddOnData()->SaveData(&file);
+  return out.Whole() && event.GetAddOnData() && SaveAddOnData(*event.GetAddOnData(), &file);
 }
 
 }  // namespace kestrin
