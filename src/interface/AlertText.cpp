@@ -61,7 +61,9 @@ void AlertText::ShowText(const QString& text, QSize largest, int lowest) {
   if (scrolls) taken.setWidth(widest);
   setVerticalScrollBarPolicy(scrolls ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAsNeeded);
 
-  const int height = std::min(static_cast<int>(std::ceil(taken.height())), largest.height());
+  const int line = std::max(1, fontMetrics().lineSpacing());
+  const int height =
+      scrolls ? largest.height() / line * line : static_cast<int>(std::ceil(taken.height()));
   const int above = std::max(0, (lowest - height) / 2);
   setViewportMargins(0, above, 0, 0);
   // One pixel more than measured: a line that fits exactly must not be wrapped again.

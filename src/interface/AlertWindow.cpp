@@ -3,14 +3,15 @@
 #include <QAccessible>
 #include <QGuiApplication>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
 #include <QScreen>
-#include <QStyle>
 #include <QVBoxLayout>
 #include <algorithm>
 
 #include "interface/AlertCascade.h"
+#include "interface/AlertIcon.h"
 #include "interface/AlertText.h"
 #include "interface/ShownText.h"
 
@@ -69,11 +70,7 @@ void AlertWindow::Update(const AlertRequest& request) {
 }
 
 void AlertWindow::ShowRequest(const AlertRequest& request) {
-  const int size = style()->pixelMetric(QStyle::PM_MessageBoxIconSize);
-  const auto picture = request.Kind == AlertKind::Warning ? QStyle::SP_MessageBoxWarning
-                                                          : QStyle::SP_MessageBoxInformation;
-  icon_->setPixmap(
-      style()->standardIcon(picture, nullptr, this).pixmap(QSize(size, size), devicePixelRatioF()));
+  icon_->setPixmap(AlertIcon(request.Kind, *this));
   setWindowTitle(WindowTitle(TitleOf(request).toStdString()));
   text_->setPlainText(ShownText(request.Text));
   setAccessibleName(TitleOf(request));
@@ -91,6 +88,7 @@ void AlertWindow::ShowButtons(const std::vector<std::string>& labels) {
   if (labels == labels_) return;
   labels_ = labels;
   for (QPushButton* button : std::exchange(buttons_, {})) {
+    button->disconnect(this);
     button->setObjectName(QString());
     button->hide();
     button->deleteLater();
@@ -136,6 +134,15 @@ void AlertWindow::Announce() {
   if (!isVisible()) show();
   QAccessibleEvent event(this, QAccessible::Alert);
   QAccessible::updateAccessibility(&event);
+}
+
+void AlertWindow::keyPressEvent(QKeyEvent* event) {
+  // The letter of a button's mnemonic works without Alt too.
+  const bool isPlain = (event->modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier)) == 0;
+  const QKeySequence mnemonic(Qt::ALT | static_cast<Qt::Key>(event->key()));
+  for (QPushButton* button : buttons_)
+    if (isPlain && button->shortcut() == mnemonic) return button->click();
+  QDialog::keyPressEvent(event);
 }
 
 void AlertWindow::reject() { Press(harmlessButton_); }

@@ -36,6 +36,9 @@ class AlertWindow final : public QDialog {
  signals:
   void Pressed(int which);
 
+ protected:
+  void keyPressEvent(QKeyEvent* event) override;
+
  private:
   void BuildFrame();
   void ShowRequest(const AlertRequest& request);

@@ -1,5 +1,6 @@
 #include "interface/ColumnListView.h"
 
+#include <QAccessible>
 #include <QKeyEvent>
 
 #include "interface/ShownLayout.h"
@@ -11,6 +12,9 @@ ColumnListView::ColumnListView(QWidget* parent) : QTreeView(parent), header_(new
   header_->setAccessibleName("Columns");
   header_->setMinimumSectionSize(MinimumColumnWidth);
   setHeader(header_);
+  // A tree takes both from its header.
+  header_->setSectionsClickable(true);
+  header_->setFirstSectionMovable(true);
   BuildList();
 }
 
@@ -70,6 +74,19 @@ std::vector<int> ColumnListView::DisplayOrder() const {
 }
 
 void ColumnListView::ShowColumn(int column, bool shown) { setColumnHidden(column, !shown); }
+
+void ColumnListView::dataChanged(const QModelIndex& first, const QModelIndex& last,
+                                 const QList<int>&) {
+  // A tree looks at each of the rows, for new heights and children; here there are none.
+  viewport()->update();
+  if (!QAccessible::isActive()) return;
+  QAccessibleTableModelChangeEvent event(this, QAccessibleTableModelChangeEvent::DataChanged);
+  event.setFirstRow(first.row());
+  event.setFirstColumn(first.column());
+  event.setLastRow(last.row());
+  event.setLastColumn(last.column());
+  QAccessible::updateAccessibility(&event);
+}
 
 void ColumnListView::keyPressEvent(QKeyEvent* event) {
   switch (event->key()) {

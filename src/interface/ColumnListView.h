@@ -44,6 +44,8 @@ class ColumnListView : public QTreeView {
   virtual void ColumnWidthChanged(int column, int width) = 0;
   virtual void SortingChanged() = 0;
 
+  void dataChanged(const QModelIndex& first, const QModelIndex& last,
+                   const QList<int>& roles) override;
   void keyPressEvent(QKeyEvent* event) override;
   void keyboardSearch(const QString& search) override;
 

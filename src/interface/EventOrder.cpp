@@ -26,8 +26,6 @@ std::vector<int32> RankHandlers() {
   return ranks;
 }
 
-uint64 InOrder(int32 number) { return static_cast<uint32>(number) ^ 0x80000000u; }
-
 }  // namespace
 
 EventOrder::EventOrder() : handlerRanks_(RankHandlers()) {}
@@ -46,26 +44,54 @@ void EventOrder::TakeValues(Row& row) const {
   row.numbers[StatusColumn] = event.GetActive() ? event.GetStatus() : InactiveStatus;
 }
 
-uint64 EventOrder::HeadOf(const Row& row) const {
-  uint64 head = 0;
-  int left = 64;
-  for (const SortKey& key : keys_) {
-    uint64 part = 0;
-    int bits = std::min(left, 32);
-    if (key.column == NameColumn) {
-      for (size_t i = 0; i < static_cast<size_t>(left / 8); ++i)
-        part = part << 8 | (i < row.name.size() ? static_cast<unsigned char>(row.name[i]) : 0u);
-      bits = left;
-    } else {
-      part = InOrder(row.numbers[key.column]);
+/// Fills a head from its highest bit down; what does not fit any more is dropped.
+class EventOrder::HeadPacker {
+ public:
+  bool IsFull() const { return left_ == 0; }
+  /// Nothing that follows may count.
+  void Close() { left_ = 0; }
+  void Add(uint64 value, int bits, bool inverted) {
+    if (inverted) value = ~value & ((uint64{1} << bits) - 1);
+    if (bits > left_) value >>= bits - left_;
+    bits = std::min(bits, left_);
+    left_ -= bits;
+    if (left_ >= 64) {
+      head_.high |= value << (left_ - 64);
+      return;
     }
-    if (key.descending) part = ~part;
-    if (bits < 64) part &= (uint64{1} << bits) - 1;
-    left -= bits;
-    head |= part << left;
-    if (left == 0) break;
+    head_.low |= value << left_;
+    if (left_ + bits > 64) head_.high |= value >> (64 - left_);
   }
-  return head;
+  void AddName(const std::string& name, bool inverted) {
+    for (size_t i = 0; !IsFull(); ++i)
+      Add(i < name.size() ? static_cast<unsigned char>(name[i]) : 0u, 8, inverted);
+  }
+  Head Packed() const { return head_; }
+
+ private:
+  Head head_;
+  int left_ = 128;
+};
+
+EventOrder::Head EventOrder::HeadOf(const Row& row) const {
+  HeadPacker packer;
+  for (const SortKey& key : keys_) {
+    const int32 number = row.numbers[key.column];
+    if (key.column == NameColumn) {
+      packer.AddName(row.name, key.descending);
+    } else if (key.column == HandlerColumn) {
+      packer.Add(static_cast<uint64>(number + 1), 8, key.descending);
+    } else if (key.column == StatusColumn) {
+      // Numbers outside the table share a code on either side of it.
+      packer.Add(static_cast<uint64>(std::clamp(number, -1, InactiveStatus + 1) + 1), 4,
+                 key.descending);
+      if (number < 0 || number > InactiveStatus) packer.Close();
+    } else {
+      packer.Add(static_cast<uint32>(number) ^ 0x80000000u, 32, key.descending);
+    }
+    if (packer.IsFull()) break;
+  }
+  return packer.Packed();
 }
 
 bool EventOrder::Before(const Place& a, const Place& b) const {

@@ -67,15 +67,20 @@ class EventOrder {
     int32 numbers[NumberColumns];  ///< by column; what NameColumn and IconColumn hold is 0
     bool moves = false;
   };
-  /// `head` holds as much of the keys as fits, so that few comparisons have to look at the row.
+  /// As much of the keys as fits, so that few comparisons have to look at the row.
+  struct Head {
+    uint64 high = 0, low = 0;
+    auto operator<=>(const Head&) const = default;
+  };
+  class HeadPacker;
   struct Place {
-    uint64 head;
+    Head head;
     Row* row;
   };
 
   bool Before(const Place& a, const Place& b) const;
   void TakeValues(Row& row) const;
-  uint64 HeadOf(const Row& row) const;
+  Head HeadOf(const Row& row) const;
   Row& NewRow(Event* event);
   int32 Find(const Row& row) const;
   int32 Insert(Row& row);

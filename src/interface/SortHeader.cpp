@@ -11,14 +11,12 @@ namespace kestrin {
 
 namespace {
 
-constexpr int ArrowSize = 9, MarkGap = 3, MarkMargin = 5;
+constexpr int ArrowWidth = 8, ArrowHeight = 4, MarkGap = 4, MarkMargin = 5;
 
 }  // namespace
 
 SortHeader::SortHeader(QWidget* parent) : QHeaderView(Qt::Horizontal, parent) {
-  setSectionsClickable(true);
   setSectionsMovable(true);
-  setFirstSectionMovable(true);
   setHighlightSections(false);
   setStretchLastSection(false);
   setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
@@ -60,7 +58,7 @@ int SortHeader::RankOf(int column) const {
 int SortHeader::MarkWidth(int column) const {
   if (RankOf(column) < 0) return 0;
   const int digit = keys_.size() > 1 ? fontMetrics().horizontalAdvance(u'0') + 1 : 0;
-  return MarkGap + ArrowSize + digit + MarkMargin;
+  return MarkGap + ArrowWidth + digit + MarkMargin;
 }
 
 QSize SortHeader::sectionSizeFromContents(int column) const {
@@ -82,27 +80,31 @@ void SortHeader::paintSection(QPainter* painter, const QRect& rect, int column) 
   const QString text = model()->headerData(column, orientation()).toString();
   label.text = fontMetrics().elidedText(text, textElideMode(), std::max(0, label.rect.width()));
   if (label.rect.width() > 0) style()->drawControl(QStyle::CE_HeaderLabel, &label, painter, this);
-  if (mark > 0 && rect.width() >= mark) PaintMark(painter, option, RankOf(column));
+  if (mark > 0 && rect.width() >= mark) PaintMark(painter, rect, column);
 }
 
-void SortHeader::PaintMark(QPainter* painter, const QStyleOptionHeader& option, int rank) const {
-  const int mark = MarkWidth(keys_[static_cast<size_t>(rank)].column);
-  QStyleOptionHeader arrow = option;
-  arrow.rect = QRect(option.rect.right() - mark + MarkGap, option.rect.center().y() - ArrowSize / 2,
-                     ArrowSize, ArrowSize);
-  // The smallest value stands on top: the arrow points the way the values rise.
-  arrow.sortIndicator = keys_[static_cast<size_t>(rank)].descending ? QStyleOptionHeader::SortUp
-                                                                    : QStyleOptionHeader::SortDown;
-  style()->drawPrimitive(QStyle::PE_IndicatorHeaderArrow, &arrow, painter, this);
-  if (keys_.size() < 2) return;
+void SortHeader::PaintMark(QPainter* painter, const QRect& rect, int column) const {
+  const auto rank = static_cast<size_t>(RankOf(column));
+  const QPointF middle(rect.right() - MarkWidth(column) + MarkGap + ArrowWidth / 2.0,
+                       rect.center().y() + 0.5);
+  // The way the values rise: the smallest stands on top.
+  const qreal tip = keys_[rank].descending ? -ArrowHeight / 2.0 : ArrowHeight / 2.0;
+  const QPolygonF arrow({middle + QPointF(-ArrowWidth / 2.0, -tip),
+                         middle + QPointF(ArrowWidth / 2.0, -tip), middle + QPointF(0, tip)});
   painter->save();
-  QFont small = font();
-  if (small.pointSizeF() > 0) small.setPointSizeF(small.pointSizeF() * 0.8);
-  painter->setFont(small);
-  painter->setPen(palette().color(QPalette::ButtonText));
-  const QRect digit(arrow.rect.right() + 2, option.rect.top(),
-                    option.rect.right() - arrow.rect.right() - 2, option.rect.height());
-  painter->drawText(digit, Qt::AlignLeft | Qt::AlignVCenter, QString::number(rank + 1));
+  painter->setRenderHint(QPainter::Antialiasing);
+  painter->setPen(Qt::NoPen);
+  painter->setBrush(palette().color(QPalette::ButtonText));
+  painter->drawPolygon(arrow);
+  if (keys_.size() > 1) {
+    QFont small = font();
+    small.setPixelSize(fontInfo().pixelSize() * 4 / 5);
+    painter->setFont(small);
+    painter->setPen(palette().color(QPalette::ButtonText));
+    const int left = qRound(middle.x() + ArrowWidth / 2.0) + 1;
+    painter->drawText(QRect(left, rect.top(), rect.right() - left, rect.height()),
+                      Qt::AlignLeft | Qt::AlignVCenter, QString::number(rank + 1));
+  }
   painter->restore();
 }
 

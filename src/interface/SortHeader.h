@@ -36,7 +36,7 @@ class SortHeader final : public QHeaderView {
   void Clicked(int column);
   int RankOf(int column) const;
   int MarkWidth(int column) const;
-  void PaintMark(QPainter* painter, const QStyleOptionHeader& option, int rank) const;
+  void PaintMark(QPainter* painter, const QRect& rect, int column) const;
 
   std::vector<int> sortable_;
   std::vector<SortKey> keys_;

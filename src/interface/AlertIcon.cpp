@@ -1,0 +1,66 @@
+#include "interface/AlertIcon.h"
+
+#include <QIcon>
+#include <QPainter>
+#include <QPainterPath>
+#include <QStyle>
+#include <QWidget>
+
+namespace kestrin {
+
+namespace {
+
+const QColor InformationColour(0x2f, 0x74, 0xc8), WarningColour(0xf2, 0xb2, 0x1c);
+constexpr QRgb WarningMark = 0xff3a2a00;
+
+/// An "i" or "!" of a bar and a dot, in the middle of a picture that is 1 wide.
+void DrawMark(QPainter& painter, const QColor& colour, qreal bar, qreal barEnd, qreal dot) {
+  painter.setPen(QPen(colour, 0.12, Qt::SolidLine, Qt::RoundCap));
+  painter.drawLine(QPointF(0.5, bar), QPointF(0.5, barEnd));
+  painter.drawPoint(QPointF(0.5, dot));
+}
+
+void DrawInformation(QPainter& painter) {
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(InformationColour);
+  painter.drawEllipse(QRectF(0.02, 0.02, 0.96, 0.96));
+  DrawMark(painter, Qt::white, 0.47, 0.74, 0.27);
+}
+
+void DrawWarning(QPainter& painter) {
+  QPainterPath triangle(QPointF(0.5, 0.1));
+  triangle.lineTo(0.93, 0.88);
+  triangle.lineTo(0.07, 0.88);
+  triangle.closeSubpath();
+  // The wide pen of the same colour rounds the corners.
+  painter.setPen(QPen(WarningColour, 0.12, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+  painter.setBrush(WarningColour);
+  painter.drawPath(triangle);
+  DrawMark(painter, QColor::fromRgba(WarningMark), 0.38, 0.58, 0.77);
+}
+
+}  // namespace
+
+QPixmap AlertIcon(AlertKind kind, const QWidget& alert) {
+  const int size = alert.style()->pixelMetric(QStyle::PM_MessageBoxIconSize);
+  const qreal ratio = alert.devicePixelRatioF();
+  const bool isWarning = kind == AlertKind::Warning;
+  if (QIcon::themeName() != QIcon::fallbackThemeName()) {
+    const auto standard =
+        isWarning ? QStyle::SP_MessageBoxWarning : QStyle::SP_MessageBoxInformation;
+    return alert.style()->standardIcon(standard, nullptr, &alert).pixmap(QSize(size, size), ratio);
+  }
+  QPixmap picture(QSize(size, size) * ratio);
+  picture.setDevicePixelRatio(ratio);
+  picture.fill(Qt::transparent);
+  QPainter painter(&picture);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.scale(size, size);
+  if (isWarning)
+    DrawWarning(painter);
+  else
+    DrawInformation(painter);
+  return picture;
+}
+
+}  // namespace kestrin

@@ -1,0 +1,251 @@
+#include <gmock/gmock.h>
+
+#include <QAccessible>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QPointer>
+#include <QPushButton>
+#include <QScreen>
+#include <QScrollBar>
+#include <QTextBlock>
+#include <QTextLayout>
+#include <QTimer>
+#include <QtTest/QTest>
+#include <set>
+
+#include "interface/AlertCascade.h"
+#include "interface/ScreenContext.h"
+
+namespace kestrin {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+std::vector<QWidget*> OpenAlerts() {
+  std::vector<QWidget*> alerts;
+  for (QWidget* widget : QApplication::topLevelWidgets())
+    if (widget->objectName() == "alert" && widget->isVisible()) alerts.push_back(widget);
+  return alerts;
+}
+
+struct AlertWindowTest : testing::Test {
+  ScreenContext context;
+  std::vector<int> answers;
+
+  AlertRequest Request(const std::string& text) {
+    AlertRequest request;
+    request.Title = "Kestrin prewarning";
+    request.Text = text;
+    request.Buttons = {"No more prewarnings", "OK", "Later & never"};
+    request.HarmlessButton = 1;
+    request.DefaultButton = 2;
+    request.Done = [this](int which) { answers.push_back(which); };
+    return request;
+  }
+  QWidget* Open(AlertRequest request) {
+    context.Alerts.Show(std::move(request));
+    context.RunMessages();
+    const std::vector<QWidget*> open = OpenAlerts();
+    return open.empty() ? nullptr : open.back();
+  }
+  QWidget* Open(const std::string& text) { return Open(Request(text)); }
+
+  static QPushButton* Button(QWidget* alert, int which) {
+    return alert->findChild<QPushButton*>(QString("alertButton%1").arg(which));
+  }
+  static QString Text(QWidget* alert) {
+    return alert->findChild<QPlainTextEdit*>("alertText")->toPlainText();
+  }
+};
+
+TEST_F(AlertWindowTest, EachWayOfAnsweringPressesItsButtonOnceAndCloses) {
+  struct Case {
+    const char* name;
+    std::function<void(QWidget*)> act;
+    int answer;
+  };
+  const auto toFocus = [](QWidget* alert, Qt::Key key) {
+    alert->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(alert));
+    QTest::keyClick(alert->focusWidget(), key);
+  };
+  const std::vector<Case> cases = {
+      {"click", [](QWidget* alert) { QTest::mouseClick(Button(alert, 0), Qt::LeftButton); }, 0},
+      {"escape", [&](QWidget* alert) { toFocus(alert, Qt::Key_Escape); }, 1},
+      {"close", [](QWidget* alert) { alert->close(); }, 1},
+      {"return", [&](QWidget* alert) { toFocus(alert, Qt::Key_Return); }, 2},
+      {"return in the text",
+       [&](QWidget* alert) {
+         alert->findChild<QPlainTextEdit*>()->setFocus();
+         toFocus(alert, Qt::Key_Return);
+       },
+       2},
+      {"n", [&](QWidget* alert) { toFocus(alert, Qt::Key_N); }, 0},
+      {"Alt and n",
+       [&](QWidget* alert) {
+         alert->activateWindow();
+         ASSERT_TRUE(QTest::qWaitForWindowActive(alert));
+         QTest::keyClick(alert, Qt::Key_N, Qt::AltModifier);
+         ASSERT_TRUE(QTest::qWaitFor([] { return OpenAlerts().empty(); }));
+       },
+       0},
+  };
+  for (const Case& each : cases) {
+    SCOPED_TRACE(each.name);
+    answers.clear();
+    const QPointer<QWidget> alert = Open("text");
+    ASSERT_TRUE(alert);
+    each.act(alert);
+    EXPECT_THAT(answers, ElementsAre(each.answer));
+    if (alert) alert->close();
+    EXPECT_THAT(answers, SizeIs(1));
+    EXPECT_THAT(OpenAlerts(), IsEmpty());
+  }
+}
+
+TEST_F(AlertWindowTest, ButtonsStandInTheOrderGivenAndAreEquallyWide) {
+  QWidget* alert = Open("text");
+  EXPECT_EQ(Button(alert, 0)->text(), "&No more prewarnings");
+  EXPECT_EQ(Button(alert, 2)->text(), "Later && never");
+  EXPECT_LT(Button(alert, 0)->x(), Button(alert, 1)->x());
+  EXPECT_LT(Button(alert, 1)->x(), Button(alert, 2)->x());
+  EXPECT_EQ(Button(alert, 0)->width(), Button(alert, 1)->width());
+}
+
+TEST_F(AlertWindowTest, AnAlertDoesNotActivateItselfAndRingsTheBellOnce) {
+  QWidget* alert = Open("text");
+  EXPECT_TRUE(alert->testAttribute(Qt::WA_ShowWithoutActivating));
+  EXPECT_TRUE(alert->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+  EXPECT_EQ(context.Bells, 1);
+}
+
+TEST_F(AlertWindowTest, ANagTakesThePlaceOfTheOpenPrewarning) {
+  AlertRequest request = Request("soon");
+  request.Role = AlertRole::Prewarning;
+  request.Event = 5;
+  QWidget* alert = Open(request);
+  alert->move(alert->pos() + QPoint(10, 10));
+  const QPoint place = alert->pos();
+  QPushButton* old = Button(alert, 0);
+  QTest::mousePress(old, Qt::LeftButton);
+  const QPointer<QPushButton> pressed = old;
+
+  request.Role = AlertRole::Nag;
+  request.Title.clear();
+  request.Text = "since\nlong";
+  request.Buttons = {"No more nagging", "OK"};
+  request.DefaultButton = 1;
+  EXPECT_EQ(Open(request), alert);
+  EXPECT_THAT(answers, ElementsAre(1)) << "the earlier one's harmless answer";
+  EXPECT_EQ(alert->windowTitle(), "Kestrin");
+  EXPECT_EQ(Text(alert), "since\nlong");
+  EXPECT_EQ(Button(alert, 0)->text(), "&No more nagging");
+  EXPECT_EQ(Button(alert, 2), nullptr);
+  EXPECT_EQ(alert->pos(), place);
+  EXPECT_EQ(context.Bells, 2);
+  if (pressed) QTest::mouseRelease(pressed, Qt::LeftButton);
+  EXPECT_THAT(answers, SizeIs(1)) << "what was pressed was another button";
+  QTest::mouseClick(Button(alert, 0), Qt::LeftButton);
+  EXPECT_THAT(answers, ElementsAre(1, 0));
+}
+
+TEST_F(AlertWindowTest, FourAndTwentyStandInPlacesOfTheirOwnAndTheRestFollow) {
+  for (int i = 0; i < 30; ++i) context.Alerts.Show(Request(std::string(size_t{1} << i % 12, 'x')));
+  context.RunMessages();
+  const std::vector<QWidget*> open = OpenAlerts();
+  ASSERT_THAT(open, SizeIs(24));
+  const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+  std::set<std::pair<int, int>> places;
+  for (const QWidget* alert : open) {
+    places.emplace(alert->x(), alert->y());
+    EXPECT_TRUE(screen.contains(alert->frameGeometry()));
+  }
+  EXPECT_EQ(places.size(), open.size());
+  while (!OpenAlerts().empty()) {
+    OpenAlerts().front()->close();
+    context.RunMessages();
+  }
+  EXPECT_THAT(answers, SizeIs(30));
+  EXPECT_TRUE(context.Alerts.Empty());
+}
+
+TEST_F(AlertWindowTest, HostileTextsAreShownPlainAndStayOnTheScreen) {
+  std::string lines;
+  for (int i = 0; i < 4000; ++i) lines += '\n';
+  struct Case {
+    const char* name;
+    std::string text;
+    QString shown;
+    bool scrolls;
+  };
+  const std::vector<Case> cases = {
+      {"no blanks", std::string(4095, 'w'), QString(4095, u'w'), true},
+      {"many lines", lines, QString(4000, u'\n'), true},
+      {"markup", "<h1>x</h1><img src=x>&amp;", "<h1>x</h1><img src=x>&amp;", false},
+      {"not UTF-8", "a\xff\xc3", "a\uFFFD\uFFFD", false},
+      {"NUL", std::string("a\0b", 3), "ab", false},
+      {"empty", "", "", false},
+  };
+  const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+  for (const Case& each : cases) {
+    SCOPED_TRACE(each.name);
+    AlertRequest request = Request(each.text);
+    request.Title = each.text.substr(0, 200) + "[*]";
+    QWidget* alert = Open(request);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(Text(alert), each.shown);
+    EXPECT_FALSE(alert->windowTitle().contains('\n'));
+    EXPECT_TRUE(screen.contains(alert->frameGeometry()));
+    auto* text = alert->findChild<QPlainTextEdit*>("alertText");
+    EXPECT_EQ(text->verticalScrollBar()->maximum() > 0, each.scrolls);
+    const QTextLayout* wrapped = text->document()->firstBlock().layout();
+    for (int line = 0; line < wrapped->lineCount(); ++line)
+      ASSERT_LE(wrapped->lineAt(line).naturalTextWidth(), text->viewport()->width());
+    alert->close();
+  }
+}
+
+TEST_F(AlertWindowTest, ScreenReadersMeetAnAlertWithTitleAndText) {
+  QWidget* alert = Open("The event \"x\" will occur today.");
+  QAccessibleInterface* read = QAccessible::queryAccessibleInterface(alert);
+  EXPECT_EQ(read->role(), QAccessible::AlertMessage);
+  EXPECT_EQ(read->text(QAccessible::Name), "Kestrin prewarning");
+  EXPECT_EQ(read->text(QAccessible::Description), "The event \"x\" will occur today.");
+}
+
+TEST_F(AlertWindowTest, AlertsEndWithoutAnAnswerOfTheirWindows) {
+  Open("one");
+  Open("two");
+  EXPECT_THAT(context.Alerts.EndByForce(), SizeIs(2));
+  EXPECT_THAT(OpenAlerts(), IsEmpty());
+  EXPECT_THAT(answers, ElementsAre(1, 1));
+}
+
+TEST(AlertCascadeTest, PlacesDifferAndHoldTheLargestAlertOnAnyScreen) {
+  for (const QRect screen :
+       {QRect(0, 0, 640, 480), QRect(-1920, 40, 1920, 1040), QRect(0, 0, 800, 600),
+        QRect(3000, 0, 1080, 1920), QRect(0, 0, 320, 240), QRect(0, 0, 7680, 4320)}) {
+    std::set<std::pair<int, int>> places;
+    for (int place = 0; place < AlertCascade::Places; ++place) {
+      const QPoint at = AlertCascade::TopLeft(place, screen);
+      places.emplace(at.x(), at.y());
+      EXPECT_TRUE(screen.contains(QRect(at, AlertCascade::LargestAlert(screen)))) << place;
+    }
+    EXPECT_EQ(places.size(), size_t{AlertCascade::Places}) << screen.width();
+  }
+}
+
+TEST_F(AlertWindowTest, AFatalErrorWaitsForItsButton) {
+  QTimer::singleShot(0, [] {
+    ASSERT_THAT(OpenAlerts(), SizeIs(1));
+    EXPECT_EQ(Button(OpenAlerts()[0], 0)->text(), "Quit");
+    QTest::mouseClick(Button(OpenAlerts()[0], 0), Qt::LeftButton);
+  });
+  context.Ui.WaitForFatalError("Kestrin error", "no settings", "Quit");
+  EXPECT_THAT(OpenAlerts(), IsEmpty());
+}
+
+}  // namespace
+}  // namespace kestrin

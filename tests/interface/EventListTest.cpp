@@ -1,0 +1,316 @@
+#include <gmock/gmock.h>
+
+#include <QHeaderView>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QtTest/QTest>
+#include <cmath>
+#include <limits>
+#include <random>
+
+#include "interface/ScreenContext.h"
+
+namespace kestrin {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+struct EventListTest : testing::Test {
+  ScreenContext context;
+  EventSet& set = context.NewSet();
+  EventSetWindow* window = nullptr;
+  ListEventView* list = nullptr;
+
+  EventListTest() {
+    set.Layout().ColumnShown.fill(true);
+    set.Layout().NumberOfKeys = 0;
+  }
+  void Open() {
+    window = &context.OpenWindow(set);
+    list = window->GetEventsView();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window));
+  }
+  Event& Append(const std::string& name, int32 time = 0, int32 status = WaitingForEvent) {
+    return AppendEvent(set, name, time, status);
+  }
+  QString Cell(int row, int column) const {
+    return list->model()->index(row, column).data().toString();
+  }
+  std::vector<std::string> Names() const {
+    std::vector<std::string> names;
+    for (int row = 0; row < list->model()->rowCount(); ++row)
+      names.push_back(Cell(row, NameColumn).toStdString());
+    return names;
+  }
+  QPoint InHeader(int column, int inset = 10) const {
+    return {list->header()->sectionViewportPosition(column) + inset, 8};
+  }
+  void ClickHeader(int column, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+    QTest::mouseClick(list->header()->viewport(), Qt::LeftButton, modifiers, InHeader(column));
+  }
+  /// Keys of the stored layout as text: "1+ 5-".
+  std::string StoredKeys() const {
+    std::string text;
+    for (size_t i = 0; i < static_cast<size_t>(set.Layout().NumberOfKeys); ++i)
+      text += (i ? " " : "") + std::to_string(set.Layout().SortKeys[i]) +
+              (set.Layout().SortModes[i] ? "-" : "+");
+    return text;
+  }
+};
+
+TEST_F(EventListTest, CellsSayWhatTheEventIs) {
+  Append("Tea\n<b>", 1794773322).SetActive(false);
+  EventRecord timed;
+  timed.Name = "\xff";
+  timed.ActualEventTime = 1794773322;
+  timed.ApplyTime = true;
+  timed.Status = 77;
+  set.AppendRead(std::make_unique<Event>(set, timed));
+  Open();
+  EXPECT_EQ(Cell(0, NameColumn), "Tea <b>");
+  EXPECT_EQ(Cell(0, EventTimeColumn), "Sun, Nov 15 2026");
+  EXPECT_EQ(Cell(0, HandlerColumn), "Unknown");
+  EXPECT_EQ(Cell(0, StatusColumn), "Inactive");
+  EXPECT_EQ(Cell(1, NameColumn), "\uFFFD");
+  EXPECT_EQ(Cell(1, EventTimeColumn), "Sun, Nov 15 2026, 08:08:42 PM");
+  EXPECT_EQ(Cell(1, NextTimeColumn), "None");
+  EXPECT_EQ(Cell(1, StatusColumn), "77");
+  KestrinSettings::Time24Hour = true;
+  EXPECT_EQ(Cell(1, EventTimeColumn), "Sun, Nov 15 2026, 20:08:42");
+}
+
+TEST_F(EventListTest, SortsByEachColumnStably) {
+  Append("beta", 30, DoneWithEvent);
+  Append("Alpha", 10, WaitingToNag);
+  Append("alpha", 30, 9);
+  Append("\xc3\xa9t\xc3\xa9", -5, WaitingForEvent);      // été
+  Append("\xc3\x89T\xc3\x89", 20, -3).SetActive(false);  // ÉTÉ
+  set.Layout().ColumnShown[IconColumn] = true;
+  Open();
+  const auto arrival = Names();
+  ClickHeader(IconColumn);
+  EXPECT_EQ(Names(), arrival);
+  EXPECT_EQ(StoredKeys(), "") << "the icon column is no key";
+  ClickHeader(NameColumn);
+  EXPECT_THAT(Names(), ElementsAre("Alpha", "alpha", "beta", "été", "ÉTÉ"));
+  ClickHeader(NameColumn);
+  EXPECT_THAT(Names(), ElementsAre("été", "ÉTÉ", "beta", "Alpha", "alpha"));
+  ClickHeader(EventTimeColumn);
+  EXPECT_THAT(Names(), ElementsAre("été", "Alpha", "ÉTÉ", "beta", "alpha"));
+  ClickHeader(StatusColumn);
+  EXPECT_THAT(Names(), ElementsAre("été", "Alpha", "beta", "ÉTÉ", "alpha"));
+  ClickHeader(HandlerColumn);
+  EXPECT_THAT(Names(), ElementsAre("été", "Alpha", "beta", "ÉTÉ", "alpha"));
+  EXPECT_EQ(StoredKeys(), "4+");
+  EXPECT_FALSE(set.OnlyDeliveriesChanged());
+}
+
+TEST_F(EventListTest, ClicksChooseTheKeysAndShiftAddsThem) {
+  Append("b", 1);
+  Append("a", 1);
+  Append("c", 0);
+  Open();
+  struct Step {
+    int column;
+    Qt::KeyboardModifiers modifiers;
+    const char* keys;
+  };
+  for (const Step& step : std::initializer_list<Step>{
+           {EventTimeColumn, Qt::NoModifier, "2+"},
+           {NameColumn, Qt::ShiftModifier, "2+ 1+"},
+           {EventTimeColumn, Qt::ShiftModifier, "2- 1+"},
+           {NameColumn, Qt::ShiftModifier, "2- 1-"},
+           {StatusColumn, Qt::ShiftModifier, "2- 1- 5+"},
+           {HandlerColumn, Qt::ShiftModifier, "2- 1- 5+ 4+"},
+           {NextTimeColumn, Qt::ShiftModifier, "2- 1- 5+ 4+ 3+"},
+           {NameColumn, Qt::NoModifier, "1+"},
+           {NameColumn, Qt::NoModifier, "1-"},
+           {EventTimeColumn, Qt::ShiftModifier, "1- 2+"},
+       }) {
+    list->horizontalScrollBar()->setValue(list->header()->sectionPosition(step.column));
+    ClickHeader(step.column, step.modifiers);
+    EXPECT_EQ(StoredKeys(), step.keys);
+  }
+  EXPECT_FALSE(set.HasBeenModified());
+}
+
+// The list finds a changed event by what it was sorted by before, and packs keys for speed; the
+// plain comparison of two events has to agree with where everything ends up.
+TEST_F(EventListTest, StaysSortedThroughAnyChanges) {
+  std::mt19937 random(7);
+  const auto any = [&random](int below) { return static_cast<int>(random() % unsigned(below)); };
+  const std::vector<std::string> names = {
+      "", "a", "A", "Ab", "abcdefghijklmnopq", "abcdefghijklmnopz"};
+  const auto someName = [&] { return names[static_cast<size_t>(any(6))]; };
+  for (int i = 0; i < 60; ++i) Append(someName(), any(3) - 1, any(9) - 2);
+  Open();
+  auto& model = *static_cast<EventListModel*>(list->model());
+  const std::vector<std::vector<SortKey>> orders = {{{5, false}, {1, true}, {2, false}},
+                                                    {{1, false}, {5, true}},
+                                                    {{2, true}, {3, false}, {1, false}},
+                                                    {{4, false}, {1, true}, {3, true}},
+                                                    {{1, true}}};
+  for (const auto& keys : orders) {
+    model.SetKeys(keys);
+    for (int round = 0; round < 40; ++round) {
+      for (int changes = any(3) ? any(4) : any(30); changes >= 0; --changes) {
+        Event& event = *set.Events()[static_cast<size_t>(any(set.CountEvents()))];
+        switch (any(4)) {
+          case 0:
+            event.SetName(someName());
+            break;
+          case 1:
+            event.SetActive(any(2) != 0);
+            break;
+          case 2:
+            set.AddEvent(std::make_unique<Event>(set, event.Record()));
+            break;
+          default:
+            if (set.CountEvents() > 20) set.RemoveEvent(&event);
+        }
+      }
+      model.Apply();
+      ASSERT_EQ(model.rowCount(), set.CountEvents());
+      for (int row = 1; row < model.rowCount(); ++row) {
+        int64 order = 0;
+        for (const SortKey& key : keys)
+          if (order == 0)
+            order = Event::Compare(*model.EventAt(row - 1), *model.EventAt(row), key.column) *
+                    (key.descending ? -1 : 1);
+        ASSERT_LE(order, 0) << "row " << row;
+      }
+    }
+  }
+}
+
+TEST_F(EventListTest, TheSelectionStaysWithItsEvent) {
+  for (const char* name : {"d", "b", "c", "a"}) Append(name);
+  Open();
+  Event* chosen = set.Events()[1].get();
+  list->SelectEvent(chosen);
+  ClickHeader(NameColumn);
+  EXPECT_EQ(list->GetSelectedEvent(), chosen);
+  EXPECT_EQ(list->currentIndex().row(), 1);
+  chosen->SetName("z");
+  QCoreApplication::processEvents();
+  EXPECT_EQ(list->GetSelectedEvent(), chosen);
+  EXPECT_EQ(list->currentIndex().row(), 3);
+  set.AddEvent(std::make_unique<Event>(set, EventRecord{}));
+  QCoreApplication::processEvents();
+  EXPECT_EQ(list->GetSelectedEvent(), chosen);
+  set.RemoveEvent(chosen);
+  EXPECT_NE(list->GetSelectedEvent(), chosen);
+}
+
+TEST_F(EventListTest, ABurstOfChangesIsAppliedOnceAndAnEventMayGoMeanwhile) {
+  for (int i = 0; i < 50; ++i) Append("event " + std::to_string(i));
+  Open();
+  ClickHeader(NameColumn);
+  QSignalSpy told(list->model(), &QAbstractItemModel::dataChanged);
+  for (int round = 0; round < 3; ++round)
+    for (const auto& event : set.Events()) event->SetName("x" + event->GetName());
+  Event* added = set.AddEvent(std::make_unique<Event>(set, EventRecord{}));
+  Event* goes = set.Events()[7].get();
+  goes->SetName("zz");
+  EXPECT_EQ(told.size(), 0);
+  const auto gone = set.RemoveEvent(goes);
+  const auto neverShown = set.RemoveEvent(added);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(told.size(), 1);
+  EXPECT_EQ(list->model()->rowCount(), 49);
+  for (const std::string& name : Names()) EXPECT_EQ(name.substr(0, 3), "xxx");
+}
+
+TEST_F(EventListTest, WhatThePersonDoesToTheColumnsIsStoredAndNothingElse) {
+  set.Layout().ColumnWidth = {35, 190, std::nanf(""), 150, 60, 115};
+  Open();
+  list->header()->resizeSection(NameColumn, 5);
+  EXPECT_EQ(set.Layout().ColumnWidth[NameColumn], 20.0f) << "the narrowest";
+  list->header()->resizeSection(StatusColumn, 333);
+  EXPECT_EQ(set.Layout().ColumnWidth[StatusColumn], 333.0f);
+  const SetLayout before = set.Layout();
+
+  list->SetColumnShown(HandlerColumn, false);
+  EXPECT_TRUE(list->isColumnHidden(HandlerColumn));
+  EXPECT_FALSE(set.Layout().ColumnShown[HandlerColumn]);
+  EXPECT_EQ(list->ColumnFlags(HandlerColumn), 3105u);
+  list->SetColumnShown(HandlerColumn, true);
+  EXPECT_EQ(list->ColumnFlags(HandlerColumn), 3073u);
+  EXPECT_EQ(set.Layout().ColumnWidth[HandlerColumn], before.ColumnWidth[HandlerColumn]);
+  EXPECT_TRUE(std::isnan(set.Layout().ColumnWidth[EventTimeColumn]));
+  EXPECT_EQ(set.Layout().ColumnWidth[IconColumn], 35.0f);
+
+  // Drag "Status" before "Name".
+  QWidget* header = list->header()->viewport();
+  window->resize(1200, 400);
+  const QPoint from = InHeader(StatusColumn), to = InHeader(NameColumn, 3);
+  QTest::mousePress(header, Qt::LeftButton, Qt::NoModifier, from);
+  QTest::mouseMove(header, (from + to) / 2);
+  QTest::mouseMove(header, to);
+  QTest::mouseRelease(header, Qt::LeftButton, Qt::NoModifier, to);
+  EXPECT_THAT(set.Layout().ColumnOrder, ElementsAre(0, 5, 1, 2, 3, 4));
+  EXPECT_EQ(StoredKeys(), "") << "a drag is no click";
+  EXPECT_FALSE(set.HasBeenModified());
+}
+
+TEST_F(EventListTest, AnyStoredLayoutIsShownAndKept) {
+  constexpr float Infinite = std::numeric_limits<float>::infinity();
+  SetLayout& layout = set.Layout();
+  layout.ColumnOrder = {7, 5, 5, -1, 1, INT32_MAX};
+  layout.ColumnWidth = {-1, -Infinite, std::nanf(""), Infinite, 1e30f, 3};
+  layout.ColumnShown.fill(false);
+  layout.NumberOfKeys = INT32_MAX;
+  layout.SortKeys = {9, 0, 1, 1, 5};
+  layout.SortModes = {0, 0, 1, 0, 2};
+  layout.ViewMode = -7;
+  layout.WindowFrame = {std::nanf(""), 1e30f, -Infinite, 0};
+  Append("a");
+  Append("b");
+  const SetLayout stored = layout;
+  Open();
+  EXPECT_THAT(list->DisplayOrder(), ElementsAre(5, 1, 0, 2, 3, 4));
+  EXPECT_FALSE(list->isColumnHidden(NameColumn)) << "a list of nothing helps nobody";
+  EXPECT_EQ(list->ColumnFlags(IconColumn), 110u);
+  EXPECT_THAT(Names(), ElementsAre("b", "a"));
+  for (int column = 0; column < NumberOfColumns; ++column) {
+    list->setColumnHidden(column, false);
+    EXPECT_GE(list->columnWidth(column), 20);
+    EXPECT_LE(list->columnWidth(column), 4000);
+  }
+  EXPECT_TRUE(window->screen()->availableGeometry().contains(window->geometry()));
+  EXPECT_EQ(layout.ColumnOrder, stored.ColumnOrder);
+  EXPECT_EQ(layout.SortKeys, stored.SortKeys);
+  EXPECT_EQ(layout.NumberOfKeys, stored.NumberOfKeys);
+  EXPECT_EQ(layout.ColumnWidth[4], 1e30f);
+  EXPECT_EQ(layout.WindowFrame.top, 1e30f);
+}
+
+TEST_F(EventListTest, KeysAndTheMouseInvokeAndDelete) {
+  Append("first");
+  Append("second");
+  Open();
+  std::vector<const Event*> invoked;
+  QObject::connect(list, &ListEventView::EventInvoked,
+                   [&invoked](const Event* event) { invoked.push_back(event); });
+  QSignalSpy deleted(list, &ColumnListView::DeleteRequested);
+  QSignalSpy selected(list, &ListEventView::SelectedEventChanged);
+  EXPECT_EQ(list->GetSelectedEvent(), nullptr);
+  QTest::keyClick(list, Qt::Key_Down);
+  QTest::keyClick(list, Qt::Key_Down);
+  EXPECT_EQ(list->GetSelectedEvent(), set.Events()[1].get());
+  EXPECT_GE(selected.size(), 1);
+  QTest::keyClick(list, Qt::Key_Return);
+  const QPoint row = list->visualRect(list->model()->index(0, NameColumn)).center();
+  QTest::mouseClick(list->viewport(), Qt::LeftButton, Qt::NoModifier, row);
+  QTest::mouseDClick(list->viewport(), Qt::LeftButton, Qt::NoModifier, row);
+  EXPECT_THAT(invoked, ElementsAre(set.Events()[1].get(), set.Events()[0].get()));
+  QTest::keyClick(list, Qt::Key_Backspace);
+  QTest::keyClick(list, Qt::Key_Delete);
+  EXPECT_EQ(deleted.size(), 2);
+  QTest::keyClick(list, 's');
+  EXPECT_EQ(list->GetSelectedEvent(), set.Events()[1].get()) << "typing finds a name";
+}
+
+}  // namespace
+}  // namespace kestrin

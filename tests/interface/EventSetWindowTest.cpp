@@ -1,0 +1,101 @@
+#include <gmock/gmock.h>
+
+#include <QPointer>
+#include <QtTest/QTest>
+
+#include "interface/ScreenContext.h"
+
+namespace kestrin {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::SizeIs;
+
+struct EventSetWindowTest : testing::Test {
+  ScreenContext context;
+
+  static void DeleteClosed() {
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  }
+};
+
+TEST_F(EventSetWindowTest, AWindowHoldsTheApplicationUntilItCloses) {
+  EventSet& set = context.NewSet("/sets/a[*]b.kestrin");
+  QPointer<EventSetWindow> window = &context.OpenWindow(set);
+  EXPECT_EQ(window->windowTitle(), "a[*][*]b.kestrin") << "shown as a[*]b.kestrin";
+  EXPECT_EQ(context.Holding.Count(), 1);
+  KestrinSettings::WhichEventsToDeliver = DeliverShown;
+  window->close();
+  EXPECT_THAT(OpenSets::Sets, IsEmpty()) << "the set goes with its window";
+  EXPECT_EQ(context.Holding.Count(), 0);
+  DeleteClosed();
+  EXPECT_FALSE(window);
+}
+
+TEST_F(EventSetWindowTest, CommandsReachTheWindowAndTheApplication) {
+  EventSet& set = context.NewSet();
+  EventSetWindow& window = context.OpenWindow(set);
+  window.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+  context.RunMessages();
+  QTest::keyClick(&window, Qt::Key_Q, Qt::ControlModifier);
+  QTest::keyClick(&window, Qt::Key_Q, Qt::ControlModifier | Qt::ShiftModifier);
+  EXPECT_THAT(context.RunMessages(),
+              ElementsAre(uint32{QUIT_REQUESTED}, uint32{FULL_QUIT_REQUESTED}));
+  EXPECT_TRUE(window.isVisible());
+  QTest::keyClick(&window, Qt::Key_W, Qt::ControlModifier);
+  EXPECT_FALSE(window.isVisible());
+  EXPECT_THAT(OpenSets::Sets, IsEmpty());
+}
+
+TEST_F(EventSetWindowTest, AModifiedSetIsSavedBeforeItsWindowCloses) {
+  context.Files.PutFolder("/sets");
+  EventSet& set = context.NewSet();
+  ASSERT_TRUE(set.SaveData());
+  set.AddEvent(nullptr)->SetName("kept after all");
+  EventSetWindow& window = context.OpenWindow(set);
+  EXPECT_TRUE(window.RequestClose());
+  EXPECT_NE(context.Files.Bytes("/sets/Home.kestrin")->find("kept after all"), std::string::npos);
+}
+
+TEST_F(EventSetWindowTest, ASetThatGoesTakesItsWindowAlong) {
+  EventSet& set = context.NewSet();
+  for (int i = 0; i < 5; ++i) AppendEvent(set, "x");
+  QPointer<EventSetWindow> window = &context.OpenWindow(set);
+  set.Events()[2]->SetName("changed, and not yet shown");
+  set.GetWindow()->CloseNow();
+  OpenSets::Sets.clear();
+  QCoreApplication::processEvents();
+  DeleteClosed();
+  EXPECT_FALSE(window);
+}
+
+TEST_F(EventSetWindowTest, TheFrameIsStoredWhenThePersonChangesItAndBecomesTheDefault) {
+  EventSet& set = context.NewSet();
+  set.Layout().WindowFrame = {100, 120, 499, 419};
+  EventSetWindow& window = context.OpenWindow(set);
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+  EXPECT_EQ(window.geometry(), QRect(100, 120, 400, 300));
+  window.setGeometry(50, 60, 500, 350);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(set.Layout().WindowFrame, (Rect{50, 60, 549, 409}));
+  EXPECT_FALSE(set.HasBeenModified());
+  set.Layout().NumberOfKeys = 2;
+  window.CloseNow();
+  EXPECT_EQ(KestrinSettings::SetWindowPosition.DefaultFrame(), (Rect{50, 60, 549, 409}));
+  EXPECT_EQ(KestrinSettings::NumberOfKeys, 2);
+}
+
+TEST_F(EventSetWindowTest, DefaultsStayWhenTheyAreNotToBeRemembered) {
+  const Rect before = KestrinSettings::SetWindowPosition.DefaultFrame();
+  KestrinSettings::RememberWindowSetupAsDefault = false;
+  EventSet& set = context.NewSet();
+  set.Layout().NumberOfKeys = 3;
+  context.OpenWindow(set).CloseNow();
+  EXPECT_EQ(KestrinSettings::SetWindowPosition.DefaultFrame(), before);
+  EXPECT_EQ(KestrinSettings::NumberOfKeys, 1);
+}
+
+}  // namespace
+}  // namespace kestrin

@@ -1,0 +1,102 @@
+// Fakes of every port but the screen, which is the real one.
+#pragma once
+
+#include <QApplication>
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "core/AlertDesk.h"
+#include "core/AppState.h"
+#include "core/Context.h"
+#include "core/DocumentApp.h"
+#include "core/Event.h"
+#include "core/EventSet.h"
+#include "core/MessageQueue.h"
+#include "core/Notices.h"
+#include "core/OpenSets.h"
+#include "fakes/FakeClock.h"
+#include "fakes/FakeDesktop.h"
+#include "fakes/FakeEventActions.h"
+#include "fakes/FakeWorkers.h"
+#include "fakes/MemoryFileDoor.h"
+#include "handlers/LoadEventHandlers.h"
+#include "interface/EventSetWindow.h"
+#include "interface/ListEventView.h"
+#include "interface/QtUserInterface.h"
+
+namespace kestrin {
+
+class WindowHolder final : public DocumentApp {
+ public:
+  using DocumentApp::DocumentApp;
+
+ protected:
+  bool CloseWindows() override { return true; }
+  void QuitAbandoned() override {}
+};
+
+struct ScreenContext {
+  ScreenContext() {
+    LoadBuiltInHandlers(Core);
+    Ui.Connect(Core, Application);
+  }
+  ~ScreenContext() {
+    for (QWidget* widget : QApplication::topLevelWidgets())
+      if (auto* window = qobject_cast<EventSetWindow*>(widget)) window->CloseNow();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    OpenSets::Sets.clear();
+    ResetProcessState();
+  }
+  ScreenContext(const ScreenContext&) = delete;
+  ScreenContext& operator=(const ScreenContext&) = delete;
+
+  FakeClock Time;
+  MemoryFileDoor Files;
+  MessageQueue Queue;
+  Holds Holding{Queue};
+  int Bells = 0;
+  QtUserInterface Ui{[this] { ++Bells; }};
+  AlertDesk Alerts{Queue, Ui};
+  Notices Notes{Alerts, Holding, Ui};
+  FakeDesktop Machine;
+  FakeWorkers Threads;
+  FakeEventActions Actions;
+  WindowHolder Application{Holding};
+  Context Core{Time,  Files,   Queue,   Holding, Ui,     Alerts,
+               Notes, Machine, Threads, Actions, Zone(), 1};
+
+  /// What a test posted or a window asked for; alerts open on the way.
+  std::vector<uint32> RunMessages() {
+    std::vector<uint32> others;
+    while (auto message = Queue.Take()) {
+      if (message->what == ALERTS_WAITING)
+        Alerts.OpenWaiting();
+      else
+        others.push_back(message->what);
+    }
+    return others;
+  }
+
+  EventSet& NewSet(const std::string& name = "/sets/Home.kestrin") {
+    auto set = std::make_unique<EventSet>(Core, name);
+    return *OpenSets::Sets.emplace_back(std::move(set));
+  }
+  EventSetWindow& OpenWindow(EventSet& set) {
+    set.OpenWindow();
+    return *dynamic_cast<EventSetWindow*>(set.GetWindow());
+  }
+};
+
+/// An event that is in its set already, made without telling anybody.
+inline Event& AppendEvent(EventSet& set, const std::string& name, int32 time = 0,
+                          int32 status = WaitingForEvent) {
+  EventRecord record;
+  record.Name = name;
+  record.ActualEventTime = record.NextEventTime = time;
+  record.Status = status;
+  set.AppendRead(std::make_unique<Event>(set, std::move(record)));
+  return *set.Events().back();
+}
+
+}  // namespace kestrin
