@@ -27,3 +27,5 @@ install(FILES data/applications/vnd.ZR.Kestrin.desktop
         DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
 install(FILES data/mime/vnd.ZR.Kestrin.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/mime/packages)
 install(DIRECTORY include/kestrin DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(FILES data/icons/vnd.ZR.Kestrin.svg
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
