@@ -39,7 +39,8 @@ class EventSet : public Locker {
  public:
   /// With a path: reads that file; on failure `result` or `versionOK` says so (the user is told of
   /// an unknown version here, of everything else by the caller) and the set is good only to be
-  /// destroyed; `report` has the details. Without: a new, empty, untitled set called `untitledName`.
+  /// destroyed; `report` has the details. Without: a new, empty, untitled set called
+  /// `untitledName`.
   EventSet(Context& context, const std::string& path, ConstructorResult* result, bool* versionOK,
            SetFileReport* report);
   EventSet(Context& context, const std::string& untitledName);
@@ -77,7 +78,8 @@ class EventSet : public Locker {
   /// by others since it was read, the set is written beside it, keeps that new name and the user is
   /// told. A save by the user takes the mark of a downloaded file off.
   bool SaveData(SavedBy by = SavedBy::User);
-  /// Writes a copy elsewhere; name and modified flag stay.
+  /// Writes a copy elsewhere, marked like this set if it was downloaded; name and modified flag
+  /// stay.
   bool SaveCopy(const std::string& path);
 
   bool HasBeenModified() const { return modified_ || deliveryModified_; }
@@ -103,7 +105,7 @@ class EventSet : public Locker {
   bool IsUntitled() const { return untitled_; }
   /// Whether the file came from elsewhere and the user has not saved it yet: commands and files
   /// then always ask first.
-  bool IsDownloaded() const { return downloaded_; }
+  bool IsDownloaded() const { return origin_.has_value(); }
 
   /// The set was read from a recovery copy: it goes by that name, unsaved, and the copy goes when
   /// the set is saved or discarded.
@@ -143,6 +145,7 @@ class EventSet : public Locker {
  private:
   void Read(ConstructorResult* result, bool* versionOK, SetFileReport* report);
   bool WriteTo(const std::string& path);
+  bool Replace(const std::string& path, std::optional<FileStamp>* written);
   std::string NameBeside() const;
   void Insert(std::unique_ptr<Event> event, size_t at);
 
@@ -154,11 +157,13 @@ class EventSet : public Locker {
   std::string fileName_;
   bool untitled_ = false;
   std::optional<FileStamp> stamp_;  ///< the file as it was read or last written
+  /// What a save wrote that then failed: it may have come into place all the same.
+  std::optional<FileStamp> attempted_;
   SetWindow* window_ = nullptr;
   SetLayout layout_;
   std::string recoveredFrom_;
-  DeliveredEvents delivered_;  ///< by the event's handle
-  bool downloaded_ = false;
+  DeliveredEvents delivered_;          ///< by the event's handle
+  std::optional<std::string> origin_;  ///< the mark of a downloaded file
   bool modified_ = false;
   bool deliveryModified_ = false;
   int32 deliveries_ = 0;

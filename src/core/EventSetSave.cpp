@@ -29,7 +29,7 @@ void EventSet::Read(ConstructorResult* result, bool* versionOK, SetFileReport* r
         report->Version + ", and the current version is " + SetFileVersion +
         ".  The set will not be able to be opened until you get a newer version of Kestrin.");
   if (!report->Complaint.empty()) context_.notices.ReportError(report->Complaint);
-  downloaded_ = context_.files.GetAttribute(fileName_, OriginAttribute).has_value();
+  origin_ = context_.files.GetAttribute(fileName_, OriginAttribute);
 }
 
 bool EventSet::WriteTo(const std::string& path) {
@@ -40,9 +40,21 @@ bool EventSet::WriteTo(const std::string& path) {
 }
 
 bool EventSet::SaveCopy(const std::string& path) {
-  return ReplaceFile(context_.files, path, [this](const std::string& temporary) {
-           return WriteTo(temporary);
-         }) == StatusOk;
+  std::optional<FileStamp> written;
+  return Replace(path, &written);
+}
+
+/// `written` tells the new file from all others, also where it came into place but the rest failed.
+bool EventSet::Replace(const std::string& path, std::optional<FileStamp>* written) {
+  FileDoor& files = context_.files;
+  const auto write = [&](const std::string& temporary) {
+    if (!WriteTo(temporary)) return false;
+    *written = files.Stamp(temporary);
+    return true;
+  };
+  if (ReplaceFile(files, path, write) != StatusOk) return false;
+  if (origin_) files.SetAttribute(path, OriginAttribute, *origin_);
+  return true;
 }
 
 /// A name beside the file that says why it is there and that nobody has taken yet.
@@ -67,15 +79,17 @@ std::string EventSet::NameBeside() const {
 bool EventSet::SaveData(SavedBy by) {
   const std::string earlier = fileName_;
   const std::optional<FileStamp> onDisk = context_.files.Stamp(fileName_);
+  if (attempted_ && attempted_ == onDisk) stamp_ = attempted_;
   const bool changedByOthers = stamp_ && onDisk && *stamp_ != *onDisk;
   const std::string target = changedByOthers ? NameBeside() : fileName_;
-  if (!SaveCopy(target)) return false;
+  attempted_.reset();
+  if (!Replace(target, &attempted_)) return false;
   if (by == SavedBy::User) {
     context_.files.RemoveAttribute(target, OriginAttribute);
-    downloaded_ = false;
+    origin_.reset();
   }
   context_.files.SetAttribute(target, TypeAttribute, SetFileType);
-  stamp_ = context_.files.Stamp(target);
+  stamp_ = attempted_ ? attempted_ : context_.files.Stamp(target);
   fileName_ = target;
   modified_ = deliveryModified_ = false;
   delivered_.clear();

@@ -1,0 +1,73 @@
+// Open sets over fakes: files in memory, a table of fake handlers, a clock that jumps.
+#pragma once
+
+#include <gmock/gmock.h>
+
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "core/AppState.h"
+#include "core/EventSet.h"
+#include "core/KestrinSettings.h"
+#include "core/OpenSets.h"
+#include "fakes/FailingFileDoor.h"
+#include "fakes/FakeHandlers.h"
+#include "fakes/MemoryFileDoor.h"
+#include "fakes/TestContext.h"
+
+namespace kestrin {
+
+/// Sunday, 15 November 2026, 0:00 UTC; the fake clock begins at 8:00.
+inline constexpr int32 Sunday = 1794700800;
+inline constexpr int32 Hour = 3600, Day = 86400, Minute = 60;
+
+class SetTestBase : public testing::Test {
+ protected:
+  SetTestBase() {
+    ResetProcessState();
+    LoadFakeHandlers(World.Core);
+    Disk.PutFolder("/sets");
+  }
+  ~SetTestBase() override { ResetProcessState(); }
+
+  /// A set that is open and remembered, in a file that has not been written yet.
+  EventSet& NewSet(const std::string& path = "/sets/Work.kestrin") {
+    OpenSets::Sets.push_back(std::make_unique<EventSet>(World.Core, path));
+    KestrinSettings::RememberSet(path);
+    return *OpenSets::Sets.back();
+  }
+  Event& Add(EventSet& set, EventRecord record) {
+    auto event = std::make_unique<Event>(set, std::move(record));
+    event->AdoptAddOnData(MessageHandler, std::make_unique<FakeHandlerData>(event.get()));
+    return *set.AddEvent(std::move(event));
+  }
+  /// Waits for an occurrence at `time`, every day from there on.
+  static EventRecord DailyAt(int32 time, const std::string& name = "Tea") {
+    EventRecord record;
+    record.Name = name;
+    record.NextEventTime = record.ActualEventTime = time;
+    record.PeriodType = Daily;
+    record.ApplyTime = true;
+    record.TimeToApply = time % Day;
+    return record;
+  }
+  static EventRecord OnceAt(int32 time, const std::string& name = "Tea") {
+    EventRecord record = DailyAt(time, name);
+    record.PeriodType = Once;
+    record.EventTime = time;
+    return record;
+  }
+  /// Saved, and no message waits.
+  void Settle(EventSet& set) {
+    World.RunMessages();
+    World.Messages.clear();
+    ASSERT_TRUE(set.SaveData());
+  }
+
+  MemoryFileDoor Disk;
+  FailingFileDoor Door{Disk};
+  TestContext World{&Door};
+};
+
+}  // namespace kestrin
