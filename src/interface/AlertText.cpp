@@ -59,7 +59,7 @@ void AlertText::ShowText(const QString& text, QSize largest, int lowest) {
   const bool scrolls = taken.height() > largest.height();
   const int bar = scrolls ? style()->pixelMetric(QStyle::PM_ScrollBarExtent) : 0;
   if (scrolls) taken.setWidth(widest);
-  setVerticalScrollBarPolicy(scrolls ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAsNeeded);
+  scrolls_ = scrolls;
 
   const int line = std::max(1, fontMetrics().lineSpacing());
   const int height =
@@ -69,7 +69,21 @@ void AlertText::ShowText(const QString& text, QSize largest, int lowest) {
   // One pixel more than measured: a line that fits exactly must not be wrapped again.
   const int width = static_cast<int>(std::ceil(taken.width())) + 1;
   hint_ = {std::clamp(width, narrowest, widest + 1) + bar, std::max(height, lowest) + 1};
+  ChooseScrollBar();
   updateGeometry();
+}
+
+/// The widget reckons a few pixels more than the text takes: where all of it fits there is no bar.
+void AlertText::ChooseScrollBar() {
+  const bool smaller = height() + 2 < hint_.height() || width() + 2 < hint_.width();
+  setVerticalScrollBarPolicy(scrolls_                 ? Qt::ScrollBarAlwaysOn
+                             : isVisible() && smaller ? Qt::ScrollBarAsNeeded
+                                                      : Qt::ScrollBarAlwaysOff);
+}
+
+void AlertText::resizeEvent(QResizeEvent* event) {
+  QPlainTextEdit::resizeEvent(event);
+  ChooseScrollBar();
 }
 
 QSize AlertText::minimumSizeHint() const {

@@ -18,8 +18,14 @@ class AlertText final : public QPlainTextEdit {
   QSize sizeHint() const override { return hint_; }
   QSize minimumSizeHint() const override;
 
+ protected:
+  void resizeEvent(QResizeEvent* event) override;
+
  private:
+  void ChooseScrollBar();
+
   QSize hint_;
+  bool scrolls_ = false;
 };
 
 }  // namespace kestrin
