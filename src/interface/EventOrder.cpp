@@ -80,11 +80,11 @@ EventOrder::Head EventOrder::HeadOf(const Row& row) const {
     if (key.column == NameColumn) {
       packer.AddName(row.name, key.descending);
     } else if (key.column == HandlerColumn) {
-      packer.Add(static_cast<uint64>(number + 1), 8, key.descending);
+      packer.Add(static_cast<uint32>(number) + 1u, 8, key.descending);
     } else if (key.column == StatusColumn) {
       // Numbers outside the table share a code on either side of it.
-      packer.Add(static_cast<uint64>(std::clamp(number, -1, InactiveStatus + 1) + 1), 4,
-                 key.descending);
+      const int32 known = std::clamp(number, -1, InactiveStatus + 1);
+      packer.Add(static_cast<uint32>(known) + 1u, 4, key.descending);
       if (number < 0 || number > InactiveStatus) packer.Close();
     } else {
       packer.Add(static_cast<uint32>(number) ^ 0x80000000u, 32, key.descending);

@@ -75,7 +75,7 @@ class EventOrder {
   class HeadPacker;
   struct Place {
     Head head;
-    Row* row;
+    Row* row = nullptr;
   };
 
   bool Before(const Place& a, const Place& b) const;

@@ -22,6 +22,8 @@ SortHeader::SortHeader(QWidget* parent) : QHeaderView(Qt::Horizontal, parent) {
   setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
   setTextElideMode(Qt::ElideRight);
   connect(this, &QHeaderView::sectionClicked, this, &SortHeader::Clicked);
+  // The second of two quick clicks comes as this.
+  connect(this, &QHeaderView::sectionDoubleClicked, this, &SortHeader::Clicked);
 }
 
 void SortHeader::SetKeys(std::vector<SortKey> keys) {
@@ -32,6 +34,11 @@ void SortHeader::SetKeys(std::vector<SortKey> keys) {
 void SortHeader::mouseReleaseEvent(QMouseEvent* event) {
   withShift_ = event->modifiers().testFlag(Qt::ShiftModifier);
   QHeaderView::mouseReleaseEvent(event);
+}
+
+void SortHeader::mouseDoubleClickEvent(QMouseEvent* event) {
+  withShift_ = event->modifiers().testFlag(Qt::ShiftModifier);
+  QHeaderView::mouseDoubleClickEvent(event);
 }
 
 void SortHeader::Clicked(int column) {

@@ -29,6 +29,7 @@ class SortHeader final : public QHeaderView {
 
  protected:
   void mouseReleaseEvent(QMouseEvent* event) override;
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
   void paintSection(QPainter* painter, const QRect& rect, int column) const override;
   QSize sectionSizeFromContents(int column) const override;
 

@@ -1,8 +1,10 @@
 #include <gmock/gmock.h>
 
 #include <QHeaderView>
+#include <QHelpEvent>
 #include <QScrollBar>
 #include <QSignalSpy>
+#include <QToolTip>
 #include <QtTest/QTest>
 #include <cmath>
 #include <limits>
@@ -112,9 +114,9 @@ TEST_F(EventListTest, ClicksChooseTheKeysAndShiftAddsThem) {
   Append("c", 0);
   Open();
   struct Step {
-    int column;
+    int column = 0;
     Qt::KeyboardModifiers modifiers;
-    const char* keys;
+    const char* keys = "";
   };
   for (const Step& step : std::initializer_list<Step>{
            {EventTimeColumn, Qt::NoModifier, "2+"},
@@ -132,6 +134,10 @@ TEST_F(EventListTest, ClicksChooseTheKeysAndShiftAddsThem) {
     ClickHeader(step.column, step.modifiers);
     EXPECT_EQ(StoredKeys(), step.keys);
   }
+  ClickHeader(NameColumn);
+  QTest::mouseDClick(list->header()->viewport(), Qt::LeftButton, Qt::NoModifier,
+                     InHeader(NameColumn));
+  EXPECT_EQ(StoredKeys(), "1-") << "two quick clicks are two clicks";
   EXPECT_FALSE(set.HasBeenModified());
 }
 
@@ -284,6 +290,23 @@ TEST_F(EventListTest, AnyStoredLayoutIsShownAndKept) {
   EXPECT_EQ(layout.NumberOfKeys, stored.NumberOfKeys);
   EXPECT_EQ(layout.ColumnWidth[4], 1e30f);
   EXPECT_EQ(layout.WindowFrame.top, 1e30f);
+}
+
+TEST_F(EventListTest, ACutNameShowsWholeAndPlainInAToolTip) {
+  const std::string name = "<img src='x'>" + std::string(90, 'w');
+  Append(name);
+  Append("short");
+  Open();
+  const auto restOn = [this](int row) {
+    const QPoint cell = list->visualRect(list->model()->index(row, NameColumn)).center();
+    QHelpEvent event(QEvent::ToolTip, cell, list->viewport()->mapToGlobal(cell));
+    QCoreApplication::sendEvent(list->viewport(), &event);
+  };
+  restOn(0);
+  EXPECT_TRUE(QToolTip::text().contains("&lt;img\u00a0src='x'&gt;w"))
+      << QToolTip::text().toStdString();
+  restOn(1);
+  EXPECT_TRUE(QTest::qWaitFor([] { return !QToolTip::isVisible(); }));
 }
 
 TEST_F(EventListTest, KeysAndTheMouseInvokeAndDelete) {
