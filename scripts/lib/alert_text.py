@@ -23,8 +23,10 @@ def showing(node):
 
 
 def texts(node):
-    if node.get_role() == Atspi.Role.LABEL and node.get_name():
+    if node.get_role() == Atspi.Role.LABEL:
         yield node.get_name()
+    elif node.get_role() == Atspi.Role.TEXT:
+        yield Atspi.Text.get_text(node, 0, -1)
     for child in children(node):
         yield from texts(child)
 
@@ -44,7 +46,7 @@ def main():
     while time.monotonic() < end:
         try:
             alert = find_alert()
-            lines = list(texts(alert)) if alert else []
+            lines = list(filter(None, texts(alert))) if alert else []
         except GLib.Error:  # the application was still building its windows, or has gone
             lines = []
         if lines:
