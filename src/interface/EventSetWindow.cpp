@@ -10,6 +10,7 @@
 #include "core/DocumentApp.h"
 #include "core/EventSet.h"
 #include "core/MessageCodes.h"
+#include "core/Notices.h"
 #include "interface/EventSetMenus.h"
 #include "interface/Frames.h"
 #include "interface/ListEventView.h"
@@ -59,9 +60,21 @@ void EventSetWindow::Command(uint32 command) {
 
 bool EventSetWindow::RequestClose() {
   if (!set_) return true;
-  if (set_->HasBeenModified() && (set_->IsUntitled() || !set_->SaveData())) return false;
+  if (set_->HasBeenModified() && !SaveBeforeClose()) {
+    application_.CancelQuitProcess();
+    return false;
+  }
   CloseNow();
   return true;
+}
+
+/// A set without a file is safe as long as its recovery copy is there: it opens again.
+bool EventSetWindow::SaveBeforeClose() {
+  if (set_->IsUntitled()) return !set_->RecoveredFrom().empty();
+  if (set_->SaveData()) return true;
+  set_->GetContext().notices.ReportCompoundError(
+      "There was an error attempting to save the event set \"", set_->GetLeaf(), "\".");
+  return false;
 }
 
 void EventSetWindow::CloseNow() {

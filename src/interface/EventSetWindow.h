@@ -40,6 +40,7 @@ class EventSetWindow final : public QMainWindow, public SetWindow {
   void resizeEvent(QResizeEvent* event) override;
 
  private:
+  bool SaveBeforeClose();
   void OpenAtFrame();
   void StoreFrame();
   void RememberAsDefault();
