@@ -52,7 +52,7 @@ struct Parts {
             },
             UnloadEventHandlers,
             Zone::System,
-            [] { QCoreApplication::quit(); }};
+            [] { QCoreApplication::exit(); }};
   }
 
   MessageQueue& queue;
