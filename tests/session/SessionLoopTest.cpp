@@ -40,14 +40,13 @@ TEST(QueueRunner, NoMessageInsideAnother) {
   int depth = 0, deepest = 0, handled = 0;
   const QueueRunner runner(queue, [&](const Message&) {
     deepest = std::max(deepest, ++depth);
-    if (++handled == 1) {
-      queue.Post(Message(1002));
-      QCoreApplication::processEvents();
-    }
+    ++handled;
+    if (handled < 3) queue.Post(Message(1001));
+    QCoreApplication::processEvents();
     --depth;
   });
   queue.Post(Message(1001));
-  ASSERT_TRUE(RunUntil([&] { return handled == 2; }));
+  ASSERT_TRUE(RunUntil([&] { return handled == 3; }));
   EXPECT_EQ(deepest, 1);
 }
 
