@@ -78,7 +78,6 @@ struct Parts {
 std::unique_ptr<QCoreApplication> BuildToolkit(int& argc, char** argv, bool screen) {
   QCoreApplication::setApplicationName("kestrin");
   if (!screen) return std::make_unique<QCoreApplication>(argc, argv);
-  QGuiApplication::setApplicationDisplayName("Kestrin");
   QGuiApplication::setDesktopFileName("vnd.ZR.Kestrin");
   auto toolkit = std::make_unique<QApplication>(argc, argv);
   QGuiApplication::setQuitOnLastWindowClosed(false);
