@@ -235,6 +235,15 @@ bool Peer::HasOwner(const char* name) {
   return owned != 0;
 }
 
+pid_t Peer::ProcessOf(const char* name) {
+  sd_bus_creds* owner = nullptr;
+  pid_t process = 0;
+  if (sd_bus_get_name_creds(bus_, name, SD_BUS_CREDS_PID, &owner) >= 0)
+    sd_bus_creds_get_pid(owner, &process);
+  sd_bus_creds_unref(owner);
+  return process;
+}
+
 bool Peer::WaitForOwner(const char* name, bool owned) {
   return WaitUntil([&] { return HasOwner(name) == owned; });
 }

@@ -50,6 +50,7 @@ class Child {
   Child(const Child&) = delete;
   Child& operator=(const Child&) = delete;
 
+  pid_t Id() const { return pid_; }
   void Signal(int number) const;
   /// Exit status, minus the signal that ended it, or -1000 when patience ends first.
   int Wait();
@@ -74,6 +75,8 @@ class PrivateBus {
   std::map<std::string, std::string> Environment() const;
   void AddService(const std::string& name, const std::string& command) const;
   void End() { daemon_.Signal(15); }
+  /// What the daemon and the programs it started have written to standard error so far.
+  const std::string& Errors() { return daemon_.Errors(); }
 
  private:
   TemporaryFolder folder_;
@@ -100,6 +103,8 @@ class Peer {
   /// Whether the name gets, or loses, its owner within patience.
   bool WaitForOwner(const char* name, bool owned = true);
   bool HasOwner(const char* name);
+  /// The process that owns the name, or 0.
+  pid_t ProcessOf(const char* name);
 
   /// One field for Post: `type` is its bus type (one of i, u, x, b, s).
   struct Field {

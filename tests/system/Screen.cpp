@@ -1,0 +1,146 @@
+#include "Screen.h"
+
+#include <X11/Xatom.h>
+#include <X11/Xlib.h>
+#include <X11/Xutil.h>
+#include <poll.h>
+
+#include <chrono>
+#include <stdexcept>
+
+namespace kestrin {
+
+namespace {
+
+using XWindow = ::Window;
+
+/// A window may go away between two questions about it.
+int PassOver(Display*, XErrorEvent*) { return 0; }
+
+constexpr char Wanted[] = "kestrin";  // of WM_CLASS
+
+}  // namespace
+
+struct Screen::Connection {
+  explicit Connection(const std::string& name) : display(XOpenDisplay(name.c_str())) {
+    if (!display) throw std::runtime_error("the X server does not answer");
+    XSetErrorHandler(PassOver);
+    root = DefaultRootWindow(display);
+  }
+  ~Connection() { XCloseDisplay(display); }
+  Connection(const Connection&) = delete;
+  Connection& operator=(const Connection&) = delete;
+
+  Atom Name(const char* text) { return XInternAtom(display, text, False); }
+
+  std::string Bytes(XWindow window, const char* property) {
+    Atom type = 0;
+    int format = 0;
+    unsigned long count = 0, left = 0;
+    unsigned char* data = nullptr;
+    std::string bytes;
+    if (XGetWindowProperty(display, window, Name(property), 0, 4096, False, AnyPropertyType, &type,
+                           &format, &count, &left, &data) == Success &&
+        data) {
+      // Xlib keeps 32-bit items in longs.
+      const size_t size = format == 32 ? sizeof(long) : static_cast<size_t>(format) / 8;
+      bytes.assign(reinterpret_cast<const char*>(data), count * size);
+      XFree(data);
+    }
+    return bytes;
+  }
+
+  std::vector<XWindow> WindowList(XWindow window, const char* property) {
+    const std::string bytes = Bytes(window, property);
+    std::vector<XWindow> list(bytes.size() / sizeof(XWindow));
+    bytes.copy(reinterpret_cast<char*>(list.data()), list.size() * sizeof(XWindow));
+    return list;
+  }
+
+  void AskManager(XWindow window, const char* what) {
+    XEvent event{};
+    event.xclient.type = ClientMessage;
+    event.xclient.window = window;
+    event.xclient.message_type = Name(what);
+    event.xclient.format = 32;
+    event.xclient.data.l[0] = _NET_WM_SourcePager;
+    event.xclient.data.l[1] = CurrentTime;
+    XSendEvent(display, root, False, SubstructureNotifyMask | SubstructureRedirectMask, &event);
+    XFlush(display);
+  }
+
+  static constexpr long _NET_WM_SourcePager = 2;
+  Display* display;
+  XWindow root = 0;
+};
+
+Screen::Screen()
+    : number_(folder_.path + "/number"),
+      server_({"/bin/sh", "-c",
+               "exec \"$0\" -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp -noreset 3>\"$1\"",
+               XVFB, folder_.path + "/number"},
+              {}) {
+  const std::string number = number_.NextLine();
+  if (number.empty()) throw std::runtime_error("Xvfb did not start");
+  name_ = ":" + number;
+  connection_ = std::make_unique<Connection>(name_);
+  XSelectInput(connection_->display, connection_->root, PropertyChangeMask);
+  manager_ = std::make_unique<Child>(std::vector<std::string>{OPENBOX, "--sm-disable"},
+                                     std::map<std::string, std::string>{{"DISPLAY", name_},
+                                                                        {"HOME", folder_.path},
+                                                                        {"XDG_CONFIG_HOME", ""},
+                                                                        {"XDG_DATA_HOME", ""},
+                                                                        {"XDG_DATA_DIRS", ""}});
+  const auto end = std::chrono::steady_clock::now() + Patience;
+  while (connection_->WindowList(connection_->root, "_NET_SUPPORTING_WM_CHECK").empty()) {
+    if (std::chrono::steady_clock::now() > end) throw std::runtime_error("openbox did not start");
+    pollfd ready{ConnectionNumber(connection_->display), POLLIN, 0};
+    poll(&ready, 1, 100);
+    for (XEvent event; XPending(connection_->display) > 0;)
+      XNextEvent(connection_->display, &event);
+  }
+}
+
+Screen::~Screen() = default;
+
+std::vector<Screen::ShownWindow> Screen::Windows() {
+  Connection& x = *connection_;
+  std::vector<ShownWindow> windows;
+  for (const XWindow window : x.WindowList(x.root, "_NET_CLIENT_LIST")) {
+    XWindowAttributes attributes{};
+    if (!XGetWindowAttributes(x.display, window, &attributes)) continue;
+    const std::string instance = x.Bytes(window, "WM_CLASS");
+    if (attributes.map_state != IsViewable || instance.c_str() != std::string(Wanted)) continue;
+    XWindow child = 0;
+    Place corner;
+    XTranslateCoordinates(x.display, window, x.root, 0, 0, &corner.x, &corner.y, &child);
+    windows.push_back({window, x.Bytes(window, "_NET_WM_NAME"), corner});
+  }
+  return windows;
+}
+
+void Screen::Activate(const ShownWindow& window) {
+  connection_->AskManager(window.id, "_NET_ACTIVE_WINDOW");
+}
+
+bool Screen::IsActive(const ShownWindow& window) {
+  return connection_->WindowList(connection_->root, "_NET_ACTIVE_WINDOW") ==
+         std::vector<XWindow>{window.id};
+}
+
+void Screen::Close(const ShownWindow& window) {
+  connection_->AskManager(window.id, "_NET_CLOSE_WINDOW");
+}
+
+void Screen::Do(std::vector<std::string> action) {
+  action.insert(action.begin(), XDOTOOL);
+  if (Child(action, {{"DISPLAY", name_}}).Wait() != 0) throw std::runtime_error("xdotool failed");
+}
+
+void Screen::Click(Place at) {
+  Do({"mousemove", std::to_string(at.x), std::to_string(at.y), "click", "1"});
+}
+
+void Screen::Press(const std::string& keys) { Do({"key", keys}); }
+
+}  // namespace kestrin

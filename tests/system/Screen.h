@@ -1,0 +1,58 @@
+// A screen of the test's own, with a window manager, and a person's hands in front of it.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "programs/background/PrivateBus.h"
+
+namespace kestrin {
+
+struct Place {
+  int x = 0, y = 0;
+  bool operator==(const Place&) const = default;
+};
+
+/// One for the whole process. Throws when it cannot be started or does not answer.
+class Screen {
+ public:
+  struct ShownWindow {
+    unsigned long id;
+    std::string title;
+    Place corner;  ///< of what is inside the window's frame
+  };
+
+  Screen();
+  ~Screen();
+  Screen(const Screen&) = delete;
+  Screen& operator=(const Screen&) = delete;
+
+  /// What DISPLAY is to say.
+  const std::string& Name() const { return name_; }
+  bool IsPartOf(int process) const { return server_.Id() == process || manager_->Id() == process; }
+
+  /// The application's windows that can be seen, in the order in which they were opened.
+  std::vector<ShownWindow> Windows();
+  /// Asks for the keyboard's focus, as a click on the taskbar does.
+  void Activate(const ShownWindow& window);
+  bool IsActive(const ShownWindow& window);
+  /// Asks the window to close, as its close button does.
+  void Close(const ShownWindow& window);
+  void Click(Place at);
+  /// Keys held together, for example "ctrl+shift+q".
+  void Press(const std::string& keys);
+
+ private:
+  struct Connection;
+  void Do(std::vector<std::string> action);
+
+  TemporaryFolder folder_;
+  LinePipe number_;
+  Child server_;
+  std::string name_;
+  std::unique_ptr<Connection> connection_;
+  std::unique_ptr<Child> manager_;
+};
+
+}  // namespace kestrin
