@@ -1,9 +1,11 @@
 // What a handler add-on implements. An add-on is a shared library that exports, with C linkage:
 //
-//   const char* InitializeAddOn();            the handler's name, valid until unloading; null refuses
-//   kestrin::EventAddOnData* NewAddOnData(    null file: fresh data; else read the payload and set
-//       kestrin::Event*, kestrin::EndianIndependentFile*, bool* ok);      *ok false if that fails
-//   void CleanUpAddOn();                      optional; called once at exit
+//   const char* InitializeAddOn();
+//       The handler's name, valid until unloading; null refuses.
+//   kestrin::EventAddOnData* NewAddOnData(kestrin::Event*, kestrin::EndianIndependentFile*, bool*);
+//       Without a file fresh data; else data read from the payload, the flag false if that fails.
+//   void CleanUpAddOn();
+//       Optional; called once at exit.
 //
 // A payload is a uint32 byte count followed by exactly that many bytes.
 #pragma once

@@ -52,7 +52,7 @@ class SystemOpenFile : public OpenFile {
     return Answer(lseek(descriptor_, offset, whence));
   }
   int64 Size() override {
-    struct stat info;
+    struct stat info = {};
     return fstat(descriptor_, &info) < 0 ? -errno : info.st_size;
   }
   status_t SetSize(int64 size) override {
@@ -151,7 +151,7 @@ status_t CopyExtendedAttributes(const std::string& from, const std::string& to) 
 mode_t CopyOwner(const struct stat& info, const std::string& to) {
   mode_t mode = info.st_mode & 07777;
   if (chown(to.c_str(), info.st_uid, info.st_gid) == 0) return mode;
-  struct stat now;
+  struct stat now = {};
   if (stat(to.c_str(), &now) == 0 && now.st_uid != info.st_uid) mode &= ~mode_t{S_ISUID};
   const uid_t keepOwner = ~uid_t{0};
   if (chown(to.c_str(), keepOwner, info.st_gid) == 0) return mode;
@@ -170,7 +170,7 @@ std::unique_ptr<OpenFile> SystemFileDoor::Open(const std::string& path, uint32 m
     return nullptr;
   }
   auto file = std::make_unique<SystemOpenFile>(descriptor);
-  struct stat info;
+  struct stat info = {};
   if (fstat(descriptor, &info) < 0)
     status = -errno;
   else if (S_ISREG(info.st_mode))
@@ -213,7 +213,7 @@ status_t SystemFileDoor::MakeFolders(const std::string& folder, uint32 permissio
 }
 
 status_t SystemFileDoor::CopyAttributes(const std::string& from, const std::string& to) {
-  struct stat info;
+  struct stat info = {};
   if (stat(from.c_str(), &info) < 0) return -errno;
   const mode_t mode = CopyOwner(info, to);
   const status_t status = CopyExtendedAttributes(from, to);
@@ -246,14 +246,14 @@ status_t SystemFileDoor::RemoveAttribute(const std::string& path, const std::str
 }
 
 FileKind SystemFileDoor::Kind(const std::string& path) {
-  struct stat info;
+  struct stat info = {};
   if (stat(path.c_str(), &info) < 0) return FileKind::Missing;
   if (S_ISREG(info.st_mode)) return FileKind::Regular;
   return S_ISDIR(info.st_mode) ? FileKind::Folder : FileKind::Other;
 }
 
 std::optional<FileStamp> SystemFileDoor::Stamp(const std::string& path) {
-  struct stat info;
+  struct stat info = {};
   if (stat(path.c_str(), &info) < 0) return std::nullopt;
   return FileStamp{info.st_dev, info.st_ino, info.st_size,
                    int64{info.st_mtim.tv_sec} * 1'000'000'000 + info.st_mtim.tv_nsec};

@@ -40,7 +40,7 @@ void JsonWriter::BeforeValue() {
   if (depth_ == 0) return;
   if (!first_) buffer_ += ',';
   buffer_ += '\n';
-  buffer_.append(static_cast<size_t>(2 * depth_), ' ');
+  buffer_.append(2 * static_cast<size_t>(depth_), ' ');
   first_ = false;
 }
 
@@ -55,7 +55,7 @@ void JsonWriter::End(char bracket) {
   --depth_;
   if (!first_) {
     buffer_ += '\n';
-    buffer_.append(static_cast<size_t>(2 * depth_), ' ');
+    buffer_.append(2 * static_cast<size_t>(depth_), ' ');
   }
   buffer_ += bracket;
   first_ = false;
