@@ -48,12 +48,12 @@ bool DeliveryPass::Delivers(EventSet& set) {
 }
 
 /// Ties go to the set that was opened first. Without a screen, what is due and needs one is passed
-/// over when `passOverUndeliverable` says so.
-DeliveryPass::Earliest DeliveryPass::FindEarliest(bool passOverUndeliverable) {
+/// over.
+DeliveryPass::Earliest DeliveryPass::FindEarliest() {
   const AutoLock settings(KestrinSettings::Protect);
   const AutoLock open(OpenSets::Protect);
   Earliest best;
-  const bool mayPassOver = passOverUndeliverable && !context_.ui.HasScreen();
+  const bool mayPassOver = !context_.ui.HasScreen();
   const int64 now = mayPassOver ? context_.clock.Now() : 0;
   const auto mustWait = [&](const Event& event) {
     if (event.GetNextEventTime() > now || context_.actions.CanDeliver(event)) return false;
@@ -89,7 +89,7 @@ void DeliveryPass::HandOn(const Earliest& earliest) {
 void DeliveryPass::SetCounterForNextEvent(bool startup) {
   startup = startup || nextIsStartup_;
   nextIsStartup_ = false;
-  const Earliest earliest = FindEarliest(true);
+  const Earliest earliest = FindEarliest();
   dealing_ = false;
   passStartup_ = false;
   if (!earliest.event || earliest.time > context_.clock.Now()) {
@@ -102,7 +102,7 @@ void DeliveryPass::SetCounterForNextEvent(bool startup) {
   DealWith(earliest);
 }
 
-void DeliveryPass::SendNextTime() { HandOn(FindEarliest(false)); }
+void DeliveryPass::SendNextTime() { HandOn(FindEarliest()); }
 
 void DeliveryPass::PassWithStartupFlag() {
   if (dealing_)
@@ -133,8 +133,11 @@ void DeliveryPass::AlertReply(const Message& message) {
       const AutoLock lock(*first);
       Event* const event = first->FindEvent(handle);
       const bool prewarning = message.what == PREWARN_ALERT_REPLY;
+      const bool nagging = event && event->GetStatus() == WaitingToNag;
+      // An event that has come due is still to be delivered.
+      const bool ahead = event && event->GetActualEventTime() > context_.clock.Now();
       if (event && event->GetActualEventTime() == message.Get<int32>("Occurrence") &&
-          (event->GetStatus() == WaitingToNag) != prewarning) {
+          (prewarning ? !nagging && ahead : nagging)) {
         const EventSet::DeliveryChange byDelivery(*first);
         if (prewarning)
           event->SetSkipPrewarn(true);

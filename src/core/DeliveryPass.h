@@ -21,7 +21,8 @@ class DeliveryPass {
 
   /// One pass: takes the settings and open-sets locks, so no set may be locked.
   void SetCounterForNextEvent(bool startup);
-  /// Deals with nothing: hands the earliest time on, even a past one.
+  /// Deals with nothing: hands the earliest time on, even a past one. What cannot be delivered
+  /// without a screen has another minute.
   void SendNextTime();
 
   /// EVENT_DEALT_WITH, EVENT_SETS_CHANGED, DELIVER_EVENTS and the two alert replies.
@@ -41,7 +42,7 @@ class DeliveryPass {
     EventSet* set = nullptr;
     bool passedOver = false;  ///< something due had to stay due
   };
-  Earliest FindEarliest(bool passOverUndeliverable);
+  Earliest FindEarliest();
   void HandOn(const Earliest& earliest);
   void DealWith(const Earliest& earliest);
   void AlertReply(const Message& message);

@@ -55,8 +55,9 @@ void Event::SetName(std::string_view name) {
 }
 
 void Event::SetActive(bool active) {
+  const bool awakes = active && !record_.Active;
   record_.Active = active;
-  if (active && record_.NextEventTime != 0 && record_.NextEventTime <= Now()) {
+  if (awakes && record_.NextEventTime != 0 && record_.NextEventTime <= Now()) {
     UpdateEventTime();
     return;
   }

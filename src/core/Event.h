@@ -142,6 +142,7 @@ class Event {
   int64 Now() const;
 
   bool IsLate(int64 now) const;
+  void DropPrewarnings(int64 now);
   void PassOverMissed();
   void EventDelivered();
   void PrewarningDelivered(int64 now);

@@ -39,26 +39,31 @@ void Event::PassOverMissed() {
   StepNag(record_.NextEventTime);
 }
 
+/// When the event itself has come, it is what is due.
+void Event::DropPrewarnings(int64 now) {
+  if (record_.Status != WaitingForPrewarning || now < record_.ActualEventTime) return;
+  TakeTimes({record_.ActualEventTime, record_.ActualEventTime, WaitingForEvent});
+  TellTimes();
+}
+
 void Event::DealWithEvent(bool checkMissed) {
   EventSet& owner = owner_;
   EventActions& actions = owner.GetContext().actions;
   const EventSet::DeliveryChange byDelivery(owner);
   const int64 now = Now();
+  const int32 found = record_.Status;
+  DropPrewarnings(now);
   if (record_.Status == WaitingForPrewarning) {
-    if (now < record_.ActualEventTime) {
-      owner.RecordDelivered(*this);
-      owner.Unlock();
-      actions.DeliverPrewarnMessage(*this);
-      EventDelivered();
-      return;
-    }
-    record_.Status = WaitingForEvent;
-    record_.NextEventTime = record_.ActualEventTime;
+    owner.RecordDelivered(*this, found);
+    owner.Unlock();
+    actions.DeliverPrewarnMessage(*this);
+    EventDelivered();
+    return;
   }
   if (record_.Status == WaitingForEvent) {
     const bool late = checkMissed && IsLate(now);
     if (!late || record_.DeliverIfMissed) {
-      owner.RecordDelivered(*this);
+      owner.RecordDelivered(*this, found);
       owner.Unlock();
       actions.DeliverEvent(*this, late);
       owner.Lock();
@@ -70,7 +75,7 @@ void Event::DealWithEvent(bool checkMissed) {
     UpdateEventTime();  // the status does not fit the times: nothing to deliver
   }
   if (record_.Status == WaitingToNag && record_.NextEventTime <= now + 60) {
-    owner.RecordDelivered(*this);
+    owner.RecordDelivered(*this, found);
     owner.Unlock();
     actions.DeliverNagMessage(*this);
     EventDelivered();
@@ -82,10 +87,7 @@ void Event::DealWithEvent(bool checkMissed) {
 void Event::MoveOn() {
   const EventSet::DeliveryChange byDelivery(owner_);
   const int64 now = Now();
-  if (record_.Status == WaitingForPrewarning && now >= record_.ActualEventTime) {
-    record_.Status = WaitingForEvent;
-    record_.NextEventTime = record_.ActualEventTime;
-  }
+  DropPrewarnings(now);
   EventDelivered();
 }
 

@@ -127,10 +127,9 @@ int32 EventSet::GetNextEventTime(Event** event, const std::function<bool(const E
   return *event ? (*event)->GetNextEventTime() : 0;
 }
 
-void EventSet::RecordDelivered(const Event& event) {
-  delivered_.try_emplace(
-      event.GetHandle(),
-      Delivered{event.GetName(), event.GetActualEventTime(), event.GetStatus()});
+void EventSet::RecordDelivered(const Event& event, int32 status) {
+  delivered_.try_emplace(event.GetHandle(),
+                         Delivered{event.GetName(), event.GetActualEventTime(), status});
 }
 
 void EventSet::MoveOnDelivered(const DeliveredEvents& delivered, int64 now) {
@@ -143,7 +142,7 @@ void EventSet::MoveOnDelivered(const DeliveredEvents& delivered, int64 now) {
     const auto known = std::any_of(delivered.begin(), delivered.end(),
                                    [&](const auto& entry) { return entry.second == state; });
     if (!known) continue;
-    RecordDelivered(*event);
+    RecordDelivered(*event, state.status);
     event->MoveOn();
   }
 }

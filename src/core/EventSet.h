@@ -122,7 +122,8 @@ class EventSet : public Locker {
     bool operator==(const Delivered&) const = default;
   };
   using DeliveredEvents = std::unordered_map<uint64, Delivered>;
-  void RecordDelivered(const Event& event);
+  /// `status`: in which the event was found.
+  void RecordDelivered(const Event& event, int32 status);
   const DeliveredEvents& DeliveredUnsaved() const { return delivered_; }
   /// Moves on every event that is due at `now` although `delivered` says it was delivered.
   void MoveOnDelivered(const DeliveredEvents& delivered, int64 now);
