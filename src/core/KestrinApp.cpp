@@ -77,9 +77,7 @@ void KestrinApp::ReadyToRun() {
   if (!DeliverOnly) pass_.PassWithStartupFlag();
   if (!BackgroundOnlyStartup && !DeliverOnly) return;
   if (AnyWindow() || CountRegWindProcHolds() > 0) return;
-  Message quit(QUIT_REQUESTED);
-  quit.Set("IfIdle", true);
-  context_.queue.Post(std::move(quit));
+  QuitWhenIdle();
 }
 
 void KestrinApp::MessageReceived(const Message& message) {
@@ -162,17 +160,14 @@ void KestrinApp::SettingsChanged() {
 /// crash must deliver again rather than never.
 void KestrinApp::SaveDeliveredSets() {
   if (pass_.IsDealing()) return;
+  const AutoLock settings(KestrinSettings::Protect);
   const AutoLock open(OpenSets::Protect);
   for (const auto& set : OpenSets::Sets) {
     const uint64 handle = set->GetHandle();
     if (!set->OnlyDeliveriesChanged() || set->IsUntitled() || context_.alerts.AnyFor(handle) ||
         context_.holds.CountFor(handle) > 0)
       continue;
-    if (set->SaveData(EventSet::SavedBy::Itself))
-      saveReported_.erase(handle);
-    else if (saveReported_.insert(handle).second)
-      context_.notices.ReportCompoundError("Kestrin was unable to save the event set ",
-                                           set->GetFileName(), ".");
+    SaveItself(*set);
   }
 }
 

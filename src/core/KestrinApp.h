@@ -71,6 +71,7 @@ class KestrinApp : public DocumentApp {
   void ReadSelectedSets();
   void OpenRecovered();
   EventSet* LoadSet(const std::string& file);
+  void Show(EventSet& set);
   void OpenFiles(const Message& message);
   void Activate();
   void ReportOpening(ConstructorResult result, const std::string& path);
@@ -85,9 +86,13 @@ class KestrinApp : public DocumentApp {
 
   // Ending.
   void QuitMessage(const Message& message);
+  void QuitWhenIdle();
+  void QuitAgain(bool ifIdle);
   void Quit();
   void ForcedQuit();
   void SaveModifiedSets();
+  bool SaveItself(EventSet& set);
+  void ReportUnsaved(const EventSet& set);
   void SaveRecoveryCopies();
   void CommitAllEdits();
   void End();
@@ -103,7 +108,8 @@ class KestrinApp : public DocumentApp {
   DeliveryPass pass_;
   RecoveryFolder recovery_;
   std::vector<std::optional<Message>> recorded_;  ///< shown again, not yet answered
-  std::set<uint64> saveReported_;                 ///< sets whose automatic saving has failed
+  bool recordShown_ = false;       ///< else the record is as an earlier process left it
+  std::set<uint64> saveReported_;  ///< sets whose automatic saving has failed
   int32 nextUntitled_ = 1;
   bool running_ = false;
   bool ending_ = false;

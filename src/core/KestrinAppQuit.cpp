@@ -16,7 +16,16 @@ void KestrinApp::QuitAbandoned() { FullQuitProcess = QuitProcess = false; }
 
 void KestrinApp::FullQuit() {
   FullQuitProcess = true;
-  context_.queue.Post(QUIT_REQUESTED);
+  QuitAgain(false);
+}
+
+/// Puts a quit that has begun at the queue's end.
+void KestrinApp::QuitAgain(bool ifIdle) {
+  BeginQuit();
+  Message again(QUIT_REQUESTED);
+  again.Set("IfIdle", ifIdle);
+  again.Set("Again", true);
+  context_.queue.Post(std::move(again));
 }
 
 bool KestrinApp::SomethingWaits() const {
@@ -28,17 +37,19 @@ bool KestrinApp::SomethingWaits() const {
   return pass_.IsDealing();
 }
 
-/// "IfIdle": the last hold was given back, nobody asked. "Again": it was put off once.
+void KestrinApp::QuitWhenIdle() {
+  Message quit(QUIT_REQUESTED);
+  quit.Set("IfIdle", true);
+  context_.queue.Post(std::move(quit));
+}
+
+/// "IfIdle": the last hold was given back, nobody asked. "Again": it has begun before.
 void KestrinApp::QuitMessage(const Message& message) {
   const bool ifIdle = message.Get<bool>("IfIdle").value_or(false);
-  if (ifIdle && CountRegWindProcHolds() > 0) return;
-  if (message.Has("Again") && !IsQuitInProgress()) return;  // a window has opened since
+  if (ifIdle && (!running_ || CountRegWindProcHolds() > 0)) return;  // ReadyToRun asks by itself
+  if (message.Has("Again") && !IsQuitInProgress()) return;           // a window has opened since
   if (SomethingWaits()) {
-    BeginQuit();
-    Message again(QUIT_REQUESTED);
-    again.Set("IfIdle", ifIdle);
-    again.Set("Again", true);
-    context_.queue.Post(std::move(again));
+    QuitAgain(ifIdle);
     return;
   }
   QuitProcess = true;
@@ -66,17 +77,34 @@ void KestrinApp::CommitAllEdits() {
 }
 
 void KestrinApp::SaveModifiedSets() {
+  const AutoLock settings(KestrinSettings::Protect);
   const AutoLock open(OpenSets::Protect);
   for (const auto& set : OpenSets::Sets) {
-    if (!set->HasBeenModified()) continue;
-    const bool saved =
-        set->IsUntitled() ? recovery_.SaveCopy(*set) : set->SaveData(EventSet::SavedBy::Itself);
-    // Told once: the quit that follows when the alert is closed goes on.
-    if (saved || !saveReported_.insert(set->GetHandle()).second) continue;
-    context_.notices.ReportCompoundError("Kestrin was unable to save the event set ",
-                                         set->GetFileName(), ".");
-    if (!set->IsUntitled()) recovery_.SaveCopy(*set);
+    const bool titled = !set->IsUntitled();
+    if (!set->HasBeenModified() || (titled && SaveItself(*set))) {
+      if (titled) recovery_.Forget(*set);
+      continue;
+    }
+    // What only deliveries have changed is delivered again.
+    if (titled && set->OnlyDeliveriesChanged()) continue;
+    if (!recovery_.SaveCopy(*set) && !titled) ReportUnsaved(*set);
   }
+}
+
+bool KestrinApp::SaveItself(EventSet& set) {
+  if (!set.SaveData(EventSet::SavedBy::Itself)) {
+    ReportUnsaved(set);
+    return false;
+  }
+  saveReported_.erase(set.GetHandle());
+  return true;
+}
+
+/// Once: the quit that follows when the alert is closed goes on.
+void KestrinApp::ReportUnsaved(const EventSet& set) {
+  if (!saveReported_.insert(set.GetHandle()).second) return;
+  context_.notices.ReportCompoundError("Kestrin was unable to save the event set ",
+                                       set.GetFileName(), ".");
 }
 
 /// Before an overrun stops the program: everything modified, whatever the state it is in.
@@ -95,18 +123,21 @@ void KestrinApp::Quit() {
     const AutoLock settings(KestrinSettings::Protect);
     WriteSettings(parts_.settings, context_.notices);
   }
-  const bool told = context_.alerts.Empty();  // a failed save is still to be read
-  if (!told || !parts_.bus.Leave()) {
-    CancelQuitProcess();
+  if (!context_.alerts.Empty())
+    return;  // a failed save is to be read first; its hold ends in a quit
+  if (parts_.bus.Leave()) {
+    End();
     return;
   }
-  End();
+  CancelQuitProcess();
+  QuitWhenIdle();
 }
 
 void KestrinApp::ForcedQuit() {
   ending_ = true;
   CommitAllEdits();
   std::vector<Message> records;
+  if (!recordShown_) records = recovery_.RecordedAlerts();
   for (const AlertRequest& request : context_.alerts.EndByForce())
     records.push_back(RecordAlert(request));
   recovery_.RecordAlerts(records);

@@ -39,12 +39,12 @@ void KestrinApp::ReportOpening(ConstructorResult result, const std::string& path
 void KestrinApp::OpenSet(const std::string& path, bool openWindow) {
   if (path.empty()) {
     OpenSets::Sets.push_back(std::make_unique<EventSet>(context_, GetNextUntitledWindowName()));
-    if (openWindow) OpenSets::Sets.back()->OpenWindow();
+    if (openWindow) Show(*OpenSets::Sets.back());
     return;
   }
   const std::string file = context_.files.Canonical(path);
   if (EventSet* const open = OpenSets::FindFile(file)) {
-    if (openWindow) open->OpenWindow();
+    if (openWindow) Show(*open);
     return;
   }
   EventSet* const set = LoadSet(file);
@@ -52,6 +52,12 @@ void KestrinApp::OpenSet(const std::string& path, bool openWindow) {
   if (openWindow) set->OpenWindow();
   // What was due when the set was opened meets the rule for missed events.
   if (running_) context_.queue.Post(SETS_OPENED);
+}
+
+/// A set may deliver because it is shown: a new window is like an opened set.
+void KestrinApp::Show(EventSet& set) {
+  if (!set.GetWindow() && running_) context_.queue.Post(SETS_OPENED);
+  set.OpenWindow();
 }
 
 EventSet* KestrinApp::LoadSet(const std::string& file) {
@@ -103,16 +109,16 @@ void KestrinApp::OpenRecovered() {
     EventSet* const set = LoadSet(path);
     if (!set) continue;
     set->BecomeRecovered(GetNextUntitledWindowName());
-    set->OpenWindow();
+    Show(*set);
   }
 }
 
 void KestrinApp::OpenUserInterface() {
   const int32 handling = KestrinSettings::SelectedSetHandling;
-  OpenRecovered();
   if (handling < ShowNever && (handling == ShowAlways || !AnyWindow()))
     for (const std::string& name : KestrinSettings::SetFileNames)
-      if (EventSet* const set = OpenSets::FindFile(name)) set->OpenWindow();
+      if (EventSet* const set = OpenSets::FindFile(name)) Show(*set);
+  OpenRecovered();
   if (!AnyWindow()) OpenSet("", true);
 }
 
@@ -152,11 +158,12 @@ void KestrinApp::RevertToSavedIfRemembered(const std::string& path) {
       }
     }
   }
-  pass_.SetCounterForNextEvent(false);
+  pass_.PassWithStartupFlag();
 }
 
 void KestrinApp::ShowRecordedAlerts() {
   if (!context_.ui.HasScreen()) return;
+  recordShown_ = true;
   for (Message& record : recovery_.RecordedAlerts()) recorded_.emplace_back(std::move(record));
   for (size_t place = 0; place < recorded_.size(); ++place) ShowRecorded(place);
 }
@@ -170,7 +177,9 @@ void KestrinApp::ShowRecorded(size_t place) {
     return;
   }
   if (request->Role == AlertRole::Question && event) {
-    context_.actions.DeliverEvent(*event, true);  // asks again
+    // Asks again; when it occurred is only known while it stands at that occurrence.
+    const bool same = event->GetActualEventTime() == request->Occurrence;
+    context_.actions.DeliverEvent(*event, same);
     RecordedAlertDone(place);
     return;
   }

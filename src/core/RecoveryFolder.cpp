@@ -17,13 +17,26 @@ RecoveryFolder::RecoveryFolder(FileDoor& files, std::string stateFolder)
 bool RecoveryFolder::SaveCopy(EventSet& set) {
   if (!set.RecoveredFrom().empty()) return set.SaveCopy(set.RecoveredFrom());
   if (files_.MakeFolders(copies_) != StatusOk) return false;
+  std::string& path = made_[set.GetHandle()];
+  if (path.empty()) path = NewName(set);
+  return set.SaveCopy(path);
+}
+
+std::string RecoveryFolder::NewName(const EventSet& set) const {
   std::string stem = set.GetLeaf();
   const std::string suffix = SetFileSuffix;
   if (stem.ends_with(suffix)) stem.resize(stem.size() - suffix.size());
   std::string path = copies_ + "/" + stem + suffix;
   for (int number = 2; files_.Kind(path) != FileKind::Missing; ++number)
     path = copies_ + "/" + stem + ", " + std::to_string(number) + suffix;
-  return set.SaveCopy(path);
+  return path;
+}
+
+void RecoveryFolder::Forget(const EventSet& set) {
+  const auto made = made_.find(set.GetHandle());
+  if (made == made_.end()) return;
+  files_.Remove(made->second);
+  made_.erase(made);
 }
 
 std::vector<std::string> RecoveryFolder::Copies() const {

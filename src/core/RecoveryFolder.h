@@ -1,6 +1,7 @@
 // What outlives a forced end: copies of sets that have no file, and the alerts that stood open.
 #pragma once
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -16,8 +17,10 @@ class RecoveryFolder {
  public:
   RecoveryFolder(FileDoor& files, std::string stateFolder);
 
-  /// Writes the set there: over the copy it was read from, or under a name of its own.
+  /// Writes the set there: over the copy it was read from or has there, or under a new name.
   bool SaveCopy(EventSet& set);
+  /// Removes the copy that SaveCopy made of the set, if it did: the set is in its file now.
+  void Forget(const EventSet& set);
   /// Full paths, sorted.
   std::vector<std::string> Copies() const;
 
@@ -26,9 +29,12 @@ class RecoveryFolder {
   std::vector<Message> RecordedAlerts() const;
 
  private:
+  std::string NewName(const EventSet& set) const;
+
   FileDoor& files_;
   std::string copies_;
   std::string alerts_;
+  std::map<uint64, std::string> made_;  ///< by the set's handle
 };
 
 }  // namespace kestrin
