@@ -100,4 +100,26 @@ post 0x53657445 "{'When': <int32 $(($(date +%s) + 86400))>}"
 sleep 1
 value rss-after-wake-ups "$(status VmRSS)" kB $max_rss
 value rss-after-wake-ups-exact "$(exact_rss)" kB
+
+# The nearest peer: remind, waiting in the foreground for one timed reminder of the same day, looks
+# at its file once a minute. What it does at the moment itself is another job and is not compared.
+if command -v remind >/dev/null; then
+  echo "REM AT 23:59 +0 MSG something" > "$work/peer.rem"
+  remind -f -z1 "$work/peer.rem" > "$work/peer" 2>&1 &
+  peer=$!
+  pids="$pids $peer"
+  sleep 1
+  if ! kill -0 "$peer" 2>/dev/null; then
+    echo "remind ended at once:" >&2
+    cat "$work/peer" >&2
+    exit 1
+  fi
+  deliverer=$peer
+  value remind-rss-waiting "$(status VmRSS)" kB
+  before=$(status voluntary_ctxt_switches)
+  sleep "$idle"
+  value "remind-context-switches-in-${idle}s" "$(($(status voluntary_ctxt_switches) - before))" times
+else
+  echo "remind is not installed: not compared"
+fi
 exit $failed

@@ -1,0 +1,72 @@
+// Processor time of reading a set and of reckoning every event's next time anew.
+//
+//   next-bench FILE [RUNS]
+//
+// Prints, as nanoseconds per event and the best of the runs: read, compute, total.
+#include <time.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <limits>
+
+#include "core/AppState.h"
+#include "core/EventSet.h"
+#include "core/EventSetFile.h"
+#include "core/VirtualEngine.h"
+#include "handlers/LoadEventHandlers.h"
+
+namespace kestrin {
+namespace {
+
+double ProcessorNanoseconds() {
+  timespec now{};
+  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
+  return static_cast<double>(now.tv_sec) * 1e9 + static_cast<double>(now.tv_nsec);
+}
+
+struct Figures {
+  double read = std::numeric_limits<double>::max();
+  double compute = read;
+  double total = read;
+};
+
+bool RunOnce(const char* path, Figures& best) {
+  VirtualEngine engine;
+  engine.clock.Time = SystemClock().Now();
+  LoadBuiltInHandlers(engine.context);
+  ConstructorResult result = ConstructorResult::Success;
+  bool versionOK = true;
+  SetFileReport report;
+  const double begun = ProcessorNanoseconds();
+  const EventSet set(engine.context, path, &result, &versionOK, &report);
+  const double read = ProcessorNanoseconds();
+  for (const auto& event : set.Events()) event->UpdateEventTime();
+  const double computed = ProcessorNanoseconds();
+  if (result != ConstructorResult::Success || !versionOK || set.CountEvents() == 0) return false;
+  const double events = set.CountEvents();
+  best.read = std::min(best.read, (read - begun) / events);
+  best.compute = std::min(best.compute, (computed - read) / events);
+  best.total = std::min(best.total, (computed - begun) / events);
+  return true;
+}
+
+}  // namespace
+}  // namespace kestrin
+
+int main(int argc, char** argv) {
+  if (argc < 2 || argc > 3) {
+    std::fputs("usage: next-bench FILE [RUNS]\n", stderr);
+    return 1;
+  }
+  kestrin::Figures best;
+  for (int runs = argc > 2 ? std::atoi(argv[2]) : 7; runs > 0; --runs) {
+    if (!kestrin::RunOnce(argv[1], best)) {
+      std::fprintf(stderr, "next-bench: %s: no events can be read\n", argv[1]);
+      return 2;
+    }
+    kestrin::ResetProcessState();
+  }
+  std::printf("%.0f %.0f %.0f\n", best.read, best.compute, best.total);
+  return 0;
+}
