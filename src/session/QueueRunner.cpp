@@ -40,18 +40,17 @@ QueueRunner::~QueueRunner() {
 
 bool QueueRunner::event(QEvent* event) {
   if (event->type() != WakeUpEvent && event->type() != QEvent::Timer) return QObject::event(event);
-  if (!handling_) Turn();
+  Turn();
   return true;
 }
 
 void QueueRunner::Turn() {
-  handling_ = true;
   if (const std::optional<Message> message = queue_.Take()) handler_(*message);
-  handling_ = false;
   GoOnOrRest();
 }
 
-// A posted event would be handled in this same turn; a timer waits for the next.
+// A posted event would be handled in this same turn; a timer waits for the next, and is not called
+// again from within what it calls.
 void QueueRunner::GoOnOrRest() {
   const std::lock_guard lock(wakeUp_->guard);
   wakeUp_->awake = !queue_.Empty();

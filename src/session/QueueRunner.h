@@ -32,7 +32,6 @@ class QueueRunner final : public QObject {
   Handler handler_;
   std::shared_ptr<WakeUp> wakeUp_;  // shared with threads that are posting
   QBasicTimer nextTurn_;
-  bool handling_ = false;
 };
 
 }  // namespace kestrin

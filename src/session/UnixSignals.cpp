@@ -52,8 +52,14 @@ UnixSignals::UnixSignals(MessageQueue& queue)
   arrivals = descriptor_;
   notifier_ = std::make_unique<QSocketNotifier>(descriptor_, QSocketNotifier::Read);
   QObject::connect(notifier_.get(), &QSocketNotifier::activated, [this] { Arrived(); });
-  for (const int signal : EndingSignals)
+  sigset_t ending;
+  sigemptyset(&ending);
+  for (const int signal : EndingSignals) {
+    sigaddset(&ending, signal);
     if (signal == SIGTERM || !IsIgnored(signal)) Handle(signal, KestrinSignalArrived);
+  }
+  // Whoever started the process may have left them blocked.
+  pthread_sigmask(SIG_UNBLOCK, &ending, nullptr);
 }
 
 UnixSignals::~UnixSignals() {

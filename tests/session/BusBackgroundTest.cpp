@@ -72,6 +72,8 @@ TEST_F(BusBackgroundTest, AFileStartedByPathIsKnownByNameAfterwards) {
   background_.RegisterFile(program);
   EXPECT_EQ(ActivationProgram(BackgroundBusName), program);
   EXPECT_EQ(ActivationProgram(ApplicationBusName), program.parent_path() / "kestrin");
+  const QStringList known = CallBus("ListActivatableNames").arguments().value(0).toStringList();
+  EXPECT_TRUE(known.contains(BackgroundBusName) && known.contains(ApplicationBusName));
 
   EndDeliverer();
   EXPECT_EQ(background_.Launch(&next_), LaunchResult::Started);

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QSocketNotifier>
 #include <QtCore/QTimer>
 #include <thread>
 
@@ -67,19 +68,37 @@ TEST(QueueRunner, NothingIsLostBetweenThreads) {
   EXPECT_FALSE(queue.Empty());
 }
 
+// Returns when the loop has looked at every file that is readable now.
+void LookAtFiles() {
+  int pipes[2];
+  ASSERT_EQ(pipe(pipes), 0);
+  ASSERT_EQ(write(pipes[1], "x", 1), 1);
+  bool looked = false;
+  QSocketNotifier notifier(pipes[0], QSocketNotifier::Read);
+  QObject::connect(&notifier, &QSocketNotifier::activated, [&looked] { looked = true; });
+  EXPECT_TRUE(RunUntil([&looked] { return looked; }));
+  close(pipes[0]);
+  close(pipes[1]);
+}
+
 TEST(UnixSignals, TheFirstOneForcesTheQuitAndTheOthersDoNothing) {
   MessageQueue queue;
   signal(SIGHUP, SIG_IGN);  // as under nohup
+  signal(SIGINT, SIG_DFL);
+  sigset_t blocked;
+  sigemptyset(&blocked);
+  sigaddset(&blocked, SIGTERM);
+  pthread_sigmask(SIG_BLOCK, &blocked, nullptr);
   {
     const UnixSignals guard(queue);
     raise(SIGHUP);
-    QCoreApplication::processEvents();
+    LookAtFiles();
     EXPECT_TRUE(queue.Empty());
-    for (const int number : {SIGINT, SIGTERM, SIGTERM}) {
+    for (const int number : {SIGTERM, SIGINT, SIGTERM}) {
       raise(number);
-      QCoreApplication::processEvents();
+      LookAtFiles();
+      EXPECT_FALSE(queue.Empty());
     }
-    ASSERT_TRUE(RunUntil([&] { return !queue.Empty(); }));
     EXPECT_EQ(queue.Take(), Message(FORCED_QUIT));
     EXPECT_TRUE(queue.Empty());
 
