@@ -112,26 +112,6 @@ TEST_F(EventSetSaveTest, AFileThatOthersHaveChangedIsLeftAlone) {
   }
 }
 
-TEST_F(EventSetSaveTest, TwoConflictsInOneSecondGetTwoNames) {
-  Disk.Put(Beside, "earlier");
-  EventSet& set = SavedSet();
-  Disk.Put(Path, "theirs");
-  ASSERT_TRUE(set.SaveData());
-  EXPECT_EQ(set.GetFileName(), "/sets/Work (kept apart 2026-11-15 08.00.00, 2).kestrin");
-  EXPECT_EQ(Disk.Bytes(Beside), "earlier");
-}
-
-TEST_F(EventSetSaveTest, AMissingFileIsWrittenAnewAndANewNameKnowsNoConflict) {
-  EventSet& set = SavedSet();
-  Disk.Remove(Path);
-  ASSERT_TRUE(set.SaveData());
-  EXPECT_EQ(NameIn(Path), "Tea");
-  Disk.Put("/sets/Other.kestrin", "to be replaced, as the user said");
-  set.SetFileName("/sets/Other.kestrin");
-  ASSERT_TRUE(set.SaveData());
-  EXPECT_EQ(NameIn("/sets/Other.kestrin"), "Tea");
-}
-
 TEST_F(EventSetSaveTest, ADownloadedSetStaysMarkedUntilTheUserSavesIt) {
   SavedSet();
   OpenSets::Sets.clear();

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/AlertDesk.h"
+#include "core/DocumentApp.h"
 #include "core/UserInterface.h"
 #include "fakes/FakeWindows.h"
 
@@ -28,6 +29,7 @@ class FakeUserInterface final : public UserInterface {
 
   bool Screen = true;
   AlertDesk* Desk = nullptr;          ///< gets the answers
+  DocumentApp* App = nullptr;         ///< set windows register there; may be null
   std::vector<Alert> Alerts;          ///< stand open, in the order of opening
   std::vector<AlertRequest> History;  ///< all that were ever opened or brought up to date
   std::vector<FakeSetWindow*> SetWindows;
@@ -54,8 +56,11 @@ class FakeUserInterface final : public UserInterface {
   bool HasScreen() const override { return Screen; }
   SetWindow* OpenSetWindow(EventSet& set) override {
     if (!Screen) return nullptr;
-    return SetWindows.emplace_back(
-        new FakeSetWindow(set, [this](auto* window) { std::erase(SetWindows, window); }));
+    if (App) App->RegisterWindow();
+    return SetWindows.emplace_back(new FakeSetWindow(set, [this](auto* window) {
+      std::erase(SetWindows, window);
+      if (App) App->UnregisterWindow();
+    }));
   }
   EditorWindow* OpenEventWindow(Event& event) override {
     if (!Screen) return nullptr;

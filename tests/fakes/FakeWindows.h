@@ -16,8 +16,8 @@ class FakeSetWindow final : public SetWindow {
   FakeSetWindow(EventSet& set, std::function<void(FakeSetWindow*)> gone)
       : set_(&set), gone_(std::move(gone)) {}
   ~FakeSetWindow() override {
-    gone_(this);
     if (set_) set_->WindowClosed();
+    gone_(this);
   }
 
   bool RefuseToClose = false;

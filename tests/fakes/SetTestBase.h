@@ -22,6 +22,17 @@ namespace kestrin {
 inline constexpr int32 Sunday = 1794700800;
 inline constexpr int32 Hour = 3600, Day = 86400, Minute = 60;
 
+/// Waits for an occurrence at `time`, every day from there on.
+inline EventRecord DailyAt(int32 time, const std::string& name = "Tea") {
+  EventRecord record;
+  record.Name = name;
+  record.NextEventTime = record.ActualEventTime = record.EventTime = time;
+  record.PeriodType = Daily;
+  record.ApplyTime = true;
+  record.TimeToApply = time % Day;
+  return record;
+}
+
 class SetTestBase : public testing::Test {
  protected:
   SetTestBase() {
@@ -42,20 +53,9 @@ class SetTestBase : public testing::Test {
     event->AdoptAddOnData(MessageHandler, std::make_unique<FakeHandlerData>(event.get()));
     return *set.AddEvent(std::move(event));
   }
-  /// Waits for an occurrence at `time`, every day from there on.
-  static EventRecord DailyAt(int32 time, const std::string& name = "Tea") {
-    EventRecord record;
-    record.Name = name;
-    record.NextEventTime = record.ActualEventTime = time;
-    record.PeriodType = Daily;
-    record.ApplyTime = true;
-    record.TimeToApply = time % Day;
-    return record;
-  }
   static EventRecord OnceAt(int32 time, const std::string& name = "Tea") {
     EventRecord record = DailyAt(time, name);
     record.PeriodType = Once;
-    record.EventTime = time;
     return record;
   }
   /// Saved, and no message waits.

@@ -1,0 +1,176 @@
+// The agenda against a run of the delivery itself, minute by minute.
+#include "core/Agenda.h"
+
+#include <map>
+#include <random>
+
+#include "core/DeliveryPass.h"
+#include "fakes/SetTestBase.h"
+
+namespace kestrin {
+namespace {
+
+constexpr int32 From = 1792886400;  // 25 October 2026, 0:00 UTC: the clocks go back in Berlin
+constexpr int32 To = From + 7 * Day;
+
+/// Any rule that stays on whole minutes.
+EventRecord RandomRecord(std::mt19937& random, int number) {
+  const auto upTo = [&random](int limit) {
+    return static_cast<int32>(random() % static_cast<unsigned>(limit));
+  };
+  EventRecord record;
+  record.Name = "event " + std::to_string(number);
+  record.PeriodType = upTo(NumberOfPeriodTypes);
+  record.TimingType = upTo(2) ? ByDayOfWeek : ByDayOfMonth;
+  if (record.PeriodType == Once) record.TimingType = ByDate;
+  record.DayOfMonth = static_cast<int8>(1 + upTo(33));
+  record.WeekOfMonth = static_cast<int8>(upTo(5));
+  record.DayOfWeek = static_cast<int8>(upTo(7));
+  record.Month = static_cast<int8>(9 + upTo(2));
+  record.Multiple = static_cast<uint32>(1 + upTo(3));
+  record.MultiStartTime = From - upTo(20) * Day + upTo(24) * Hour;
+  record.EventTime = From - Day + upTo(9 * 24 * 60) * Minute;
+  record.ApplyTime = upTo(4) != 0;
+  record.TimeToApply = upTo(24 * 4) * 15 * Minute;
+  record.SubIntType = upTo(2) ? Hours : Days;
+  record.ApplyStop = upTo(2) == 0;
+  record.ApplyPrewarn = upTo(2) == 0;
+  record.PrewarnTime = static_cast<uint32>(upTo(30));
+  record.PrewarnType = Hours;
+  record.ApplyPrewarnRepeat = upTo(2) == 0;
+  record.PrewarnRepeatTime = static_cast<uint32>(upTo(200));
+  record.PrewarnRepeatType = Minutes;
+  record.ApplyNag = upTo(3) == 0;
+  record.NagRepeatTime = static_cast<uint32>(1 + upTo(40));
+  record.NagRepeatType = Hours;
+  record.DeliverIfMissed = upTo(2) == 0;
+  record.DeleteOnceDelivered = upTo(4) == 0;
+  record.Active = upTo(8) != 0;
+  return record;
+}
+
+class AgendaTest : public SetTestBase {
+ protected:
+  /// Two sets whose times were last computed two days before the stretch.
+  void OpenRandomSets(Context& context, unsigned seed) {
+    OpenSets::Sets.clear();
+    std::mt19937 random(seed);
+    context.zone = Zone::Load("Europe/Berlin").value();
+    for (const char* path : {"/sets/a", "/sets/b"}) {
+      OpenSets::Sets.push_back(std::make_unique<EventSet>(context, path));
+      KestrinSettings::RememberSet(path);
+      for (int i = 0; i < 12; ++i)
+        OpenSets::Sets.back()
+            ->AddEvent(std::make_unique<Event>(*OpenSets::Sets.back(), RandomRecord(random, i)))
+            ->UpdateEventTime();
+    }
+  }
+  static std::string Line(int64 time, const std::string& kind, const Event& event, bool missed) {
+    return std::to_string(time) + " " + kind + " " + event.GetName() + " in " +
+           event.GetOwner()->GetFileName() + (missed ? " missed" : "");
+  }
+
+  std::vector<std::string> Minutely(bool startup) {
+    struct Writer final : EventActions {
+      void Write(const char* kind, const Event& event, bool missed) {
+        Lines.push_back(Line(Time->Now(), kind, event, missed));
+      }
+      void DeliverPrewarnMessage(Event& event) override { Write("prewarning", event, false); }
+      void DeliverNagMessage(Event& event) override { Write("nag", event, false); }
+      void DeliverEvent(Event& event, bool missed) override { Write("event", event, missed); }
+      bool CanDeliver(const Event&) const override { return true; }
+      const FakeClock* Time = nullptr;
+      std::vector<std::string> Lines;
+    };
+    Writer writer;
+    TestContext world(nullptr, &writer);
+    writer.Time = &world.Time;
+    DeliveryPass pass(
+        world.Core, [](const Message&, bool) {}, [] {});
+    world.OnMessage = [&pass](const Message& message) { pass.MessageReceived(message); };
+    world.Time.JumpTo(From - 2 * Day);
+    OpenRandomSets(world.Core, Seed);
+    world.Time.JumpTo(From);
+    if (!startup)
+      for (const auto& set : OpenSets::Sets)
+        for (const auto& event : set->Events()) event->UpdateEventTime();
+    pass.SetCounterForNextEvent(startup);
+    for (int64 time = From; time < To; time += Minute) {
+      world.Time.JumpTo(time);
+      world.Queue.Post(DELIVER_EVENTS);
+      world.RunMessages();
+      world.Messages.clear();
+    }
+    OpenSets::Sets.clear();
+    return writer.Lines;
+  }
+
+  std::vector<std::string> ByAgenda(bool startup) {
+    VirtualEngine engine;
+    engine.clock.Time = From - 2 * Day;
+    OpenRandomSets(engine.context, Seed);
+    std::map<uint64, std::string> paths;
+    for (const auto& set : OpenSets::Sets) paths[set->GetHandle()] = set->GetFileName();
+    std::vector<AgendaEntry> entries;
+    EXPECT_TRUE(ComputeAgenda(engine, {From, To, startup}, entries));
+    OpenSets::Sets.clear();
+    const char* const kinds[] = {"prewarning", "event", "nag"};
+    std::vector<std::string> lines;
+    for (const AgendaEntry& entry : entries)
+      lines.push_back(std::to_string(entry.Time) + " " + kinds[static_cast<int>(entry.Kind)] + " " +
+                      entry.Event + " in " + paths.at(entry.Set) + (entry.Missed ? " missed" : ""));
+    return lines;
+  }
+
+  unsigned Seed = 0;
+};
+
+TEST_F(AgendaTest, ItIsWhatARunThroughEveryMinuteDelivers) {
+  size_t prewarnings = 0, events = 0, nags = 0, missed = 0;
+  for (const bool startup : {false, true})
+    for (Seed = 1; Seed <= 8; ++Seed) {
+      const std::vector<std::string> lines = ByAgenda(startup);
+      ASSERT_EQ(lines, Minutely(startup)) << "seed " << Seed << (startup ? ", at a start" : "");
+      for (const std::string& line : lines) {
+        prewarnings += line.find(" prewarning ") != line.npos;
+        events += line.find(" event event") != line.npos;
+        nags += line.find(" nag ") != line.npos;
+        missed += line.ends_with(" missed");
+      }
+    }
+  EXPECT_GT(std::min({prewarnings, events, nags}), 500u)
+      << "the rules are as mixed as they should be";
+  EXPECT_GT(missed, 10u);
+}
+
+TEST_F(AgendaTest, TheStretchIncludesItsBeginningAndNotItsEnd) {
+  const struct {
+    int32 from, to;
+    bool startup;
+    std::vector<int64> times;
+  } rows[] = {
+      {From, From + 2 * Day, true, {From, From + Day}},
+      {From, From + 2 * Day, false, {From + Day}},  // recomputed as at From, which has come
+      {From - 1, From + 1, false, {From}},
+      {From + 1, From + Day, false, {}},
+      {From, From, true, {}},
+      {To, From, true, {}},
+  };
+  for (const auto& row : rows) {
+    VirtualEngine engine;
+    engine.context.zone = Zone();
+    OpenSets::Sets.push_back(std::make_unique<EventSet>(engine.context, "/sets/a"));
+    KestrinSettings::RememberSet("/sets/a");
+    EventSet& set = *OpenSets::Sets.back();
+    set.AddEvent(std::make_unique<Event>(set, DailyAt(From)));
+    std::vector<AgendaEntry> entries;
+    EXPECT_TRUE(ComputeAgenda(engine, {row.from, row.to, row.startup}, entries));
+    std::vector<int64> times;
+    for (const AgendaEntry& entry : entries) times.push_back(entry.Time);
+    EXPECT_EQ(times, row.times) << row.from - From << " to " << row.to - From;
+    OpenSets::Sets.clear();
+  }
+}
+
+}  // namespace
+}  // namespace kestrin

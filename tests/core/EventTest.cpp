@@ -1,0 +1,226 @@
+// What the setters of an event do beyond storing, how its handler is chosen, and how events
+// compare.
+#include "core/Event.h"
+
+#include <climits>
+
+#include "fakes/SetTestBase.h"
+
+namespace kestrin {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class EventTest : public SetTestBase {
+ protected:
+  EventSet& Set = NewSet();
+};
+
+TEST_F(EventTest, ANewEventComesTomorrowAtMidnight) {
+  World.Core.zone = Zone::Load("Pacific/Auckland").value();  // Sunday, 21:00
+  const Event& event = *Set.AddEvent(nullptr);
+  const int32 tomorrow = Sunday + 11 * Hour;
+  const EventRecord& record = event.Record();
+  EXPECT_THAT((std::array{record.NextEventTime, record.ActualEventTime, record.EventTime,
+                          record.MultiStartTime}),
+              testing::Each(tomorrow));
+  EXPECT_EQ(record.DayOfMonth, 16);
+  EXPECT_EQ(record.DayOfWeek, 1);
+  EXPECT_EQ(record.Month, 10);
+  EXPECT_EQ(record.WeekOfMonth, 3);
+  EXPECT_EQ(record.Status, WaitingForEvent);
+  EXPECT_EQ(event.GetHandlerName(), "Message");
+  EXPECT_NE(event.GetAddOnData(), nullptr);
+}
+
+TEST_F(EventTest, SettersRecomputeMarkAndTell) {
+  enum Effect { Nothing, Marks, Tells, Recomputes };
+  struct Case {
+    const char* name;
+    Effect effect;
+    void (*set)(Event&);
+  };
+  const Case cases[] = {
+      {"Name", Tells, [](Event& e) { e.SetName("x"); }},
+      {"Active", Tells, [](Event& e) { e.SetActive(false); }},
+      {"Icon", Tells, [](Event& e) { e.SetIcon(3, nullptr); }},
+      {"Handler", Tells, [](Event& e) { e.SetSelectedHandler(1); }},
+      {"PeriodType", Recomputes, [](Event& e) { e.SetPeriodType(Weekdays); }},
+      {"EventTime", Recomputes, [](Event& e) { e.SetEventTime(Sunday, false); }},
+      {"DayOfMonth", Recomputes, [](Event& e) { e.SetDayOfMonth(3); }},
+      {"ApplyTime", Recomputes, [](Event& e) { e.SetApplyTime(false); }},
+      {"TimeToApply", Recomputes, [](Event& e) { e.SetTimeToApply(3); }},
+      {"StopTime", Recomputes, [](Event& e) { e.SetStopTime(3); }},
+      {"ApplyPrewarn", Recomputes, [](Event& e) { e.SetApplyPrewarn(true); }},
+      {"PrewarnRepeatType", Recomputes, [](Event& e) { e.SetPrewarnRepeatType(Days); }},
+      {"PrewarnMessage", Marks, [](Event& e) { e.SetPrewarnMessage("x"); }},
+      {"Comment", Marks, [](Event& e) { e.SetComment("x"); }},
+      {"ApplyNag", Marks, [](Event& e) { e.SetApplyNag(true); }},
+      {"DeliverIfMissed", Marks, [](Event& e) { e.SetDeliverIfMissed(false); }},
+      {"WindowFrame", Nothing,
+       [](Event& e) {
+         e.SetWindowFrame({1, 2, 3, 4});
+       }},
+      {"TabShown", Nothing, [](Event& e) { e.SetTabShown(3); }},
+      {"SkipPrewarn", Nothing, [](Event& e) { e.SetSkipPrewarn(true); }},
+      {"SkipNag", Nothing, [](Event& e) { e.SetSkipNag(true); }},
+      {"a handler out of the table", Nothing, [](Event& e) { e.SetSelectedHandler(99); }},
+      {"own icon without bitmaps", Nothing, [](Event& e) { e.SetIcon(-2, nullptr); }},
+  };
+  for (const Case& each : cases) {
+    SCOPED_TRACE(each.name);
+    EventRecord record = DailyAt(Sunday + 12 * Hour);
+    record.NextEventTime = Sunday + 11 * Hour;  // no computation yields this
+    Event& event = Add(Set, record);
+    Settle(Set);
+    each.set(event);
+    EXPECT_EQ(event.GetNextEventTime() != Sunday + 11 * Hour, each.effect == Recomputes);
+    EXPECT_EQ(Set.HasBeenModified(), each.effect != Nothing);
+    World.RunMessages();
+    EXPECT_EQ(World.CountMessages(EVENT_SETS_CHANGED), each.effect >= Tells ? 1 : 0);
+    Set.RemoveEvent(&event);
+  }
+}
+
+TEST_F(EventTest, NaggingEndsWhenItIsSwitchedOff) {
+  EventRecord record = DailyAt(Sunday + 7 * Hour);
+  record.Status = WaitingToNag;
+  record.NextEventTime = Sunday + 9 * Hour;
+  record.ApplyNag = true;
+  Event& event = Add(Set, record);
+  event.SetApplyNag(true);
+  EXPECT_EQ(event.GetStatus(), WaitingToNag);
+  event.SetApplyNag(false);
+  EXPECT_EQ(event.GetStatus(), WaitingForEvent);
+  EXPECT_EQ(event.GetNextEventTime(), Sunday + Day + 7 * Hour);
+}
+
+TEST_F(EventTest, OnlyTrueActivationRecomputesWhatHasPassed) {
+  const int32 passed = Sunday + 7 * Hour, ahead = Sunday + 9 * Hour;
+  const struct {
+    bool was, becomes;
+    int32 next, after;
+  } rows[] = {
+      {false, true, passed, passed + Day},
+      {false, true, ahead, ahead},
+      {true, true, passed, passed},  // due, and about to be delivered
+      {true, false, passed, passed},
+  };
+  for (const auto& row : rows) {
+    EventRecord record = DailyAt(row.next);
+    record.Active = row.was;
+    Event& event = Add(Set, record);
+    event.SetActive(row.becomes);
+    EXPECT_EQ(event.GetNextEventTime(), row.after) << row.was << row.becomes;
+  }
+}
+
+TEST_F(EventTest, APeriodTypeBringsATimingTypeThatItAdmits) {
+  const struct {
+    PeriodicityType to;
+    TimingType timing, remembered, newTiming, newRemembered;
+  } rows[] = {
+      {Weekly, ByDate, ByDate, ByDayOfWeek, ByDate},
+      {Once, ByDayOfWeek, ByDate, ByDate, ByDate},
+      {Monthly, ByDate, ByDate, ByDayOfWeek, ByDate},
+      {Monthly, ByDate, ByDayOfMonth, ByDayOfMonth, ByDayOfMonth},
+      {MultiWeekly, ByDayOfMonth, ByDate, ByDayOfWeek, ByDayOfMonth},
+      {Once, ByDayOfMonth, ByDayOfWeek, ByDate, ByDayOfMonth},
+      {Daily, ByDayOfMonth, ByDate, ByDayOfMonth, ByDate},
+      {Annually, static_cast<TimingType>(9), static_cast<TimingType>(-1), ByDayOfWeek,
+       static_cast<TimingType>(9)},
+  };
+  for (const auto& row : rows) {
+    EventRecord record = DailyAt(Sunday);
+    record.TimingType = row.timing;
+    record.RememberType = row.remembered;
+    Event& event = Add(Set, record);
+    event.SetPeriodType(row.to);
+    EXPECT_EQ(event.Record().TimingType, row.newTiming) << "to " << row.to;
+    EXPECT_EQ(event.Record().RememberType, row.newRemembered) << "to " << row.to;
+  }
+  EventRecord record;
+  Event& event = Add(Set, record);
+  event.SetPeriodType(Weekdays);
+  EXPECT_FALSE(event.GetApplyTime());
+  event.SetPeriodType(SubDaily);
+  EXPECT_TRUE(event.GetApplyTime());
+}
+
+TEST_F(EventTest, TimesOfDayAreFoldedIntoTheDay) {
+  const std::pair<int32, int32> rows[] = {{-1, 86399},    {86400, 0},       {-86401, 86399},
+                                          {86399, 86399}, {INT_MIN, 74752}, {INT_MAX, 11647}};
+  Event& event = Add(Set, DailyAt(Sunday));
+  for (const auto& [given, kept] : rows) {
+    event.SetTimeToApply(given);
+    event.SetStopTime(given);
+    EXPECT_EQ(event.Record().TimeToApply, kept) << given;
+    EXPECT_EQ(event.Record().StopTime, kept) << given;
+  }
+}
+
+TEST_F(EventTest, DateAndTimeOfDayMeetOnTheWallClock) {
+  World.Core.zone = Zone::Load("America/New_York").value();
+  const int32 eightMarch = 1772946000;  // midnight; at 2:00 the clocks go forward
+  Event& event = Add(Set, OnceAt(Sunday));
+  event.SetEventTime(eightMarch + 8 * Hour, true);
+  EXPECT_EQ(event.Record().TimeToApply, 9 * Hour);
+  event.SetEventTime(eightMarch + 20 * Hour, false);
+  EXPECT_EQ(event.Record().EventTime, eightMarch + 8 * Hour) << "its day, at 9:00 of the wall";
+  event.SetApplyTime(false);
+  EXPECT_EQ(event.Record().EventTime, eightMarch);
+  EXPECT_EQ(event.Record().TimeToApply, 9 * Hour);
+  event.SetTimeToApply(10 * Hour);
+  EXPECT_EQ(event.Record().EventTime, eightMarch) << "not in use";
+  event.SetApplyTime(true);
+  EXPECT_EQ(event.Record().EventTime, eightMarch + 9 * Hour);
+}
+
+TEST_F(EventTest, AHandlerKeepsItsDataWhileAnotherIsSelected) {
+  Event& event = *Set.AddEvent(nullptr);
+  const EventAddOnData* const first = event.GetAddOnData();
+  event.OpenWindow();
+  auto& calls = World.Ui.EditorWindows.at(0)->Calls;
+  EXPECT_TRUE(event.SetSelectedHandler(1));
+  EXPECT_THAT(calls, ElementsAre("RemoveEditView", "AddEditView"));
+  const EventAddOnData* const second = event.GetAddOnData();
+  EXPECT_NE(second, first);
+  EXPECT_EQ(event.GetAddOnData(MessageHandler), first);
+  EXPECT_TRUE(event.SetSelectedHandler(MessageHandler));
+  EXPECT_EQ(event.GetAddOnData(), first);
+  EXPECT_EQ(event.GetAddOnData(1), second);
+  calls.clear();
+  for (const int32 row : {UnknownHandler, NullHandler, ThrowingHandler, -1, 5}) {
+    EXPECT_FALSE(event.SetSelectedHandler(row)) << row;
+    EXPECT_EQ(event.GetAddOnData(), first) << row;
+    EXPECT_EQ(event.GetHandlerName(), "Message") << row;
+  }
+  EXPECT_THAT(calls, IsEmpty()) << "the edit view stays";
+  event.AdoptAddOnData(UnknownHandler, std::make_unique<FakeUnknownData>(&event));
+  EXPECT_TRUE(event.SetSelectedHandler(1));
+  EXPECT_TRUE(event.SetSelectedHandler(UnknownHandler)) << "it holds such data";
+}
+
+TEST_F(EventTest, EventsCompareByColumn) {
+  EventRecord first = DailyAt(1000, "tea"), second = DailyAt(INT_MIN, "Toast");
+  first.NextEventTime = 500;
+  first.Active = false;
+  second.NextEventTime = INT_MAX;
+  second.Status = DoneWithEvent;
+  Event& a = Add(Set, first);
+  Event& b = Add(Set, second);
+  a.SetSelectedHandler(MessageHandler);
+  b.SetSelectedHandler(1);
+  const auto sign = [](int64 difference) { return (difference > 0) - (difference < 0); };
+  const std::pair<int32, int> rows[] = {{0, 0}, {1, -1}, {2, 1}, {3, -1}, {4, 1}, {5, 1}, {6, 0}};
+  for (const auto& [column, expected] : rows) {
+    EXPECT_EQ(sign(Event::Compare(a, b, column)), expected) << column;
+    EXPECT_EQ(sign(Event::Compare(b, a, column)), -expected) << column;
+  }
+  b.SetName("TEA");
+  EXPECT_EQ(Event::Compare(a, b, 1), 0) << "case does not count";
+}
+
+}  // namespace
+}  // namespace kestrin

@@ -1,0 +1,284 @@
+// How the application ends: by itself, by the user's wish, or by force; what puts a quit off, and
+// that nothing is lost on the way.
+#include "fakes/AppTestBase.h"
+
+namespace kestrin {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Not;
+
+class KestrinAppQuitTest : public AppTestBase {
+ protected:
+  const std::string Unsaved = "Kestrin was unable to save the event set " + std::string(Work) + ".";
+
+  /// An editor that shows one set, which the user has changed.
+  void StartEditing() {
+    WriteSet(Work, {DailyAt(Sunday + Day)});
+    Remember({Work});
+    Start();
+    FirstEvent(Work).SetName("changed");
+    Run();
+    It->Background.Times.clear();
+    It->Background.Calls.clear();
+  }
+  void LetWrite(bool may) {
+    Disk.Put("/sets/mode", "", may ? 0644 : 0444);
+    Disk.CopyAttributes("/sets/mode", Work);
+  }
+  /// The name of the first event in the file.
+  std::string NameIn(const std::string& path) {
+    const std::string bytes = Disk.Bytes(path).value_or("");
+    const size_t name = 1 + sizeof "1.2" + 4;
+    return bytes.size() > name ? bytes.c_str() + name : "";
+  }
+  static Message IfIdle() {
+    Message quit(QUIT_REQUESTED);
+    quit.Set("IfIdle", true);
+    return quit;
+  }
+};
+
+TEST_F(KestrinAppQuitTest, TheLastWindowTakesTheApplicationWithIt) {
+  StartEditing();
+  Post(Message(NEW_EVENT_SET));
+  CloseWindow();
+  EXPECT_FALSE(It->Ended);
+  CloseWindow();
+  EXPECT_TRUE(It->Ended);
+  EXPECT_EQ(NameIn(Work), "changed") << "saved without a question";
+  EXPECT_EQ(It->Background.Times.back(), Sunday + Day);
+  EXPECT_THAT(It->Background.Calls, Not(Contains("quit")));
+  EXPECT_EQ(It->Bus.Left, 1);
+  EXPECT_EQ(NumberOfEventHandlers, 0) << "unloaded";
+}
+
+TEST_F(KestrinAppQuitTest, AnOpenAlertLetsAQuitWaitAndWhatItIsStays) {
+  for (const bool full : {false, true}) {
+    StartEditing();
+    It->World.Notes.InformUser("read me");
+    Post(Message(full ? FULL_QUIT_REQUESTED : QUIT_REQUESTED));
+    EXPECT_THAT(Shown(), IsEmpty());
+    EXPECT_FALSE(It->Ended);
+    Answer(0);
+    EXPECT_TRUE(It->Ended);
+    EXPECT_EQ(It->Background.Calls.back(), full ? "quit" : "launch");
+  }
+}
+
+TEST_F(KestrinAppQuitTest, AWindowThatAsksDecides) {
+  for (const bool cancels : {true, false}) {
+    StartEditing();
+    FakeSetWindow& window = *Ui().SetWindows[0];
+    window.RefuseToClose = true;
+    Post(Message(FULL_QUIT_REQUESTED));
+    EXPECT_EQ(window.CloseRequests, 1);
+    EXPECT_EQ(window.Commits, 1) << "before it is asked";
+    EXPECT_TRUE(It->App.IsQuitInProgress());
+    EXPECT_TRUE(QuitProcess && FullQuitProcess);
+    if (cancels) {
+      It->App.CancelQuitProcess();
+      EXPECT_FALSE(QuitProcess || FullQuitProcess);
+    }
+    CloseWindow();
+    EXPECT_TRUE(It->Ended);
+    EXPECT_EQ(It->Background.Calls.back(), cancels ? "launch" : "quit");
+  }
+}
+
+TEST_F(KestrinAppQuitTest, WhatWaitsIsHandledBeforeAQuitIsDecided) {
+  const struct {
+    uint32 code;
+    bool ends;
+  } rows[] = {{DELIVER_EVENTS, true}, {EVENT_DEALT_WITH, true}, {EVENT_SETS_CHANGED, true},
+              {OPEN_FILES, false},    {NEW_EVENT_SET, false},   {ACTIVATE, true}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.code);
+    WriteSet(Home, {});
+    StartEditing();
+    It->World.Time.JumpTo(Sunday + Day);
+    It->World.Queue.Post(FULL_QUIT_REQUESTED);
+    Message waiting(row.code);
+    waiting.Set("0", std::string(Home));
+    It->World.Queue.Post(waiting);
+    Run();
+    EXPECT_EQ(It->Ended, row.ends);
+    EXPECT_EQ(FullQuitProcess, row.ends) << "a window that opens cancels";
+    if (row.ends) continue;
+    EXPECT_EQ(Shown().size(), 2u);
+  }
+  StartEditing();
+  It->World.Time.JumpTo(Sunday + Day);
+  It->World.Queue.Post(QUIT_REQUESTED);
+  It->World.Queue.Post(DELIVER_EVENTS);
+  Run();
+  EXPECT_THAT(Delivered(), ElementsAre("changed"));
+  EXPECT_TRUE(It->Ended);
+  StartEditing();
+  It->World.Time.JumpTo(Sunday + Day);
+  Post(Message(QUIT_REQUESTED));
+  EXPECT_THAT(Delivered(), IsEmpty()) << "leaving delivers nothing";
+  EXPECT_EQ(It->Background.Times.back(), Sunday + Day) << "but hands the past time over";
+}
+
+TEST_F(KestrinAppQuitTest, OnlyAnIdleApplicationEndsByItself) {
+  StartEditing();
+  Post(IfIdle());
+  EXPECT_FALSE(It->Ended) << "a window holds it";
+  Start({}, {Message(ACTIVATE), IfIdle()});
+  EXPECT_THAT(Shown(), ElementsAre(Work)) << "before its role is known it does not leave";
+  Wake();
+  EXPECT_TRUE(It->Ended);
+}
+
+TEST_F(KestrinAppQuitTest, WhatArrivesWhileItLeavesIsServedAndThenItLeavesAgain) {
+  for (const bool opens : {false, true}) {
+    StartEditing();
+    It->World.Time.JumpTo(Sunday + Day);
+    It->Bus.Arriving = [this, opens] {
+      It->World.Queue.Post(opens ? NEW_EVENT_SET : DELIVER_EVENTS);
+    };
+    Post(Message(FULL_QUIT_REQUESTED));
+    EXPECT_EQ(It->Ended, !opens);
+    EXPECT_EQ(It->Bus.Left, opens ? 1 : 2);
+    EXPECT_EQ(Delivered().size(), 1u);
+    EXPECT_FALSE(FullQuitProcess);
+    EXPECT_EQ(It->Background.Times.back(), Sunday + Day + Day) << "the deliverer is asked again";
+  }
+}
+
+TEST_F(KestrinAppQuitTest, ASetThatCannotBeSavedIsToldOnceAndCopied) {
+  for (const bool worksLater : {false, true}) {
+    Disk.Remove("/state/recovered/Work.kestrin");
+    StartEditing();
+    LetWrite(false);
+    Post(Message(FULL_QUIT_REQUESTED));
+    EXPECT_FALSE(It->Ended);
+    EXPECT_THAT(Alerts(), ElementsAre(Unsaved));
+    EXPECT_EQ(NameIn("/state/recovered/Work.kestrin"), "changed");
+    FirstEvent(Work).SetName("changed again");
+    LetWrite(worksLater);
+    Answer(0);
+    EXPECT_TRUE(It->Ended);
+    EXPECT_EQ(It->Background.Calls.back(), "quit") << "a full quit stays one";
+    EXPECT_EQ(NameIn("/state/recovered/Work.kestrin"), worksLater ? "" : "changed again");
+    EXPECT_EQ(NameIn(Work), worksLater ? "changed again" : "Tea");
+    LetWrite(true);
+    Start();
+    EXPECT_EQ(Shown().size(), worksLater ? 1u : 2u) << "the copy opens beside the set";
+  }
+}
+
+TEST_F(KestrinAppQuitTest, WhatDeliveriesChangedIsSavedOnceNothingOfTheSetIsOpen) {
+  WriteSet(Work, {DailyAt(Sunday + 8 * Hour)});
+  Remember({Work});
+  Start();
+  EXPECT_FALSE(Set(Work)->HasBeenModified()) << "nothing holds it";
+  const std::string before = *Disk.Bytes(Work);
+  It->World.Time.JumpTo(Sunday + Day + 8 * Hour);
+  const uint64 handle = Set(Work)->GetHandle();
+  It->World.Holding.ProcessHold(handle);
+  Post(Message(DELIVER_EVENTS));
+  EXPECT_EQ(Disk.Bytes(Work), before) << "until then a crash delivers again";
+  Message done(PROCESS_HOLD_DONE);
+  done.Set("EventSet", static_cast<int64>(handle));
+  Post(done);
+  EXPECT_NE(Disk.Bytes(Work), before);
+  EXPECT_FALSE(Set(Work)->HasBeenModified());
+
+  It->World.Time.JumpTo(Sunday + 2 * Day + 8 * Hour);
+  FirstEvent(Work).SetComment("mine");
+  Post(Message(DELIVER_EVENTS));
+  EXPECT_TRUE(Set(Work)->HasBeenModified()) << "what the user changed is theirs to save";
+}
+
+TEST_F(KestrinAppQuitTest, AutomaticSavesKeepClearOfOthersAndReportOnce) {
+  WriteSet(Work, {DailyAt(Sunday + 8 * Hour)});
+  Remember({Work});
+  Start();
+  LetWrite(false);
+  for (const int day : {1, 2}) {
+    It->World.Time.JumpTo(Sunday + day * Day + 8 * Hour);
+    Post(Message(DELIVER_EVENTS));
+    EXPECT_THAT(Alerts(), ElementsAre(Unsaved));
+  }
+  Answer(0);
+  LetWrite(true);
+  const std::string theirs = "somebody else's";
+  Disk.Put(Work, theirs);
+  It->World.Time.JumpTo(Sunday + 3 * Day + 8 * Hour);
+  Post(Message(DELIVER_EVENTS));
+  EXPECT_EQ(Disk.Bytes(Work), theirs);
+  const std::string beside = "/sets/Work (kept apart 2026-11-18 08.00.00).kestrin";
+  EXPECT_THAT(Open(), ElementsAre(beside));
+  EXPECT_EQ(NameIn(beside), "Tea");
+  EXPECT_THAT(KestrinSettings::SetFileNames, Contains(beside));
+  EXPECT_EQ(Alerts().size(), 1u);
+
+  Disk.Remove(Work);
+  WriteSet(Work, {DailyAt(Sunday + 8 * Hour)});
+  Remember({Work});
+  Start();
+  LetWrite(false);
+  Now = Sunday + Day + 8 * Hour;
+  Wake();
+  Answer(0);
+  EXPECT_TRUE(It->Ended);
+  EXPECT_FALSE(Disk.Bytes("/state/recovered/Work.kestrin")) << "no user's change is in it";
+}
+
+TEST_F(KestrinAppQuitTest, AForcedEndKeepsEverything) {
+  StartEditing();
+  Post(Message(NEW_EVENT_SET));
+  EventSet& untitled = *OpenSets::Sets.back();
+  Event& event = *untitled.AddEvent(nullptr);
+  ASSERT_EQ(Ui().EditorWindows.size(), 1u);
+  Ui().EditorWindows[0]->WhenCommitting = [&event] { event.SetName("typed"); };
+  for (auto* window : Ui().SetWindows) window->RefuseToClose = true;
+  int answer = -1;
+  AlertRequest question;
+  question.Text = "Sure?";
+  question.Buttons = {"No", "Yes"};
+  question.DefaultButton = 1;
+  question.Role = AlertRole::Question;
+  question.Done = [&answer](int which) { answer = which; };
+  It->World.Alerts.Show(question);
+  It->World.Notes.ReportError("broken");
+  Post(Message(FORCED_QUIT));
+  EXPECT_TRUE(It->Ended);
+  EXPECT_EQ(answer, 0) << "the harmless one";
+  EXPECT_EQ(NameIn(Work), "changed");
+  EXPECT_EQ(NameIn(Recovered), "typed");
+  EXPECT_EQ(It->Background.Times.back(), Sunday + Day);
+
+  Start({}, {}, false);  // a start that can show nothing
+  Post(Message(FORCED_QUIT));
+  EXPECT_TRUE(Disk.Bytes(AlertFile)) << "what nobody has seen is kept";
+
+  Start();
+  EXPECT_THAT(Shown(), ElementsAre(Work, "Untitled event set 1"));
+  EventSet* const again = Set("Untitled event set 1");
+  EXPECT_TRUE(again->IsUntitled() && again->HasBeenModified());
+  ASSERT_THAT(Alerts(), ElementsAre("Sure?", "broken"));
+  EXPECT_EQ(Ui().Alerts[0].Request.Buttons, (std::vector<std::string>{"No", "Yes"}));
+  EXPECT_EQ(Ui().Alerts[0].Request.DefaultButton, 1);
+  EXPECT_EQ(Ui().Alerts[1].Request.Title, "Kestrin recoverable error");
+  EXPECT_EQ(Ui().Alerts[1].Request.Kind, AlertKind::Warning);
+  EXPECT_EQ(It->World.Holding.Count(), 4);
+  Answer(1);
+
+  Start();
+  EXPECT_THAT(Alerts(), ElementsAre("broken")) << "answered alerts are struck off at once";
+  Answer(0);
+  EXPECT_FALSE(Disk.Bytes(AlertFile));
+  EventSet* const saved = Set("Untitled event set 1");
+  saved->SetFileName(Home);
+  ASSERT_TRUE(saved->SaveData());
+  EXPECT_FALSE(Disk.Bytes(Recovered)) << "its copy goes when it has a file";
+  EXPECT_EQ(NameIn(Home), "typed");
+}
+
+}  // namespace
+}  // namespace kestrin
