@@ -65,7 +65,7 @@ class RecordingActions final : public EventActions {
   bool CanDeliver(const Event&) const override { return true; }
 
   /// May be empty.
-  std::function<void(DeliveryKind kind, const Event& event, bool missed)> OnDelivery;
+  std::function<void(DeliveryKind kind, Event& event, bool missed)> OnDelivery;
 };
 
 /// One at a time: it works on the process-wide sets, settings and handler table.

@@ -1,8 +1,12 @@
 #include "programs/ctl/Commands.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <tuple>
+#include <unordered_map>
+#include <unordered_set>
 
 #include "core/Agenda.h"
 #include "core/DateTimeText.h"
@@ -18,6 +22,8 @@ namespace kestrin {
 namespace {
 
 constexpr size_t PathWidth = 4096;
+/// An agenda in which the sets' paths take more bytes than this is not printed.
+constexpr size_t MaxPathText = size_t{256} << 20;
 
 std::string StatusText(const EventRecord& record) {
   if (!record.Active) return std::string(InactiveMessage);
@@ -62,29 +68,19 @@ bool PrintNextJson(const EventSet& set) {
 }
 
 bool PrintNextTable(const EventSet& set, const Zone& zone) {
-  TextTable table({"Name", "Event time", "Next message time", "Status"});
-  for (const auto& event : set.Events()) {
-    const EventRecord& record = event->Record();
-    table.AddRow({TextTable::Cell(record.Name),
-                  TimeText(record.ActualEventTime, record.ApplyTime, zone),
-                  TimeText(record.NextEventTime, record.ApplyTime, zone), StatusText(record)});
-  }
-  return table.Empty() ? std::puts("No events.") >= 0 : table.Print(stdout);
+  if (set.Events().empty()) return std::puts("No events.") >= 0;
+  const TextTable table({"Name", "Event time", "Next message time", "Status"});
+  return table.Print(stdout, set.Events().size(), [&](size_t row) -> TextTable::Row {
+    const EventRecord& record = set.Events()[row]->Record();
+    return {TextTable::Cell(record.Name), TimeText(record.ActualEventTime, record.ApplyTime, zone),
+            TimeText(record.NextEventTime, record.ApplyTime, zone), StatusText(record)};
+  });
 }
 
-struct NamedSet {
-  uint64 handle;
-  std::string path;  ///< as given
-};
+/// By the set's handle, the path as given.
+using SetPaths = std::unordered_map<uint64, std::string>;
 
-const std::string& PathOf(const std::vector<NamedSet>& sets, uint64 handle) {
-  static const std::string none;
-  for (const NamedSet& set : sets)
-    if (set.handle == handle) return set.path;
-  return none;
-}
-
-bool PrintAgendaJson(const std::vector<AgendaEntry>& entries, const std::vector<NamedSet>& sets) {
+bool PrintAgendaJson(const std::vector<AgendaEntry>& entries, const SetPaths& sets) {
   JsonWriter json(stdout);
   json.BeginArray();
   for (const AgendaEntry& entry : entries) {
@@ -96,7 +92,7 @@ bool PrintAgendaJson(const std::vector<AgendaEntry>& entries, const std::vector<
     json.Key("event");
     json.Text(entry.Event);
     json.Key("set");
-    json.Text(PathOf(sets, entry.Set));
+    json.Text(sets.at(entry.Set));
     json.Key("missed");
     json.Boolean(entry.Missed);
     json.EndObject();
@@ -105,37 +101,63 @@ bool PrintAgendaJson(const std::vector<AgendaEntry>& entries, const std::vector<
   return json.Finish();
 }
 
-bool PrintAgendaTable(const std::vector<AgendaEntry>& entries, const std::vector<NamedSet>& sets,
+bool PrintAgendaTable(const std::vector<AgendaEntry>& entries, const SetPaths& sets,
                       const Zone& zone) {
   if (entries.empty()) return std::puts("Nothing comes due in that time.") >= 0;
-  std::vector<std::string> header = {"Time", "Delivery", "Event"};
+  TextTable::Row header = {"Time", "Delivery", "Event"};
   if (sets.size() > 1) header.emplace_back("Set");
-  TextTable table(header);
-  for (const AgendaEntry& entry : entries) {
+  const TextTable table(header);
+  return table.Print(stdout, entries.size(), [&](size_t row) {
+    const AgendaEntry& entry = entries[row];
     std::string kind = NameOf(entry.Kind);
     if (entry.Missed) kind += " (missed)";
-    std::vector<std::string> row = {TimeText(entry.Time, true, zone), kind,
-                                    TextTable::Cell(entry.Event)};
-    if (sets.size() > 1) row.push_back(TextTable::Cell(PathOf(sets, entry.Set), PathWidth));
-    table.AddRow(std::move(row));
-  }
-  return table.Print(stdout);
+    TextTable::Row cells = {TimeText(entry.Time, true, zone), kind, TextTable::Cell(entry.Event)};
+    if (sets.size() > 1) cells.push_back(TextTable::Cell(sets.at(entry.Set), PathWidth));
+    return cells;
+  });
 }
 
-/// Opens every file as a remembered set. False after complaining about the first that cannot be
-/// read.
-bool OpenAll(VirtualEngine& engine, const std::vector<std::string>& files,
-             std::vector<NamedSet>& sets) {
+/// The deliveries of every file, in order. One set at a time is in memory. False after complaining.
+bool GatherAgenda(VirtualEngine& engine, const CtlArguments& arguments,
+                  std::vector<AgendaEntry>& entries, SetPaths& sets) {
+  const AgendaRequest request{arguments.from, arguments.to, arguments.startup};
+  std::unordered_set<std::string> seen;
+  size_t pathText = 0;
   KestrinSettings::WhichEventsToDeliver = DeliverRemembered;
-  for (const std::string& file : files) {
-    if (OpenSets::FindFile(engine.files.Canonical(file))) continue;
+  for (const std::string& file : arguments.files) {
+    if (!seen.insert(engine.files.Canonical(file)).second) continue;
+    engine.clock.Time = arguments.from;
     SetFileReport report;
     const EventSet* const set = ReadSet(engine, file, &report);
     if (!set) return false;
-    sets.push_back({set->GetHandle(), file});
-    KestrinSettings::SetFileNames.push_back(set->GetFileName());
+    sets[set->GetHandle()] = file;
+    KestrinSettings::SetFileNames = {set->GetFileName()};
+    const size_t before = entries.size();
+    const bool whole = ComputeAgenda(engine, request, entries);
+    pathText += (entries.size() - before) * file.size();
+    if (!whole || pathText > MaxPathText) {
+      Complain(file, "there would be too many deliveries in that time; ask for a shorter one");
+      return false;
+    }
+    OpenSets::Sets.clear();
   }
+  if (sets.size() > 1)
+    std::stable_sort(entries.begin(), entries.end(), [](const auto& a, const auto& b) {
+      return std::tie(a.Time, a.Due) < std::tie(b.Time, b.Due);
+    });
   return true;
+}
+
+/// `error`: of the attempt, 0 when the system said nothing.
+std::string WhyNotWritten(VirtualEngine& engine, const std::string& path, int error) {
+  switch (engine.files.Kind(path)) {
+    case FileKind::Folder:
+      return "it is a folder";
+    case FileKind::Other:
+      return "it is not a regular file";
+    default:
+      return error ? std::strerror(error) : "the file system does not say why";
+  }
 }
 
 }  // namespace
@@ -177,15 +199,9 @@ int Next(VirtualEngine& engine, const CtlArguments& arguments) {
 }
 
 int AgendaCommand(VirtualEngine& engine, const CtlArguments& arguments) {
-  engine.clock.Time = arguments.from;
-  std::vector<NamedSet> sets;
-  if (!OpenAll(engine, arguments.files, sets)) return ExitFailure;
+  SetPaths sets;
   std::vector<AgendaEntry> entries;
-  if (!ComputeAgenda(engine, {arguments.from, arguments.to, arguments.startup}, entries)) {
-    Complain(arguments.files[0], "there would be more than " + std::to_string(MaxAgendaEntries) +
-                                     " deliveries in that time; ask for a shorter one");
-    return ExitFailure;
-  }
+  if (!GatherAgenda(engine, arguments, entries, sets)) return ExitFailure;
   return WrittenOut(arguments.json ? PrintAgendaJson(entries, sets)
                                    : PrintAgendaTable(entries, sets, engine.context.zone));
 }
@@ -204,6 +220,7 @@ int Check(VirtualEngine& engine, const CtlArguments& arguments) {
     for (const auto& event : set->Events())
       if (const char* why = WhyRuleNeverYields(event->Record()); why && *why)
         lines += "  \"" + TextTable::Cell(event->GetName()) + "\": " + why + "\n";
+    OpenSets::Sets.clear();
   }
   if (failed) return ExitFailure;
   return WrittenOut(std::fputs(lines.c_str(), stdout) >= 0 && std::fflush(stdout) == 0);
@@ -218,9 +235,9 @@ int Rewrite(VirtualEngine& engine, const CtlArguments& arguments) {
     engine.files.SetAttribute(arguments.files[1], "user.mime_type", SetFileType);
     return ExitSuccess;
   }
+  const int error = errno;
   Complain(arguments.files[1],
-           std::string("cannot be written") +
-               (errno ? std::string(": ") + std::strerror(errno) : std::string()));
+           "cannot be written: " + WhyNotWritten(engine, arguments.files[1], error));
   return ExitFailure;
 }
 

@@ -2,28 +2,31 @@
 #pragma once
 
 #include <cstdio>
+#include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace kestrin {
 
+/// Widths are columns of a terminal: wide characters take two, combining ones none.
 class TextTable {
  public:
-  explicit TextTable(std::vector<std::string> header) : header_(std::move(header)) {}
+  using Row = std::vector<std::string>;
 
-  void AddRow(std::vector<std::string> cells) { rows_.push_back(std::move(cells)); }
-  bool Empty() const { return rows_.empty(); }
-  /// Whether everything could be written.
-  bool Print(std::FILE* out) const;
+  explicit TextTable(Row header) : header_(std::move(header)) {}
+
+  /// Asks for every row twice, to measure it and to print it, and keeps none. Whether everything
+  /// could be written.
+  bool Print(std::FILE* out, size_t rows, const std::function<Row(size_t row)>& rowAt) const;
 
   /// `text` as one line of at most `width` columns: control characters and bytes that are not UTF-8
   /// shown as "?", a longer text ended by "…".
   static std::string Cell(std::string_view text, size_t width = 48);
 
  private:
-  std::vector<std::string> header_;
-  std::vector<std::vector<std::string>> rows_;
+  Row header_;
 };
 
 }  // namespace kestrin
