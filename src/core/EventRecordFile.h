@@ -13,8 +13,8 @@ namespace kestrin {
 using SetFileVersionIndex = uint8;
 
 /// Reads one record for `owner`; null when it cannot be read, with the reason in `fault`.
-/// A handler that failed although the record was read is told in `complaint`. `handlerDataAt` (may be
-/// null) receives the place of the handler's block in the file.
+/// A handler that failed although the record was read is told in `complaint`. `handlerDataAt` (may
+/// be null) receives the place of the handler's block in the file.
 std::unique_ptr<Event> ReadEventRecord(EventSet& owner, EndianIndependentFile& file,
                                        SetFileVersionIndex version, std::string& fault,
                                        std::string& complaint, int64* handlerDataAt = nullptr);

@@ -84,8 +84,8 @@ ConstructorResult ReadEvents(EventSet& set, EndianIndependentFile& file,
   int64 handlerDataAt = 0;
   for (int32 i = 0; i < count; ++i) {
     std::string fault;
-    std::unique_ptr<Event> event =
-        ReadEventRecord(set, file, version, fault, report.Complaint, report.OnHandlerData ? &handlerDataAt : nullptr);
+    std::unique_ptr<Event> event = ReadEventRecord(set, file, version, fault, report.Complaint,
+                                                   report.OnHandlerData ? &handlerDataAt : nullptr);
     if (!event) return Fail(report, "event " + std::to_string(i + 1) + ": " + fault);
     if (report.OnHandlerData) ReportHandlerData(file, *event, report, handlerDataAt);
     set.AppendRead(std::move(event));
@@ -100,7 +100,12 @@ ConstructorResult ReadSetFile(EventSet& set, const std::string& path, bool* vers
   EndianIndependentFile file(set.GetContext().files, path, OpenReadOnly, FileBuffer);
   if (file.InitCheck() != StatusOk) {
     const status_t status = file.InitCheck();
-    report->Fault = status == StatusFileError ? "it is empty" : std::strerror(-status);
+    if (status == StatusFileError)
+      report->Fault = "it is empty";
+    else if (set.GetContext().files.Kind(path) == FileKind::Other)
+      report->Fault = "it is not a regular file";
+    else
+      report->Fault = std::strerror(-status);
     // An empty file was opened but has not even its first byte.
     return status == StatusFileError ? ConstructorResult::CouldNotRead
                                      : ConstructorResult::CouldNotOpen;
