@@ -102,7 +102,8 @@ int RunApplication(int argc, char** argv) {
   if (arrival != Arrival::First) return arrival == Arrival::HandedOver ? 0 : 1;
   QCoreApplication application(argc, argv);
   bus.Dispatch();
-  Log(queue.Holds(DELIVER_EVENTS) ? "application delivers" : "application opens");
+  Log(std::string(queue.Holds(DELIVER_EVENTS) ? "application delivers" : "application opens") +
+      (StartedByBus() ? ", started by the bus" : ""));
   return RunQueue(application, queue);
 }
 

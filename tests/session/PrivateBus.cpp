@@ -87,7 +87,12 @@ Process::Process(const fs::path& program, std::vector<std::string> arguments,
   posix_spawn_file_actions_init(&actions);
   posix_spawn_file_actions_addchdir_np(&actions, folder.c_str());
   posix_spawn_file_actions_adddup2(&actions, output, 1);
-  EXPECT_EQ(posix_spawnp(&id_, program.c_str(), &actions, nullptr, words.data(), environ), 0);
+  // As a bus of a desktop: without the terminal that the tests may have.
+  posix_spawnattr_t attributes;
+  posix_spawnattr_init(&attributes);
+  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID);
+  EXPECT_EQ(posix_spawnp(&id_, program.c_str(), &actions, &attributes, words.data(), environ), 0);
+  posix_spawnattr_destroy(&attributes);
   posix_spawn_file_actions_destroy(&actions);
 }
 
