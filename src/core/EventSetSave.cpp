@@ -70,7 +70,7 @@ std::string EventSet::NameBeside() const {
                 static_cast<int>(now.day), static_cast<int>(now.hour), static_cast<int>(now.minute),
                 static_cast<int>(now.second));
   for (int number = 1;; ++number) {
-    const std::string name =
+    std::string name =
         stem + when + (number > 1 ? ", " + std::to_string(number) : "") + ")" + suffix;
     if (context_.files.Kind(name) == FileKind::Missing) return name;
   }

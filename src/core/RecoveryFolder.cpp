@@ -9,7 +9,7 @@
 
 namespace kestrin {
 
-RecoveryFolder::RecoveryFolder(FileDoor& files, std::string stateFolder)
+RecoveryFolder::RecoveryFolder(FileDoor& files, const std::string& stateFolder)
     : files_(files),
       copies_(stateFolder + "/recovered"),
       alerts_(stateFolder + "/open-alerts.json") {}

@@ -15,7 +15,7 @@ class EventSet;
 /// Copies lie in "recovered" below the state folder, alerts in "open-alerts.json" beside it.
 class RecoveryFolder {
  public:
-  RecoveryFolder(FileDoor& files, std::string stateFolder);
+  RecoveryFolder(FileDoor& files, const std::string& stateFolder);
 
   /// Writes the set there: over the copy it was read from or has there, or under a new name.
   bool SaveCopy(EventSet& set);
