@@ -11,7 +11,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 runs=${1:-7}
 copies=8334       # of the sample's twelve events
-max_nanoseconds=1000
+max_nanoseconds=400
 min_ratio=1       # how many times faster than remind
 bin=build/release/bin
 
