@@ -1,9 +1,12 @@
 #!/usr/bin/env python3
-"""Makes the event set files below sets/, and sets/expected.json with what a reader finds in them.
+"""The event set files below sets/, made from nothing but docs/file-format.md: this shares no code with
+the program, so that the two can disagree.
 
-It is written from docs/file-format.md alone and shares nothing with the program, so that the two
-can disagree. Files that are there already are compared and never changed, unless --write is given:
-the exit status is 1 when one differs, is missing, or is not made here.
+  make-golden.py                  compares the files; exit status 1 when one differs, is missing, or
+                                  is not made here
+  make-golden.py --write          writes them
+  make-golden.py --expected FILE  writes, as JSON, what a reader finds in each, what it is saved as,
+                                  and what is said of those that are refused
 
   golden/    the same events in every version and byte order, a set of none, the set of the page
   readable/  odd files that are read, each named by what is odd about it
@@ -200,7 +203,8 @@ def readable():
         "rules-out-of-table": (rules, {}, b""),
         "steps-of-zero": (zero, {}, b""),
         "frames-that-are-no-numbers": ([event(WindowFrame=[NAN, INF, -INF, -0.0])],
-                                       dict(layout=dict(WindowFrame=[NAN] * 4, ColumnWidth=[INF, NAN, -INF, 0, 1, 2])), b""),
+                                       dict(layout=dict(WindowFrame=[NAN] * 4,
+                                                        ColumnWidth=[INF, NAN, -INF, 0, 1, 2])), b""),
         "booleans-above-1": ([event(Active=2, reserved=0, ApplyTime=255, ApplyStop=128, ApplyPrewarn=3,
                                     ApplyPrewarnRepeat=4, ApplyNag=5, DeliverIfMissed=6, DeleteOnceDelivered=7,
                                     WindowOpen=8)], dict(layout=dict(ColumnShown=[2, 0, 255, 0, 1, 9])), b""),
@@ -233,7 +237,8 @@ def refused():
     handler = "event 1: the data of its handler \"%s\" cannot be read"
 
     def text_too_long(field):
-        return make_set([event(**{field: b"x" * 4096})]).bytes, "event 1: " + field.replace("HandlerN", "handler n") + " has no end"
+        shown = field.replace("HandlerN", "handler n")
+        return make_set([event(**{field: b"x" * 4096})]).bytes, f"event 1: {shown} has no end"
 
     def blocks(name, count, data):
         return make_set([block(name, data, count=count)]).bytes, handler % name.decode()
@@ -276,7 +281,8 @@ def make_all():
         made = make_set(events, **arguments)
         files[name] = made.bytes + behind
         expected["read"][name] = {
-            "dump": dump(events, arguments.get("version", b"1.2"), arguments.get("order", "<"), arguments.get("layout")),
+            "dump": dump(events, arguments.get("version", b"1.2"), arguments.get("order", "<"),
+                         arguments.get("layout")),
             "saved": saved_again(events, arguments.get("layout")).hex()}
         return made
 
@@ -292,12 +298,14 @@ def make_all():
     for name, (content, complaint) in refused().items():
         files[f"refused/{name}.kestrin"] = content
         expected["refused"][f"refused/{name}.kestrin"] = complaint
-    files["expected.json"] = (json.dumps(expected, indent=1, sort_keys=True) + "\n").encode()
-    return files
+    return files, expected
 
 
 def main():
-    files = make_all()
+    files, expected = make_all()
+    if sys.argv[1:2] == ["--expected"]:
+        pathlib.Path(sys.argv[2]).write_text(json.dumps(expected))
+        return 0
     if sys.argv[1:] == ["--write"]:
         for name, content in files.items():
             (HOME / name).parent.mkdir(parents=True, exist_ok=True)

@@ -1,0 +1,141 @@
+// Every file of tests/data, in the program: what is read is dumped and saved as it should be, what
+// is damaged is refused with one line.
+#include <sys/stat.h>
+
+#include <filesystem>
+
+#include "ctl/CtlTestBase.h"
+
+namespace kestrin {
+namespace {
+
+using nlohmann::json;
+
+class SetFilesTest : public CtlTest {
+ protected:
+  const json Expected = json::parse(BytesOf(KESTRIN_EXPECTED));
+
+  static std::string FromHex(const std::string& hex) {
+    std::string bytes;
+    for (size_t at = 0; at < hex.size(); at += 2)
+      bytes += static_cast<char>(std::stoi(hex.substr(at, 2), nullptr, 16));
+    return bytes;
+  }
+  void ExpectRefusedByAll(const std::string& file, const std::string& fault) const {
+    ExpectRefused({"dump", file}, file, fault);
+    ExpectRefused({"next", "--json", file}, file, fault);
+    ExpectRefused({"agenda", "--json", DataFolder + "golden/tea.kestrin", file}, file, fault);
+    ExpectRefused({"check", DataFolder + "golden/tea.kestrin", file}, file, fault);
+    PutBytes(Path("kept"), "what was there");
+    ExpectRefused({"rewrite", file, "kept"}, file, fault);
+    EXPECT_EQ(BytesOf(Path("kept")), "what was there");
+    ExpectRefused({"rewrite", file, "new"}, file, fault);
+    EXPECT_FALSE(std::filesystem::exists(Path("new")));
+  }
+};
+
+TEST_F(SetFilesTest, WhatIsReadIsDumpedAsItStandsInTheFile) {
+  ASSERT_GT(Expected["read"].size(), 25u);
+  for (const auto& [name, expected] : Expected["read"].items())
+    EXPECT_EQ(RunJson({"dump", DataFolder + name}), expected["dump"]) << name;
+}
+
+TEST_F(SetFilesTest, WhatIsReadIsSavedInTheNewestVersionAndKeepsEverything) {
+  for (const auto& [name, expected] : Expected["read"].items()) {
+    const std::string saved = FromHex(expected["saved"]);
+    for (const std::string& from : {DataFolder + name, Path("again")}) {
+      const Ran ran = Run({"rewrite", from, "again"});
+      EXPECT_EQ(ran.status, 0) << ran.err;
+      EXPECT_EQ(ran.out + ran.err, "");
+      EXPECT_TRUE(BytesOf(Path("again")) == saved) << name << ", from " << from;
+    }
+  }
+}
+
+TEST_F(SetFilesTest, WhatIsReadCanBeReckonedWith) {
+  for (const auto& [name, expected] : Expected["read"].items()) {
+    const std::string file = DataFolder + name;
+    const size_t events = expected["dump"]["events"].size();
+    EXPECT_EQ(RunJson({"next", "--json", file}).size(), events) << name;
+    EXPECT_TRUE(
+        RunJson({"agenda", "--json", "--startup", "--from", "1794700800", file}).is_array());
+    EXPECT_THAT(Run({"next", file}).out, testing::HasSubstr(events ? "Next message time" : "No e"));
+    EXPECT_EQ(Run({"agenda", "--from", "1794700800", file}).status, 0) << name;
+    EXPECT_THAT(Run({"check", file}).out,
+                testing::StartsWith(file + ": " + std::to_string(events) + " events, version " +
+                                    std::string(expected["dump"]["version"])));
+  }
+}
+
+TEST_F(SetFilesTest, DamagedFilesAreRefused) {
+  ASSERT_GT(Expected["refused"].size(), 20u);
+  for (const auto& [name, fault] : Expected["refused"].items())
+    ExpectRefusedByAll(DataFolder + name, fault);
+}
+
+TEST_F(SetFilesTest, WhatIsNoSetFileIsRefused) {
+  std::filesystem::create_directory(Path("folder"));
+  ASSERT_EQ(mkfifo(Path("pipe").c_str(), 0600), 0);
+  std::filesystem::create_symlink("nowhere", Path("dangling"));
+  PutBytes(Path("above the limit"), BytesOf(DataFolder + "golden/tea.kestrin"));
+  std::filesystem::resize_file(Path("above the limit"), (size_t{64} << 20) + 2);
+  ExpectRefusedByAll("folder", "Is a directory");
+  ExpectRefusedByAll("pipe", "it is not a regular file");
+  ExpectRefusedByAll("/dev/zero", "it is not a regular file");
+  ExpectRefusedByAll("missing", "No such file");
+  ExpectRefusedByAll("dangling", "No such file");
+  ExpectRefusedByAll("", "No such file");
+  ExpectRefusedByAll("above the limit", "64 MiB");
+}
+
+TEST_F(SetFilesTest, AFileCutAtAnyFieldIsRefused) {
+  for (const auto& [name, boundaries] : Expected["fields"].items()) {
+    const std::string whole = BytesOf(DataFolder + name);
+    std::vector<std::string> arguments = {"check"};
+    for (const size_t at : boundaries) {
+      arguments.push_back(std::to_string(at));
+      PutBytes(Path(arguments.back()), whole.substr(0, at));
+    }
+    ASSERT_GT(arguments.size(), 300u);
+    const Ran ran = Run(arguments);
+    EXPECT_EQ(ran.status, 2);
+    EXPECT_EQ(ran.out, "");
+    std::istringstream lines(ran.err);
+    std::string line;
+    for (size_t i = 1; i < arguments.size(); ++i) {
+      std::getline(lines, line);
+      EXPECT_TRUE(line.starts_with("kestrinctl: " + arguments[i] + ": ")) << line;
+    }
+    EXPECT_FALSE(std::getline(lines, line)) << line;
+  }
+}
+
+TEST_F(SetFilesTest, RewriteFollowsLinksAndLeavesTheModeOfAFile) {
+  const std::string tea = BytesOf(DataFolder + "golden/tea.kestrin");
+  std::filesystem::create_directory(Path("elsewhere"));
+  PutBytes(Path("elsewhere/set"), "earlier");
+  chmod(Path("elsewhere/set").c_str(), 0640);
+  std::filesystem::create_symlink("elsewhere/set", Path("link"));
+  EXPECT_EQ(Run({"rewrite", DataFolder + "golden/tea.kestrin", "link"}).status, 0);
+  EXPECT_TRUE(std::filesystem::is_symlink(Path("link")));
+  EXPECT_EQ(BytesOf(Path("elsewhere/set")), tea);
+  struct stat info {};
+  stat(Path("elsewhere/set").c_str(), &info);
+  EXPECT_EQ(info.st_mode & 0777u, 0640u);
+  EXPECT_EQ(Run({"rewrite", "link", "link"}).status, 0) << "over itself";
+  EXPECT_EQ(BytesOf(Path("elsewhere/set")), tea);
+}
+
+TEST_F(SetFilesTest, WhatCannotBeWrittenIsNamed) {
+  const std::string tea = DataFolder + "golden/tea.kestrin";
+  std::filesystem::create_directory(Path("folder"));
+  PutBytes(Path("file"), "");
+  const std::pair<const char*, const char*> rows[] = {{"no/such/folder", "No such file"},
+                                                      {"folder", "it is a folder"},
+                                                      {"/dev/full", "it is not a regular file"},
+                                                      {"file/x", "Not a directory"}};
+  for (const auto& [out, fault] : rows) ExpectRefused({"rewrite", tea, out}, out, fault);
+}
+
+}  // namespace
+}  // namespace kestrin
