@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "core/EventRecordFile.h"
+#include "support/HeapRoom.h"
 
 namespace kestrin {
 
@@ -14,6 +15,8 @@ constexpr std::array<const char*, 3> Versions = {"1.0", "1.1", "1.2"};
 constexpr int32 VersionLimit = 30;
 /// Large enough that a set of 100,000 events costs a few hundred system calls.
 constexpr int32 FileBuffer = 65536;
+/// What the events of a set take in memory, for each byte of its file.
+constexpr size_t HeapPerByte = 4;
 /// No record is shorter: all its texts empty, no icon, an empty handler block.
 constexpr int64 ShortestRecord = 119;
 
@@ -113,6 +116,7 @@ ConstructorResult ReadSetFile(EventSet& set, const std::string& path, bool* vers
   report->BigEndian = file.IsNativeEndian() == (std::endian::native == std::endian::big);
   if (file.BytesLeft() > MaxSetFileSize)
     return Fail(*report, "it is larger than an event set may be (64 MiB)");
+  ExpectOnHeap(static_cast<size_t>(file.BytesLeft()) * HeapPerByte);
   char version[VersionLimit];
   if (file.ReadString(version, VersionLimit) != StatusOk)
     return Fail(*report, "it does not begin with a version");
