@@ -41,7 +41,9 @@ template <typename Data>
 EventAddOnData* MakeFakeData(Event* event, EndianIndependentFile* file, bool* ok) {
   auto data = std::make_unique<Data>(event);
   uint32 count = 0;
-  if (file && file->ReadNumber(&count, sizeof count, 1) == 1 && count <= file->BytesLeft()) {
+  if (!file) return data.release();
+  *ok = file->ReadNumber(&count, sizeof count, 1) == 1 && count <= file->BytesLeft();
+  if (*ok) {
     data->Bytes.resize(count);
     *ok = file->ReadRaw(data->Bytes.data(), count) == static_cast<int32>(count);
   }
