@@ -5,7 +5,7 @@ target_compile_options(
                           -Wcast-align -Wunused -Woverloaded-virtual
                           -Wimplicit-fallthrough -Wformat=2 -Werror
                           # g++ 12 reports the standard library's own string concatenation (105651)
-                          -Wno-restrict)
+                          $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
 if(KESTRIN_SANITIZE)
   target_compile_options(kestrin_flags INTERFACE -fsanitize=${KESTRIN_SANITIZE} -fno-omit-frame-pointer)
   target_link_options(kestrin_flags INTERFACE -fsanitize=${KESTRIN_SANITIZE})

@@ -1,0 +1,94 @@
+// Any bytes as an event set file: reading, reckoning and delivering never fall over, and what was
+// read once is saved and read again without a change.
+#include <cstdio>
+#include <cstdlib>
+
+#include "core/AppState.h"
+#include "core/Event.h"
+#include "core/EventSet.h"
+#include "core/EventSetFile.h"
+#include "core/HandlerTable.h"
+#include "fakes/MemoryFileDoor.h"
+#include "fakes/TestContext.h"
+#include "handlers/LoadEventHandlers.h"
+
+namespace kestrin {
+namespace {
+
+constexpr const char* Path = "/set";
+/// A day, a leap day, the clocks' change in Berlin, and the ends of what a time can be.
+constexpr int64 Moments[] = {0, 1794700800, 1835445600, 1792888200, INT32_MIN, INT32_MAX - 1};
+
+void Demand(bool holds, const char* what) {
+  if (holds) return;
+  std::fprintf(stderr, "not held: %s\n", what);
+  std::abort();
+}
+
+std::unique_ptr<EventSet> Read(Context& context, const std::string& path) {
+  ConstructorResult result = ConstructorResult::Success;
+  bool versionOK = true;
+  SetFileReport report;
+  auto set = std::make_unique<EventSet>(context, path, &result, &versionOK, &report);
+  const bool good = result == ConstructorResult::Success && versionOK;
+  Demand(good == report.Fault.empty(), "a fault is told if there is one");
+  return good ? std::move(set) : nullptr;
+}
+
+std::string Written(EventSet& set, MemoryFileDoor& disk) {
+  EndianIndependentFile file(disk, "/written", OpenWriteOnly | OpenCreate | OpenErase, 512);
+  Demand(WriteSetFile(set, file), "what was read can be written");
+  return *disk.Bytes("/written");
+}
+
+void Reckon(EventSet& set, FakeClock& clock, int64 now) {
+  clock.JumpTo(now);
+  for (const auto& event : set.Events()) {
+    event->UpdateEventTime();
+    const int32 next = event->GetNextEventTime();
+    Demand((next == 0) == (event->GetStatus() == DoneWithEvent) || now <= 0,
+           "an event without a next time is done");
+    Demand(next == 0 || next >= now, "what is next lies ahead");
+  }
+}
+
+void Deliver(EventSet& set) {
+  for (int round = 0; round < 3; ++round) {
+    Event* event = nullptr;
+    if (set.GetNextEventTime(&event) == 0) return;
+    event->MoveOn();
+  }
+}
+
+void TryFile(const std::string& bytes, const Zone& zone) {
+  MemoryFileDoor disk;
+  TestContext world(&disk);
+  world.Core.zone = zone;
+  HandlerContext = &world.Core;
+  disk.Put(Path, bytes);
+  const auto set = Read(world.Core, Path);
+  if (!set) return;
+  const std::string once = Written(*set, disk);
+  const auto again = Read(world.Core, "/written");
+  Demand(again != nullptr, "what was written can be read");
+  Demand(Written(*again, disk) == once, "reading and writing again changes nothing");
+  for (const int64 now : Moments) {
+    Reckon(*set, world.Time, now);
+    Deliver(*set);
+  }
+  Demand(!Written(*set, disk).empty(), "what was reckoned can be written");
+}
+
+}  // namespace
+}  // namespace kestrin
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  static const kestrin::Zone zone = kestrin::Zone::Load("Europe/Berlin").value();
+  static const bool loaded = [] {
+    kestrin::TestContext world;
+    kestrin::LoadBuiltInHandlers(world.Core);
+    return true;
+  }();
+  if (loaded) kestrin::TryFile({reinterpret_cast<const char*>(data), size}, zone);
+  return 0;
+}
