@@ -90,7 +90,7 @@ std::string Harmless(std::string_view text) {
 }  // namespace
 
 std::string TextTable::Cell(std::string_view text, size_t width) {
-  const std::string shown = Harmless(text);
+  std::string shown = Harmless(text);
   std::string_view rest = shown;
   size_t columns = 0, kept = 0;
   for (size_t length = 0; !rest.empty(); rest.remove_prefix(length)) {
