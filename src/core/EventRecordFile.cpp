@@ -166,6 +166,14 @@ void WriteReminders(FieldWriter& out, const EventRecord& record) {
   out.Text(record.Comment);
 }
 
+/// Null unless it has the bytes that a record of its own icon promises.
+const IconPair* WholeIcon(const Event& event) {
+  const IconPair* icon = event.GetOwnIcon();
+  const bool whole =
+      icon && icon->large.size() == LargeIconBytes && icon->mini.size() == MiniIconBytes;
+  return whole ? icon : nullptr;
+}
+
 }  // namespace
 
 bool ReadHandlerData(Event& event, const std::string& handlerName, EndianIndependentFile& file,
@@ -239,7 +247,7 @@ bool WriteEventRecord(Event& event, EndianIndependentFile& file) {
   out.Flag(true);
   WriteWhen(out, record);
   WriteReminders(out, record);
-  const IconPair* icon = event.GetOwnIcon();
+  const IconPair* icon = record.IconNumber == -2 ? WholeIcon(event) : nullptr;
   out.Number(record.IconNumber == -2 && !icon ? -1 : record.IconNumber);
   if (icon) {
     out.Raw(icon->large);

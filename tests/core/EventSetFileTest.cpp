@@ -194,6 +194,30 @@ TEST_F(EventSetFileTest, ASetOfNoEventsIs127Bytes) {
   EXPECT_EQ(bytes.substr(0, 9), std::string("\0\x31.2\0\0\0\0\0", 9));
 }
 
+TEST_F(EventSetFileTest, AnIconThatIsNotWholeIsLeftOut) {
+  const std::string large(LargeIconBytes, 'l'), mini(MiniIconBytes, 'm');
+  const struct {
+    int32 number;
+    IconPair icon;
+    int32 saved;
+  } rows[] = {{-2, {large, mini}, -2},
+              {-2, {large.substr(1), mini}, -1},
+              {-2, {large, mini + "m"}, -1},
+              {3, {large, mini}, 3}};
+  for (const auto& row : rows) {
+    EventSet& set = NewSet(Path);
+    EventRecord record = DailyAt(Sunday);
+    record.IconNumber = row.number;
+    Add(set, record).AdoptIcon(std::make_unique<IconPair>(row.icon));
+    ASSERT_TRUE(set.SaveData());
+    OpenSets::Sets.clear();
+    const auto again = Read();
+    ASSERT_EQ(Result, ConstructorResult::Success) << Report.Fault;
+    EXPECT_EQ(again->Events()[0]->Record().IconNumber, row.saved);
+    EXPECT_EQ(again->Events()[0]->GetOwnIcon() != nullptr, row.saved == -2);
+  }
+}
+
 TEST_F(EventSetFileTest, AMissingHandlersDataOutlivesEditingOfAnotherEvent) {
   const std::string bytes("\0\1\xfe kept \0", 10);
   {
