@@ -6,10 +6,10 @@
 
 #include "core/AlertDesk.h"
 #include "core/Context.h"
-#include "interface/AlertAccessible.h"
-#include "interface/AlertCascade.h"
-#include "interface/AlertWindow.h"
-#include "interface/EventSetWindow.h"
+#include "interface/alerts/AlertAccessible.h"
+#include "interface/alerts/AlertCascade.h"
+#include "interface/alerts/AlertWindow.h"
+#include "interface/sets/EventSetWindow.h"
 
 namespace kestrin {
 

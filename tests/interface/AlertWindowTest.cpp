@@ -13,8 +13,8 @@
 #include <QtTest/QTest>
 #include <set>
 
-#include "interface/AlertCascade.h"
 #include "interface/ScreenContext.h"
+#include "interface/alerts/AlertCascade.h"
 
 namespace kestrin {
 namespace {

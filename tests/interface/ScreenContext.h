@@ -21,9 +21,9 @@
 #include "fakes/FakeWorkers.h"
 #include "fakes/MemoryFileDoor.h"
 #include "handlers/LoadEventHandlers.h"
-#include "interface/EventSetWindow.h"
-#include "interface/ListEventView.h"
 #include "interface/QtUserInterface.h"
+#include "interface/list/ListEventView.h"
+#include "interface/sets/EventSetWindow.h"
 
 namespace kestrin {
 

@@ -1,11 +1,11 @@
-#include "interface/ListEventView.h"
+#include "interface/list/ListEventView.h"
 
 #include <QItemSelectionModel>
 #include <algorithm>
 
 #include "core/EventSet.h"
-#include "interface/EventRowDelegate.h"
-#include "interface/ShownLayout.h"
+#include "interface/list/EventRowDelegate.h"
+#include "interface/list/ShownLayout.h"
 
 namespace kestrin {
 

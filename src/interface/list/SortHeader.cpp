@@ -1,4 +1,4 @@
-#include "interface/SortHeader.h"
+#include "interface/list/SortHeader.h"
 
 #include <QMouseEvent>
 #include <QPainter>

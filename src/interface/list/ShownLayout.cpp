@@ -1,4 +1,4 @@
-#include "interface/ShownLayout.h"
+#include "interface/list/ShownLayout.h"
 
 #include <algorithm>
 #include <cmath>

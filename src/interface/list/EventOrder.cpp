@@ -1,4 +1,4 @@
-#include "interface/EventOrder.h"
+#include "interface/list/EventOrder.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,9 +1,9 @@
-#include "interface/ColumnListView.h"
+#include "interface/list/ColumnListView.h"
 
 #include <QAccessible>
 #include <QKeyEvent>
 
-#include "interface/ShownLayout.h"
+#include "interface/list/ShownLayout.h"
 
 namespace kestrin {
 

@@ -1,4 +1,4 @@
-#include "interface/AlertIcon.h"
+#include "interface/alerts/AlertIcon.h"
 
 #include <QIcon>
 #include <QPainter>

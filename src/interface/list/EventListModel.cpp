@@ -1,4 +1,4 @@
-#include "interface/EventListModel.h"
+#include "interface/list/EventListModel.h"
 
 #include <QTimer>
 #include <algorithm>
@@ -6,7 +6,7 @@
 
 #include "core/Event.h"
 #include "core/EventSet.h"
-#include "interface/EventCells.h"
+#include "interface/list/EventCells.h"
 
 namespace kestrin {
 

@@ -1,4 +1,4 @@
-#include "interface/AlertWindow.h"
+#include "interface/alerts/AlertWindow.h"
 
 #include <QAccessible>
 #include <QGuiApplication>
@@ -10,10 +10,10 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
-#include "interface/AlertCascade.h"
-#include "interface/AlertIcon.h"
-#include "interface/AlertText.h"
 #include "interface/ShownText.h"
+#include "interface/alerts/AlertCascade.h"
+#include "interface/alerts/AlertIcon.h"
+#include "interface/alerts/AlertText.h"
 
 namespace kestrin {
 

@@ -1,4 +1,4 @@
-#include "interface/EventSetWindow.h"
+#include "interface/sets/EventSetWindow.h"
 
 #include <QCloseEvent>
 #include <QGuiApplication>
@@ -11,10 +11,10 @@
 #include "core/EventSet.h"
 #include "core/MessageCodes.h"
 #include "core/Notices.h"
-#include "interface/EventSetMenus.h"
 #include "interface/Frames.h"
-#include "interface/ListEventView.h"
 #include "interface/ShownText.h"
+#include "interface/list/ListEventView.h"
+#include "interface/sets/EventSetMenus.h"
 
 namespace kestrin {
 

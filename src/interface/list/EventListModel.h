@@ -5,7 +5,7 @@
 #include <unordered_set>
 #include <vector>
 
-#include "interface/EventOrder.h"
+#include "interface/list/EventOrder.h"
 
 namespace kestrin {
 

@@ -1,4 +1,4 @@
-#include "interface/AlertCascade.h"
+#include "interface/alerts/AlertCascade.h"
 
 #include <algorithm>
 

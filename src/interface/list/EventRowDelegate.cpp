@@ -1,4 +1,4 @@
-#include "interface/EventRowDelegate.h"
+#include "interface/list/EventRowDelegate.h"
 
 #include <QAbstractItemView>
 #include <QHelpEvent>

@@ -1,4 +1,4 @@
-#include "interface/EventCells.h"
+#include "interface/list/EventCells.h"
 
 #include <QImage>
 
@@ -6,8 +6,8 @@
 #include "core/Event.h"
 #include "core/EventSet.h"
 #include "core/HandlerTable.h"
-#include "interface/EventOrder.h"
 #include "interface/ShownText.h"
+#include "interface/list/EventOrder.h"
 
 namespace kestrin {
 

@@ -1,4 +1,4 @@
-#include "interface/EventSetMenus.h"
+#include "interface/sets/EventSetMenus.h"
 
 #include <QMenu>
 #include <QMenuBar>

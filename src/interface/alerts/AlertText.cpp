@@ -1,4 +1,4 @@
-#include "interface/AlertText.h"
+#include "interface/alerts/AlertText.h"
 
 #include <QStyle>
 #include <QTextLayout>

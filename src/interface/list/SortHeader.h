@@ -4,7 +4,7 @@
 #include <QHeaderView>
 #include <vector>
 
-#include "interface/EventOrder.h"
+#include "interface/list/EventOrder.h"
 
 namespace kestrin {
 

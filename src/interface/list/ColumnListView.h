@@ -4,8 +4,8 @@
 #include <QTreeView>
 #include <vector>
 
-#include "interface/EventOrder.h"
-#include "interface/SortHeader.h"
+#include "interface/list/EventOrder.h"
+#include "interface/list/SortHeader.h"
 
 namespace kestrin {
 

@@ -1,7 +1,7 @@
 // A view of a set's events, as the set's window knows it.
 #pragma once
 
-#include "interface/EventOrder.h"
+#include "interface/list/EventOrder.h"
 
 class QWidget;
 

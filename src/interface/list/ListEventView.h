@@ -1,9 +1,9 @@
 // The list of a set's events.
 #pragma once
 
-#include "interface/ColumnListView.h"
-#include "interface/EventListModel.h"
-#include "interface/EventSetViewInterface.h"
+#include "interface/list/ColumnListView.h"
+#include "interface/list/EventListModel.h"
+#include "interface/list/EventSetViewInterface.h"
 
 namespace kestrin {
 

@@ -1,8 +1,8 @@
-#include "interface/AlertAccessible.h"
+#include "interface/alerts/AlertAccessible.h"
 
 #include <QAccessibleWidget>
 
-#include "interface/AlertWindow.h"
+#include "interface/alerts/AlertWindow.h"
 
 namespace kestrin {
 

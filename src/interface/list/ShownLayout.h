@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "core/EventSet.h"
-#include "interface/EventOrder.h"
+#include "interface/list/EventOrder.h"
 
 namespace kestrin {
 
