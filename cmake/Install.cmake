@@ -29,3 +29,5 @@ install(FILES data/mime/vnd.ZR.Kestrin.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/
 install(DIRECTORY include/kestrin DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(FILES data/icons/vnd.ZR.Kestrin.svg
         DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps)
+install(FILES "docs/Kestrin documentation.html" DESTINATION ${home})
+install(DIRECTORY docs/pictures DESTINATION ${home})
