@@ -9,6 +9,7 @@
 #include "interface/alerts/AlertAccessible.h"
 #include "interface/alerts/AlertCascade.h"
 #include "interface/alerts/AlertWindow.h"
+#include "interface/editor/EventWindow.h"
 #include "interface/sets/EventSetWindow.h"
 
 namespace kestrin {
@@ -39,7 +40,12 @@ SetWindow* QtUserInterface::OpenSetWindow(EventSet& set) {
   return window;
 }
 
-EditorWindow* QtUserInterface::OpenEventWindow(Event&) { return nullptr; }
+EditorWindow* QtUserInterface::OpenEventWindow(Event& event) {
+  if (!HasScreen()) return nullptr;
+  auto* window = new EventWindow(event);
+  window->Activate();
+  return window;
+}
 
 void QtUserInterface::OpenAlert(AlertId id, const AlertRequest& request, int32 place) {
   auto& window = alerts_[id] = std::make_unique<AlertWindow>(request, place);
@@ -94,8 +100,10 @@ void QtUserInterface::ShowSettingsWindow() {}
 void QtUserInterface::ShowAboutWindow() {}
 
 void QtUserInterface::SettingsChanged() {
-  for (QWidget* widget : QApplication::topLevelWidgets())
+  for (QWidget* widget : QApplication::topLevelWidgets()) {
     if (auto* window = qobject_cast<EventSetWindow*>(widget)) window->SettingsChanged();
+    if (auto* editor = qobject_cast<EventWindow*>(widget)) editor->SettingsChanged();
+  }
 }
 
 QWidget* QtUserInterface::CreateEditView(EventAddOnData&, Rect) { return nullptr; }

@@ -22,6 +22,7 @@
 #include "fakes/MemoryFileDoor.h"
 #include "handlers/LoadEventHandlers.h"
 #include "interface/QtUserInterface.h"
+#include "interface/editor/EventWindow.h"
 #include "interface/list/ListEventView.h"
 #include "interface/sets/EventSetWindow.h"
 
@@ -42,6 +43,8 @@ struct ScreenContext {
     Ui.Connect(Core, Application);
   }
   ~ScreenContext() {
+    for (QWidget* widget : QApplication::topLevelWidgets())
+      if (auto* window = qobject_cast<EventWindow*>(widget)) window->CloseNow();
     for (QWidget* widget : QApplication::topLevelWidgets())
       if (auto* window = qobject_cast<EventSetWindow*>(widget)) window->CloseNow();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);

@@ -2,10 +2,13 @@
 #pragma once
 
 #include <QWidget>
+#include <functional>
+#include <vector>
 
 namespace kestrin {
 
 class Event;
+class TypedField;
 
 /// Its controls write through the event's setters at once. The event outlives the page. Main
 /// thread only.
@@ -20,6 +23,8 @@ class EditorPage : public QWidget {
   /// Hands over what is being typed. What cannot be read stays in its field, marked, and changes
   /// nothing.
   virtual void CommitEdits() = 0;
+  /// Drops what is being typed: the page shows the event again, and the event may go before it.
+  virtual void DropEdits();
 
  signals:
   /// A typed value was refused, with a sentence that says why; empty when all fields are good.
@@ -28,8 +33,26 @@ class EditorPage : public QWidget {
  protected:
   Event& GetEvent() const { return event_; }
 
+  /// Changes the event under its set's lock, then shows it.
+  void Write(const std::function<void(Event&)>& change);
+
+  /// From then on the field's complaints are the page's, and the three below look after it.
+  void AddField(TypedField* field);
+  void ShowFields();
+  void CommitFields();
+  /// Fields of rows that are hidden show their values again: nobody could correct them there.
+  void DropHiddenEdits();
+
  private:
+  void Complain();
+
+  struct Field {
+    TypedField* field;
+    QString complaint;
+  };
+
   Event& event_;
+  std::vector<Field> fields_;
 };
 
 }  // namespace kestrin

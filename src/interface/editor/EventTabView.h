@@ -1,0 +1,38 @@
+// The pages of an event's editor.
+#pragma once
+
+#include <QTabWidget>
+#include <array>
+#include <vector>
+
+namespace kestrin {
+
+class EditorPage;
+class Event;
+
+/// In the order of the pages.
+inline constexpr std::array<const char*, 5> TabbedViewNames = {"Action", "When", "Prewarning",
+                                                               "Nagging", "Comment"};
+
+/// The event keeps which page is shown; a number without a page is kept until the person turns to
+/// another.
+class EventTabView final : public QTabWidget {
+  Q_OBJECT
+
+ public:
+  explicit EventTabView(Event& event);
+
+  const std::vector<EditorPage*>& Pages() const { return pages_; }
+  /// The handler's edit view goes, and comes; Pages' own ShowEvent leaves it alone.
+  void RemoveEditView();
+  void AddEditView();
+
+ private:
+  void AddPages(Event& event);
+  void AddPage(EditorPage* page, const QString& label);
+  void TurnTo(int by);
+
+  std::vector<EditorPage*> pages_;
+};
+
+}  // namespace kestrin

@@ -1,0 +1,118 @@
+#include "interface/editor/EventView.h"
+
+#include <QCheckBox>
+#include <QGridLayout>
+#include <QLabel>
+
+#include "core/DateTimeText.h"
+#include "core/EventSet.h"
+#include "interface/ShownText.h"
+#include "interface/editor/TypedField.h"
+
+namespace kestrin {
+
+namespace {
+
+enum Column { IconColumn, CaptionColumn, ValueColumn, ActiveColumn };
+
+QString StatusText(const Event& event) {
+  const auto status = static_cast<size_t>(event.GetStatus());
+  std::string_view text;
+  if (!event.GetActive())
+    text = InactiveMessage;
+  else if (status < StatusMessages.size())
+    text = StatusMessages[status];
+  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+void ShowLine(QLabel& line, const QString& text) {
+  line.setText(text);
+  line.setAccessibleName(line.property("caption").toString() + u' ' + text);
+}
+
+}  // namespace
+
+EventView::EventView(Event& event) : EditorPage(event) {
+  auto* grid = new QGridLayout(this);
+  grid->setContentsMargins(0, 0, 0, 0);
+  grid->setColumnStretch(ValueColumn, 1);
+  BuildIcon(*grid);
+  BuildName(*grid);
+  BuildTimes(*grid);
+}
+
+void EventView::BuildIcon(QGridLayout& grid) {
+  auto* icon = new QWidget;
+  icon->setObjectName("icon");
+  icon->setFixedSize(40, 40);
+  grid.addWidget(icon, 0, IconColumn, 4, 1, Qt::AlignTop);
+}
+
+void EventView::BuildName(QGridLayout& grid) {
+  name_ = new TypedField(
+      "eventName", [this] { return ShownText(GetEvent().GetName()); },
+      [this](const QString& text) {
+        Write([&](Event& event) { event.SetName(text.toStdString()); });
+        return QString();
+      });
+  name_->LimitToEventText();
+  AddField(name_);
+  auto* caption = new QLabel("&Name:");
+  caption->setBuddy(name_);
+  active_ = new QCheckBox("Acti&ve");
+  active_->setObjectName("active");
+  connect(active_, &QCheckBox::clicked, this,
+          [this](bool on) { Write([on](Event& event) { event.SetActive(on); }); });
+  grid.addWidget(caption, 0, CaptionColumn, Qt::AlignRight | Qt::AlignVCenter);
+  grid.addWidget(name_, 0, ValueColumn);
+  grid.addWidget(active_, 0, ActiveColumn);
+}
+
+void EventView::BuildTimes(QGridLayout& grid) {
+  actual_ = AddLine(grid, "actualTime", "Actual event time:");
+  next_ = AddLine(grid, "nextTime", "Next message time:");
+  status_ = AddLine(grid, "status", "Status:");
+}
+
+QLabel* EventView::AddLine(QGridLayout& grid, const char* objectName, const char* caption) {
+  auto* value = new QLabel;
+  value->setObjectName(objectName);
+  value->setProperty("caption", caption);
+  value->setTextFormat(Qt::PlainText);
+  value->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  const int row = grid.rowCount();
+  grid.addWidget(new QLabel(caption), row, CaptionColumn, Qt::AlignRight);
+  grid.addWidget(value, row, ValueColumn, 1, 2);
+  return value;
+}
+
+void EventView::ShowEvent() {
+  ShowFields();
+  active_->setChecked(GetEvent().GetActive());
+  RedrawStatus();
+}
+
+void EventView::RedrawStatus() {
+  ShowLine(*actual_, TimeText(GetEvent().GetActualEventTime()));
+  ShowLine(*next_, TimeText(GetEvent().GetNextEventTime()));
+  ShowLine(*status_, StatusText(GetEvent()));
+}
+
+/// A prewarning of a whole-day event may come at any hour: only midnight goes without saying.
+QString EventView::TimeText(int time) const {
+  const Zone& zone = GetEvent().GetOwner()->GetContext().zone;
+  const bool withTime = GetEvent().GetApplyTime() || GetSecondsIntoDay(time, zone) != 0;
+  return QString::fromStdString(
+      GetDateTimeString(time, withTime, zone, KestrinSettings::Time24Hour));
+}
+
+void EventView::CommitEdits() { CommitFields(); }
+
+bool EventView::OfferName() {
+  if (GetEvent().GetName() != EventRecord().Name) return false;
+  name_->setFocus();
+  name_->selectAll();
+  return true;
+}
+
+}  // namespace kestrin

@@ -1,0 +1,210 @@
+#include "interface/editor/EventWindow.h"
+
+#include <QAccessible>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QShortcut>
+#include <QStyle>
+#include <QVBoxLayout>
+#include <utility>
+
+#include "core/EventSet.h"
+#include "interface/Frames.h"
+#include "interface/ShownText.h"
+#include "interface/editor/EventTabView.h"
+#include "interface/editor/EventView.h"
+
+namespace kestrin {
+
+EventWindow::EventWindow(Event& event) : event_(&event) {
+  setObjectName("eventWindow");
+  setWindowTitle("Event");
+  Build();
+  Retitle();
+  ShowEvent();
+  event.SetShouldWindowOpen(true);
+  if (!header_->OfferName()) tabs_->setFocus();
+  OpenAtFrame();
+}
+
+EventWindow::~EventWindow() { Detach(); }
+
+void EventWindow::Build() {
+  header_ = new EventView(*event_);
+  tabs_ = new EventTabView(*event_);
+  auto* column = new QVBoxLayout(this);
+  column->addWidget(header_);
+  column->addWidget(tabs_, 1);
+  BuildComplaintLine();
+  AddPage(header_);
+  for (EditorPage* page : tabs_->Pages()) AddPage(page);
+  auto* close = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_W), this);
+  connect(close, &QShortcut::activated, this, &QWidget::close);
+}
+
+/// Its room is there from the start, so that nothing moves when there is something to say.
+void EventWindow::BuildComplaintLine() {
+  complaintLine_ = new QWidget;
+  auto* icon = new QLabel;
+  const int side = style()->pixelMetric(QStyle::PM_SmallIconSize);
+  icon->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(side));
+  complaint_ = new QLabel;
+  complaint_->setObjectName("complaint");
+  complaint_->setTextFormat(Qt::PlainText);
+  complaint_->setWordWrap(true);
+  complaint_->setMinimumHeight(2 * fontMetrics().lineSpacing());
+  complaint_->setAlignment(Qt::AlignTop | Qt::AlignLeft);
+  auto* row = new QHBoxLayout(complaintLine_);
+  row->setContentsMargins(0, 0, 0, 0);
+  row->addWidget(icon, 0, Qt::AlignTop);
+  row->addWidget(complaint_, 1);
+  QSizePolicy policy = complaintLine_->sizePolicy();
+  policy.setRetainSizeWhenHidden(true);
+  complaintLine_->setSizePolicy(policy);
+  complaintLine_->hide();
+  layout()->addWidget(complaintLine_);
+}
+
+void EventWindow::AddPage(EditorPage* page) {
+  const size_t row = pages_.size();
+  pages_.push_back({page, {}});
+  connect(page, &EditorPage::Complained, this, [this, row](const QString& why) {
+    pages_[row].complaint = why;
+    ShowComplaint();
+  });
+}
+
+void EventWindow::ShowComplaint() {
+  QString first;
+  for (const Page& entry : pages_)
+    if (first.isEmpty()) first = entry.complaint;
+  if (first == complaint_->text()) return;
+  complaint_->setText(first);
+  complaintLine_->setVisible(!first.isEmpty());
+  if (first.isEmpty()) return;
+  QAccessibleEvent said(complaint_, QAccessible::Alert);
+  QAccessible::updateAccessibility(&said);
+}
+
+void EventWindow::OpenAtFrame() {
+  layout()->activate();
+  setGeometry(GeometryOnScreen(event_->Record().WindowFrame,
+                               KestrinSettings::EventWindowPosition.DefaultFrame()));
+  opened_ = geometry();
+}
+
+void EventWindow::Activate() {
+  if (isMinimized()) setWindowState(windowState() & ~Qt::WindowMinimized);
+  show();
+  raise();
+  activateWindow();
+}
+
+void EventWindow::Retitle() {
+  setWindowTitle(WindowTitle("Event (set " + event_->GetOwner()->GetLeaf() + ")"));
+}
+
+void EventWindow::ShowEvent() {
+  for (const Page& entry : pages_) entry.page->ShowEvent();
+}
+
+/// A delivery changes an event's times more than once in a turn of the event loop.
+void EventWindow::RedrawTimes() {
+  if (std::exchange(redrawWaits_, true)) return;
+  const auto redraw = [this] {
+    redrawWaits_ = false;
+    if (event_) ShowEvent();
+  };
+  QMetaObject::invokeMethod(this, redraw, Qt::QueuedConnection);
+}
+
+void EventWindow::EventChanged() {
+  if (!event_) return;
+  Retitle();
+  ShowEvent();
+}
+
+void EventWindow::SettingsChanged() {
+  if (event_) ShowEvent();
+}
+
+void EventWindow::RemoveEditView() { tabs_->RemoveEditView(); }
+void EventWindow::AddEditView() { tabs_->AddEditView(); }
+
+void EventWindow::CommitEdits() {
+  if (!event_) return;
+  for (const Page& entry : pages_) entry.page->CommitEdits();
+}
+
+void EventWindow::CloseNow() {
+  hide();
+  Detach();
+  deleteLater();
+}
+
+void EventWindow::Detach() {
+  if (!event_) return;
+  CommitEdits();
+  for (const Page& entry : pages_) entry.page->DropEdits();
+  CloseOwnPopup();
+  RememberAsDefault();
+  tabs_->RemoveEditView();
+  std::exchange(event_, nullptr)->WindowClosed();
+}
+
+/// A menu or calendar of this window is a window of its own.
+void EventWindow::CloseOwnPopup() {
+  QWidget* const popup = QApplication::activePopupWidget();
+  for (const QWidget* owner = popup; owner; owner = owner->parentWidget())
+    if (owner == this) popup->close();
+}
+
+/// An event may delete itself, and so close its editor, while its set is locked: then the settings,
+/// which come before sets in the order of locks, wait.
+void EventWindow::RememberAsDefault() {
+  const auto remember = [frame = FrameOf(geometry())] {
+    const AutoLock settings(KestrinSettings::Protect);
+    if (!KestrinSettings::RememberWindowSetupAsDefault) return;
+    KestrinSettings::EventWindowPosition.SetDefaultFrame(frame);
+    KestrinSettings::Changed();
+  };
+  if (event_->GetOwner()->IsLocked())
+    QMetaObject::invokeMethod(qApp, remember, Qt::QueuedConnection);
+  else
+    remember();
+}
+
+void EventWindow::closeEvent(QCloseEvent*) {
+  if (!event_) return;
+  event_->SetShouldWindowOpen(false);
+  CloseNow();
+}
+
+void EventWindow::keyPressEvent(QKeyEvent* event) {
+  if (event->key() == Qt::Key_Escape)
+    close();
+  else
+    QWidget::keyPressEvent(event);
+}
+
+void EventWindow::moveEvent(QMoveEvent* event) {
+  QWidget::moveEvent(event);
+  StoreFrame();
+}
+
+void EventWindow::resizeEvent(QResizeEvent* event) {
+  QWidget::resizeEvent(event);
+  StoreFrame();
+}
+
+void EventWindow::StoreFrame() {
+  const bool isPlaced = isVisible() && !isMinimized() && !isMaximized() && !isFullScreen();
+  if (!event_ || !isPlaced || geometry() == opened_) return;
+  opened_ = QRect();
+  const AutoLock lock(event_->GetProtectionSemaphore());
+  event_->SetWindowFrame(FrameOf(geometry()));
+}
+
+}  // namespace kestrin

@@ -1,0 +1,159 @@
+#include <gmock/gmock.h>
+
+#include <QAction>
+#include <QApplication>
+#include <QClipboard>
+#include <QtTest/QTest>
+#include <memory>
+
+#include "interface/editor/NumberField.h"
+
+namespace kestrin {
+namespace {
+
+using testing::IsEmpty;
+
+/// Two fields over one number each: a typed one that takes even numbers only, and a stepped one.
+struct TypedFieldTest : testing::Test {
+  TypedFieldTest() {
+    window.setFocusPolicy(Qt::StrongFocus);
+    field.setParent(&window);
+    number.setParent(&window);
+    number.move(0, 60);
+    QObject::connect(&field, &TypedField::Complained, [this](const QString& why) { said = why; });
+    field.ShowValue();
+    number.ShowValue();
+    window.show();
+    window.activateWindow();
+    if (!QTest::qWaitForWindowActive(&window)) ADD_FAILURE() << "no active window";
+    field.setFocus();
+    field.selectAll();
+  }
+
+  QWidget window;
+  int value = 8;
+  uint32 steps = 2;
+  QString said;
+  std::vector<QString> taken;
+  TypedField field{"field", [this] { return QString::number(value); },
+                   [this](const QString& text) {
+                     taken.push_back(text);
+                     if (text.toInt() % 2) return QString("Odd: ") + text;
+                     value = text.toInt();
+                     return QString();
+                   }};
+  NumberField number{"number", 1, [this] { return steps; },
+                     [this](uint32 typed) {
+                       if (typed == 0) return QString("Zero");
+                       steps = typed;
+                       return QString();
+                     }};
+};
+
+TEST_F(TypedFieldTest, IsReadOnReturnAndOnLeaving) {
+  QTest::keyClicks(&field, " 12");
+  EXPECT_EQ(value, 8) << "while it is being typed";
+  QTest::keyClick(&field, Qt::Key_Return);
+  EXPECT_EQ(value, 12);
+  EXPECT_EQ(field.text(), "12") << "shown as it was understood";
+  QTest::keyClicks(&field, "14");
+  QTest::keyClick(&field, Qt::Key_Tab);
+  EXPECT_EQ(value, 14);
+  EXPECT_TRUE(number.hasFocus());
+}
+
+TEST_F(TypedFieldTest, WhatNobodyTypedIsNotTaken) {
+  QTest::keyClick(&field, Qt::Key_Return);
+  QTest::keyClicks(&field, "9");
+  QTest::keyClick(&field, Qt::Key_Backspace);
+  QTest::keyClicks(&field, "8");
+  EXPECT_TRUE(field.Commit());
+  EXPECT_THAT(taken, IsEmpty());
+}
+
+TEST_F(TypedFieldTest, AValueThatChangesMeanwhileDoesNotDisturbTyping) {
+  QTest::keyClicks(&field, "1");
+  value = 20;
+  field.ShowValue();
+  QTest::keyClicks(&field, "6");
+  EXPECT_TRUE(field.Commit());
+  EXPECT_EQ(value, 16);
+  value = 20;
+  field.ShowValue();
+  EXPECT_EQ(field.text(), "20");
+}
+
+TEST_F(TypedFieldTest, WhatCannotBeReadStaysMarkedAndChangesNothing) {
+  const QPalette plain = field.palette();
+  QTest::keyClicks(&field, "7");
+  QTest::keyClick(&field, Qt::Key_Return);
+  EXPECT_TRUE(field.IsInvalid());
+  EXPECT_EQ(said, "Odd: 7");
+  EXPECT_EQ(field.accessibleDescription(), said);
+  EXPECT_NE(field.palette().color(QPalette::Base), plain.color(QPalette::Base));
+  EXPECT_TRUE(field.actions().front()->isVisible()) << "a sign, for who sees no colours";
+  EXPECT_EQ(value, 8);
+  field.ShowValue();
+  EXPECT_EQ(field.text(), "7");
+  EXPECT_FALSE(field.Commit());
+
+  QTest::keyClick(&field, Qt::Key_Escape);
+  EXPECT_EQ(field.text(), "8");
+  EXPECT_FALSE(field.IsInvalid());
+  EXPECT_EQ(said, "");
+  EXPECT_FALSE(field.actions().front()->isVisible());
+  EXPECT_EQ(field.palette().color(QPalette::Base), plain.color(QPalette::Base));
+}
+
+TEST_F(TypedFieldTest, AFieldThatIsDisabledDropsWhatNobodyCanCorrect) {
+  QTest::keyClicks(&field, "7");
+  field.Commit();
+  field.setEnabled(false);
+  EXPECT_EQ(field.text(), "8");
+  EXPECT_EQ(said, "");
+}
+
+TEST_F(TypedFieldTest, EventTextsStopAtACharacterBoundaryAndSaySo) {
+  field.LimitToEventText();
+  QApplication::clipboard()->setText(QString(1364, u'€') + "456789");  // 3 bytes each
+  QTest::keyClick(&field, Qt::Key_V, Qt::ControlModifier);
+  EXPECT_EQ(field.text().toUtf8().size(), 4095);
+  EXPECT_THAT(said.toStdString(), testing::HasSubstr("4095 bytes"));
+  EXPECT_FALSE(field.IsInvalid());
+  QTest::keyClick(&field, Qt::Key_Backspace);
+  EXPECT_EQ(said, "");
+}
+
+TEST_F(TypedFieldTest, NumbersStepByKeysAndRefuseWhatIsNone) {
+  number.setFocus();
+  for (const auto key : {Qt::Key_Up, Qt::Key_Up, Qt::Key_Down}) QTest::keyClick(&number, key);
+  EXPECT_EQ(steps, 3U);
+  for (int i = 0; i < 4; ++i) QTest::keyClick(&number, Qt::Key_Down);
+  EXPECT_EQ(steps, 1U) << "not below the least";
+  EXPECT_FALSE(number.IsInvalid());
+
+  struct Case {
+    const char* typed;
+    uint32 result;  // 0: refused
+  };
+  for (const Case& c : {Case{" 7 ", 7},
+                        {"4294967295", 4294967295U},
+                        {"4294967296", 0},
+                        {"0", 0},
+                        {"-1", 0},
+                        {"2.5", 0},
+                        {"seven", 0},
+                        {"", 0},
+                        {"+3", 0}}) {
+    steps = 100;
+    QTest::keyClick(&number, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClick(&number, Qt::Key_Delete);
+    QTest::keyClicks(&number, c.typed);
+    EXPECT_EQ(number.Commit(), c.result != 0) << c.typed;
+    EXPECT_EQ(steps, c.result ? c.result : 100) << c.typed;
+    QTest::keyClick(&number, Qt::Key_Escape);
+  }
+}
+
+}  // namespace
+}  // namespace kestrin
