@@ -24,6 +24,8 @@ class BufferedFile {
   BufferedFile(FileDoor& door, const std::string& path, uint32 openMode, int32 bufferSize);
   BufferedFile(FileDoor& door, const std::string& folder, const std::string& name, uint32 openMode,
                int32 bufferSize);
+  /// Takes over a file that is open already and has no path: SetTo fails.
+  BufferedFile(std::unique_ptr<OpenFile> file, uint32 openMode, int32 bufferSize);
   BufferedFile(const BufferedFile&) = delete;
   BufferedFile& operator=(const BufferedFile&) = delete;
   virtual ~BufferedFile();
@@ -93,7 +95,7 @@ class BufferedFile {
   int32 WriteToFile(const uint8* data, int32 count);
   int64 FindBytesLeft();
 
-  FileDoor& door_;
+  FileDoor* door_ = nullptr;
   std::unique_ptr<OpenFile> file_;
   std::unique_ptr<uint8[]> buffer_;
   int32 bufferSize_ = 0;

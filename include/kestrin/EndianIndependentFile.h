@@ -16,6 +16,7 @@ class EndianIndependentFile : public BufferedFile {
   EndianIndependentFile(FileDoor& door, const std::string& path, uint32 openMode, int32 bufferSize);
   EndianIndependentFile(FileDoor& door, const std::string& folder, const std::string& name,
                         uint32 openMode, int32 bufferSize);
+  EndianIndependentFile(std::unique_ptr<OpenFile> file, uint32 openMode, int32 bufferSize);
 
   status_t InitCheck() const override;
 

@@ -17,6 +17,7 @@ namespace kestrin {
 
 class EditorWindow;
 class EventSet;
+class Message;
 
 enum class ConstructorResult : int32 { Success = 0, CouldNotOpen = 1, CouldNotRead = 2 };
 
@@ -102,6 +103,10 @@ class Event {
   std::string GetHandlerName() const;
   /// For readers: puts data into a slot and selects it. Notifies nobody.
   void AdoptAddOnData(int32 row, std::unique_ptr<EventAddOnData> data);
+
+  /// Adds the event's fields and its handler's data to an empty message. False, with the message
+  /// of no use, when the handler fails.
+  bool GenerateMessageForEvent(Message* message) const;
 
   /// Recomputes the times and the status as at now and tells everybody.
   void UpdateEventTime();

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "support/FileDoor.h"
 
@@ -22,14 +23,19 @@ int32 AsCount(size_t count) { return static_cast<int32>(std::min<size_t>(count, 
 
 BufferedFile::BufferedFile(FileDoor& door, const std::string& path, uint32 openMode,
                            int32 bufferSize)
-    : door_(door), bufferSize_(std::max(bufferSize, 1)), openMode_(openMode) {
-  file_ = door_.Open(path, openMode, initStatus_);
+    : door_(&door), bufferSize_(std::max(bufferSize, 1)), openMode_(openMode) {
+  file_ = door_->Open(path, openMode, initStatus_);
   AllocAndInitBuffer();
 }
 
 BufferedFile::BufferedFile(FileDoor& door, const std::string& folder, const std::string& name,
                            uint32 openMode, int32 bufferSize)
     : BufferedFile(door, Joined(folder, name), openMode, bufferSize) {}
+
+BufferedFile::BufferedFile(std::unique_ptr<OpenFile> file, uint32 openMode, int32 bufferSize)
+    : file_(std::move(file)), bufferSize_(std::max(bufferSize, 1)), openMode_(openMode) {
+  AllocAndInitBuffer();
+}
 
 BufferedFile::~BufferedFile() = default;
 
@@ -221,10 +227,10 @@ status_t BufferedFile::SetSize(int64 size) {
 }
 
 status_t BufferedFile::SetTo(const std::string& path, uint32 openMode) {
-  if (!Synchronise()) return StatusFileError;
+  if (!door_ || !Synchronise()) return StatusFileError;
   file_.reset();
   openMode_ = openMode;
-  file_ = door_.Open(path, openMode, initStatus_);
+  file_ = door_->Open(path, openMode, initStatus_);
   AllocAndInitBuffer();
   return initStatus_;
 }

@@ -3,6 +3,9 @@
 #include <stdio.h>
 
 #include <algorithm>
+#include <utility>
+
+#include "support/FileDoor.h"
 
 namespace kestrin {
 
@@ -24,6 +27,12 @@ EndianIndependentFile::EndianIndependentFile(FileDoor& door, const std::string& 
                                              const std::string& name, uint32 openMode,
                                              int32 bufferSize)
     : BufferedFile(door, folder, name, openMode, bufferSize) {
+  InitEndianness(openMode);
+}
+
+EndianIndependentFile::EndianIndependentFile(std::unique_ptr<OpenFile> file, uint32 openMode,
+                                             int32 bufferSize)
+    : BufferedFile(std::move(file), openMode, bufferSize) {
   InitEndianness(openMode);
 }
 

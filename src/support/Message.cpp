@@ -16,8 +16,11 @@ namespace {
 
 using nlohmann::json;
 
-constexpr size_t LargestText = size_t{16} << 20;
+/// Room for a handler's data as large as a file may hold, written in hexadecimal.
+constexpr size_t LargestText = size_t{160} << 20;
 constexpr int DeepestNesting = 8;
+/// A parsed element takes many times the room of its one or two characters.
+constexpr int MostElements = 100000;
 
 // ---- Writing ----
 
@@ -159,21 +162,20 @@ std::optional<Message::Value> ReadValue(const std::string& type, const json* fro
   return std::nullopt;
 }
 
-bool IsNestedTooDeeply(std::string_view text) {
-  int depth = 0;
-  bool inText = false;
+/// Whether parsing would take more room than a text of that length may.
+bool IsTooIntricate(std::string_view text) {
+  int depth = 0, elements = 0;
   for (size_t at = 0; at < text.size(); ++at) {
     const char c = text[at];
-    if (inText) {
-      if (c == '\\') ++at;
-      if (c == '"') inText = false;
-    } else if (c == '"') {
-      inText = true;
+    if (c == '"') {
+      for (++at; at < text.size() && text[at] != '"'; ++at)
+        if (text[at] == '\\') ++at;
     } else if (c == '{' || c == '[') {
       if (++depth > DeepestNesting) return true;
     } else if (c == '}' || c == ']') {
       --depth;
     }
+    if ((c == ',' || c == '{' || c == '[') && ++elements > MostElements) return true;
   }
   return false;
 }
@@ -205,7 +207,7 @@ std::string Message::Flatten() const {
 }
 
 std::optional<Message> Message::Unflatten(std::string_view text) {
-  if (text.size() > LargestText || IsNestedTooDeeply(text)) return std::nullopt;
+  if (text.size() > LargestText || IsTooIntricate(text)) return std::nullopt;
   const json whole = json::parse(text, nullptr, false);
   Message message;
   const json* fields = Member(whole, "fields");

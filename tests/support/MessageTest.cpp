@@ -89,10 +89,24 @@ TEST(Message, RefusesEverythingElse) {
       Field("raw", R"({"code":4294967296,"bytes":""})"),
       Field("double", "1"),
       std::string(1000000, '['),
-      Field("string", "\"" + std::string(size_t{17} << 20, 'x') + "\""),
   };
   for (const std::string& text : refused)
     EXPECT_FALSE(Message::Unflatten(text)) << text.substr(0, 100);
+}
+
+TEST(Message, RefusesWhatWouldTakeFarMoreRoomThanItsText) {
+  const auto withExtra = [](int elements) {
+    std::string text = R"({"what":1,"fields":[],"extra":[0)";
+    for (int i = 1; i < elements; ++i) text += ",0";
+    return text + "]}";
+  };
+  EXPECT_TRUE(Message::Unflatten(withExtra(50000)));
+  EXPECT_FALSE(Message::Unflatten(withExtra(150000)));
+  std::string spacious = R"({"what":1,"fields":[]})";
+  spacious.resize(size_t{20} << 20, ' ');
+  EXPECT_TRUE(Message::Unflatten(spacious));
+  spacious.resize(size_t{161} << 20, ' ');
+  EXPECT_FALSE(Message::Unflatten(spacious));
 }
 
 TEST(Message, NoDamagedTextIsAnythingButRefusedOrAMessage) {

@@ -1,0 +1,281 @@
+// Events as messages: the fields docs/event-message.md lists, the way there and back with every
+// handler, and messages that nobody has checked.
+#include <fstream>
+#include <sstream>
+
+#include "HandlerTestBase.h"
+#include "core/EventMessage.h"
+#include "handlers/ActOnFileDataHandler.h"
+#include "handlers/CommandDataHandler.h"
+#include "handlers/MessageDataHandler.h"
+#include "handlers/UnknownDataHandler.h"
+#include "support/OwnedText.h"
+
+namespace kestrin {
+namespace {
+
+using namespace std::string_literals;
+using testing::ElementsAreArray;
+using testing::HasSubstr;
+
+struct Row {
+  std::string Name, Type, When;
+};
+
+/// The rows of the page's first table.
+std::vector<Row> RowsOnPage() {
+  std::ifstream page(KESTRIN_SOURCE_DIR "/docs/event-message.md");
+  std::string line;
+  std::vector<Row> rows;
+  while (std::getline(page, line) && !line.starts_with("| field | type"))
+    ;
+  std::getline(page, line);
+  while (std::getline(page, line) && line.starts_with("| `")) {
+    std::istringstream cells(line.substr(1));
+    std::string name, type, field, when;
+    std::getline(cells, name, '|'), std::getline(cells, type, '|');
+    std::getline(cells, field, '|'), std::getline(cells, when, '|');
+    const auto trimmed = [](const std::string& cell) { return cell.substr(1, cell.size() - 2); };
+    name = trimmed(name);
+    rows.push_back({name.substr(1, name.size() - 2), trimmed(type), trimmed(when)});
+  }
+  return rows;
+}
+
+std::string TypeOf(const Message::Value& value) {
+  const char* const names[] = {"bool", "int8", "int32", "int64", "string", "rect", "raw"};
+  std::string type = names[value.index()];
+  if (const auto* raw = std::get_if<RawData>(&value))
+    for (int shift = 24; shift >= 0; shift -= 8)
+      type += (shift == 24 ? " " : "") + std::string(1, static_cast<char>(raw->type >> shift));
+  return type;
+}
+
+std::vector<std::string> FieldsOf(const Message& message) {
+  std::vector<std::string> fields;
+  for (const auto& [name, value] : message.Fields()) fields.push_back(name + " " + TypeOf(value));
+  return fields;
+}
+
+Message Without(const Message& message, const std::string& left) {
+  Message rest(message.what);
+  for (const auto& [name, value] : message.Fields())
+    if (name != left) rest.Set(name, value);
+  return rest;
+}
+
+class EventMessageTest : public HandlerTestBase {
+ protected:
+  EventMessageTest() : Other(World.Core, "Other") {}
+
+  Message Generated() const {
+    Message message;
+    EXPECT_TRUE(Subject->GenerateMessageForEvent(&message));
+    return message;
+  }
+  /// The event with every field a message can have.
+  void FillSubject() {
+    Subject->SetPrewarnMessage("soon");
+    Subject->SetNagMessage("late");
+    Subject->SetComment("with milk");
+    Subject->SetIcon(-2, std::make_unique<IconPair>(IconPair{std::string(LargeIconBytes, '\7'),
+                                                             std::string(MiniIconBytes, '\xFF')}));
+    Select<MessageDataHandler>("Message").SetMessage("Put the kettle on");
+  }
+  /// Through the flattened text, as over the clipboard.
+  std::unique_ptr<Event> Pasted(const Message& message) {
+    const auto read = Message::Unflatten(message.Flatten());
+    EXPECT_TRUE(read);
+    EventFromMessageResult result = EventFromMessage(Other, *read);
+    Told = result.TextsCut + result.Complaint;
+    return std::move(result.NewEvent);
+  }
+
+  EventSet Other;
+  std::string Told;
+};
+
+TEST_F(EventMessageTest, ThePageAndTheCodeAgree) {
+  const std::vector<Row> page = RowsOnPage();
+  ASSERT_EQ(page.size(), 41u);
+  std::vector<std::string> all, always;
+  for (const Row& row : page) {
+    all.push_back(row.Name + " " + row.Type);
+    if (row.When == "always") always.push_back(all.back());
+  }
+  Select<CommandDataHandler>("Command");
+  Subject->SetIcon(2, nullptr);
+  EXPECT_THAT(FieldsOf(Generated()), ElementsAreArray(always));
+  FillSubject();
+  const Message whole = Generated();
+  EXPECT_THAT(FieldsOf(whole), ElementsAreArray(all));
+
+  ASSERT_TRUE(Pasted(whole));
+  for (const Row& row : page) {
+    SCOPED_TRACE(row.Name);
+    const bool mayBeMissing = row.When.starts_with("unless");
+    EXPECT_EQ(Pasted(Without(whole, row.Name)) != nullptr, mayBeMissing);
+    Message wrong = whole;
+    wrong.Set(row.Name, int64{1});
+    EXPECT_FALSE(Pasted(wrong)) << "of another type";
+    if (row.Type.starts_with("raw")) {
+      const std::string bytes = whole.Get<RawData>(row.Name)->bytes;
+      wrong.Set(row.Name, RawData{FourCharCode("XXXX"), bytes});
+      EXPECT_FALSE(Pasted(wrong)) << "of another code";
+    }
+  }
+}
+
+TEST_F(EventMessageTest, EveryFieldArrivesAndTheTimesAreReckonedAnew) {
+  FillSubject();
+  Subject->SetPeriodType(MultiWeekly);
+  Subject->SetMultiple(3);
+  Subject->SetPrewarnTime(4000000000u);
+  Subject->SetTabShown(4);
+  Subject->SetWindowFrame({1.5f, 2, -3, 4});
+  Subject->SetActive(false);
+  const Message message = Generated();
+  World.Time.Advance(int64{86400} * 365);
+  const auto pasted = Pasted(message);
+  ASSERT_TRUE(pasted);
+  EXPECT_EQ(*pasted->GetOwnIcon(), *Subject->GetOwnIcon());
+  EXPECT_GT(pasted->GetNextEventTime(), World.Time.Now());
+  Message again;
+  Subject->UpdateEventTime();
+  ASSERT_TRUE(pasted->GenerateMessageForEvent(&again));
+  EXPECT_EQ(again, Generated());
+  EXPECT_EQ(Told, "");
+  EXPECT_EQ(Other.CountEvents(), 0) << "adding is the caller's";
+}
+
+TEST_F(EventMessageTest, EveryHandlerFindsItsDataAgain) {
+  const struct {
+    const char* Handler;
+    std::function<void()> Fill;
+  } cases[] = {
+      {"Do nothing", [] {}},
+      {"Message", [] {}},
+      {"Message", [this] { Select<MessageDataHandler>("Message").SetMessage("hello"); }},
+      {"Command", [] {}},
+      {"Command", [this] { Select<CommandDataHandler>("Command").SetCommand("true"); }},
+      {"Act on file", [] {}},
+      {"Act on file",
+       [this] { Select<ActOnFileDataHandler>("Act on file").SetFileName("/etc/hosts"); }},
+      {"Command",
+       [this] {
+         Select<CommandDataHandler>("Command").SetCommand(std::string(4000, 'x').c_str());
+         Select<CommandDataHandler>("Command").SetVerify(false);
+       }},
+  };
+  for (const auto& each : cases) {
+    SCOPED_TRACE(each.Handler);
+    ASSERT_TRUE(Subject->SetSelectedHandler(FindHandler(each.Handler)));
+    each.Fill();
+    const Message message = Generated();
+    const auto pasted = Pasted(message);
+    ASSERT_TRUE(pasted);
+    EXPECT_EQ(pasted->GetSelectedHandler(), Subject->GetSelectedHandler());
+    Message again;
+    ASSERT_TRUE(pasted->GenerateMessageForEvent(&again));
+    EXPECT_EQ(again.Get<RawData>("HandlerData"), message.Get<RawData>("HandlerData"));
+  }
+}
+
+TEST_F(EventMessageTest, AMissingHandlersDataIsKeptByteForByteEvenALot) {
+  for (const size_t size : {size_t{0}, size_t{1}, size_t{9} << 20}) {
+    Message message = Generated();
+    const RawData bytes{FourCharCode("hDat"), std::string(size, '\xA5')};
+    message.Set("HandlerName", "Chime"s);
+    message.Set("HandlerData", bytes);
+    const auto pasted = Pasted(message);
+    ASSERT_TRUE(pasted);
+    EXPECT_EQ(pasted->GetSelectedHandler(), UnknownHandler);
+    Message again;
+    ASSERT_TRUE(pasted->GenerateMessageForEvent(&again));
+    EXPECT_EQ(again.Get<std::string>("HandlerName"), "Chime");
+    EXPECT_EQ(again.Get<RawData>("HandlerData").value_or(RawData{bytes.type, ""}), bytes);
+  }
+}
+
+TEST_F(EventMessageTest, AnAddOnThatFailsHarmsNothing) {
+  class Stubborn final : public EventAddOnData {
+   public:
+    using EventAddOnData::EventAddOnData;
+    QWidget* CreateEditView(Rect) override { return nullptr; }
+    void DealWithEvent(bool) override {}
+    bool SaveData(EndianIndependentFile* file) override {
+      uint32 count = 5;
+      file->WriteNumber(&count, 4, 1);
+      if (What == "short") return true;
+      if (What == "false") return false;
+      throw std::runtime_error("no");
+    }
+    std::string What;
+  };
+  AddOnNames.push_back("Stubborn");
+  Function_NewAddOnData.push_back(
+      [](Event*, EndianIndependentFile*, bool*) -> EventAddOnData* { throw 1; });
+  const auto row = NumberOfEventHandlers++;
+  for (const char* what : {"short", "false", "throw"}) {
+    auto data = std::make_unique<Stubborn>(Subject);
+    data->What = what;
+    Subject->AdoptAddOnData(row, std::move(data));
+    Message message;
+    EXPECT_FALSE(Subject->GenerateMessageForEvent(&message)) << what;
+  }
+  Select<MessageDataHandler>("Message").SetMessage("kept");
+  Message message = Generated();
+  message.Set("HandlerName", "Stubborn"s);
+  const auto pasted = Pasted(message);
+  ASSERT_TRUE(pasted);
+  EXPECT_EQ(pasted->GetSelectedHandler(), UnknownHandler);
+  EXPECT_EQ(pasted->GetHandlerName(), "Stubborn");
+  EXPECT_THAT(Told, HasSubstr("\"Stubborn\" failed"));
+}
+
+TEST_F(EventMessageTest, TextsAreCutAndTheUserIsToldButHandlerNamesAndIconsMustFit) {
+  const Message message = Generated();
+  Message longTexts = message;
+  longTexts.Set("Name", std::string(4094, 'x') + "\u20AC");
+  longTexts.Set("Comment", "a\0b"s);
+  longTexts.Set("NagMessage", "l\xE4ut"s);
+  const auto pasted = Pasted(longTexts);
+  ASSERT_TRUE(pasted);
+  EXPECT_EQ(pasted->GetName(), std::string(4094, 'x'));
+  EXPECT_EQ(pasted->GetComment(), "a");
+  EXPECT_EQ(pasted->Record().NagMessage, "l\xE4ut") << "no other encoding is forced on it";
+  EXPECT_THAT(Told, HasSubstr("has been cut"));
+
+  const std::pair<const char*, Message::Value> refused[] = {
+      {"HandlerName", std::string(TextLimit, 'x')},
+      {"HandlerName", "Message\0"s},
+      {"LargeIcon", RawData{FourCharCode("iBit"), std::string(1023, 'x')}},
+      {"MiniIcon", RawData{FourCharCode("iBit"), std::string(257, 'x')}},
+  };
+  FillSubject();
+  for (const auto& [name, value] : refused) {
+    Message wrong = Generated();
+    wrong.Set(name, value);
+    EXPECT_FALSE(Pasted(wrong)) << name;
+  }
+  Message otherCode = message;
+  otherCode.what = FourCharCode("SetE");
+  EXPECT_FALSE(Pasted(otherCode));
+}
+
+TEST_F(EventMessageTest, NumbersOutOfTheirTablesAreTakenAndSavedAsTheyAre) {
+  for (const int32 number : {INT32_MIN, -3, 12, INT32_MAX}) {
+    const Message usual = Generated();
+    Message message = usual;
+    for (const auto& [name, value] : usual.Fields())
+      if (std::holds_alternative<int32>(value)) message.Set(name, number);
+    const auto pasted = Pasted(message);
+    ASSERT_TRUE(pasted);
+    EXPECT_EQ(pasted->Record().PeriodType, number);
+    EXPECT_EQ(pasted->Record().Multiple, static_cast<uint32>(number));
+    EXPECT_EQ(pasted->Record().IconNumber, number);
+  }
+}
+
+}  // namespace
+}  // namespace kestrin

@@ -1,0 +1,108 @@
+#include "interface/sets/EventClipboard.h"
+
+#include <gmock/gmock.h>
+
+#include <QClipboard>
+#include <QMimeData>
+
+#include "handlers/MessageDataHandler.h"
+#include "interface/ScreenContext.h"
+
+namespace kestrin {
+namespace {
+
+using namespace std::string_literals;
+
+struct EventClipboardTest : testing::Test {
+  ScreenContext context;
+  EventSet& source = context.NewSet();
+  EventSet& target = context.NewSet("/sets/Other.kestrin");
+
+  ~EventClipboardTest() override { QGuiApplication::clipboard()->clear(); }
+
+  Event& Tea() {
+    Event& tea = *source.AddEvent(nullptr);
+    tea.SetName("Tea & \u20AC");
+    dynamic_cast<MessageDataHandler&>(*tea.GetAddOnData()).SetMessage("Put the kettle on");
+    return tea;
+  }
+  static void Put(const char* type, const QByteArray& bytes) {
+    auto* content = new QMimeData;
+    content->setData(type, bytes);
+    QGuiApplication::clipboard()->setMimeData(content);
+  }
+  static QByteArray EventBytes() {
+    return QGuiApplication::clipboard()->mimeData()->data(EventClipboardType);
+  }
+};
+
+TEST_F(EventClipboardTest, AnEventIsThereForOtherProgramsAndForKestrinAlsoOnceItIsDeleted) {
+  EXPECT_FALSE(ClipboardHasEvent());
+  Event& tea = Tea();
+  ASSERT_TRUE(CopyEvent(tea));
+  source.RemoveEvent(&tea);
+  EXPECT_EQ(QGuiApplication::clipboard()->text(), "Tea & \u20AC");
+  EXPECT_TRUE(ClipboardHasEvent());
+  for (int times = 0; times < 2; ++times) {
+    const auto pasted = EventFromClipboard(target);
+    ASSERT_TRUE(pasted);
+    EXPECT_EQ(pasted->GetName(), "Tea & \u20AC");
+    EXPECT_EQ(pasted->GetOwner(), &target);
+    EXPECT_STREQ(dynamic_cast<MessageDataHandler&>(*pasted->GetAddOnData()).GetMessage(),
+                 "Put the kettle on");
+  }
+}
+
+TEST_F(EventClipboardTest, AnEventThatCannotBeCopiedLeavesTheClipboardEmpty) {
+  ASSERT_TRUE(CopyEvent(Tea()));
+  Event& bare = AppendEvent(source, "without a handler's data");
+  EXPECT_FALSE(CopyEvent(bare));
+  EXPECT_FALSE(ClipboardHasEvent());
+  EXPECT_EQ(QGuiApplication::clipboard()->text(), "");
+}
+
+TEST_F(EventClipboardTest, NothingComesOfWhatIsNoWholeEvent) {
+  ASSERT_TRUE(CopyEvent(Tea()));
+  const QByteArray whole = EventBytes();
+  const QByteArray refused[] = {{},
+                                "{}",
+                                "Tea",
+                                whole.left(whole.size() / 2),
+                                whole + "}",
+                                QByteArray(1 << 20, '\0'),
+                                QByteArray(whole).replace("\"Name\"", "\"Nam\""),
+                                QByteArray(whole).replace("\"Message\"", "5")};
+  for (const QByteArray& bytes : refused) {
+    Put(EventClipboardType, bytes);
+    EXPECT_FALSE(EventFromClipboard(target)) << bytes.left(60).toStdString();
+  }
+  Put("text/plain", whole);
+  EXPECT_FALSE(ClipboardHasEvent());
+  EXPECT_FALSE(EventFromClipboard(target));
+  EXPECT_TRUE(context.Alerts.Empty()) << "in silence";
+  Put(EventClipboardType, whole);
+  EXPECT_TRUE(EventFromClipboard(target));
+}
+
+TEST_F(EventClipboardTest, OneAlertTellsOfAllTextsThatWereCut) {
+  ASSERT_TRUE(CopyEvent(Tea()));
+  auto message = *Message::Unflatten(EventBytes().toStdString());
+  message.Set("Name", "Tea\0 and cake"s);
+  message.Set("Comment", std::string(5000, 'x'));
+  Put(EventClipboardType, QByteArray::fromStdString(message.Flatten()));
+  EXPECT_TRUE(EventFromClipboard(target));
+  context.RunMessages();
+  EXPECT_EQ(context.Bells, 1);
+  EXPECT_FALSE(context.Alerts.Empty());
+}
+
+TEST_F(EventClipboardTest, ANameInAnotherEncodingIsStillThatNameAfterPasting) {
+  Event& laut = Tea();
+  laut.SetName("l\xE4ut\n");
+  ASSERT_TRUE(CopyEvent(laut));
+  EXPECT_EQ(QGuiApplication::clipboard()->text(), "l\uFFFDut\n");
+  EXPECT_EQ(EventFromClipboard(target)->GetName(), "l\xE4ut\n");
+}
+
+}  // namespace
+}  // namespace kestrin
