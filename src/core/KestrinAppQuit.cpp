@@ -65,6 +65,8 @@ bool KestrinApp::CloseWindows() {
   for (const uint64 handle : handles)
     if (EventSet* const set = OpenSets::FindHandle(handle); set && set->GetWindow())
       all &= set->GetWindow()->RequestClose();
+  // While a set's window stays, the quit may still be given up.
+  if (all) context_.ui.CloseOtherWindows();
   return all;
 }
 
@@ -157,6 +159,7 @@ void KestrinApp::End() {
   for (const auto& set : OpenSets::Sets)
     if (set->GetWindow()) windows.push_back(set->GetWindow());
   for (SetWindow* const window : windows) window->CloseNow();
+  context_.ui.CloseOtherWindows();
   {
     const AutoLock open(OpenSets::Protect);
     OpenSets::Sets.clear();

@@ -36,6 +36,7 @@ class EmptyUserInterface final : public UserInterface {
   void ShowOpenPanel() override {}
   void ShowSettingsWindow() override {}
   void ShowAboutWindow() override {}
+  void CloseOtherWindows() override {}
   void SettingsChanged() override {}
   QWidget* CreateEditView(EventAddOnData&, Rect) override { return nullptr; }
   void DestroyEditView(QWidget*) override {}

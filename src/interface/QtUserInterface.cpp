@@ -6,11 +6,14 @@
 
 #include "core/AlertDesk.h"
 #include "core/Context.h"
+#include "interface/ApplicationIcon.h"
 #include "interface/alerts/AlertAccessible.h"
 #include "interface/alerts/AlertCascade.h"
 #include "interface/alerts/AlertWindow.h"
 #include "interface/editor/EventWindow.h"
 #include "interface/sets/EventSetWindow.h"
+#include "interface/settings/AboutWindow.h"
+#include "interface/settings/SettingsWindow.h"
 
 namespace kestrin {
 
@@ -18,6 +21,7 @@ QtUserInterface::QtUserInterface() : QtUserInterface(&QApplication::beep) {}
 
 QtUserInterface::QtUserInterface(std::function<void()> bell) : bell_(std::move(bell)) {
   if (!HasScreen()) return;
+  QApplication::setWindowIcon(ApplicationIcon());
   InstallAlertAccessibility();
   WatchScreens();
 }
@@ -96,10 +100,25 @@ void QtUserInterface::WaitForFatalError(const std::string& title, const std::str
 }
 
 void QtUserInterface::ShowOpenPanel() {}
-void QtUserInterface::ShowSettingsWindow() {}
-void QtUserInterface::ShowAboutWindow() {}
+
+void QtUserInterface::ShowSettingsWindow() { ShowOnly(settingsWindow_); }
+void QtUserInterface::ShowAboutWindow() { ShowOnly(aboutWindow_); }
+
+/// Activates the window, and builds it first unless it is open already.
+template <typename Window>
+void QtUserInterface::ShowOnly(QPointer<Window>& window) {
+  if (!HasScreen()) return;
+  if (!window || window->IsClosed()) window = new Window(*application_);
+  window->Activate();
+}
+
+void QtUserInterface::CloseOtherWindows() {
+  for (SideWindow* window : std::initializer_list<SideWindow*>{settingsWindow_, aboutWindow_})
+    if (window && !window->IsClosed()) window->close();
+}
 
 void QtUserInterface::SettingsChanged() {
+  if (settingsWindow_) settingsWindow_->SettingsChanged();
   for (QWidget* widget : QApplication::topLevelWidgets()) {
     if (auto* window = qobject_cast<EventSetWindow*>(widget)) window->SettingsChanged();
     if (auto* editor = qobject_cast<EventWindow*>(widget)) editor->SettingsChanged();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QObject>
+#include <QPointer>
 #include <functional>
 #include <map>
 #include <memory>
@@ -10,8 +11,10 @@
 
 namespace kestrin {
 
+class AboutWindow;
 class AlertWindow;
 class DocumentApp;
+class SettingsWindow;
 struct Context;
 
 /// Built before the services that need it and connected to them afterwards. It has a screen when a
@@ -39,6 +42,7 @@ class QtUserInterface final : public QObject, public UserInterface {
   void ShowOpenPanel() override;
   void ShowSettingsWindow() override;
   void ShowAboutWindow() override;
+  void CloseOtherWindows() override;
   void SettingsChanged() override;
   QWidget* CreateEditView(EventAddOnData& data, Rect frame) override;
   void DestroyEditView(QWidget* view) override;
@@ -46,6 +50,8 @@ class QtUserInterface final : public QObject, public UserInterface {
  private:
   void Answer(AlertId id, int which);
   void RemoveAlert(AlertId id);
+  template <typename Window>
+  void ShowOnly(QPointer<Window>& window);
   void WatchScreens();
   void KeepAlertsOnScreen();
 
@@ -53,6 +59,8 @@ class QtUserInterface final : public QObject, public UserInterface {
   Context* context_ = nullptr;
   DocumentApp* application_ = nullptr;
   std::map<AlertId, std::unique_ptr<AlertWindow>> alerts_;
+  QPointer<SettingsWindow> settingsWindow_;
+  QPointer<AboutWindow> aboutWindow_;
 };
 
 }  // namespace kestrin

@@ -88,6 +88,28 @@ TEST_F(KestrinAppQuitTest, AWindowThatAsksDecides) {
   }
 }
 
+TEST_F(KestrinAppQuitTest, AWindowThatIsNoSetsHoldsTheApplicationAndGoesWhenAQuitIsSure) {
+  for (const bool byForce : {false, true}) {
+    StartEditing();
+    bool open = true;
+    It->App.RegisterWindow();
+    Ui().WhenClosingOthers = [this, &open] {
+      if (std::exchange(open, false)) It->App.UnregisterWindow();
+    };
+    Ui().SetWindows.at(0)->RefuseToClose = true;
+    Post(Message(QUIT_REQUESTED));
+    EXPECT_TRUE(open) << "the user may still say Cancel";
+    Ui().SetWindows.at(0)->RefuseToClose = false;
+    CloseWindow();
+    EXPECT_TRUE(open);
+    EXPECT_FALSE(It->Ended) << "it is in use";
+    Post(Message(byForce ? FORCED_QUIT : QUIT_REQUESTED));
+    EXPECT_FALSE(open);
+    EXPECT_TRUE(It->Ended);
+    Crash();
+  }
+}
+
 TEST_F(KestrinAppQuitTest, WhatWaitsIsHandledBeforeAQuitIsDecided) {
   const struct {
     uint32 code;

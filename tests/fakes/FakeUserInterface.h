@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -37,6 +38,7 @@ class FakeUserInterface final : public UserInterface {
   std::vector<std::string> Calls;  ///< "ShowOpenPanel" and the like, fatal errors with their text
   std::vector<EventAddOnData*> EditViewsMade;
   std::vector<QWidget*> EditViewsDestroyed;
+  std::function<void()> WhenClosingOthers;  ///< may be null
   QWidget* NextEditView = nullptr;  ///< what CreateEditView returns; never touched
 
   /// The alert that stands open with that very text, or null.
@@ -85,6 +87,9 @@ class FakeUserInterface final : public UserInterface {
   void ShowOpenPanel() override { Calls.emplace_back("ShowOpenPanel"); }
   void ShowSettingsWindow() override { Calls.emplace_back("ShowSettingsWindow"); }
   void ShowAboutWindow() override { Calls.emplace_back("ShowAboutWindow"); }
+  void CloseOtherWindows() override {
+    if (WhenClosingOthers) WhenClosingOthers();
+  }
   void SettingsChanged() override { Calls.emplace_back("SettingsChanged"); }
   QWidget* CreateEditView(EventAddOnData& data, Rect) override {
     EditViewsMade.push_back(&data);

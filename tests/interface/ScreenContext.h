@@ -47,6 +47,7 @@ struct ScreenContext {
       if (auto* window = qobject_cast<EventWindow*>(widget)) window->CloseNow();
     for (QWidget* widget : QApplication::topLevelWidgets())
       if (auto* window = qobject_cast<EventSetWindow*>(widget)) window->CloseNow();
+    Ui.CloseOtherWindows();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     OpenSets::Sets.clear();
     ResetProcessState();

@@ -1,0 +1,110 @@
+#include "interface/settings/SettingsWindow.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFormLayout>
+#include <QLabel>
+#include <QPushButton>
+
+#include "core/KestrinSettings.h"
+#include "interface/Frames.h"
+#include "interface/settings/SelectedSetsView.h"
+
+namespace kestrin {
+
+namespace {
+
+constexpr Rect UsualFrame{60, 50, 342, 350};
+
+}  // namespace
+
+SettingsWindow::SettingsWindow(DocumentApp& application) : SideWindow(application) {
+  setObjectName("settingsWindow");
+  setWindowTitle("Kestrin settings");
+  auto* column = new QVBoxLayout(this);
+  column->addWidget(MakeCheckBox("rememberDefaults", "Remember &window defaults",
+                                 KestrinSettings::RememberWindowSetupAsDefault));
+  auto* menus = new QFormLayout;
+  menus->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
+  AddMenu(*menus, "deliverEvents", "&Deliver events from:",
+          {"Open sets only", "Open sets and remembered sets", "Remembered sets only",
+           "Remembered sets unless open", "Do not deliver events"},
+          KestrinSettings::WhichEventsToDeliver);
+  AddMenu(*menus, "openRemembered",
+          "&Open remembered sets:", {"Always", "If no other sets are opened", "Don't open"},
+          KestrinSettings::SelectedSetHandling);
+  column->addLayout(menus);
+  column->addWidget(MakeCheckBox("clock24", "24-hour &clock", KestrinSettings::Time24Hour));
+  column->addSpacing(style()->pixelMetric(QStyle::PM_LayoutVerticalSpacing, nullptr, this));
+  column->addLayout(MakeList(), 1);
+  SettingsChanged();
+  const AutoLock lock(KestrinSettings::Protect);
+  setGeometry(GeometryOnScreen(KestrinSettings::SettingsWindowFrame, UsualFrame));
+}
+
+QCheckBox* SettingsWindow::MakeCheckBox(const char* objectName, const QString& label,
+                                        bool& setting) {
+  auto* box = new QCheckBox(label);
+  box->setObjectName(objectName);
+  show_.emplace_back([box, &setting] { box->setChecked(setting); });
+  connect(box, &QCheckBox::clicked, this, [&setting](bool on) {
+    const AutoLock lock(KestrinSettings::Protect);
+    setting = on;
+    KestrinSettings::Changed();
+  });
+  return box;
+}
+
+void SettingsWindow::AddMenu(QFormLayout& form, const char* objectName, const QString& label,
+                             const QStringList& items, int32& setting) {
+  auto* menu = new QComboBox;
+  menu->setObjectName(objectName);
+  menu->addItems(items);
+  form.addRow(label, menu);
+  show_.emplace_back([menu, &setting] {
+    menu->setCurrentIndex(setting >= 0 && setting < menu->count() ? setting : -1);
+  });
+  connect(menu, &QComboBox::activated, this, [&setting](int index) {
+    const AutoLock lock(KestrinSettings::Protect);
+    setting = index;
+    KestrinSettings::Changed();
+  });
+}
+
+QLayout* SettingsWindow::MakeList() {
+  auto* label = new QLabel("Remembered &sets:");
+  auto* forget = new QPushButton("&Forget selected");
+  forget->setObjectName("forgetSelected");
+  sets_ = new SelectedSetsView(*forget);
+  sets_->setObjectName("rememberedSets");
+  sets_->setAccessibleName("Remembered sets");
+  label->setBuddy(sets_);
+  show_.emplace_back([this] { sets_->UpdateListContents(); });
+  connect(sets_, &SelectedSetsView::ForgetAsked, this, &SettingsWindow::ForgetSelected);
+  connect(forget, &QPushButton::clicked, this, &SettingsWindow::ForgetSelected);
+  auto* column = new QVBoxLayout;
+  column->addWidget(label);
+  column->addWidget(sets_, 1);
+  column->addWidget(forget, 0, Qt::AlignLeft);
+  return column;
+}
+
+void SettingsWindow::SettingsChanged() {
+  const AutoLock lock(KestrinSettings::Protect);
+  for (const auto& show : show_) show();
+}
+
+void SettingsWindow::ForgetSelected() {
+  const AutoLock lock(KestrinSettings::Protect);
+  sets_->ForgetSelected();
+}
+
+void SettingsWindow::Closing() {
+  const AutoLock lock(KestrinSettings::Protect);
+  if (!KestrinSettings::RememberWindowSetupAsDefault) return;
+  const bool isPlain = !isMaximized() && !isFullScreen() && !isMinimized();
+  KestrinSettings::SettingsWindowFrame = FrameOf(isPlain ? geometry() : normalGeometry());
+  KestrinSettings::Changed();
+}
+
+}  // namespace kestrin

@@ -1,0 +1,43 @@
+// The window of the application's settings.
+#pragma once
+
+#include <functional>
+#include <vector>
+
+#include "interface/settings/SideWindow.h"
+#include "kestrin/Types.h"
+
+class QCheckBox;
+class QFormLayout;
+
+namespace kestrin {
+
+class SelectedSetsView;
+
+/// Every change takes effect at once. Opens where the settings say and leaves its place there when
+/// window setups are remembered.
+class SettingsWindow final : public SideWindow {
+  Q_OBJECT
+
+ public:
+  explicit SettingsWindow(DocumentApp& application);
+
+  /// Shows what the settings hold now.
+  void SettingsChanged();
+
+ protected:
+  void Closing() override;
+
+ private:
+  QCheckBox* MakeCheckBox(const char* objectName, const QString& label, bool& setting);
+  /// The index of an item is the setting's value; a value without an item shows none.
+  void AddMenu(QFormLayout& form, const char* objectName, const QString& label,
+               const QStringList& items, int32& setting);
+  QLayout* MakeList();
+  void ForgetSelected();
+
+  std::vector<std::function<void()>> show_;  ///< for each control: brings it in step
+  SelectedSetsView* sets_ = nullptr;
+};
+
+}  // namespace kestrin

@@ -1,0 +1,288 @@
+#include "interface/settings/SettingsWindow.h"
+
+#include <gmock/gmock.h>
+
+#include <QAccessible>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
+#include <QtTest/QTest>
+
+#include "core/BuiltInPrefs.h"
+#include "core/SettingsFile.h"
+#include "core/SettingsStore.h"
+#include "interface/ScreenContext.h"
+#include "interface/settings/AboutWindow.h"
+
+namespace kestrin {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+template <typename Window>
+Window* OpenOne() {
+  Window* found = nullptr;
+  for (QWidget* widget : QApplication::topLevelWidgets())
+    if (auto* window = qobject_cast<Window*>(widget); window && !window->IsClosed()) {
+      EXPECT_FALSE(found) << "only one may be open";
+      found = window;
+    }
+  return found;
+}
+
+struct SettingsWindowTest : testing::Test {
+  ScreenContext context;
+  int changes = 0;
+  SettingsStore store{MakeBuiltInPrefs(context.Files, "/config")};
+
+  /// As the application does: after each change the windows follow, and all is stored.
+  void Listen() {
+    KestrinSettings::WhenChanged = [this] {
+      ++changes;
+      context.Queue.Post(SETTINGS_CHANGED);
+    };
+  }
+  void RunMessages() {
+    for (const uint32 code : context.RunMessages())
+      if (code == SETTINGS_CHANGED) {
+        context.Ui.SettingsChanged();
+        WriteSettings(store, context.Notes);
+      }
+  }
+  SettingsWindow& Open() {
+    Listen();
+    context.Ui.ShowSettingsWindow();
+    auto* window = OpenOne<SettingsWindow>();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(window));
+    return *window;
+  }
+  template <typename T>
+  static T& Find(const QWidget& window, const char* name) {
+    return *window.findChild<T*>(name);
+  }
+  /// The window opened anew, by a process that reads the settings anew.
+  SettingsWindow& Reopen() {
+    OpenOne<SettingsWindow>()->close();
+    RunMessages();
+    KestrinSettings::Reset();
+    SettingsStore again(MakeBuiltInPrefs(context.Files, "/config"));
+    InitSettings(again, context.Notes);
+    return Open();
+  }
+  static std::vector<std::string> Listed(const QListWidget& list) {
+    std::vector<std::string> rows;
+    for (int row = 0; row < list.count(); ++row)
+      rows.push_back(list.item(row)->text().toStdString());
+    return rows;
+  }
+};
+
+TEST_F(SettingsWindowTest, EachCheckBoxSwitchesItsSettingByMouseAndKeyboard) {
+  const struct {
+    const char* Name;
+    const char* Label;
+    Qt::Key Mnemonic;
+    bool& Setting;
+  } boxes[] = {
+      {"rememberDefaults", "Remember window defaults", Qt::Key_W,
+       KestrinSettings::RememberWindowSetupAsDefault},
+      {"clock24", "24-hour clock", Qt::Key_C, KestrinSettings::Time24Hour},
+  };
+  for (const auto& each : boxes) {
+    SCOPED_TRACE(each.Name);
+    const bool before = each.Setting;
+    SettingsWindow& window = Open();
+    auto& box = Find<QCheckBox>(window, each.Name);
+    EXPECT_EQ(box.text().remove('&').toStdString(), each.Label);
+    EXPECT_EQ(box.isChecked(), before);
+    changes = 0;
+    QTest::mouseClick(&box, Qt::LeftButton, {}, QPoint(8, box.height() / 2));
+    EXPECT_EQ(each.Setting, !before);
+    QTest::keyClick(&window, each.Mnemonic, Qt::AltModifier);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return each.Setting == before; }));
+    QTest::keyClick(&box, Qt::Key_Space);
+    EXPECT_EQ(changes, 3) << "the application is told of each change";
+    EXPECT_EQ(Find<QCheckBox>(Reopen(), each.Name).isChecked(), !before);
+    EXPECT_EQ(each.Setting, !before);
+  }
+}
+
+TEST_F(SettingsWindowTest, EachMenuStoresTheNumberOfItsItem) {
+  const struct {
+    const char* Name;
+    const char* Label;
+    int32& Setting;
+    QStringList Items;
+  } menus[] = {
+      {"deliverEvents",
+       "Deliver events from:",
+       KestrinSettings::WhichEventsToDeliver,
+       {"Open sets only", "Open sets and remembered sets", "Remembered sets only",
+        "Remembered sets unless open", "Do not deliver events"}},
+      {"openRemembered",
+       "Open remembered sets:",
+       KestrinSettings::SelectedSetHandling,
+       {"Always", "If no other sets are opened", "Don't open"}},
+  };
+  for (const auto& each : menus) {
+    SCOPED_TRACE(each.Name);
+    auto* menu = &Find<QComboBox>(Open(), each.Name);
+    QStringList items;
+    for (int item = 0; item < menu->count(); ++item) items << menu->itemText(item);
+    EXPECT_EQ(items, each.Items);
+    EXPECT_EQ(menu->currentIndex(), 1) << "what a new installation has";
+    const auto related = QAccessible::queryAccessibleInterface(menu)->relations(QAccessible::Label);
+    ASSERT_EQ(related.size(), 1) << "what a screen reader calls it";
+    EXPECT_EQ(related[0].first->text(QAccessible::Name).toStdString(), each.Label);
+    for (int item = 0; item < menu->count(); ++item) {
+      menu->setFocus();
+      QTest::keyClick(menu, Qt::Key_Home);
+      for (int step = 0; step < item; ++step) QTest::keyClick(menu, Qt::Key_Down);
+      EXPECT_EQ(each.Setting, item);
+      menu = &Find<QComboBox>(Reopen(), each.Name);
+      EXPECT_EQ(menu->currentIndex(), item);
+    }
+  }
+  KestrinSettings::WhichEventsToDeliver = 7;
+  EXPECT_EQ(Find<QComboBox>(Reopen(), "deliverEvents").currentIndex(), -1);
+  EXPECT_EQ(KestrinSettings::WhichEventsToDeliver, 7) << "looking changes nothing";
+}
+
+TEST_F(SettingsWindowTest, SeveralSetsAreForgottenAtOnceByButtonAndKey) {
+  for (const char* path : {"/a", "/b", "/c", "/d", "/e"}) KestrinSettings::RememberSet(path);
+  SettingsWindow& window = Open();
+  auto& list = Find<QListWidget>(window, "rememberedSets");
+  auto& forget = Find<QPushButton>(window, "forgetSelected");
+  EXPECT_THAT(Listed(list), ElementsAre("/a", "/b", "/c", "/d", "/e"));
+  EXPECT_TRUE(forget.isEnabled());
+  QTest::mouseClick(&forget, Qt::LeftButton);
+  EXPECT_EQ(KestrinSettings::SetFileNames.size(), 5u) << "nothing is selected";
+
+  const auto click = [&list](int row, Qt::KeyboardModifiers keys) {
+    const QRect place = list.visualItemRect(list.item(row));
+    QTest::mouseClick(list.viewport(), Qt::LeftButton, keys, place.center());
+  };
+  click(1, {});
+  click(3, Qt::ControlModifier);
+  changes = 0;
+  QTest::mouseClick(&forget, Qt::LeftButton);
+  EXPECT_THAT(KestrinSettings::SetFileNames, ElementsAre("/a", "/c", "/e"));
+  EXPECT_THAT(Listed(list), ElementsAre("/a", "/c", "/e"));
+  EXPECT_EQ(changes, 1);
+  QTest::mouseClick(&forget, Qt::LeftButton);
+  EXPECT_EQ(list.count(), 3) << "no neighbour has taken the selection over";
+
+  click(0, {});
+  QTest::keyClick(&list, Qt::Key_End, Qt::ShiftModifier);
+  QTest::keyClick(&list, Qt::Key_Delete);
+  EXPECT_THAT(KestrinSettings::SetFileNames, IsEmpty());
+  EXPECT_FALSE(forget.isEnabled());
+  EXPECT_THAT(Listed(Find<QListWidget>(Reopen(), "rememberedSets")), IsEmpty());
+}
+
+TEST_F(SettingsWindowTest, TheListFollowsWhatIsRememberedElsewhereAndKeepsTheSelection) {
+  SettingsWindow& window = Open();
+  auto& list = Find<QListWidget>(window, "rememberedSets");
+  EXPECT_FALSE(Find<QPushButton>(window, "forgetSelected").isEnabled());
+  for (const char* path : {"/a", "/b", "/c"}) KestrinSettings::RememberSet(path);
+  RunMessages();
+  EXPECT_THAT(Listed(list), ElementsAre("/a", "/b", "/c"));
+  EXPECT_TRUE(Find<QPushButton>(window, "forgetSelected").isEnabled());
+  list.setCurrentRow(1);
+  list.item(2)->setSelected(true);
+  KestrinSettings::ForgetSet("/b");
+  KestrinSettings::RememberSet("/\xE4");
+  RunMessages();
+  EXPECT_THAT(Listed(list), ElementsAre("/a", "/c", "/\uFFFD"));
+  ASSERT_EQ(list.selectedItems().size(), 1);
+  EXPECT_EQ(list.selectedItems()[0]->text(), "/c");
+  list.setCurrentRow(2);
+  QTest::keyClick(&list, Qt::Key_Delete);
+  EXPECT_THAT(KestrinSettings::SetFileNames, ElementsAre("/a", "/c"));
+}
+
+TEST_F(SettingsWindowTest, TheClockChangesEveryTimeThatIsShown) {
+  EventSet& set = context.NewSet();
+  EventRecord tea;
+  tea.ActualEventTime = 1794751200;  // 14:00
+  tea.ApplyTime = true;
+  set.AppendRead(std::make_unique<Event>(set, tea));
+  EventSetWindow& sets = context.OpenWindow(set);
+  const auto picture = [&sets] { return sets.GetEventsView()->viewport()->grab().toImage(); };
+  const auto shown = [&sets] {
+    return sets.GetEventsView()->model()->index(0, EventTimeColumn).data().toString();
+  };
+  SettingsWindow& window = Open();
+  const QImage before = picture();
+  EXPECT_TRUE(shown().contains("PM")) << shown().toStdString();
+  QTest::keyClick(&Find<QCheckBox>(window, "clock24"), Qt::Key_Space);
+  RunMessages();
+  EXPECT_TRUE(shown().contains("14:00")) << shown().toStdString();
+  EXPECT_NE(picture(), before);
+}
+
+TEST_F(SettingsWindowTest, ThereIsOneWindowThatHoldsTheApplicationAndComesBackWhereItWas) {
+  Open().setGeometry(40, 70, 700, 500);
+  EXPECT_EQ(context.Holding.Count(), 1);
+  context.Ui.ShowSettingsWindow();
+  ASSERT_TRUE(OpenOne<SettingsWindow>());
+  EXPECT_EQ(OpenOne<SettingsWindow>()->windowTitle(), "Kestrin settings");
+  QTest::keyClick(OpenOne<SettingsWindow>(), Qt::Key_Escape);
+  EXPECT_FALSE(OpenOne<SettingsWindow>());
+  EXPECT_EQ(context.Holding.Count(), 0);
+  EXPECT_EQ(KestrinSettings::SettingsWindowFrame, (Rect{40, 70, 739, 569}));
+
+  SettingsWindow& second = Open();
+  EXPECT_EQ(second.geometry(), QRect(40, 70, 700, 500));
+  Find<QCheckBox>(second, "rememberDefaults").click();
+  second.setGeometry(90, 90, 650, 450);
+  QTest::keyClick(&second, Qt::Key_W, Qt::ControlModifier);
+  EXPECT_EQ(KestrinSettings::SettingsWindowFrame, (Rect{40, 70, 739, 569})) << "not remembered";
+}
+
+TEST_F(SettingsWindowTest, AboutSaysWhatThisIsAndGoesWithTheOthers) {
+  context.Ui.ShowAboutWindow();
+  context.Ui.ShowAboutWindow();
+  auto* about = OpenOne<AboutWindow>();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(about));
+  EXPECT_EQ(context.Holding.Count(), 1);
+  EXPECT_TRUE(Find<QLabel>(*about, "version").text().contains("1."));
+  QLabel& details = Find<QLabel>(*about, "details");
+  EXPECT_TRUE(details.text().contains(qVersion()));
+  EXPECT_TRUE(details.textInteractionFlags() & Qt::TextSelectableByMouse);
+  QTest::keyClick(about->focusWidget(), Qt::Key_Return);
+  EXPECT_FALSE(OpenOne<AboutWindow>());
+  context.Ui.ShowAboutWindow();
+  QTest::keyClick(OpenOne<AboutWindow>(), Qt::Key_Escape);
+  EXPECT_FALSE(OpenOne<AboutWindow>());
+  EXPECT_EQ(context.Holding.Count(), 0);
+
+  context.Ui.ShowAboutWindow();
+  Open();
+  EXPECT_EQ(context.Holding.Count(), 2);
+  context.Ui.CloseOtherWindows();
+  EXPECT_FALSE(OpenOne<AboutWindow>() || OpenOne<SettingsWindow>());
+  EXPECT_EQ(context.Holding.Count(), 0);
+  context.Ui.CloseOtherWindows();
+}
+
+TEST_F(SettingsWindowTest, ALongPathIsCutWithinItsRowAndShownWholeInATip) {
+  const std::string path = "/home/eva/" + std::string(300, 'x') + "/work.kestrin";
+  KestrinSettings::RememberSet(path);
+  SettingsWindow& window = Open();
+  auto& list = Find<QListWidget>(window, "rememberedSets");
+  EXPECT_LE(list.visualItemRect(list.item(0)).width(), list.viewport()->width());
+  EXPECT_EQ(list.item(0)->toolTip().toStdString(), path);
+  window.resize(1, 1);
+  for (const QWidget* child : window.findChildren<QWidget*>())
+    if (child->parentWidget() == &window) {
+      EXPECT_TRUE(window.rect().contains(child->geometry())) << child->objectName().toStdString();
+      EXPECT_GE(child->width(), child->minimumSizeHint().width());
+    }
+}
+
+}  // namespace
+}  // namespace kestrin
