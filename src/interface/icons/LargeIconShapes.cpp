@@ -14,8 +14,9 @@ constexpr IconLayer Bell[] = {
 };
 
 constexpr IconLayer Cake[] = {
-    {0xffff9d1e, 0, 0, "M 10 3 Q 12.4 6 10 8 Q 7.6 6 10 3 Z M 16 2 Q 18.4 5 16 7 Q 13.6 5 16 2 Z "
-                       "M 22 3 Q 24.4 6 22 8 Q 19.6 6 22 3 Z"},
+    {0xffff9d1e, 0, 0,
+     "M 10 3 Q 12.4 6 10 8 Q 7.6 6 10 3 Z M 16 2 Q 18.4 5 16 7 Q 13.6 5 16 2 Z "
+     "M 22 3 Q 24.4 6 22 8 Q 19.6 6 22 3 Z"},
     {0xff8660cc, 0, 0, "R 9 9 2 7 0 R 15 8 2 8 0 R 21 9 2 7 0"},
     {0xffe4699c, 0xff96305f, 2, "R 5 15 22 13 2"},
     {0xfffff3e2, 0xff96305f, 2,
@@ -32,8 +33,9 @@ constexpr IconLayer Money[] = {
 };
 
 constexpr IconLayer Disk[] = {
-    {0xff5f7399, 0xff2c3a57, 2, "M 6 4 H 24.5 L 28 7.5 V 26 Q 28 28 26 28 H 6 Q 4 28 4 26 V 6 "
-                                "Q 4 4 6 4 Z"},
+    {0xff5f7399, 0xff2c3a57, 2,
+     "M 6 4 H 24.5 L 28 7.5 V 26 Q 28 28 26 28 H 6 Q 4 28 4 26 V 6 "
+     "Q 4 4 6 4 Z"},
     {0xffd5dcea, 0, 0, "R 10 5 12 7 0"},
     {0xff2c3a57, 0, 0, "R 17 6 3 5 0"},
     {0xfffbfcfe, 0, 0, "R 8 16 16 11 0"},
@@ -41,11 +43,11 @@ constexpr IconLayer Disk[] = {
 };
 
 constexpr IconLayer Phone[] = {
-    {0xff29b3b8, 0xff0a6068, 2,
+    {0xff17a374, 0xff08503a, 2,
      "M 8.5 4 L 12.6 10.4 Q 13.4 11.8 12.2 13 L 10.6 14.6 Q 13 19 17.4 21.4 L 19 19.8 "
      "Q 20.2 18.6 21.6 19.4 L 28 23.5 Q 27.8 25.6 26 27 Q 23.6 28.6 20.5 28 Q 5 24.4 4 11.5 "
      "Q 3.6 8.2 5.2 6 Q 6.6 4.2 8.5 4 Z"},
-    {0, 0xff0a8c94, 2, "M 17.5 9 Q 22.5 9.5 23 14.5 M 18 4 Q 27.5 4.5 28 14"},
+    {0, 0xff0c7a56, 2, "M 17.5 9 Q 22.5 9.5 23 14.5 M 18 4 Q 27.5 4.5 28 14"},
 };
 
 constexpr IconLayer Clock[] = {

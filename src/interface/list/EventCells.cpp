@@ -1,7 +1,5 @@
 #include "interface/list/EventCells.h"
 
-#include <QImage>
-
 #include "core/DateTimeText.h"
 #include "core/Event.h"
 #include "core/EventSet.h"
@@ -56,18 +54,6 @@ QString CellText(const Event& event, int32 column) {
     default:
       return {};
   }
-}
-
-QVariant MiniIcon(const Event& event) {
-  const IconPair* own = event.GetOwnIcon();
-  if (!own || own->mini.size() != size_t{MiniIconBytes}) return {};
-  QImage image(MiniIconSize, MiniIconSize, QImage::Format_ARGB32);
-  for (int i = 0; i < MiniIconBytes; ++i) {
-    const Colour pixel = ColourOfIndex(static_cast<uint8>(own->mini[static_cast<size_t>(i)]));
-    image.setPixel(i % MiniIconSize, i / MiniIconSize,
-                   qRgba(pixel.red, pixel.green, pixel.blue, pixel.alpha));
-  }
-  return image;
 }
 
 }  // namespace kestrin

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <QString>
-#include <QVariant>
 
 #include "kestrin/Types.h"
 
@@ -12,7 +11,5 @@ class Event;
 
 QString ColumnLabel(int32 column);
 QString CellText(const Event& event, int32 column);
-/// A QImage of MiniIconSize, or nothing.
-QVariant MiniIcon(const Event& event);
 
 }  // namespace kestrin

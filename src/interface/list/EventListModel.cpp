@@ -6,6 +6,7 @@
 
 #include "core/Event.h"
 #include "core/EventSet.h"
+#include "interface/icons/StandardIcons.h"
 #include "interface/list/EventCells.h"
 
 namespace kestrin {
@@ -14,6 +15,12 @@ namespace {
 
 /// Up to this many changed events are moved one by one.
 constexpr size_t FewEvents = 8;
+
+QVariant IconCell(const Event& event, int role) {
+  if (role == Qt::DecorationRole) return EventIcon(event);
+  if (role == Qt::AccessibleTextRole) return IconName(event.Record().IconNumber);
+  return {};
+}
 
 }  // namespace
 
@@ -133,8 +140,7 @@ int EventListModel::columnCount(const QModelIndex& parent) const {
 QVariant EventListModel::data(const QModelIndex& index, int role) const {
   const Event* event = EventAt(index.row());
   if (!event) return {};
-  if (index.column() == IconColumn)
-    return role == Qt::DecorationRole ? MiniIcon(*event) : QVariant();
+  if (index.column() == IconColumn) return IconCell(*event, role);
   const bool isText =
       role == Qt::DisplayRole || role == Qt::ToolTipRole || role == Qt::AccessibleTextRole;
   return isText ? CellText(*event, index.column()) : QVariant();

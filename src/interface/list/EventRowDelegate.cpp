@@ -2,11 +2,13 @@
 
 #include <QAbstractItemView>
 #include <QHelpEvent>
-#include <QImage>
+#include <QIcon>
 #include <QPainter>
 #include <QTextDocument>
 #include <QToolTip>
 #include <algorithm>
+
+#include "support/Bitmap.h"
 
 namespace kestrin {
 
@@ -20,14 +22,14 @@ void EventRowDelegate::paint(QPainter* painter, const QStyleOptionViewItem& opti
                              const QModelIndex& index) const {
   QStyleOptionViewItem item = option;
   initStyleOption(&item, index);
-  const auto icon = index.data(Qt::DecorationRole).value<QImage>();
+  const auto icon = index.data(Qt::DecorationRole).value<QIcon>();
   item.features &= ~QStyleOptionViewItem::HasDecoration;
   item.icon = {};
   item.widget->style()->drawControl(QStyle::CE_ItemViewItem, &item, painter, item.widget);
   if (icon.isNull()) return;
-  QRect place(QPoint(), icon.size());
+  QRect place(0, 0, MiniIconSize, MiniIconSize);
   place.moveCenter(option.rect.center());
-  painter->drawImage(place, icon);
+  icon.paint(painter, place);
 }
 
 QSize EventRowDelegate::sizeHint(const QStyleOptionViewItem& option,
