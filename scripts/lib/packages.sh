@@ -8,7 +8,7 @@ declare -A packages=(
   [run]="at-spi2-core dbus-bin dbus-daemon desktop-file-utils fonts-dejavu-core shared-mime-info
     tzdata"
   [screenless]="gir1.2-atspi-2.0 imagemagick openbox python3 python3-gi xdotool xvfb"
-  [test]="binutils libgmock-dev libgtest-dev python3"
+  [test]="binutils libgmock-dev libgtest-dev python3 xclip"
   [lint]="clang-format-14 clang-tidy-14 git python3 shellcheck"
 )
 
@@ -17,7 +17,7 @@ declare -A needs=(
   [build]="cmake ninja c++ pkg-config @libsystemd @gio-unix-2.0 @xcb"
   [run]="dbus-daemon"
   [screenless]="Xvfb openbox xdotool import python3"
-  [test]="python3 nm"
+  [test]="python3 nm xclip"
   [lint]="clang-format clang-tidy git python3 shellcheck"
 )
 
