@@ -346,6 +346,12 @@ std::optional<ReadMoment> ReadDate(std::string_view text, int64 now, const Zone&
   return ReadMoment{static_cast<int32>(moment), *wall};
 }
 
+bool IsDate(std::string_view text, int64 now, const Zone& zone) {
+  now = std::clamp<int64>(now, INT32_MIN, INT32_MAX);
+  std::optional<DateReader> reader = ReaderFor(text, now, zone.AtMoment(now));
+  return reader && reader->ReadAll();
+}
+
 std::optional<int32> ReadTimeOfDay(std::string_view text) {
   std::optional<DateReader> reader = ReaderFor(text, 0, Civil{});
   if (!reader || !reader->ReadTimeAlone()) return std::nullopt;

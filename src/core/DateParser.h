@@ -16,6 +16,9 @@ struct ReadMoment {
 /// Knows 24-hour times only.
 std::optional<ReadMoment> ReadDate(std::string_view text, int64 now, const Zone& zone);
 
+/// Whether ReadDate understands the text, be it a date that no stored time reaches.
+bool IsDate(std::string_view text, int64 now, const Zone& zone);
+
 /// Seconds after midnight.
 std::optional<int32> ReadTimeOfDay(std::string_view text);
 

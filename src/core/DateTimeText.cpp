@@ -115,6 +115,15 @@ int32 hastimeinfo_parsedate(std::string_view text, int64 now, const Zone& zone, 
   return read ? read->moment : -1;
 }
 
+const char* WhyNoDate(std::string_view text, int64 now, const Zone& zone) {
+  const std::string fixed = GetFixedTime(text);
+  if (!IsDate(fixed, now, zone))
+    return "This is no date. Type one like Nov 20 2026, tomorrow, or Friday, 3 pm "
+           "(with a comma before the time).";
+  const std::optional<ReadMoment> read = ReadDate(fixed, now, zone);
+  return read && read->moment > 0 ? "" : "Only dates from 1970 to January 18, 2038 can be kept.";
+}
+
 int32 ParseDate(std::string_view text, int64 now, const Zone& zone) {
   const std::optional<ReadMoment> read = ReadDate(text, now, zone);
   return read ? read->moment : -1;

@@ -23,6 +23,10 @@ std::string GetFixedTime(std::string_view text);
 /// without a time is its midnight. `hasTime` (may be null) tells whether a time of day was named.
 int32 hastimeinfo_parsedate(std::string_view text, int64 now, const Zone& zone, bool* hasTime);
 
+/// Why an event cannot take the typed text as a date: it is none, or no time from 1970 to the end
+/// of stored times in January 2038. A sentence for the person who typed it; empty when it can.
+const char* WhyNoDate(std::string_view text, int64 now, const Zone& zone);
+
 /// The parser under hastimeinfo_parsedate, for text that GetFixedTime has already rewritten.
 int32 ParseDate(std::string_view text, int64 now, const Zone& zone);
 

@@ -58,6 +58,18 @@ const char* WhyNoRepeat(uint32 count, int32 unit) {
   return count ? Fine : "Repeated every 0 units, a message never comes again; enter 1 or more.";
 }
 
+/// A rule without a fault that asks the same of its values.
+TimingRule FaultlessLike(const TimingRule& rule) {
+  TimingRule faultless;
+  if (IsWithin(rule.PeriodType, 0, NumberOfPeriodTypes - 1)) faultless.PeriodType = rule.PeriodType;
+  if (IsWithin(rule.TimingType, 0, NumberOfTimingTypes - 1)) faultless.TimingType = rule.TimingType;
+  if (IsWithin(rule.SubIntType, Hours, Minutes)) faultless.SubIntType = rule.SubIntType;
+  faultless.ApplyPrewarn = rule.ApplyPrewarn;
+  faultless.ApplyPrewarnRepeat = rule.ApplyPrewarnRepeat;
+  faultless.ApplyNag = rule.ApplyNag;
+  return faultless;
+}
+
 }  // namespace
 
 const char* WhyNoOccurrence(const TimingRule& rule) {
@@ -101,6 +113,13 @@ const char* WhyRuleNeverYields(const TimingRule& rule) {
   }
   if (!*why && rule.ApplyNag) why = WhyNoRepeat(rule.NagRepeatTime, rule.NagRepeatType);
   return why;
+}
+
+const char* WhyChangeRefused(const TimingRule& rule,
+                             const std::function<void(TimingRule&)>& change) {
+  TimingRule candidate = *WhyRuleNeverYields(rule) ? FaultlessLike(rule) : rule;
+  change(candidate);
+  return WhyRuleNeverYields(candidate);
 }
 
 }  // namespace kestrin

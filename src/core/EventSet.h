@@ -148,6 +148,8 @@ class EventSet : public Locker {
   bool WriteTo(const std::string& path);
   bool Replace(const std::string& path, std::optional<FileStamp>* written);
   std::string NameBeside() const;
+  /// The set has another name, which its editors show.
+  void TellEditors();
   void Insert(std::unique_ptr<Event> event, size_t at);
 
   Context& context_;

@@ -104,6 +104,7 @@ bool EventSet::SaveData(SavedBy by) {
                                 "\" was changed by another program since Kestrin read it.  Your "
                                 "events were saved beside it as \"" +
                                 GetLeaf() + "\", and the set now goes by that name.");
+    TellEditors();
   }
   if (window_) window_->SetChanged();
   return true;
@@ -113,6 +114,12 @@ void EventSet::SetFileName(const std::string& path) {
   if (path == fileName_) return;
   fileName_ = path;
   stamp_.reset();
+  TellEditors();
+}
+
+void EventSet::TellEditors() {
+  for (const auto& event : events_)
+    if (EditorWindow* editor = event->GetWindow()) editor->EventChanged();
 }
 
 void EventSet::BecomeRecovered(const std::string& untitledName) {

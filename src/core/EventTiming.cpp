@@ -84,6 +84,12 @@ int32 GetSecondsIntoDay(int32 time, const Zone& zone) {
   return SecondsIntoDay(zone.AtMoment(time));
 }
 
+int32 OnDayOf(int32 day, int32 secondsIntoDay, const Zone& zone) {
+  const Civil midnight = MidnightOf(zone.AtMoment(day));
+  const int64 moment = zone.ToMoment(Civil{midnight.seconds + secondsIntoDay});
+  return FitsTime(moment) ? Stored(moment) : day;
+}
+
 int32 DaysInMonth(int32 month, int32 year) {
   constexpr int32 lengths[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
   const int64 wholeYear = year + FloorDivide(month, 12);

@@ -16,6 +16,9 @@ class EditorPage : public QWidget {
   Q_OBJECT
 
  public:
+  /// Makes a change of the event, and shows what came of it.
+  using Writer = std::function<void(const std::function<void(Event&)>& change)>;
+
   explicit EditorPage(Event& event, QWidget* parent = nullptr) : QWidget(parent), event_(event) {}
 
   /// Brings every control in step with the event, but for what is being typed. Writes nothing.

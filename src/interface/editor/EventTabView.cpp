@@ -4,6 +4,7 @@
 
 #include "core/EventSet.h"
 #include "interface/editor/EditorPage.h"
+#include "interface/editor/EventWhenView.h"
 
 namespace kestrin {
 
@@ -39,7 +40,7 @@ EventTabView::EventTabView(Event& event) {
 
 void EventTabView::AddPages(Event& event) {
   AddPage(new EmptyPage(event), "&Action");
-  AddPage(new EmptyPage(event), "&When");
+  AddPage(new EventWhenView(event), "&When");
   AddPage(new EmptyPage(event), "&Prewarning");
   AddPage(new EmptyPage(event), "Na&gging");
   AddPage(new EmptyPage(event), "Co&mment");

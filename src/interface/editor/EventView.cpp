@@ -63,25 +63,25 @@ void EventView::BuildName(QGridLayout& grid) {
   active_->setObjectName("active");
   connect(active_, &QCheckBox::clicked, this,
           [this](bool on) { Write([on](Event& event) { event.SetActive(on); }); });
-  grid.addWidget(caption, 0, CaptionColumn, Qt::AlignRight | Qt::AlignVCenter);
+  grid.addWidget(caption, 0, CaptionColumn);
   grid.addWidget(name_, 0, ValueColumn);
   grid.addWidget(active_, 0, ActiveColumn);
 }
 
 void EventView::BuildTimes(QGridLayout& grid) {
-  actual_ = AddLine(grid, "actualTime", "Actual event time:");
-  next_ = AddLine(grid, "nextTime", "Next message time:");
-  status_ = AddLine(grid, "status", "Status:");
+  actual_ = AddLine(grid, 1, "actualTime", "Actual event time:");
+  next_ = AddLine(grid, 2, "nextTime", "Next message time:");
+  status_ = AddLine(grid, 3, "status", "Status:");
 }
 
-QLabel* EventView::AddLine(QGridLayout& grid, const char* objectName, const char* caption) {
+QLabel* EventView::AddLine(QGridLayout& grid, int row, const char* objectName,
+                           const char* caption) {
   auto* value = new QLabel;
   value->setObjectName(objectName);
   value->setProperty("caption", caption);
   value->setTextFormat(Qt::PlainText);
   value->setTextInteractionFlags(Qt::TextSelectableByMouse);
-  const int row = grid.rowCount();
-  grid.addWidget(new QLabel(caption), row, CaptionColumn, Qt::AlignRight);
+  grid.addWidget(new QLabel(caption), row, CaptionColumn);
   grid.addWidget(value, row, ValueColumn, 1, 2);
   return value;
 }

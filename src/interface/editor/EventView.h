@@ -25,7 +25,7 @@ class EventView final : public EditorPage {
   void BuildIcon(QGridLayout& grid);
   void BuildName(QGridLayout& grid);
   void BuildTimes(QGridLayout& grid);
-  QLabel* AddLine(QGridLayout& grid, const char* objectName, const char* caption);
+  QLabel* AddLine(QGridLayout& grid, int row, const char* objectName, const char* caption);
   void RedrawStatus();
   QString TimeText(int time) const;
 

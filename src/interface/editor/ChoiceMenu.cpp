@@ -1,0 +1,36 @@
+#include "interface/editor/ChoiceMenu.h"
+
+#include <QStandardItemModel>
+#include <utility>
+
+namespace kestrin {
+
+ChoiceMenu::ChoiceMenu(const char* objectName, const QString& accessibleName, Setter set,
+                       QWidget* parent)
+    : QComboBox(parent) {
+  setObjectName(objectName);
+  setAccessibleName(accessibleName);
+  setMaxVisibleItems(12);
+  connect(this, &QComboBox::activated, this,
+          [this, set = std::move(set)](int item) { set(itemData(item).toInt()); });
+}
+
+void ChoiceMenu::ShowValue(int32 value, const QString& labelOfOther) {
+  int item = findData(value);
+  if (otherItem_ >= 0 && item != otherItem_) {
+    removeItem(std::exchange(otherItem_, -1));
+    item = findData(value);
+  }
+  if (item < 0) {
+    Add(value, labelOfOther);
+    item = otherItem_ = count() - 1;
+  }
+  setCurrentIndex(item);
+}
+
+void ChoiceMenu::SetOffered(int32 value, bool offered) {
+  auto* const items = qobject_cast<QStandardItemModel*>(model());
+  if (const int item = findData(value); item >= 0) items->item(item)->setEnabled(offered);
+}
+
+}  // namespace kestrin
