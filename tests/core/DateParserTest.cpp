@@ -145,5 +145,25 @@ TEST(DateParser, TimesOfDayAlone) {
   for (const auto& row : rows) EXPECT_EQ(ParseTimeOfDay(row.typed), row.seconds) << row.typed;
 }
 
+TEST(DateParser, SaysWhetherATextIsNoDateOrOutOfReach) {
+  const Zone zone = *Zone::Load("Europe/Berlin");
+  const int64 now = zone.ToMoment(ToCivil({2026, 10, 11, 10, 30, 15}));
+  struct {
+    const char* typed;
+    const char* saying;  // part of the sentence; empty: can be kept
+  } const rows[] = {
+      {"Jan 18 2038, 11 pm", ""},    {"Jan 20 2038", "2038"},  {"Nov 20 2050", "2038"},
+      {"5 May 9999", "2038"},        {"2 Jan 1970", ""},       {"1 Jan 1970", "1970"},
+      {"July 4 1969", "1970"},       {"in 100 years", "2038"}, {"Friday, 3 pm", ""},
+      {"Feb 30 2027", "no date"},    {"soon", "no date"},      {"", "no date"},
+      {"Nov 20 2026 3 pm", "comma"},
+  };
+  for (const auto& row : rows) {
+    const std::string why = WhyNoDate(row.typed, now, zone);
+    EXPECT_EQ(why.empty(), !*row.saying) << row.typed << ": " << why;
+    EXPECT_NE(why.find(row.saying), std::string::npos) << row.typed << ": " << why;
+  }
+}
+
 }  // namespace
 }  // namespace kestrin

@@ -5,6 +5,8 @@
 #include <ostream>
 #include <string>
 
+#include "core/EventRuleCheck.h"
+
 namespace kestrin {
 
 static bool operator==(const EventTimes& a, const EventTimes& b) {
@@ -290,6 +292,26 @@ TEST(EventTiming, TheEditorHearsWhatIsWrong) {
   rule.NagRepeatTime = 0;
   rule.DayOfWeek = 99;
   EXPECT_STREQ(WhyRuleNeverYields(rule), "");
+}
+
+TEST(EventTiming, AChangeIsRefusedForItsOwnFaultAlone) {
+  const auto steps = [](uint32 count) {
+    return [count](TimingRule& rule) { rule.Multiple = count; };
+  };
+  const auto nags = [](TimingRule& rule) { rule.NagRepeatTime = 0; };
+  TimingRule rule = Every(3, 0, RuleOf(MultiWeekly));
+  const std::string why = WhyChangeRefused(rule, steps(0));
+  EXPECT_EQ(why, "Every 0 weeks never comes round; enter 1 or more.");
+  EXPECT_STREQ(WhyChangeRefused(rule, nags), "") << "nothing nags";
+  rule.DayOfWeek = 99;  // as only a file can hold it
+  EXPECT_EQ(WhyChangeRefused(rule, steps(0)), why);
+  EXPECT_STREQ(WhyChangeRefused(rule, steps(4)), "");
+  rule.Multiple = 0;
+  rule.ApplyNag = true;
+  EXPECT_STREQ(WhyChangeRefused(rule, steps(4)), "");
+  EXPECT_STRNE(WhyChangeRefused(rule, nags), "");
+  rule.PeriodType = 77;
+  EXPECT_STREQ(WhyChangeRefused(rule, steps(4)), "");
 }
 
 TEST(EventTiming, CalendarHelpers) {

@@ -22,6 +22,7 @@ class EmptyPage final : public EditorPage {
 
 EventTabView::EventTabView(Event& event) {
   setObjectName("tabs");
+  setAccessibleName("Pages of the event");
   AddPages(event);
   const int32 shown = event.Record().TabShown;
   setCurrentIndex(shown >= 0 && shown < count() ? shown : 0);

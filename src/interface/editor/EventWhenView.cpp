@@ -194,7 +194,7 @@ void EventWhenView::ShowTypes() {
     timingType_->SetOffered(type, AllowableTypeCombination[period][type]);
 }
 
-/// The layout leaves no gap where a row is hidden.
+/// The layout leaves no gap where a row is hidden; nothing is painted on the way there.
 void EventWhenView::HideShowMoveViews() {
   const int32 period = GetEvent().Record().PeriodType;
   const bool isKnown = period >= 0 && period < NumberOfPeriodTypes;
@@ -208,6 +208,7 @@ void EventWhenView::HideShowMoveViews() {
   }
   selectorsCaption_->setText(selectors_->IsDateShown() ? "&Date:" : "&Day:");
   selectorsCaption_->setBuddy(selectors_->FirstShown());
+  layout()->activate();
   setUpdatesEnabled(true);
 }
 

@@ -1,0 +1,333 @@
+#include <QCalendarWidget>
+#include <QTableView>
+
+#include "interface/EditorDriver.h"
+
+namespace kestrin {
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+constexpr int32 Monday = 1794787200;  // Mon, Nov 16 2026, 00:00 UTC; it is the day before, 08:00
+constexpr int32 Hour = 3600, Day = 86400;
+
+struct WhenPageTest : EditorTest {
+  /// The controls that are shown, row by row; "GAP" where rows are not evenly apart.
+  std::string Shown() const {
+    window->layout()->activate();
+    QWidget* page = Find<QTabWidget>("tabs").currentWidget();
+    std::map<int, std::map<int, std::string>> rows;
+    for (const char* name : {"periodType", "interval", "intervalUnitLabel", "intervalUnit",
+                             "timingType", "date", "dayOfMonth", "weekOfMonth", "weekday", "month",
+                             "ofTheMonth", "startDate", "useStop", "useTime"}) {
+      const QWidget& control = Find(name);
+      if (!control.isVisible()) continue;
+      const QPoint middle = control.mapTo(page, control.rect().center());
+      rows[middle.y() / 10][middle.x()] = name;
+    }
+    std::string text;
+    int last = 0, step = 0;
+    for (const auto& [y, row] : rows) {
+      const bool isGap = step != 0 && std::abs(y - last - step) > 1;
+      if (last != 0 && step == 0) step = y - last;
+      text += text.empty() ? "" : isGap ? " GAP " : " | ";
+      for (const auto& [x, name] : row) text += (x == row.begin()->first ? "" : " ") + name;
+      last = y;
+    }
+    return text;
+  }
+};
+
+TEST_F(WhenPageTest, EachRuleShowsItsRowsWithoutGaps) {
+  const std::string every = " | interval intervalUnitLabel", type = " | timingType";
+  const std::string date = " | date", start = " | startDate";
+  const std::string dayOfYear = " | dayOfMonth month",
+                    weekdayOfYear = " | weekOfMonth weekday month";
+  const std::string dayOfMonth = " | dayOfMonth ofTheMonth";
+  const std::string weekdayOfMonth = " | weekOfMonth weekday ofTheMonth", weekday = " | weekday";
+  struct {
+    const char* period;
+    std::array<std::string, 3> rows;  // by timing type; empty where the menu does not offer it
+  } const cases[] = {
+      {"Annually", {type + date, type + dayOfYear, type + weekdayOfYear}},
+      {"Once", {date, "", ""}},
+      {"Monthly", {"", type + dayOfMonth, type + weekdayOfMonth}},
+      {"Weekly", {"", "", weekday}},
+      {"SubDaily", {" | interval intervalUnit" + start + " | useStop", "", ""}},
+      {"Daily", {"none", "", ""}},
+      {"MultiAnnually",
+       {every + type + date + start, every + type + dayOfYear + start,
+        every + type + weekdayOfYear + start}},
+      {"Weekdays", {"none", "", ""}},
+      {"MultiMonthly",
+       {"", every + type + dayOfMonth + start, every + type + weekdayOfMonth + start}},
+      {"MultiWeekly", {"", "", every + weekday + start}},
+      {"Weekends", {"none", "", ""}},
+      {"MultiDaily", {every + start, "", ""}},
+  };
+  OpenNew();
+  const QSize size = window->size();
+  for (const auto& c : cases) {
+    ASSERT_TRUE(Choose("periodType", c.period));
+    const bool hasMenu = c.rows[1].find("timingType") != std::string::npos;
+    for (size_t timing = 0; timing < 3; ++timing) {
+      const char* const names[] = {"By date", "By day of month", "By day of week"};
+      const bool isOffered = hasMenu && Choose("timingType", names[timing]);
+      ASSERT_EQ(isOffered, hasMenu && !c.rows[timing].empty()) << c.period;
+      if (c.rows[timing].empty()) continue;
+      const std::string rows = c.rows[timing] == "none" ? "" : c.rows[timing];
+      EXPECT_EQ(Shown(), "periodType" + rows + " | useTime") << c.period << " " << names[timing];
+    }
+    EXPECT_EQ(window->size(), size) << c.period;
+  }
+}
+
+TEST_F(WhenPageTest, TheIntervalHasTheUnitOfItsPeriod) {
+  OpenNew();
+  for (const auto& [period, unit] : {std::pair{"MultiAnnually", "years"},
+                                     {"MultiMonthly", "months"},
+                                     {"MultiWeekly", "weeks"},
+                                     {"SubDaily", ""},
+                                     {"MultiDaily", "days"}}) {
+    Choose("periodType", period);
+    EXPECT_EQ(TextOf("intervalUnitLabel"), unit);
+  }
+  Choose("periodType", "SubDaily");
+  auto& units = Find<QComboBox>("intervalUnit");
+  EXPECT_EQ(units.count(), 2);
+  EXPECT_TRUE(Choose("intervalUnit", "minutes"));
+  EXPECT_EQ(Record().SubIntType, Minutes);
+}
+
+TEST_F(WhenPageTest, EveryControlWritesItsFieldAtOnce) {
+  EventRecord record;
+  record.PeriodType = MultiAnnually;
+  record.EventTime = record.MultiStartTime = Monday + 8 * Hour;
+  OpenRecord(record);
+  struct {
+    const char* period;
+    const char* type;  // null: as it is
+    std::function<void()> act;
+    std::function<bool(const EventRecord&)> holds;
+  } const cases[] = {
+      {"MultiAnnually", "By date", [this] { Enter("interval", "3"); },
+       [](const EventRecord& r) { return r.Multiple == 3; }},
+      {"MultiAnnually", "By date", [this] { Enter("date", "Dec 24 2026"); },
+       [](const EventRecord& r) { return r.EventTime == Monday + 38 * Day && !r.ApplyTime; }},
+      {"MultiAnnually", "By date", [this] { Enter("date", "Dec 24 2026, 6 pm"); },
+       [](const EventRecord& r) {
+         return r.EventTime == Monday + 38 * Day + 18 * Hour && r.ApplyTime &&
+                r.TimeToApply == 18 * Hour;
+       }},
+      {"MultiAnnually", "By day of month", [this] { Choose("dayOfMonth", "2nd to last"); },
+       [](const EventRecord& r) { return r.DayOfMonth == 33 && r.TimingType == ByDayOfMonth; }},
+      {"MultiAnnually", nullptr, [this] { Choose("month", "December"); },
+       [](const EventRecord& r) { return r.Month == 11; }},
+      {"MultiMonthly", "By day of week", [this] { Choose("weekOfMonth", "Last"); },
+       [](const EventRecord& r) { return r.WeekOfMonth == 4 && r.TimingType == ByDayOfWeek; }},
+      {"MultiMonthly", nullptr, [this] { Choose("weekday", "Saturday"); },
+       [](const EventRecord& r) { return r.DayOfWeek == 6; }},
+      {"SubDaily", nullptr, [this] { Enter("startDate", "Nov 20 2026, 07:30"); },
+       [](const EventRecord& r) { return r.MultiStartTime == Monday + 4 * Day + 27000; }},
+      {"SubDaily", nullptr, [this] { Enter("startDate", "Nov 21 2026"); },
+       [](const EventRecord& r) { return r.MultiStartTime == Monday + 5 * Day + 27000; }},
+      {"SubDaily", nullptr, [this] { Click("useStop"); },
+       [](const EventRecord& r) { return r.ApplyStop; }},
+      {"SubDaily", nullptr, [this] { Enter("stopTime", "5:15 pm"); },
+       [](const EventRecord& r) { return r.StopTime == 62100; }},
+      {"Daily", nullptr, [this] { Click("useTime"); },
+       [](const EventRecord& r) { return !r.ApplyTime; }},
+      {"Daily", nullptr, [this] { Click("useTime"); },
+       [](const EventRecord& r) { return r.ApplyTime; }},
+      {"Daily", nullptr, [this] { Enter("time", "noon"); },
+       [](const EventRecord& r) { return r.TimeToApply == 12 * Hour; }},
+  };
+  int row = 0;
+  for (const auto& c : cases) {
+    Choose("periodType", c.period);
+    if (c.type) Choose("timingType", c.type);
+    c.act();
+    EXPECT_TRUE(c.holds(Record())) << "case " << row << ": " << Complaint();
+    EXPECT_THAT(Complaint(), IsEmpty());
+    ++row;
+  }
+  EXPECT_TRUE(set->HasBeenModified());
+}
+
+TEST_F(WhenPageTest, DatesAreReadAsTypedAndShownInFullInTheZone) {
+  context.Core.zone = *Zone::Load("Europe/Berlin");
+  OpenNew();
+  const auto wall = [](int day, int hour) {  // of November 2026
+    return Zone::Load("Europe/Berlin")->ToMoment(ToCivil({2026, 10, day, hour, 0, 0}));
+  };
+  struct {
+    const char* typed;
+    const char* shown;
+    int64 time;  // 0: refused
+  } const cases[] = {
+      {"tomorrow", "Mon, Nov 16 2026", wall(16, 0)},
+      {"next friday", "Fri, Nov 20 2026", wall(20, 0)},
+      {"Fri, Nov 21 2026", "Sat, Nov 21 2026", wall(21, 0)},  // the weekday was left as shown
+      {"Mon, Nov 22 2026", "", 0},
+      {"11/29/2026", "Sun, Nov 29 2026", wall(29, 0)},
+      {"soon", "", 0},
+      {"", "", 0},
+      {"Jan 20 2038", "", 0},
+      {"Dec 31 1969", "", 0},
+      {"Nov 27 2026 6 pm", "", 0},
+      {"Nov 27 2026, 6 pm", "Fri, Nov 27 2026, 06:00:00 PM", wall(27, 18)},
+      {"Fri, Nov 28 2026, 06:00:00 PM", "Sat, Nov 28 2026, 06:00:00 PM", wall(28, 18)},
+      {"29 Nov 2026", "Sun, Nov 29 2026, 06:00:00 PM", wall(29, 18)},
+  };
+  std::string lastShown = FieldText("date");
+  for (const auto& c : cases) {
+    const int32 before = Record().EventTime;
+    Enter("date", c.typed);
+    EXPECT_EQ(Record().EventTime, c.time ? c.time : before) << c.typed;
+    EXPECT_EQ(Complaint().empty(), c.time != 0) << c.typed;
+    if (c.time == 0) {
+      EXPECT_THAT(Complaint(), HasSubstr(c.typed));
+      EXPECT_EQ(FieldText("date"), c.typed);
+      QTest::keyClick(&Find("date"), Qt::Key_Escape);
+      EXPECT_TRUE(window->isVisible()) << "the first Escape is the field's";
+    }
+    EXPECT_EQ(FieldText("date"), c.time ? c.shown : lastShown) << c.typed;
+    EXPECT_THAT(Complaint(), IsEmpty());
+    lastShown = FieldText("date");
+  }
+}
+
+TEST_F(WhenPageTest, TheCalendarPicksADayAndKeepsTheTimeOfDay) {
+  EventRecord record;
+  record.PeriodType = MultiDaily;
+  record.MultiStartTime = Monday + 8 * Hour + 61;
+  OpenRecord(record);
+  auto& field = Find<TypedField>("startDate");
+  const auto calendar = [this] {
+    return Find("startDate").parent()->findChild<QCalendarWidget*>();
+  };
+  Type("startDate", "no date");
+  QTest::keyClick(&field, Qt::Key_Down, Qt::AltModifier);
+  ASSERT_TRUE(calendar());
+  QWidget* days = calendar()->findChild<QTableView*>();
+  QTest::keyClick(days, Qt::Key_Right);
+  QTest::keyClick(days, Qt::Key_Return);
+  EXPECT_EQ(Record().MultiStartTime, Monday + Day + 8 * Hour + 61);
+  EXPECT_EQ(FieldText("startDate"), "Tue, Nov 17 2026, 08:01:01 AM");
+  EXPECT_THAT(Complaint(), IsEmpty()) << "the pick takes the place of what could not be read";
+
+  DeleteClosed();
+  QTest::mouseClick(&Find("startDateCalendar"), Qt::LeftButton);
+  ASSERT_TRUE(calendar());
+  auto* month = calendar()->findChild<QTableView*>();
+  for (int cell = 0; cell < 7; ++cell) {  // the row below that of the day shown
+    const QModelIndex below = month->currentIndex().siblingAtColumn(cell);
+    const QModelIndex day = below.siblingAtRow(below.row() + 1);
+    if (day.data().toInt() == 25)
+      QTest::mouseClick(month->viewport(), Qt::LeftButton, {}, month->visualRect(day).center());
+  }
+  EXPECT_EQ(Record().MultiStartTime, Monday + 9 * Day + 8 * Hour + 61);
+
+  DeleteClosed();
+  QTest::keyClick(&field, Qt::Key_F4);
+  ASSERT_TRUE(calendar());
+  QTest::keyClick(calendar()->findChild<QTableView*>(), Qt::Key_Escape);
+  EXPECT_EQ(Record().MultiStartTime, Monday + 9 * Day + 8 * Hour + 61);
+  EXPECT_TRUE(window->isVisible());
+}
+
+TEST_F(WhenPageTest, WhatNobodyTypedKeepsItsSeconds) {
+  EventRecord record;
+  record.PeriodType = SubDaily;
+  record.ApplyStop = record.ApplyTime = true;
+  record.StopTime = 17 * Hour + 59;
+  record.MultiStartTime = Monday + 59;
+  OpenRecord(record);
+  EXPECT_EQ(FieldText("stopTime"), "05:00 PM");
+  Enter("stopTime", "05:00 PM");
+  EXPECT_EQ(Record().StopTime, 17 * Hour + 59);
+  EXPECT_FALSE(set->HasBeenModified());
+  Enter("stopTime", "5:01 pm");
+  EXPECT_EQ(Record().StopTime, 17 * Hour + 60);
+  Enter("stopTime", "25:00");
+  EXPECT_THAT(Complaint(), HasSubstr("25:00"));
+  Click("useStop");
+  EXPECT_THAT(Complaint(), IsEmpty()) << "nobody could correct it";
+}
+
+TEST_F(WhenPageTest, StepsThatNeverComeRoundAreRefused) {
+  OpenNew();
+  for (const char* period : {"MultiAnnually", "MultiWeekly", "SubDaily"}) {
+    Choose("periodType", period);
+    Enter("interval", "0");
+    EXPECT_THAT(Complaint(), HasSubstr("never comes round")) << period;
+    EXPECT_EQ(Record().Multiple, 2U);
+    Choose("periodType", "Daily");
+    EXPECT_THAT(Complaint(), IsEmpty()) << "the row is hidden, and its fault with it";
+    EXPECT_EQ(FieldText("interval"), "2");
+  }
+}
+
+TEST_F(WhenPageTest, OddValuesOfFilesAreShownAndKept) {
+  EventRecord record;
+  record.PeriodType = MultiAnnually;
+  record.TimingType = ByDayOfMonth;
+  record.DayOfMonth = 45;
+  record.Month = -7;
+  record.EventTime = INT32_MIN;
+  OpenRecord(record);
+  EXPECT_FALSE(set->HasBeenModified());
+  EXPECT_EQ(Find<QComboBox>("dayOfMonth").currentText(), "14th to last");
+  EXPECT_EQ(Find<QComboBox>("month").currentText(), "Unknown (-7)");
+  Enter("interval", "5");
+  EXPECT_THAT(Complaint(), IsEmpty()) << "the month is another matter";
+  EXPECT_EQ(Record().Multiple, 5U);
+  EXPECT_EQ(Record().DayOfMonth, 45);
+  EXPECT_EQ(Record().Month, -7);
+  Choose("dayOfMonth", "12th");
+  EXPECT_EQ(Find<QComboBox>("dayOfMonth").findText("14th to last"), -1);
+
+  record.PeriodType = 99;
+  record.TimingType = -5;
+  OpenRecord(record);
+  EXPECT_EQ(Shown(), "periodType | useTime");
+  EXPECT_EQ(Find<QComboBox>("periodType").currentText(), "Unknown (99)");
+  Choose("periodType", "Weekly");
+  EXPECT_EQ(Shown(), "periodType | weekday | useTime");
+}
+
+TEST_F(WhenPageTest, MenusNameTheCodesOfARule) {
+  OpenNew();
+  struct {
+    const char* menu;
+    int code;
+    const char* label;
+  } const cases[] = {
+      {"dayOfMonth", 1, "1st"},          {"dayOfMonth", 11, "11th"},
+      {"dayOfMonth", 12, "12th"},        {"dayOfMonth", 13, "13th"},
+      {"dayOfMonth", 22, "22nd"},        {"dayOfMonth", 23, "23rd"},
+      {"dayOfMonth", 30, "30th"},        {"dayOfMonth", 32, "Last"},
+      {"dayOfMonth", 33, "2nd to last"}, {"dayOfMonth", 34, "3rd to last"},
+      {"weekOfMonth", 0, "1st"},         {"weekOfMonth", 3, "4th"},
+      {"weekOfMonth", 4, "Last"},        {"weekOfMonth", 5, "2nd to last"},
+  };
+  for (const auto& c : cases) {
+    const auto& menu = Find<QComboBox>(c.menu);
+    EXPECT_EQ(menu.itemText(menu.findData(c.code)), c.label) << c.menu << c.code;
+  }
+}
+
+TEST_F(WhenPageTest, TheClockOfTheSettingsShowsAtOnce) {
+  OpenNew();
+  Enter("date", "Nov 20 2026, 7:05 pm");
+  EXPECT_EQ(FieldText("time"), "07:05 PM");
+  KestrinSettings::Time24Hour = true;
+  context.Ui.SettingsChanged();
+  EXPECT_EQ(FieldText("time"), "19:05");
+  EXPECT_EQ(FieldText("date"), "Fri, Nov 20 2026, 19:05:00");
+  EXPECT_EQ(TextOf("actualTime"), "Fri, Nov 20 2026, 19:05:00");
+}
+
+}  // namespace
+}  // namespace kestrin
