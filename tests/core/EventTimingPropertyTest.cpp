@@ -134,8 +134,8 @@ class StepByStep {
     if (!r_.ApplyStop) return GridAfterNow(r_.MultiStartTime);
     const int64 st = r_.MultiStartTime % Day, stop = r_.StopTime, l = now_ - now_ % Day;
     if (stop <= st && stop >= now_ % Day) {
-      const int64 a = GridAfterNow(l + st - Day);
-      return a % Day > stop ? l + st : a;
+      const int64 a = GridAfterNow(l + st - Day), next = a % Day > stop ? l + st : a;
+      if (next > now_) return next;
     }
     if (now_ < l + st) return l + st;
     const int64 a = GridAfterNow(l + st);
@@ -178,7 +178,7 @@ class RandomRules {
     rule.TimeToApply = Pick(0, 1) ? number(0, 86399) : number(0, 95) * 900;
     rule.SubIntType = number(3, 4);
     rule.ApplyStop = Pick(0, 1);
-    rule.StopTime = number(0, 86399);
+    rule.StopTime = Pick(0, 4) ? number(0, 86399) : rule.MultiStartTime % static_cast<int32>(Day);
     return rule;
   }
   int64 Now() { return Pick(31536000, 2000000000); }
@@ -192,12 +192,17 @@ TEST(EventTimingProperty, AgreesWithStepByStepReckoningInUtc) {
   for (int32 kind = 0; kind < NumberOfPeriodTypes; ++kind) {
     for (int i = 0; i < 3000; ++i) {
       const TimingRule rule = random.Sane(kind);
-      const int64 now = random.Now(), expected = StepByStep(rule, now).Actual();
-      const EventTimes times = ComputeEventTimes(rule, now, Zone());
-      if (expected > INT32_MAX || (kind == Once && expected <= now)) {
-        ASSERT_EQ(times.Status, DoneWithEvent) << Told(rule) << " now " << now;
-      } else {
-        ASSERT_EQ(times.NextEventTime, expected) << Told(rule) << " now " << now;
+      // At any moment, then a second before the occurrence and at it.
+      int64 now = random.Now();
+      for (const int64 ahead : {1, 0, 0}) {
+        const int64 expected = StepByStep(rule, now).Actual();
+        const EventTimes times = ComputeEventTimes(rule, now, Zone());
+        if (expected > INT32_MAX || (kind == Once && expected <= now)) {
+          ASSERT_EQ(times.Status, DoneWithEvent) << Told(rule) << " now " << now;
+        } else {
+          ASSERT_EQ(times.NextEventTime, expected) << Told(rule) << " now " << now;
+        }
+        now = std::min<int64>(expected, INT32_MAX) - ahead;
       }
     }
   }
