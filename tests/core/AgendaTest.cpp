@@ -143,34 +143,5 @@ TEST_F(AgendaTest, ItIsWhatARunThroughEveryMinuteDelivers) {
   EXPECT_GT(missed, 10u);
 }
 
-TEST_F(AgendaTest, TheStretchIncludesItsBeginningAndNotItsEnd) {
-  const struct {
-    int32 from, to;
-    bool startup;
-    std::vector<int64> times;
-  } rows[] = {
-      {From, From + 2 * Day, true, {From, From + Day}},
-      {From, From + 2 * Day, false, {From + Day}},  // recomputed as at From, which has come
-      {From - 1, From + 1, false, {From}},
-      {From + 1, From + Day, false, {}},
-      {From, From, true, {}},
-      {To, From, true, {}},
-  };
-  for (const auto& row : rows) {
-    VirtualEngine engine;
-    engine.context.zone = Zone();
-    OpenSets::Sets.push_back(std::make_unique<EventSet>(engine.context, "/sets/a"));
-    KestrinSettings::RememberSet("/sets/a");
-    EventSet& set = *OpenSets::Sets.back();
-    set.AddEvent(std::make_unique<Event>(set, DailyAt(From)));
-    std::vector<AgendaEntry> entries;
-    EXPECT_TRUE(ComputeAgenda(engine, {row.from, row.to, row.startup}, entries));
-    std::vector<int64> times;
-    for (const AgendaEntry& entry : entries) times.push_back(entry.Time);
-    EXPECT_EQ(times, row.times) << row.from - From << " to " << row.to - From;
-    OpenSets::Sets.clear();
-  }
-}
-
 }  // namespace
 }  // namespace kestrin

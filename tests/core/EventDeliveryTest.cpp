@@ -113,7 +113,6 @@ TEST_F(EventDeliveryTest, TheTableOfStatesHolds) {
 }
 
 TEST(NagOrPrewarnMessageTest, SaysWhatAndWhen) {
-  const int32 today = Sunday;
   const struct {
     char kind;
     int32 when;
@@ -122,18 +121,13 @@ TEST(NagOrPrewarnMessageTest, SaysWhatAndWhen) {
     const char* message;
   } rows[] = {
       {0, Sunday + 12 * Hour, false, "Hot.", "The event \"Tea\" will occur today.\n\nHot."},
-      {0, Sunday + 12 * Hour + 30 * Minute, true, "",
-       "The event \"Tea\" will occur at 12:30 PM today.\n\n"},
-      {1, Sunday + 30 * Minute, true, "", "The event \"Tea\" occurred at 12:30 AM today.\n\n"},
       {1, Sunday - 6 * Day + 9 * Hour + 5 * Minute, true, "Late.",
        "The event \"Tea\" occurred at 9:05 AM on Monday, November 9,  2026.\n\nLate."},
-      {0, Sunday + Day, false, "",
-       "The event \"Tea\" will occur on Monday, November 16,  2026.\n\n"},
       {0, Sunday + 13 * Hour, true, "%s", "The event \"Tea\" will occur at 1:00 PM today.\n\n%s"},
   };
   for (const auto& row : rows)
     EXPECT_EQ(GetNagOrPrewarnMessage(row.kind, "Tea", row.when, row.timed, row.text,
-                                     today + 8 * Hour, Zone()),
+                                     Sunday + 8 * Hour, Zone()),
               row.message);
 }
 

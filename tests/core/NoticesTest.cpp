@@ -15,23 +15,18 @@ namespace {
 using testing::ElementsAre;
 
 TEST(NoticesTest, EachKindHasItsTitleButtonAndText) {
-  struct Case {
+  const struct {
     std::function<void(Notices&)> tell;
-    const char* title;
-    const char* text;
-    const char* button;
+    const char *title, *text, *button;
     AlertKind kind;
-  };
-  const Case cases[] = {
-      {[](Notices& n) { n.ReportError("Bad."); }, "Kestrin recoverable error", "Bad.", "Continue",
-       AlertKind::Warning},
+  } cases[] = {
       {[](Notices& n) { n.ReportCompoundError("Could not open \"", "a", "\"."); },
        "Kestrin recoverable error", "Could not open \"a\".", "Continue", AlertKind::Warning},
       {[](Notices& n) { n.InformUser("Good."); }, "Kestrin", "Good.", "OK", AlertKind::Information},
       {[](Notices& n) { n.Inform("Help file error", "None.", "Cancel"); }, "Help file error",
        "None.", "Cancel", AlertKind::Information},
   };
-  for (const Case& each : cases) {
+  for (const auto& each : cases) {
     SCOPED_TRACE(each.text);
     TestContext context;
     each.tell(context.Notes);
@@ -48,42 +43,27 @@ TEST(NoticesTest, EachKindHasItsTitleButtonAndText) {
   }
 }
 
-struct WorkerNoticesTest : testing::Test {
-  TestContext context;
-  std::promise<void> asked;
-  std::atomic<bool> returned = false;
-  std::thread worker;
-
-  void AskInAThread() {
-    context.Queue.SetWakeUp([this] { asked.set_value(); });
-    worker = std::thread([this] {
+TEST(WorkerNoticesTest, AWorkerWaitsForTheButtonOrAForcedEnd) {
+  for (const bool byForce : {false, true}) {
+    TestContext context;
+    std::promise<void> asked;
+    std::atomic<bool> returned = false;
+    context.Queue.SetWakeUp([&asked] { asked.set_value(); });
+    std::thread worker([&] {
       context.Notes.ReportError("From a worker.");
       returned = true;
     });
     asked.get_future().wait();
     context.Queue.SetWakeUp(nullptr);
+    context.RunMessages();
+    EXPECT_EQ(context.Holding.Count(), 1);
+    EXPECT_FALSE(returned);
+    EXPECT_TRUE(byForce ? context.Alerts.EndByForce().size() == 1
+                        : context.Ui.AnswerText("From a worker.", 0));
+    worker.join();
+    if (byForce) std::thread([&] { context.Notes.InformUser("Too late: not waited for."); }).join();
+    EXPECT_EQ(context.Holding.Count(), 0);
   }
-};
-
-TEST_F(WorkerNoticesTest, AWorkerWaitsForTheButton) {
-  AskInAThread();
-  context.RunMessages();
-  EXPECT_EQ(context.Holding.Count(), 1);
-  EXPECT_FALSE(returned);
-  EXPECT_TRUE(context.Ui.AnswerText("From a worker.", 0));
-  worker.join();
-  EXPECT_TRUE(returned);
-  EXPECT_EQ(context.Holding.Count(), 0);
-}
-
-TEST_F(WorkerNoticesTest, AForcedEndBreaksTheWaitAndLaterOnesDoNotBegin) {
-  AskInAThread();
-  context.RunMessages();
-  EXPECT_FALSE(returned);
-  EXPECT_EQ(context.Alerts.EndByForce().size(), 1u);
-  worker.join();
-  std::thread([this] { context.Notes.InformUser("Too late."); }).join();
-  EXPECT_EQ(context.Holding.Count(), 0);
 }
 
 TEST(NoticesDeathTest, AFatalErrorEndsTheProcessWithoutItsCleaningUp) {
