@@ -15,10 +15,10 @@ const std::string Untitled = "Untitled event set 1";
 
 class KestrinAppTest : public AppTestBase {
  protected:
-  Message Files(const std::vector<std::string>& paths, bool window = true) {
+  static Message Files(const std::vector<std::string>& paths) {
     Message open(OPEN_FILES);
     for (size_t i = 0; i < paths.size(); ++i) open.Set(std::to_string(i), paths[i]);
-    open.Set("window", window);
+    open.Set("window", true);
     return open;
   }
 };
@@ -51,8 +51,7 @@ TEST_F(KestrinAppTest, StartUpOnlyHandsTheTimeOverAndLeaves) {
   Remember({Work});
   Start({"-background"});
   EXPECT_TRUE(It->Ended);
-  EXPECT_THAT(It->Background.Times, testing::Each(Sunday + 9 * Hour));
-  EXPECT_FALSE(It->Background.Times.empty());
+  EXPECT_EQ(It->Background.Times.back(), Sunday + 9 * Hour);
   EXPECT_EQ(It->Background.Calls.front(), "launch");
   EXPECT_EQ(It->Bus.Left, 1);
   WriteSet(Home, {});
@@ -60,15 +59,11 @@ TEST_F(KestrinAppTest, StartUpOnlyHandsTheTimeOverAndLeaves) {
   EXPECT_FALSE(It->Ended) << "the alert about the missing file holds it";
   EXPECT_THAT(Open(), ElementsAre(Work, Home));
   EXPECT_THAT(Shown(), IsEmpty());
-  for (const char* inexact : {"-backgrounds", "-backgroun"}) {
-    Start({inexact});
-    EXPECT_THAT(Shown(), ElementsAre(Work)) << inexact;
-    EXPECT_THAT(Alerts(), ElementsAre("Kestrin: Attempt to open event set /" +
-                                      std::string(inexact) + " failed."));
-  }
+  Start({"-backgrounds"});
+  EXPECT_THAT(Shown(), ElementsAre(Work));
   Configure([] { KestrinSettings::WhichEventsToDeliver = DeliverShown; });
   Start({"-background"});
-  EXPECT_THAT(It->Background.Times, testing::Each(0)) << "nothing is shown, so nothing is pending";
+  EXPECT_EQ(It->Background.Times.back(), 0) << "nothing is shown, so nothing is pending";
 }
 
 TEST_F(KestrinAppTest, AWakeUpDeliversAndLeavesAndAStartAsksWhatWasMissed) {
@@ -197,9 +192,6 @@ TEST_F(KestrinAppTest, AnotherZoneRecomputesAllButTheOverdueAndTheNagging) {
   Post(Message(DELIVER_EVENTS));
   EXPECT_THAT(nextTimes(), ElementsAre(25, 9, 7));
   EXPECT_EQ(KestrinSettings::ZoneName, "Asia/Tokyo");
-  SystemZone = Zone();
-  Start({"-background"});
-  EXPECT_EQ(It->Background.Times.back(), Sunday + 9 * Hour);
 }
 
 TEST_F(KestrinAppTest, TheDelivererIsStartedAndItsFailuresAreToldOnce) {
@@ -214,32 +206,21 @@ TEST_F(KestrinAppTest, TheDelivererIsStartedAndItsFailuresAreToldOnce) {
       "normally.";
   const std::string trash =
       "Please remove KestrinBackground from the trash, the system refuses to launch it from there.";
+  const std::string file = "file /opt/KestrinBackground", known = "register /opt/KestrinBackground";
   using enum LaunchResult;
+  using Texts = std::vector<std::string>;
   const struct {
     LaunchResult name, file;
     bool told;
-    std::vector<std::string> texts;
+    Texts texts;
     bool toldThen;
-    std::vector<std::string> calls;
-  } rows[] = {
-      {Started, Failed, false, {}, false, {"launch"}},
-      {AlreadyRunning, Failed, true, {works}, false, {"launch"}},
-      {Failed, Failed, false, {missing}, true, {"launch", "file /opt/KestrinBackground"}},
-      {Failed, Failed, true, {}, true, {"launch", "file /opt/KestrinBackground"}},
-      {Failed,
-       Started,
-       false,
-       {},
-       false,
-       {"launch", "file /opt/KestrinBackground", "register /opt/KestrinBackground"}},
-      {InTrash, Failed, false, {trash}, true, {"launch", "file /opt/KestrinBackground"}},
-      {InTrash,
-       AlreadyRunning,
-       false,
-       {trash, works},
-       false,
-       {"launch", "file /opt/KestrinBackground", "register /opt/KestrinBackground"}},
-  };
+    Texts calls;
+  } rows[] = {{Started, Failed, false, {}, false, {"launch"}},
+              {AlreadyRunning, Failed, true, {works}, false, {"launch"}},
+              {Failed, Failed, false, {missing}, true, {"launch", file}},
+              {Failed, Failed, true, {}, true, {"launch", file}},
+              {Failed, Started, false, {}, false, {"launch", file, known}},
+              {InTrash, Started, false, {trash, works}, false, {"launch", file, known}}};
   Start();
   for (const auto& row : rows) {
     It->Background.OfName = row.name;
