@@ -66,23 +66,6 @@ TEST_F(KestrinAppTest, StartUpOnlyHandsTheTimeOverAndLeaves) {
   EXPECT_EQ(It->Background.Times.back(), 0) << "nothing is shown, so nothing is pending";
 }
 
-TEST_F(KestrinAppTest, AWakeUpDeliversAndLeavesAndAStartAsksWhatWasMissed) {
-  WriteSet(Work, {DailyAt(Sunday + 7 * Hour, "late"), DailyAt(Sunday + 8 * Hour, "due")});
-  Remember({Work});
-  Wake();
-  EXPECT_THAT(Delivered(), ElementsAre("late", "due"));
-  EXPECT_TRUE(It->Ended);
-  EXPECT_EQ(It->Background.Times.back(), Sunday + Day + 7 * Hour);
-  Wake();
-  EXPECT_THAT(Delivered(), IsEmpty()) << "it was saved";
-  EXPECT_TRUE(It->Ended);
-
-  Now += Day;
-  Start();
-  EXPECT_THAT(Delivered(), ElementsAre("late missed", "due"));
-  EXPECT_THAT(Shown(), ElementsAre(Work));
-}
-
 TEST_F(KestrinAppTest, RememberedFilesAreForgottenOnlyIfTheyAreGone) {
   WriteSet(Work, {});
   Disk.Put("/sets/Bad", std::string("\0001.2\0\0\0", 8));

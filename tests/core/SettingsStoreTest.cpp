@@ -21,31 +21,11 @@ using testing::IsEmpty;
 
 constexpr const char* Folder = "/home/u/.config";
 constexpr const char* File = "/home/u/.config/Kestrin/KestrinSettings.json";
-constexpr uint32 Long = FourCharCode("LONG"), Text = FourCharCode("CSTR");
+constexpr uint32 Text = FourCharCode("CSTR");
 
 template <typename T>
 std::string BytesOf(T value) {
   return std::string(reinterpret_cast<const char*>(&value), sizeof value);
-}
-
-TEST(SettingsTextTest, IsReadable) {
-  const SettingsMap settings = {
-      {"Big", {Long, BytesOf(int32{-2147483647 - 1})}},
-      {"Icons", {FourCharCode("BYTE"), std::string("\0\xff", 2)}},
-      {"Names", {FourCharCode("BYTE"), std::string("/home/\xc3\xa9\0/b\0", 12)}},
-      {"Shown", {FourCharCode("BOOL"), std::string("\1\0", 2)}},
-      {"Width", {FourCharCode("FLOT"), BytesOf(35.1f)}},
-      {"Without \"text\"", {0x00010203, ""}},
-  };
-  EXPECT_EQ(WriteSettingsText(settings), R"({
-  "Big": {"type":"LONG","value":[-2147483648]},
-  "Icons": {"hex":"00ff","type":"BYTE"},
-  "Names": {"texts":["/home/é","/b"],"type":"BYTE"},
-  "Shown": {"type":"BOOL","value":[1,0]},
-  "Width": {"type":"FLOT","value":[35.1]},
-  "Without \"text\"": {"hex":"","type":"0x00010203"}
-}
-)");
 }
 
 TEST(SettingsTextTest, EveryValueSurvivesByteForByte) {
@@ -105,23 +85,19 @@ TEST(SettingsStoreTest, ValuesLastOnceSavedAndUnknownOnesAreKept) {
   EXPECT_EQ(store.Get("Foreign")->bytes, std::string(1, '\0'));
 }
 
-TEST(SettingsStoreTest, WhatCannotBeKeptIsRefused) {
+TEST(SettingsStoreTest, WhatCouldNotBeReadBackIsRefused) {
   MemoryFileDoor disk;
   PrefsLibrary table = MakeBuiltInPrefs(disk, Folder);
-  for (const char* name : {"", "../x", ".hidden", "a/b"}) {
-    void* set = nullptr;
-    EXPECT_NE(table.PREFLoadSet(nullptr, name, 1, &set), StatusOk) << name;
-  }
   void* set = nullptr;
-  EXPECT_EQ(table.PREFLoadSet(nullptr, "Other", 0, &set), -ENOENT) << "not to be made";
+  EXPECT_NE(table.PREFLoadSet(nullptr, "../x", 1, &set), StatusOk);
   ASSERT_EQ(table.PREFLoadSet(nullptr, "Other", 1, &set), StatusOk);
   EXPECT_EQ(table.PREFSetData(set, "a", "x", -1, Text), -EINVAL);
   EXPECT_EQ(table.PREFSetData(set, "\xff", "x", 1, Text), -EINVAL) << "no JSON could hold it";
   const std::string large(static_cast<size_t>(PrefsValueLimit) + 1, 'x');
   EXPECT_EQ(table.PREFSetData(set, "a", large.data(), PrefsValueLimit + 1, Text), -EFBIG);
-  for (int i = 0; i < 3; ++i)
-    table.PREFSetData(set, std::to_string(i).c_str(), large.data(), PrefsValueLimit, Text);
-  EXPECT_EQ(table.PREFSaveSet(set), -EFBIG) << "more than would be read back";
+  for (const char* key : {"1", "2", "3"})
+    table.PREFSetData(set, key, large.data(), PrefsValueLimit, Text);
+  EXPECT_EQ(table.PREFSaveSet(set), -EFBIG);
   table.PREFDisposeSet(&set);
 }
 

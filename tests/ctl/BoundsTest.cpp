@@ -56,14 +56,6 @@ TEST_F(BoundsTest, TheLargestSetOfTheSmallestEventsWithTheSlowestRule) {
   EXPECT_TRUE(BytesOf(Path("slow")) == BytesOf(Path("again")));
 }
 
-TEST_F(BoundsTest, AWeekOfLargeSetsIsReckonedOneAfterTheOther) {
-  EventRecord quick = LongestWalk();
-  quick.PeriodType = Monthly;
-  Fill("a", quick, LargestFile / 119 - 2);
-  Fill("b", quick, LargestFile / 119 - 2);
-  ExpectDone({"agenda", "--from", "1794700800", "a", "b"});
-}
-
 TEST_F(BoundsTest, EventsOfEveryMinute) {
   const std::vector<std::string> agenda = {"agenda", "--json", "--from", std::to_string(Begin),
                                            "set"};
@@ -82,17 +74,6 @@ TEST_F(BoundsTest, EventsThatDeleteThemselvesByTheHundredThousand) {
   record.DeleteOnceDelivered = true;
   Fill("set", record, IsSanitized ? 20000 : 400000);
   ExpectDone({"agenda", "--from", std::to_string(Begin), "set"});
-}
-
-TEST_F(BoundsTest, HundredsOfSets) {
-  std::vector<std::string> agenda = {"agenda", "--from", std::to_string(Begin)};
-  EventRecord record = Minutely("ten minutes");
-  record.Multiple = 10;
-  for (int i = 0; i < 300; ++i) {
-    agenda.push_back(std::to_string(i));
-    Fill(agenda.back(), record, 1);
-  }
-  ExpectDone(agenda);
 }
 
 }  // namespace

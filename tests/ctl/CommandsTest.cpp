@@ -1,5 +1,6 @@
 // What next and agenda reckon, and how kestrinctl is called.
 #include <filesystem>
+#include <sstream>
 
 #include "ctl/CtlTestBase.h"
 
@@ -182,27 +183,15 @@ TEST_F(CommandsTest, CheckSaysWhatNeverComesAndHowManyEventsThereAre) {
 
 TEST_F(CommandsTest, WrongUsageIsToldWithTheRightOne) {
   const std::string tea = DataFolder + "golden/tea.kestrin";
-  const std::vector<std::string> rows[] = {{},
-                                           {"show", tea},
-                                           {"dump"},
-                                           {"dump", tea, tea},
-                                           {"dump", "--json", tea},
-                                           {"next", tea, tea},
-                                           {"next", "--at", tea},
-                                           {"next", tea, "--at"},
-                                           {"next", "--at", "never", tea},
-                                           {"next", "--at", "2147483648", tea},
-                                           {"next", "--from", "1", tea},
-                                           {"agenda"},
-                                           {"agenda", "--at", "1", tea},
-                                           {"agenda", "--to", "", tea},
-                                           {"check"},
-                                           {"check", "-x", tea},
-                                           {"rewrite", tea},
-                                           {"rewrite", tea, "out", "more"}};
-  for (const auto& row : rows) {
-    const Ran ran = Run(row);
-    EXPECT_EQ(ran.status, 1) << testing::PrintToString(row);
+  for (const char* row :
+       {"", "show F", "dump", "dump F F", "dump --json F", "next F F", "next F --at",
+        "next --at never F", "next --at 2147483648 F", "next --from 1 F", "agenda",
+        "agenda --at 1 F", "check", "check -x F", "rewrite F", "rewrite F out more"}) {
+    std::vector<std::string> words;
+    std::istringstream cutter(row);
+    for (std::string word; cutter >> word;) words.push_back(word == "F" ? tea : word);
+    const Ran ran = Run(words);
+    EXPECT_EQ(ran.status, 1) << row;
     EXPECT_EQ(ran.out, "");
     EXPECT_THAT(ran.err, HasSubstr("usage: kestrinctl dump FILE"));
   }

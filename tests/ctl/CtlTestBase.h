@@ -32,7 +32,6 @@ std::string RecordBytes(const EventRecord& record);
 struct Ran {
   int status = -1;  ///< 1000 + the signal, if one ended it
   std::string out, err;
-  nlohmann::json Json() const { return nlohmann::json::parse(out); }
 };
 
 class CtlTest : public testing::Test {

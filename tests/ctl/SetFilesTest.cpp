@@ -88,28 +88,6 @@ TEST_F(SetFilesTest, WhatIsNoSetFileIsRefused) {
   ExpectRefusedByAll("above the limit", "64 MiB");
 }
 
-TEST_F(SetFilesTest, AFileCutAtAnyFieldIsRefused) {
-  for (const auto& [name, boundaries] : Expected["fields"].items()) {
-    const std::string whole = BytesOf(DataFolder + name);
-    std::vector<std::string> arguments = {"check"};
-    for (const size_t at : boundaries) {
-      arguments.push_back(std::to_string(at));
-      PutBytes(Path(arguments.back()), whole.substr(0, at));
-    }
-    ASSERT_GT(arguments.size(), 300u);
-    const Ran ran = Run(arguments);
-    EXPECT_EQ(ran.status, 2);
-    EXPECT_EQ(ran.out, "");
-    std::istringstream lines(ran.err);
-    std::string line;
-    for (size_t i = 1; i < arguments.size(); ++i) {
-      std::getline(lines, line);
-      EXPECT_TRUE(line.starts_with("kestrinctl: " + arguments[i] + ": ")) << line;
-    }
-    EXPECT_FALSE(std::getline(lines, line)) << line;
-  }
-}
-
 TEST_F(SetFilesTest, RewriteFollowsLinksAndLeavesTheModeOfAFile) {
   const std::string tea = BytesOf(DataFolder + "golden/tea.kestrin");
   std::filesystem::create_directory(Path("elsewhere"));

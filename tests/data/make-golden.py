@@ -275,7 +275,7 @@ def refused():
 
 
 def make_all():
-    files, expected = {}, {"read": {}, "refused": {}, "fields": {}}
+    files, expected = {}, {"read": {}, "refused": {}}
 
     def add(name, events, behind=b"", **arguments):
         made = make_set(events, **arguments)
@@ -284,13 +284,10 @@ def make_all():
             "dump": dump(events, arguments.get("version", b"1.2"), arguments.get("order", "<"),
                          arguments.get("layout")),
             "saved": saved_again(events, arguments.get("layout")).hex()}
-        return made
 
     for version in (b"1.0", b"1.1", b"1.2"):
         for order, word in (("<", "little"), (">", "big")):
-            name = f"golden/full-{version.decode()}-{word}.kestrin"
-            made = add(name, FULL, version=version, order=order, layout=FULL_LAYOUT)
-            expected["fields"][name] = sorted({offset for offset, _ in made.fields})
+            add(f"golden/full-{version.decode()}-{word}.kestrin", FULL, version=version, order=order, layout=FULL_LAYOUT)
     add("golden/no-events.kestrin", [])
     add("golden/tea.kestrin", [event()])
     for name, (events, arguments, behind) in readable().items():

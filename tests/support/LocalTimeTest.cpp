@@ -11,10 +11,6 @@
 namespace kestrin {
 namespace {
 
-Civil At(int64 year, int64 month, int64 day, int64 hour = 0, int64 minute = 0, int64 second = 0) {
-  return ToCivil({year, month - 1, day, hour, minute, second});
-}
-
 // Sets TZ for a test and gives it back.
 class EnvironmentZone {
  public:
@@ -83,76 +79,18 @@ TEST(Civil, EverySillyValueIsAnswered) {
   }
 }
 
-TEST(Zone, AgreesWithTheCLibrary) {
-  std::mt19937_64 random(2);
-  std::uniform_int_distribution<int64> seconds(0, INT32_MAX);
-  for (const char* name : {"Europe/Berlin", "America/New_York", "Australia/Lord_Howe",
-                           "Pacific/Apia", "Asia/Kathmandu", "Africa/Casablanca", "UTC"}) {
-    const EnvironmentZone environment(name);
-    const std::optional<Zone> zone = Zone::Load(name);
-    ASSERT_TRUE(zone) << name;
-    for (int i = 0; i < 5000; ++i) {
-      const time_t moment = seconds(random);
-      tm broken = {};
-      localtime_r(&moment, &broken);
-      const Civil civil = zone->AtMoment(moment);
-      ASSERT_EQ(civil.seconds, timegm(&broken)) << name << " " << moment;
-      const Zone::Resolved back = zone->Resolve(civil);
-      ASSERT_NE(back.answer, Zone::Answer::Skipped);
-      ASSERT_EQ(zone->AtMoment(back.moment), civil);
-      if (back.answer == Zone::Answer::Unique) {
-        ASSERT_EQ(back.moment, moment);
-      } else {
-        ASSERT_LE(back.moment, moment);
-      }
-    }
-  }
-}
-
-TEST(Zone, KnowsSkippedAndRepeatedTimes) {
-  using enum Zone::Answer;
-  struct {
-    const char* zone;
-    Civil wall;
-    Zone::Answer answer;
-    Civil utc;
-  } const cases[] = {
-      {"Europe/Berlin", At(2026, 3, 29, 1, 59, 59), Unique, At(2026, 3, 29, 0, 59, 59)},
-      {"Europe/Berlin", At(2026, 3, 29, 2, 30), Skipped, At(2026, 3, 29, 1)},
-      {"Europe/Berlin", At(2026, 3, 29, 3), Unique, At(2026, 3, 29, 1)},
-      {"Europe/Berlin", At(2026, 10, 25, 2, 30), Repeated, At(2026, 10, 25, 0, 30)},
-      {"Europe/Berlin", At(2026, 10, 25, 3), Unique, At(2026, 10, 25, 2)},
-      {"America/New_York", At(2026, 3, 8, 2), Skipped, At(2026, 3, 8, 7)},
-      {"America/New_York", At(2026, 11, 1, 1), Repeated, At(2026, 11, 1, 5)},
-      {"Australia/Lord_Howe", At(2026, 10, 4, 2, 10), Skipped, At(2026, 10, 3, 15, 30)},
-      {"Australia/Lord_Howe", At(2026, 4, 5, 1, 45), Repeated, At(2026, 4, 4, 14, 45)},
-      {"Pacific/Apia", At(2011, 12, 30, 12), Skipped, At(2011, 12, 30, 10)},
-      {"Pacific/Apia", At(2011, 12, 31), Unique, At(2011, 12, 30, 10)},
-  };
-  for (const auto& each : cases) {
-    const Zone::Resolved resolved = Zone::Load(each.zone)->Resolve(each.wall);
-    EXPECT_EQ(resolved.answer, each.answer) << each.zone << " " << each.wall.seconds;
-    EXPECT_EQ(resolved.moment, each.utc.seconds) << each.zone << " " << each.wall.seconds;
-  }
-}
-
 TEST(Zone, SystemFollowsTheEnvironment) {
-  struct {
-    const char* environment;
-    const char* name;
-  } const cases[] = {
+  const std::pair<const char*, const char*> cases[] = {
       {"Europe/Berlin", "Europe/Berlin"},
       {":America/New_York", "America/New_York"},
       {"/usr/share/zoneinfo/Pacific/Apia", "Pacific/Apia"},
       {"EST5EDT", "EST5EDT"},
-      {"UTC", "UTC"},
       {"", "UTC"},
       {"No/Such_Zone", "UTC"},
-      {"../../../etc/passwd", "UTC"},
-  };
-  for (const auto& each : cases) {
-    const EnvironmentZone environment(each.environment);
-    EXPECT_EQ(Zone::System().Name(), each.name) << each.environment;
+      {"../../../etc/passwd", "UTC"}};
+  for (const auto& [given, name] : cases) {
+    const EnvironmentZone environment(given);
+    EXPECT_EQ(Zone::System().Name(), name) << given;
   }
   const EnvironmentZone environment(nullptr);
   const time_t moment = 1794729600;
@@ -186,8 +124,12 @@ TEST(Zone, ListedChangesAgreeWithTheZoneDatabaseEverywhere) {
       const absl::TimeZone::TimeInfo expected = reference.At(wall);
       const bool skipped = expected.kind == absl::TimeZone::TimeInfo::SKIPPED;
       const Civil asked{wall - absl::CivilSecond(1970)};
-      ASSERT_EQ(zone->ToMoment(asked), absl::ToUnixSeconds(skipped ? expected.trans : expected.pre))
+      const Zone::Resolved resolved = zone->Resolve(asked);
+      ASSERT_EQ(resolved.moment, absl::ToUnixSeconds(skipped ? expected.trans : expected.pre))
           << name << " " << asked.seconds;
+      using enum Zone::Answer;
+      const bool unique = expected.kind == absl::TimeZone::TimeInfo::UNIQUE;
+      ASSERT_EQ(resolved.answer, skipped ? Skipped : unique ? Unique : Repeated) << name;
     }
   }
   EXPECT_GT(zones, 300);

@@ -60,30 +60,20 @@ TEST_F(LockOrderDeathTest, RisingRanksAndRecursionAreFree) {
 }
 
 TEST_F(LockOrderDeathTest, ABrokenOrderStopsTheProgramAndNamesBothLocks) {
-  EXPECT_DEATH(
-      {
-        AutoLock a(set);
-        AutoLock b(open);
-      },
-      "\"Open sets\".*\"EventSet\"");
-  EXPECT_DEATH(
-      {
-        AutoLock a(open);
-        AutoLock b(settings);
-      },
-      "\"Settings\".*\"Open sets\"");
-  EXPECT_DEATH(
-      {
-        AutoLock a(set);
-        AutoLock b(other);
-      },
-      "\"Other set\".*\"EventSet\"");
-  EXPECT_DEATH(
-      {
-        AutoLock a(set);
-        AssertNoSetLocked("An alert");
-      },
-      "An alert.*\"EventSet\"");
+  const struct {
+    Locker *first, *second;
+    const char* said;
+  } rows[] = {{&set, &open, "\"Open sets\".*\"EventSet\""},
+              {&open, &settings, "\"Settings\".*\"Open sets\""},
+              {&set, &other, "\"Other set\".*\"EventSet\""}};
+  for (const auto& row : rows) {
+    const AutoLock held(*row.first);
+    EXPECT_DEATH(row.second->Lock(), row.said);
+  }
+  {
+    const AutoLock held(set);
+    EXPECT_DEATH(AssertNoSetLocked("An alert"), "An alert.*\"EventSet\"");
+  }
   set.Lock(), open.IsLocked(), set.Unlock();
   AutoLock held(open);
   AssertNoSetLocked("An alert");

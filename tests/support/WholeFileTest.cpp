@@ -64,31 +64,6 @@ TEST(ReplaceFile, APowerCutAtAnyCallLeavesTheEarlierOrTheNewFileWhole) {
     }
 }
 
-TEST(ReplaceFile, KeepsModeAttributesAndLinks) {
-  MemoryFileDoor disk;
-  disk.Put("/other/real", "earlier", 0640);
-  disk.SetAttribute("/other/real", "user.mime_type", "x/y");
-  disk.Links = {{path, "/link"}, {"/link", "other/real"}, {"/dangling", "other/new"}};
-  disk.PutFolder("/home");
-  EXPECT_EQ(WriteWholeFile(disk, path, "new"), StatusOk);
-  EXPECT_EQ(disk.Bytes("/other/real"), "new");
-  EXPECT_EQ(disk.Mode("/other/real"), 0640u);
-  EXPECT_EQ(disk.GetAttribute("/other/real", "user.mime_type"), "x/y");
-  EXPECT_EQ(WriteWholeFile(disk, "/dangling", "first"), StatusOk);
-  EXPECT_EQ(disk.Bytes("/other/new"), "first");
-  EXPECT_EQ(disk.Mode("/other/new"), 0644u);
-  EXPECT_EQ(disk.Links.size(), 3u);
-}
-
-TEST(ReplaceFile, RefusesWhatItMayNotReplace) {
-  MemoryFileDoor disk;
-  disk.Put("/home/protected", "mine", 0444);
-  EXPECT_EQ(WriteWholeFile(disk, "/home/protected", "x"), -EACCES);
-  EXPECT_EQ(WriteWholeFile(disk, "/home", "x"), -EISDIR);
-  EXPECT_EQ(WriteWholeFile(disk, "/nowhere/file", "x"), -ENOENT);
-  EXPECT_EQ(disk.Bytes("/home/protected"), "mine");
-}
-
 TEST(ReplaceFile, ALongNameStillHasRoomForATemporaryOne) {
   MemoryFileDoor disk;
   std::string name = "/home/";
