@@ -256,6 +256,20 @@ TEST_F(WhenPageTest, WhatNobodyTypedKeepsItsSeconds) {
   EXPECT_THAT(Complaint(), IsEmpty()) << "nobody could correct it";
 }
 
+TEST_F(WhenPageTest, TheLineSaysWhatStandsInTheWay) {
+  OpenNew();
+  Choose("periodType", "SubDaily");
+  Enter("startDate", "someday");
+  Enter("interval", "few");
+  EXPECT_THAT(Complaint(), HasSubstr("few"));
+  Find("startDate").setFocus();
+  EXPECT_THAT(Complaint(), HasSubstr("someday")) << "the field that the person is in";
+  Enter("startDate", "Nov 20 2026");
+  EXPECT_THAT(Complaint(), HasSubstr("few")) << "is not settled";
+  Enter("interval", "4");
+  EXPECT_THAT(Complaint(), IsEmpty());
+}
+
 TEST_F(WhenPageTest, StepsThatNeverComeRoundAreRefused) {
   OpenNew();
   for (const char* period : {"MultiAnnually", "MultiWeekly", "SubDaily"}) {

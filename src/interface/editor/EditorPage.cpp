@@ -18,15 +18,15 @@ void EditorPage::AddField(TypedField* field) {
   fields_.push_back({field, {}});
   connect(field, &TypedField::Complained, this, [this, row](const QString& why) {
     fields_[row].complaint = why;
-    Complain();
+    Complain(why);
   });
 }
 
-void EditorPage::Complain() {
-  QString first;
+void EditorPage::Complain(const QString& last) {
+  QString standing = last;
   for (const Field& entry : fields_)
-    if (first.isEmpty()) first = entry.complaint;
-  emit Complained(first);
+    if (standing.isEmpty()) standing = entry.complaint;
+  emit Complained(standing);
 }
 
 void EditorPage::ShowFields() {

@@ -30,7 +30,8 @@ class EditorPage : public QWidget {
   virtual void DropEdits();
 
  signals:
-  /// A typed value was refused, with a sentence that says why; empty when all fields are good.
+  /// A typed value was refused, with a sentence that says why: the last of them, or one that still
+  /// stands when that is settled; empty when all fields are good.
   void Complained(const QString& why);
 
  protected:
@@ -47,7 +48,7 @@ class EditorPage : public QWidget {
   void DropHiddenEdits();
 
  private:
-  void Complain();
+  void Complain(const QString& last);
 
   struct Field {
     TypedField* field;

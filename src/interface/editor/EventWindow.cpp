@@ -1,6 +1,7 @@
 #include "interface/editor/EventWindow.h"
 
 #include <QAccessible>
+#include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QHBoxLayout>
@@ -17,6 +18,12 @@
 #include "interface/editor/EventView.h"
 
 namespace kestrin {
+
+namespace {
+
+QKeySequence SaveKey() { return Qt::CTRL | Qt::Key_S; }
+
+}  // namespace
 
 EventWindow::EventWindow(Event& event) : event_(&event) {
   setObjectName("eventWindow");
@@ -40,8 +47,23 @@ void EventWindow::Build() {
   BuildComplaintLine();
   AddPage(header_);
   for (EditorPage* page : tabs_->Pages()) AddPage(page);
+  AddShortcuts();
+}
+
+void EventWindow::AddShortcuts() {
   auto* close = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_W), this);
   connect(close, &QShortcut::activated, this, &QWidget::close);
+  auto* save = new QShortcut(SaveKey(), this);
+  connect(save, &QShortcut::activated, this, &EventWindow::SaveSet);
+}
+
+/// The set's window knows how: it may have to ask where.
+void EventWindow::SaveSet() {
+  CommitEdits();
+  const auto* setWindow = dynamic_cast<QWidget*>(event_->GetOwner()->GetWindow());
+  if (!setWindow) return;
+  for (QAction* action : setWindow->findChildren<QAction*>())
+    if (action->shortcut() == SaveKey()) return action->trigger();
 }
 
 /// Its room is there from the start, so that nothing moves when there is something to say.
@@ -72,18 +94,18 @@ void EventWindow::AddPage(EditorPage* page) {
   pages_.push_back({page, {}});
   connect(page, &EditorPage::Complained, this, [this, row](const QString& why) {
     pages_[row].complaint = why;
-    ShowComplaint();
+    ShowComplaint(why);
   });
 }
 
-void EventWindow::ShowComplaint() {
-  QString first;
+void EventWindow::ShowComplaint(const QString& last) {
+  QString standing = last;
   for (const Page& entry : pages_)
-    if (first.isEmpty()) first = entry.complaint;
-  if (first == complaint_->text()) return;
-  complaint_->setText(first);
-  complaintLine_->setVisible(!first.isEmpty());
-  if (first.isEmpty()) return;
+    if (standing.isEmpty()) standing = entry.complaint;
+  if (standing == complaint_->text()) return;
+  complaint_->setText(standing);
+  complaintLine_->setVisible(!standing.isEmpty());
+  if (standing.isEmpty()) return;
   QAccessibleEvent said(complaint_, QAccessible::Alert);
   QAccessible::updateAccessibility(&said);
 }

@@ -53,7 +53,9 @@ class EventWindow final : public QWidget, public EditorWindow {
   void RememberAsDefault();
   void Retitle();
   void ShowEvent();
-  void ShowComplaint();
+  void ShowComplaint(const QString& last);
+  void AddShortcuts();
+  void SaveSet();
   /// Takes the window back from the event; afterwards there is no event.
   void Detach();
 

@@ -101,6 +101,11 @@ void TypedField::keyPressEvent(QKeyEvent* event) {
   }
 }
 
+void TypedField::focusInEvent(QFocusEvent* event) {
+  QLineEdit::focusInEvent(event);
+  if (isInvalid_) emit Complained(complaint_);
+}
+
 void TypedField::focusOutEvent(QFocusEvent* event) {
   QLineEdit::focusOutEvent(event);
   if (event->reason() != Qt::PopupFocusReason) Commit();

@@ -34,11 +34,13 @@ class TypedField : public QLineEdit {
   bool IsInvalid() const { return isInvalid_; }
 
  signals:
-  /// The complaint has changed; empty when the field is good again.
+  /// The complaint has changed, or the person has come back to it; empty when the field is good
+  /// again.
   void Complained(const QString& why);
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;
+  void focusInEvent(QFocusEvent* event) override;
   void focusOutEvent(QFocusEvent* event) override;
   void changeEvent(QEvent* event) override;
 
