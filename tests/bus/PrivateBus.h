@@ -1,12 +1,10 @@
-// A session bus of the test's own, processes on it, and a connection that plays the application.
+// A session bus of the test's own and processes on it.
 #pragma once
 
 #include <sys/types.h>
-#include <systemd/sd-bus.h>
 
 #include <chrono>
 #include <cstdint>
-#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -14,6 +12,9 @@
 namespace kestrin {
 
 inline constexpr std::chrono::seconds Patience{10};
+
+/// Throws `what` unless it is good.
+void Require(bool good, const char* what);
 
 /// Microseconds since 1970.
 int64_t RealTime();
@@ -36,6 +37,7 @@ class LinePipe {
   LinePipe& operator=(const LinePipe&) = delete;
   /// The next line without its end, or what has come of it when patience ends.
   std::string NextLine();
+  bool NothingWaits() const;
 
  private:
   int pipe_;
@@ -45,7 +47,9 @@ class LinePipe {
 class Child {
  public:
   /// `environment`: additions to this process's own; an empty value removes the name.
-  Child(std::vector<std::string> arguments, std::map<std::string, std::string> environment);
+  explicit Child(std::vector<std::string> arguments,
+                 const std::map<std::string, std::string>& environment = {},
+                 const std::string& folder = ".");
   ~Child();
   Child(const Child&) = delete;
   Child& operator=(const Child&) = delete;
@@ -83,49 +87,6 @@ class PrivateBus {
   LinePipe addressPipe_;
   std::string address_;
   Child daemon_;
-};
-
-/// A connection to the bus. With a name it is the application: it takes every message posted.
-class Peer {
- public:
-  struct Taken {
-    uint32_t what;
-    int64_t at;  ///< microseconds since 1970
-  };
-
-  explicit Peer(const PrivateBus& bus, const char* name = nullptr);
-  ~Peer();
-  Peer(const Peer&) = delete;
-  Peer& operator=(const Peer&) = delete;
-
-  /// Serves the connection until `until` holds; false when patience ends first.
-  bool WaitUntil(const std::function<bool()>& until);
-  /// Whether the name gets, or loses, its owner within patience.
-  bool WaitForOwner(const char* name, bool owned = true);
-  bool HasOwner(const char* name);
-  /// The process that owns the name, or 0.
-  pid_t ProcessOf(const char* name);
-
-  /// One field for Post: `type` is its bus type (one of i, u, x, b, s).
-  struct Field {
-    const char* name;
-    char type;
-    int64_t value;
-  };
-  /// Posts to the deliverer. The error's name; empty for an answer.
-  std::string Post(uint32_t what, const std::vector<Field>& fields = {});
-  std::string SetWhen(int64_t when) { return Post(0x53657445, {{"When", 'i', when}}); }
-  /// The deliverer's property.
-  int32_t When();
-
-  std::vector<Taken> taken;
-  std::vector<int32_t> announced;  ///< values of "When" in PropertiesChanged
-
- private:
-  static int OnPost(sd_bus_message* message, void* self, sd_bus_error* error);
-  static int OnChanged(sd_bus_message* signal, void* self, sd_bus_error* error);
-  static const sd_bus_vtable table_[];
-  sd_bus* bus_ = nullptr;
 };
 
 std::string ReadFile(const std::string& path);
