@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "bus/PrivateBus.h"
+#include "programs/background/PrivateBus.h"
 
 namespace kestrin {
 
