@@ -11,6 +11,7 @@
 #include "interface/alerts/AlertCascade.h"
 #include "interface/alerts/AlertWindow.h"
 #include "interface/editor/EventWindow.h"
+#include "interface/handlerviews/HandlerViews.h"
 #include "interface/sets/EventSetWindow.h"
 #include "interface/settings/AboutWindow.h"
 #include "interface/settings/SettingsWindow.h"
@@ -125,7 +126,10 @@ void QtUserInterface::SettingsChanged() {
   }
 }
 
-QWidget* QtUserInterface::CreateEditView(EventAddOnData&, Rect) { return nullptr; }
+QWidget* QtUserInterface::CreateEditView(EventAddOnData& data, Rect frame) {
+  return HasScreen() ? CreateHandlerView(data, frame) : nullptr;
+}
+
 void QtUserInterface::DestroyEditView(QWidget* view) { delete view; }
 
 void QtUserInterface::WatchScreens() {

@@ -1,11 +1,12 @@
 #include "session/ApplicationBus.h"
 
 #include <gmock/gmock.h>
+#include <signal.h>
 
 #include "session/BusBackground.h"
 #include "session/BusMessages.h"
 #include "session/BusNames.h"
-#include "session/SessionBus.h"
+#include "session/PrivateBus.h"
 
 namespace kestrin {
 namespace {
@@ -32,7 +33,7 @@ QDBusMessage Post(uint32 what, const QVariantMap& fields = {}) {
   return ToObject(MessagesInterface, "Post", {QVariant::fromValue(what), fields});
 }
 
-class ApplicationBusTest : public SessionBus {
+class ApplicationBusTest : public PrivateBus {
  protected:
   Arrival ArriveFirst() { return bus_.Arrive({{}, {}, true}); }
 
@@ -142,9 +143,9 @@ TEST_F(ApplicationBusTest, ASecondProcessHandsItsArgumentsOver) {
   const auto program = Install("kestrin");
   for (const auto& row : rows) {
     const ScopedVariable token("DESKTOP_STARTUP_ID", row.token);
-    const auto second = Start(program, row.arguments);
+    Process second(program, row.arguments, Folder());
     ASSERT_TRUE(!row.message || RunUntil([this] { return !queue_.Empty(); }));
-    EXPECT_EQ(second->Wait(), 0);
+    EXPECT_EQ(second.Status(), 0);
     EXPECT_EQ(NextLine(), "application arrived handed over");
     EXPECT_EQ(queue_.Take(), row.message);
   }
@@ -160,13 +161,13 @@ TEST_F(ApplicationBusTest, AnOwnerThatIsSilentIsGivenUpAndOneThatDiesIsFollowed)
   EXPECT_TRUE(bus_.Leave());
   CallBus("ReleaseName", {ApplicationBusName});
 
-  const auto mortal = Start(Install("Mortal"));
+  const Process mortal(Install("Mortal"), {}, Folder());
   EXPECT_EQ(NextLine(), "mortal waits");
-  const auto follower = Start(Install("kestrin"), {"/a"});
+  Process follower(Install("kestrin"), {"/a"}, Folder());
   EXPECT_EQ(NextLine(), "application arrived first");
   EXPECT_EQ(NextLine(), "application opens");
   Client().call(Post(QUIT_REQUESTED));
-  EXPECT_EQ(follower->Wait(), 0);
+  EXPECT_EQ(follower.Status(), 0);
 }
 
 TEST_F(ApplicationBusTest, FindsTheMessageItWasStartedForBeforeItsRoleIsDecided) {
@@ -215,7 +216,7 @@ TEST_F(ApplicationBusTest, LeavesOnlyWhenNothingHasComeMeanwhile) {
 
 TEST_F(ApplicationBusTest, WhatComesTooLateGoesToTheNewOwner) {
   ASSERT_EQ(ArriveFirst(), Arrival::First);
-  const auto heir = Start(Install("Heir"));
+  const Process heir(Install("Heir"), {}, Folder());
   EXPECT_EQ(NextLine(), "heir waits");
   const QVariantMap platformData = {{"activation-token", "t"}, {BackgroundKey, true}};
   QDBusPendingCall late = Client().asyncCall(
@@ -234,7 +235,7 @@ TEST_F(ApplicationBusTest, WhatComesTooLateGoesToTheNewOwner) {
 
 TEST_F(ApplicationBusTest, TheEndOfTheBusEndsTheProgramOnce) {
   ASSERT_EQ(ArriveFirst(), Arrival::First);
-  Bus().End();
+  Daemon().Signal(SIGTERM);
   ASSERT_TRUE(RunUntil([this] { return !queue_.Empty(); }));
   EXPECT_EQ(queue_.Take(), Message(FORCED_QUIT));
   EXPECT_TRUE(bus_.Leave());

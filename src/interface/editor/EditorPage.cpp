@@ -2,6 +2,7 @@
 
 #include "core/EventSet.h"
 #include "interface/editor/TypedField.h"
+#include "interface/editor/WrappingTextView.h"
 
 namespace kestrin {
 
@@ -14,36 +15,41 @@ void EditorPage::Write(const std::function<void(Event&)>& change) {
 }
 
 void EditorPage::AddField(TypedField* field) {
-  const size_t row = fields_.size();
-  fields_.push_back({field, {}});
-  connect(field, &TypedField::Complained, this, [this, row](const QString& why) {
-    fields_[row].complaint = why;
-    Complain(why);
-  });
+  fields_.push_back(field);
+  connect(field, &TypedField::Complained, this,
+          [this, field](const QString& why) { TakeComplaint(field, why); });
 }
 
-void EditorPage::Complain(const QString& last) {
-  QString standing = last;
-  for (const Field& entry : fields_)
-    if (standing.isEmpty()) standing = entry.complaint;
-  emit Complained(standing);
+void EditorPage::AddText(WrappingTextView* text) {
+  texts_.push_back(text);
+  connect(text, &WrappingTextView::Complained, this,
+          [this, text](const QString& why) { TakeComplaint(text, why); });
+}
+
+void EditorPage::TakeComplaint(const QObject* source, const QString& why) {
+  std::erase_if(complaints_, [source](const Complaint& each) { return each.source == source; });
+  if (!why.isEmpty()) complaints_.push_back({source, why});
+  emit Complained(complaints_.empty() ? QString() : complaints_.back().why);
 }
 
 void EditorPage::ShowFields() {
-  for (const Field& entry : fields_) entry.field->ShowValue();
+  for (TypedField* field : fields_) field->ShowValue();
+  for (WrappingTextView* text : texts_) text->ShowText();
 }
 
 void EditorPage::CommitFields() {
-  for (const Field& entry : fields_) entry.field->Commit();
+  for (TypedField* field : fields_) field->Commit();
+  for (WrappingTextView* text : texts_) text->Commit();
 }
 
 void EditorPage::DropEdits() {
-  for (const Field& entry : fields_) entry.field->Restore();
+  for (TypedField* field : fields_) field->Restore();
+  for (WrappingTextView* text : texts_) text->Forget();
 }
 
 void EditorPage::DropHiddenEdits() {
-  for (const Field& entry : fields_)
-    if (!entry.field->isVisibleTo(this)) entry.field->Restore();
+  for (TypedField* field : fields_)
+    if (!field->isVisibleTo(this)) field->Restore();
 }
 
 }  // namespace kestrin

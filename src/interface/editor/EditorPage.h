@@ -9,6 +9,7 @@ namespace kestrin {
 
 class Event;
 class TypedField;
+class WrappingTextView;
 
 /// Its controls write through the event's setters at once. The event outlives the page. Main
 /// thread only.
@@ -42,21 +43,24 @@ class EditorPage : public QWidget {
 
   /// From then on the field's complaints are the page's, and the three below look after it.
   void AddField(TypedField* field);
+  void AddText(WrappingTextView* text);
+  /// The page passes on what was said last of all that stands. Empty: `source` has nothing to say.
+  void TakeComplaint(const QObject* source, const QString& why);
   void ShowFields();
   void CommitFields();
   /// Fields of rows that are hidden show their values again: nobody could correct them there.
   void DropHiddenEdits();
 
  private:
-  void Complain(const QString& last);
-
-  struct Field {
-    TypedField* field;
-    QString complaint;
+  struct Complaint {
+    const QObject* source;
+    QString why;
   };
 
   Event& event_;
-  std::vector<Field> fields_;
+  std::vector<TypedField*> fields_;
+  std::vector<WrappingTextView*> texts_;
+  std::vector<Complaint> complaints_;
 };
 
 }  // namespace kestrin

@@ -3,22 +3,13 @@
 #include <QShortcut>
 
 #include "core/EventSet.h"
-#include "interface/editor/EditorPage.h"
+#include "interface/editor/EventActionView.h"
+#include "interface/editor/EventCommentView.h"
+#include "interface/editor/EventNagView.h"
+#include "interface/editor/EventPrewarnView.h"
 #include "interface/editor/EventWhenView.h"
 
 namespace kestrin {
-
-namespace {
-
-/// Holds the place of a page that is not built yet.
-class EmptyPage final : public EditorPage {
- public:
-  using EditorPage::EditorPage;
-  void ShowEvent() override {}
-  void CommitEdits() override {}
-};
-
-}  // namespace
 
 EventTabView::EventTabView(Event& event) {
   setObjectName("tabs");
@@ -40,11 +31,12 @@ EventTabView::EventTabView(Event& event) {
 }
 
 void EventTabView::AddPages(Event& event) {
-  AddPage(new EmptyPage(event), "&Action");
+  action_ = new EventActionView(event);
+  AddPage(action_, "&Action");
   AddPage(new EventWhenView(event), "&When");
-  AddPage(new EmptyPage(event), "&Prewarning");
-  AddPage(new EmptyPage(event), "Na&gging");
-  AddPage(new EmptyPage(event), "Co&mment");
+  AddPage(new EventPrewarnView(event), "&Prewarning");
+  AddPage(new EventNagView(event), "Na&gging");
+  AddPage(new EventCommentView(event), "Co&mment");
 }
 
 void EventTabView::AddPage(EditorPage* page, const QString& label) {
@@ -54,7 +46,7 @@ void EventTabView::AddPage(EditorPage* page, const QString& label) {
 
 void EventTabView::TurnTo(int by) { setCurrentIndex((currentIndex() + by + count()) % count()); }
 
-void EventTabView::RemoveEditView() {}
-void EventTabView::AddEditView() {}
+void EventTabView::RemoveEditView() { action_->RemoveEditView(); }
+void EventTabView::AddEditView() { action_->AddEditView(); }
 
 }  // namespace kestrin

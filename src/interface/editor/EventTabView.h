@@ -9,6 +9,7 @@ namespace kestrin {
 
 class EditorPage;
 class Event;
+class EventActionView;
 
 /// In the order of the pages.
 inline constexpr std::array<const char*, 5> TabbedViewNames = {"Action", "When", "Prewarning",
@@ -33,6 +34,7 @@ class EventTabView final : public QTabWidget {
   void TurnTo(int by);
 
   std::vector<EditorPage*> pages_;
+  EventActionView* action_ = nullptr;
 };
 
 }  // namespace kestrin

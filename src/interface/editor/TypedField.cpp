@@ -45,9 +45,7 @@ void TypedField::CutToLimit() {
   const int cursor = cursorPosition();
   setText(QString::fromStdString(fitting));
   setCursorPosition(cursor);
-  Complain(
-      QString("A text holds at most %1 bytes; what was beyond is left out.").arg(TextLimit - 1),
-      false);
+  Complain(TextIsCut(), false);
 }
 
 void TypedField::ShowValue() {
@@ -138,6 +136,10 @@ void TypedField::MarkInvalid() {
     marked.setColor(QPalette::Base, Mixed(base, Qt::red, base.lightness() < 128 ? 0.35F : 0.2F));
   }
   setPalette(marked);
+}
+
+QString TextIsCut() {
+  return QString("A text holds at most %1 bytes; what was beyond is left out.").arg(TextLimit - 1);
 }
 
 QString QuotedText(const QString& typed) {

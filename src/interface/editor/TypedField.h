@@ -60,6 +60,9 @@ class TypedField : public QLineEdit {
   bool typed_ = false;
 };
 
+/// The complaint about a text that was longer than an event's text may be.
+QString TextIsCut();
+
 /// A typed text as a complaint quotes it: one line, not too long.
 QString QuotedText(const QString& typed);
 

@@ -6,7 +6,7 @@
 #include <climits>
 #include <filesystem>
 
-#include "bus/PrivateBus.h"
+#include "PrivateBus.h"
 
 namespace kestrin {
 namespace {

@@ -1,0 +1,173 @@
+#include "interface/editor/EventActionView.h"
+
+#include <QCheckBox>
+#include <QLabel>
+#include <QScrollArea>
+#include <QVBoxLayout>
+#include <utility>
+
+#include "core/EventSet.h"
+#include "core/HandlerTable.h"
+#include "core/Notices.h"
+#include "interface/Frames.h"
+#include "interface/ShownText.h"
+#include "interface/editor/ChoiceMenu.h"
+#include "interface/handlerviews/CommitsEdits.h"
+
+namespace kestrin {
+
+namespace {
+
+QString HandlerLabel(int32 row) {
+  return row >= 0 && row < NumberOfEventHandlers ? ShownLine(AddOnNames[static_cast<size_t>(row)])
+                                                 : "Unknown";
+}
+
+/// An add-on's view knows no better moment to store its texts than when they lose the focus.
+void TakeFocusAndGiveItBack(const QWidget& view) {
+  QWidget* typing = view.focusWidget();
+  if (!typing || !typing->hasFocus()) return;
+  typing->clearFocus();
+  typing->setFocus();
+}
+
+/// Puts the view, which came last, behind `before` in the order of tabs.
+void PutInTabOrder(QWidget* before, QWidget* view) {
+  std::vector<QWidget*> widgets = {view};
+  for (QWidget* each = view->nextInFocusChain(); each != view; each = each->nextInFocusChain())
+    if (view->isAncestorOf(each)) widgets.push_back(each);
+  for (QWidget* each : widgets) {
+    QWidget::setTabOrder(before, each);
+    before = each;
+  }
+}
+
+}  // namespace
+
+EventActionView::EventActionView(Event& event) : EditorPage(event) {
+  auto* column = new QVBoxLayout(this);
+  BuildMenu(*column);
+  frame_ = new QScrollArea;
+  frame_->setObjectName("editViewFrame");
+  frame_->setFrameShape(QFrame::NoFrame);
+  frame_->setWidgetResizable(true);
+  frame_->setFocusPolicy(Qt::NoFocus);
+  frame_->viewport()->setAutoFillBackground(false);
+  column->addWidget(frame_, 1);
+  deleteOnce_ =
+      AddBox("deleteOnceDelivered", "Delete event once &delivered", &Event::SetDeleteOnceDelivered);
+  ifMissed_ =
+      AddBox("deliverIfMissed", "Deliver event later &if missed", &Event::SetDeliverIfMissed);
+  AddEditView();
+}
+
+void EventActionView::BuildMenu(QVBoxLayout& column) {
+  handler_ = new ChoiceMenu("handler", "Event handler", [this](int32 row) { Select(row); });
+  for (int32 row = 0; row < NumberOfEventHandlers; ++row) handler_->Add(row, HandlerLabel(row));
+  handler_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+  auto* caption = new QLabel("Event &handler:");
+  caption->setBuddy(handler_);
+  auto* row = new QHBoxLayout;
+  row->addWidget(caption);
+  row->addWidget(handler_, 1);
+  column.addLayout(row);
+}
+
+QCheckBox* EventActionView::AddBox(const char* objectName, const QString& label,
+                                   void (Event::*set)(bool)) {
+  auto* box = new QCheckBox(label);
+  box->setObjectName(objectName);
+  connect(box, &QCheckBox::clicked, this,
+          [this, set](bool on) { Write([set, on](Event& event) { (event.*set)(on); }); });
+  layout()->addWidget(box);
+  return box;
+}
+
+void EventActionView::Select(int32 row) {
+  bool selected = false;
+  Write([&](Event& event) { selected = event.SetSelectedHandler(row); });
+  if (!selected)
+    Report("Kestrin: The handler \"" + HandlerLabel(row) +
+           "\" could not make its data for the event.  The event keeps the handler it had.");
+}
+
+void EventActionView::ShowEvent() {
+  const int32 row = GetEvent().GetSelectedHandler();
+  handler_->SetOffered(UnknownHandler, GetEvent().GetAddOnData(UnknownHandler) != nullptr);
+  handler_->ShowValue(row, HandlerLabel(row));
+  const QString hint = row == UnknownHandler
+                           ? "Missing handler: " + ShownLine(GetEvent().GetHandlerName())
+                           : QString();
+  handler_->setAccessibleDescription(hint);
+  handler_->setToolTip(hint.toHtmlEscaped());
+  deleteOnce_->setChecked(GetEvent().Record().DeleteOnceDelivered);
+  ifMissed_->setChecked(GetEvent().Record().DeliverIfMissed);
+}
+
+void EventActionView::CommitEdits() {
+  if (!editView_) return;
+  if (auto* view = dynamic_cast<CommitsEdits*>(editView_.data()))
+    view->CommitEdits();
+  else
+    TakeFocusAndGiveItBack(*editView_);
+}
+
+void EventActionView::DropEdits() {
+  if (auto* view = dynamic_cast<CommitsEdits*>(editView_.data())) view->DropEdits();
+}
+
+Rect EventActionView::GetEditViewRect() const { return FrameOf(frame_->geometry()); }
+
+void EventActionView::AddEditView() {
+  viewed_ = GetEvent().GetAddOnData();
+  if (!viewed_) return;
+  QWidget* view = nullptr;
+  try {
+    view = viewed_->CreateEditView(GetEditViewRect());
+  } catch (...) {
+    Report("Kestrin: The handler \"" + HandlerLabel(GetEvent().GetSelectedHandler()) +
+           "\" failed to make its edit view.");
+  }
+  if (!view) return;
+  viewed_->RecordEditView(view);
+  Place(view);
+}
+
+void EventActionView::Place(QWidget* view) {
+  editView_ = view;
+  if (view->objectName().isEmpty()) view->setObjectName("editView");
+  if (view->metaObject()->indexOfSignal("Complained(QString)") >= 0)
+    connect(view, SIGNAL(Complained(QString)), this, SLOT(PassOn(QString)));
+  const bool fillsItself = view->autoFillBackground();
+  frame_->setWidget(view);
+  view->setAutoFillBackground(fillsItself);  // the page is behind it
+  PutInTabOrder(handler_, view);
+  view->show();
+}
+
+void EventActionView::RemoveEditView() {
+  if (!viewed_) return;
+  CommitEdits();
+  if (editView_) {
+    TakeComplaint(editView_, {});
+    editView_->disconnect(this);
+  }
+  frame_->takeWidget();
+  EventAddOnData* const viewed = std::exchange(viewed_, nullptr);
+  try {
+    viewed->DestroyEditView();
+  } catch (...) {
+    Report("Kestrin: The handler \"" + HandlerLabel(GetEvent().GetSelectedHandler()) +
+           "\" failed to remove its edit view.");
+  }
+  viewed->RecordEditView(nullptr);
+  delete editView_;
+}
+
+void EventActionView::Report(const QString& what) {
+  Notices& notices = GetEvent().GetOwner()->GetContext().notices;
+  const auto report = [&notices, text = what.toStdString()] { notices.ReportError(text); };
+  QMetaObject::invokeMethod(this, report, Qt::QueuedConnection);
+}
+
+}  // namespace kestrin

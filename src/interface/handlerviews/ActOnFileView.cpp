@@ -1,0 +1,83 @@
+#include "interface/handlerviews/ActOnFileView.h"
+
+#include <QDragEnterEvent>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMimeData>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "interface/ShownText.h"
+#include "interface/handlerviews/PathLabel.h"
+#include "interface/handlerviews/VerifyBox.h"
+
+namespace kestrin {
+
+namespace {
+
+/// The one file of this machine that is dragged, or nothing.
+QString DraggedFile(const QMimeData& data) {
+  return data.urls().size() == 1 ? data.urls().front().toLocalFile() : QString();
+}
+
+}  // namespace
+
+ActOnFileView::ActOnFileView(ActOnFileDataHandler& handler)
+    : handler_(handler), file_(new PathLabel("fileName")) {
+  setAcceptDrops(true);
+  auto* select = new QPushButton("&Select file");
+  select->setObjectName("selectFile");
+  select->setAutoDefault(false);
+  connect(select, &QPushButton::clicked, this, &ActOnFileView::OpenPanel);
+  auto* column = new QVBoxLayout(this);
+  column->setContentsMargins(0, 0, 0, 0);
+  column->addWidget(file_);
+  column->addWidget(select, 0, Qt::AlignLeft);
+  column->addWidget(
+      NewVerifyBox("verifyFile", "Verify with &user before acting on file", handler_));
+  column->addStretch(1);
+  ShowFile();
+}
+
+void ActOnFileView::ShowFile() {
+  const QString path = ShownLine(handler_.GetFileName());
+  file_->setText("File: " + (path.isEmpty() ? "<none selected>" : path));
+}
+
+void ActOnFileView::OpenPanel() {
+  if (panel_) {
+    panel_->raise();
+    panel_->activateWindow();
+    return;
+  }
+  panel_ = new QFileDialog(this, "Select file");
+  panel_->setObjectName("filePanel");
+  panel_->setAttribute(Qt::WA_DeleteOnClose);
+  panel_->setFileMode(QFileDialog::ExistingFile);
+  const QFileInfo current(QFile::decodeName(handler_.GetFileName()));
+  if (!current.filePath().isEmpty() && current.dir().exists()) {
+    panel_->setDirectory(current.dir());
+    if (current.exists()) panel_->selectFile(current.fileName());
+  }
+  connect(panel_, &QFileDialog::fileSelected, this, &ActOnFileView::Choose);
+  panel_->show();
+}
+
+void ActOnFileView::Choose(const QString& path) {
+  if (path.isEmpty()) return;
+  handler_.SetFileName(QFile::encodeName(QFileInfo(path).absoluteFilePath()).constData());
+  ShowFile();
+}
+
+void ActOnFileView::dragEnterEvent(QDragEnterEvent* event) {
+  if (!DraggedFile(*event->mimeData()).isEmpty()) event->acceptProposedAction();
+}
+
+void ActOnFileView::dropEvent(QDropEvent* event) {
+  const QString path = DraggedFile(*event->mimeData());
+  if (path.isEmpty()) return;
+  event->acceptProposedAction();
+  Choose(path);
+}
+
+}  // namespace kestrin

@@ -1,0 +1,36 @@
+// Chooses the file that is started or opened, and whether that is asked about.
+#pragma once
+
+#include <QPointer>
+#include <QWidget>
+
+#include "handlers/ActOnFileDataHandler.h"
+
+class QFileDialog;
+
+namespace kestrin {
+
+class PathLabel;
+
+/// A file that is dropped on it is chosen too.
+class ActOnFileView final : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit ActOnFileView(ActOnFileDataHandler& handler);
+
+ protected:
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
+
+ private:
+  void OpenPanel();
+  void Choose(const QString& path);
+  void ShowFile();
+
+  ActOnFileDataHandler& handler_;
+  PathLabel* file_;
+  QPointer<QFileDialog> panel_;
+};
+
+}  // namespace kestrin

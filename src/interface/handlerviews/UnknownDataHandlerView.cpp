@@ -1,0 +1,16 @@
+#include "interface/handlerviews/UnknownDataHandlerView.h"
+
+#include "interface/ShownText.h"
+
+namespace kestrin {
+
+UnknownDataHandlerView::UnknownDataHandlerView(const UnknownDataHandler& handler)
+    : QLabel("Missing handler: " + ShownLine(handler.GetOriginalHandler())) {
+  setObjectName("missingHandler");
+  setTextFormat(Qt::PlainText);
+  setAlignment(Qt::AlignTop | Qt::AlignLeft);
+  setWordWrap(true);
+  setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+}
+
+}  // namespace kestrin
