@@ -1,10 +1,14 @@
 // Events as messages: the fields docs/event-message.md lists, the way there and back with every
 // handler, and messages that nobody has checked.
 #include <fstream>
+#include <iterator>
+#include <limits>
+#include <random>
 #include <sstream>
 
 #include "HandlerTestBase.h"
 #include "core/EventMessage.h"
+#include "core/EventSetFile.h"
 #include "handlers/ActOnFileDataHandler.h"
 #include "handlers/CommandDataHandler.h"
 #include "handlers/MessageDataHandler.h"
@@ -274,6 +278,52 @@ TEST_F(EventMessageTest, NumbersOutOfTheirTablesAreTakenAndSavedAsTheyAre) {
     EXPECT_EQ(pasted->Record().PeriodType, number);
     EXPECT_EQ(pasted->Record().Multiple, static_cast<uint32>(number));
     EXPECT_EQ(pasted->Record().IconNumber, number);
+  }
+}
+
+TEST_F(EventMessageTest, WhateverIsTakenCanBeSavedAndReadAgain) {
+  FillSubject();
+  const Message usual = Generated();
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  const Message::Value values[] = {true,
+                                   int8{-128},
+                                   INT32_MIN,
+                                   INT32_MAX,
+                                   -2,
+                                   int64{0},
+                                   std::string(5000, '\xE9'),
+                                   "\0"s,
+                                   ""s,
+                                   "Command"s,
+                                   "Act on file"s,
+                                   "Chime"s,
+                                   Rect{nan, -1e30f, 1e30f, 0},
+                                   RawData{FourCharCode("hDat"), "\1"s},
+                                   RawData{FourCharCode("iBit"), std::string(MiniIconBytes, 'x')}};
+  std::mt19937 random(20261121);
+  std::vector<Message> taken;
+  for (int i = 0; i < 3000; ++i) {
+    Message damaged = usual;
+    for (auto n = 1 + random() % 4; n > 0; --n)
+      damaged.Set(usual.Fields()[random() % usual.Fields().size()].first,
+                  values[random() % std::size(values)]);
+    auto event = EventFromMessage(Other, damaged).NewEvent;
+    if (!event) continue;
+    ASSERT_TRUE(event->GenerateMessageForEvent(&taken.emplace_back()));
+    Other.AddEvent(std::move(event));
+  }
+  ASSERT_GT(taken.size(), 100u);
+  Other.SetFileName("/home/other");
+  ASSERT_TRUE(Other.SaveData());
+  ConstructorResult result = ConstructorResult::Success;
+  bool versionOK = true;
+  SetFileReport report;
+  const EventSet again(World.Core, "/home/other", &result, &versionOK, &report);
+  ASSERT_EQ(again.Events().size(), taken.size());
+  for (size_t i = 0; i < taken.size(); ++i) {
+    Message message;
+    ASSERT_TRUE(again.Events()[i]->GenerateMessageForEvent(&message));
+    ASSERT_EQ(message.Flatten(), taken[i].Flatten());
   }
 }
 

@@ -112,8 +112,8 @@ TEST_F(SettingsWindowTest, EachCheckBoxSwitchesItsSettingByMouseAndKeyboard) {
 
 TEST_F(SettingsWindowTest, EachMenuStoresTheNumberOfItsItem) {
   const struct {
-    const char* Name;
-    const char* Label;
+    const char* Name = nullptr;
+    const char* Label = nullptr;
     int32& Setting;
     QStringList Items;
   } menus[] = {
@@ -267,6 +267,17 @@ TEST_F(SettingsWindowTest, AboutSaysWhatThisIsAndGoesWithTheOthers) {
   EXPECT_FALSE(OpenOne<AboutWindow>() || OpenOne<SettingsWindow>());
   EXPECT_EQ(context.Holding.Count(), 0);
   context.Ui.CloseOtherWindows();
+}
+
+TEST_F(SettingsWindowTest, TabWalksThroughTheControlsFromTopToBottom) {
+  KestrinSettings::RememberSet("/a");
+  SettingsWindow& window = Open();
+  for (const char* name : {"rememberDefaults", "deliverEvents", "openRemembered", "clock24",
+                           "rememberedSets", "forgetSelected", "rememberDefaults"}) {
+    ASSERT_TRUE(window.focusWidget());
+    EXPECT_EQ(window.focusWidget()->objectName(), name);
+    QTest::keyClick(window.focusWidget(), Qt::Key_Tab);
+  }
 }
 
 TEST_F(SettingsWindowTest, ALongPathIsCutWithinItsRowAndShownWholeInATip) {

@@ -1,12 +1,11 @@
 #include "session/ApplicationBus.h"
 
 #include <gmock/gmock.h>
-#include <signal.h>
 
 #include "session/BusBackground.h"
 #include "session/BusMessages.h"
 #include "session/BusNames.h"
-#include "session/PrivateBus.h"
+#include "session/SessionBus.h"
 
 namespace kestrin {
 namespace {
@@ -33,7 +32,7 @@ QDBusMessage Post(uint32 what, const QVariantMap& fields = {}) {
   return ToObject(MessagesInterface, "Post", {QVariant::fromValue(what), fields});
 }
 
-class ApplicationBusTest : public PrivateBus {
+class ApplicationBusTest : public SessionBus {
  protected:
   Arrival ArriveFirst() { return bus_.Arrive({{}, {}, true}); }
 
@@ -143,9 +142,9 @@ TEST_F(ApplicationBusTest, ASecondProcessHandsItsArgumentsOver) {
   const auto program = Install("kestrin");
   for (const auto& row : rows) {
     const ScopedVariable token("DESKTOP_STARTUP_ID", row.token);
-    Process second(program, row.arguments, Folder());
+    const auto second = Start(program, row.arguments);
     ASSERT_TRUE(!row.message || RunUntil([this] { return !queue_.Empty(); }));
-    EXPECT_EQ(second.Status(), 0);
+    EXPECT_EQ(second->Wait(), 0);
     EXPECT_EQ(NextLine(), "application arrived handed over");
     EXPECT_EQ(queue_.Take(), row.message);
   }
@@ -161,13 +160,13 @@ TEST_F(ApplicationBusTest, AnOwnerThatIsSilentIsGivenUpAndOneThatDiesIsFollowed)
   EXPECT_TRUE(bus_.Leave());
   CallBus("ReleaseName", {ApplicationBusName});
 
-  const Process mortal(Install("Mortal"), {}, Folder());
+  const auto mortal = Start(Install("Mortal"));
   EXPECT_EQ(NextLine(), "mortal waits");
-  Process follower(Install("kestrin"), {"/a"}, Folder());
+  const auto follower = Start(Install("kestrin"), {"/a"});
   EXPECT_EQ(NextLine(), "application arrived first");
   EXPECT_EQ(NextLine(), "application opens");
   Client().call(Post(QUIT_REQUESTED));
-  EXPECT_EQ(follower.Status(), 0);
+  EXPECT_EQ(follower->Wait(), 0);
 }
 
 TEST_F(ApplicationBusTest, FindsTheMessageItWasStartedForBeforeItsRoleIsDecided) {
@@ -216,7 +215,7 @@ TEST_F(ApplicationBusTest, LeavesOnlyWhenNothingHasComeMeanwhile) {
 
 TEST_F(ApplicationBusTest, WhatComesTooLateGoesToTheNewOwner) {
   ASSERT_EQ(ArriveFirst(), Arrival::First);
-  const Process heir(Install("Heir"), {}, Folder());
+  const auto heir = Start(Install("Heir"));
   EXPECT_EQ(NextLine(), "heir waits");
   const QVariantMap platformData = {{"activation-token", "t"}, {BackgroundKey, true}};
   QDBusPendingCall late = Client().asyncCall(
@@ -235,7 +234,7 @@ TEST_F(ApplicationBusTest, WhatComesTooLateGoesToTheNewOwner) {
 
 TEST_F(ApplicationBusTest, TheEndOfTheBusEndsTheProgramOnce) {
   ASSERT_EQ(ArriveFirst(), Arrival::First);
-  Daemon().Signal(SIGTERM);
+  Bus().End();
   ASSERT_TRUE(RunUntil([this] { return !queue_.Empty(); }));
   EXPECT_EQ(queue_.Take(), Message(FORCED_QUIT));
   EXPECT_TRUE(bus_.Leave());

@@ -11,7 +11,7 @@
 #include "core/MessageCodes.h"
 #include "session/ActivationFile.h"
 #include "session/BusNames.h"
-#include "session/PrivateBus.h"
+#include "session/SessionBus.h"
 #include "support/WholeFile.h"
 
 namespace kestrin {
@@ -22,7 +22,7 @@ using testing::HasSubstr;
 using testing::StartsWith;
 namespace fs = std::filesystem;
 
-class BusBackgroundTest : public PrivateBus {
+class BusBackgroundTest : public SessionBus {
  protected:
   BusBackgroundTest() { next_.Set("When", int32{5}); }
 

@@ -8,8 +8,8 @@
 
 #include "session/DisplayProbe.h"
 #include "session/FileUri.h"
-#include "session/PrivateBus.h"
 #include "session/ProcessInfo.h"
+#include "session/SessionBus.h"
 
 namespace kestrin {
 namespace {

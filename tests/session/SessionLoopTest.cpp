@@ -9,8 +9,8 @@
 #include <QtCore/QTimer>
 #include <thread>
 
-#include "session/PrivateBus.h"
 #include "session/QueueRunner.h"
+#include "session/SessionBus.h"
 #include "session/UnixSignals.h"
 
 namespace kestrin {

@@ -2,13 +2,13 @@
 
 #include <stdexcept>
 
+#include "bus/PrivateBus.h"
 #include "core/AppState.h"
 #include "core/HandlerTable.h"
 #include "handlers/ActOnFileDataHandler.h"
 #include "handlers/CommandDataHandler.h"
 #include "handlers/LoadEventHandlers.h"
 #include "handlers/MessageDataHandler.h"
-#include "programs/background/PrivateBus.h"
 
 namespace kestrin {
 

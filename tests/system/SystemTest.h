@@ -10,8 +10,8 @@
 
 #include "Reader.h"
 #include "Screen.h"
+#include "bus/Peer.h"
 #include "kestrin/Types.h"
-#include "programs/background/PrivateBus.h"
 
 namespace kestrin {
 

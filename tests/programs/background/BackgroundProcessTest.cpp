@@ -5,8 +5,7 @@
 
 #include <filesystem>
 
-#include "PrivateBus.h"
-#include "programs/background/BusContract.h"
+#include "bus/Peer.h"
 
 namespace kestrin {
 namespace {
@@ -37,7 +36,6 @@ TEST_F(BackgroundProcess, SetsReplacesAndClearsTheTime) {
   EXPECT_EQ(peer.SetWhen(Later), "");
   EXPECT_EQ(peer.When(), Later);
   EXPECT_EQ(ReadFile(bus.KeptFile()), "1893456000\n");
-  EXPECT_EQ(peer.SetWhen(Later), "");
   EXPECT_EQ(peer.Post(NextEventCode, {{"Why", 's', 3}, {"When", 'i', Later + 1}, {"Zeal", 'x', 9}}),
             "");
   EXPECT_EQ(peer.When(), Later + 1);
@@ -69,9 +67,7 @@ TEST_F(BackgroundProcess, WakesARunningApplicationAtTheSecond) {
   ASSERT_EQ(application.SetWhen(when), "");
   ASSERT_TRUE(application.WaitUntil([&] { return !application.taken.empty(); }));
   EXPECT_EQ(application.taken[0].what, DeliverEventsCode);
-  const int64_t late = application.taken[0].at - when * Second;
-  EXPECT_GE(late, 0);
-  std::printf("woken %lld us after the second\n", static_cast<long long>(late));
+  EXPECT_GE(application.taken[0].at, when * Second);
   EXPECT_EQ(peer.When(), when) << "stands until the application has told its next event";
 }
 
@@ -85,18 +81,6 @@ TEST_F(BackgroundProcess, APastTimeIsDeliveredAtOnce) {
     ++count;
     EXPECT_TRUE(application.WaitUntil([&] { return application.taken.size() == count; })) << when;
   }
-}
-
-TEST_F(BackgroundProcess, HasTheBusStartTheApplication) {
-  LinePipe pipe(bus.Folder() + "/woken");
-  bus.AddService(ApplicationBusName,
-                 std::string(WOKEN_APPLICATION) + " " + bus.Folder() + "/woken");
-  const auto deliverer = Start();
-  ASSERT_EQ(peer.SetWhen(RealTime() / Second), "");
-  EXPECT_EQ(pipe.NextLine(), "44656C45");
-  EXPECT_TRUE(peer.WaitUntil([&] { return peer.announced.size() == 2; }));
-  EXPECT_EQ(peer.When(), 0);
-  EXPECT_THAT(deliverer->Errors(), IsEmpty());
 }
 
 TEST_F(BackgroundProcess, StartsTheApplicationBesideItselfWhenTheBusCannot) {
@@ -131,23 +115,19 @@ TEST_F(BackgroundProcess, TriesAgainWhenTheApplicationVanishes) {
   EXPECT_THAT(deliverer->Errors(), HasSubstr("try 1 of 5"));
 }
 
-TEST_F(BackgroundProcess, AKilledDelivererGoesOnWhereItStood) {
-  auto deliverer = Start();
-  ASSERT_EQ(peer.SetWhen(Later), "");
-  deliverer->Signal(SIGKILL);
-  EXPECT_EQ(deliverer->Wait(), -SIGKILL);
-  ASSERT_TRUE(peer.WaitForOwner(BackgroundBusName, false));
-  deliverer = Start();
-  EXPECT_EQ(peer.When(), Later);
-  EXPECT_THAT(deliverer->Errors(), IsEmpty());
-}
-
-TEST_F(BackgroundProcess, ADamagedKeptTimeIsNone) {
+TEST_F(BackgroundProcess, GoesOnWhereItStoodAndADamagedKeptTimeIsNone) {
   fs::create_directories(fs::path(bus.KeptFile()).parent_path());
-  WriteFile(bus.KeptFile(), "tomorrow\n");
-  const auto deliverer = Start();
-  EXPECT_EQ(peer.When(), 0);
-  EXPECT_EQ(deliverer->Errors(), "KestrinBackground: the kept time is damaged and is ignored\n");
+  for (const auto& [text, when, said] :
+       {std::tuple("1893456000\n", Later, ""),
+        {"tomorrow\n", 0, "KestrinBackground: the kept time is damaged and is ignored\n"}}) {
+    WriteFile(bus.KeptFile(), text);
+    const auto deliverer = Start();
+    EXPECT_EQ(peer.When(), when);
+    deliverer->Signal(SIGTERM);
+    EXPECT_EQ(deliverer->Wait(), 0);
+    EXPECT_EQ(deliverer->Errors(), said);
+    ASSERT_TRUE(peer.WaitForOwner(BackgroundBusName, false));
+  }
 }
 
 TEST_F(BackgroundProcess, WorksWithoutARuntimeFolder) {

@@ -6,7 +6,7 @@
 #include <climits>
 #include <filesystem>
 
-#include "PrivateBus.h"
+#include "bus/PrivateBus.h"
 
 namespace kestrin {
 namespace {

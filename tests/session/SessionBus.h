@@ -1,18 +1,19 @@
-// A session bus of the test's own, in a folder of its own, and the processes on it.
+// A private bus with a client of the session's own kind, folders, and the peers on it.
 #pragma once
 
 #include <gtest/gtest.h>
-#include <sys/types.h>
 
 #include <QtDBus/QDBusConnection>
 #include <QtDBus/QDBusMessage>
 #include <QtDBus/QDBusPendingCall>
 #include <filesystem>
 #include <functional>
-#include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
+
+#include "bus/PrivateBus.h"
 
 namespace kestrin {
 
@@ -30,30 +31,13 @@ class ScopedVariable {
   std::optional<std::string> before_;
 };
 
-/// Runs the event loop until the condition holds; false after ten seconds.
+/// Runs the event loop until the condition holds; false when patience ends first.
 bool RunUntil(const std::function<bool()>& condition);
 
-/// A process that ends with the test.
-class Process {
- public:
-  Process(const std::filesystem::path& program, std::vector<std::string> arguments,
-          const std::filesystem::path& folder, int output = 1);
-  ~Process();
-  Process(const Process&) = delete;
-  Process& operator=(const Process&) = delete;
-
-  void Signal(int signal) const;
-  /// Waits for its end; the exit status, or -1 if a signal ended it.
-  int Status();
-
- private:
-  pid_t id_ = 0;
-};
-
-class PrivateBus : public testing::Test {
+class SessionBus : public testing::Test {
  protected:
-  PrivateBus();
-  ~PrivateBus() override;
+  SessionBus();
+  ~SessionBus() override;
 
   /// Another connection to the bus, which dispatches nothing by itself.
   QDBusConnection& Client() { return client_; }
@@ -64,22 +48,25 @@ class PrivateBus : public testing::Test {
 
   /// The peer under another name, in `folder` below the test's folder.
   std::filesystem::path Install(const std::string& name, const std::string& folder = "bin");
-  void Activatable(const std::string& name, const std::filesystem::path& program);
-  std::filesystem::path ActivationFile(const std::string& name) const;
+  /// Runs it in the test's folder.
+  std::unique_ptr<Child> Start(const std::string& program, std::vector<std::string> arguments = {});
+  void Activatable(const std::string& name, const std::string& program);
+  std::string ActivationFile(const std::string& name) const;
 
-  /// The next line that a peer has logged; a note when none comes within ten seconds.
-  std::string NextLine();
-  bool NoLine() const;
+  /// The next line that a peer has logged.
+  std::string NextLine() { return log_.NextLine(); }
+  bool NoLine() const { return log_.NothingWaits(); }
 
   const std::filesystem::path& Folder() const { return folder_; }
-  Process& Daemon() { return *daemon_; }
+  PrivateBus& Bus() { return *bus_; }
 
  private:
-  std::filesystem::path folder_;
+  TemporaryFolder home_;
+  const std::filesystem::path folder_{home_.path};
+  LinePipe log_{home_.path + "/log"};
   std::vector<std::unique_ptr<ScopedVariable>> variables_;
-  std::unique_ptr<Process> daemon_;
+  std::unique_ptr<PrivateBus> bus_;
   QDBusConnection client_{QString()};
-  int log_ = -1;
 };
 
 }  // namespace kestrin
