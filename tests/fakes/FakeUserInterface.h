@@ -36,21 +36,15 @@ class FakeUserInterface final : public UserInterface {
   std::vector<FakeSetWindow*> SetWindows;
   std::vector<FakeEditorWindow*> EditorWindows;
   std::vector<std::string> Calls;  ///< "ShowOpenPanel" and the like, fatal errors with their text
-  std::vector<EventAddOnData*> EditViewsMade;
-  std::vector<QWidget*> EditViewsDestroyed;
   std::function<void()> WhenClosingOthers;  ///< may be null
-  QWidget* NextEditView = nullptr;  ///< what CreateEditView returns; never touched
 
-  /// The alert that stands open with that very text, or null.
-  const Alert* FindText(std::string_view text) const {
-    return Find([text](const AlertRequest& request) { return request.Text == text; });
+  /// Presses the button of the alert with that very text; false when there is no such alert.
+  bool AnswerText(std::string_view text, int which) {
+    const auto found = std::find_if(Alerts.begin(), Alerts.end(), [text](const Alert& alert) {
+      return alert.Request.Text == text;
+    });
+    return Answer(found == Alerts.end() ? nullptr : &*found, which);
   }
-  const Alert* FindTitle(std::string_view title) const {
-    return Find([title](const AlertRequest& request) { return request.Title == title; });
-  }
-  /// Presses the button of the first alert so found; false when there is no such alert.
-  bool AnswerText(std::string_view text, int which) { return Answer(FindText(text), which); }
-  bool AnswerTitle(std::string_view title, int which) { return Answer(FindTitle(title), which); }
   /// Presses the button of the alert that opened first, or closes it by its harmless button.
   bool AnswerFirst(int which) { return Answer(Alerts.empty() ? nullptr : &Alerts[0], which); }
   bool CloseFirst() { return !Alerts.empty() && AnswerFirst(Alerts[0].Request.HarmlessButton); }
@@ -91,19 +85,10 @@ class FakeUserInterface final : public UserInterface {
     if (WhenClosingOthers) WhenClosingOthers();
   }
   void SettingsChanged() override { Calls.emplace_back("SettingsChanged"); }
-  QWidget* CreateEditView(EventAddOnData& data, Rect) override {
-    EditViewsMade.push_back(&data);
-    return NextEditView;
-  }
-  void DestroyEditView(QWidget* view) override { EditViewsDestroyed.push_back(view); }
+  QWidget* CreateEditView(EventAddOnData&, Rect) override { return nullptr; }
+  void DestroyEditView(QWidget*) override {}
 
  private:
-  template <typename Match>
-  const Alert* Find(Match match) const {
-    const auto found = std::find_if(Alerts.begin(), Alerts.end(),
-                                    [&match](const Alert& alert) { return match(alert.Request); });
-    return found == Alerts.end() ? nullptr : &*found;
-  }
   bool Answer(const Alert* alert, int which) {
     if (!alert) return false;
     const AlertId id = alert->Id;

@@ -26,8 +26,6 @@ class FakeWorkers final : public Workers {
     return true;
   }
 
-  size_t CountPending() const { return pending_.size(); }
-
   /// Runs what was deferred, also what that defers in turn.
   void RunPending() {
     while (!pending_.empty()) {

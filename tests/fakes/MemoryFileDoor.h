@@ -1,5 +1,5 @@
-// Files, folders, links and attributes in memory, with a log of what was asked for and a memory of
-// what would outlive a power cut. Absolute paths only.
+// Files, folders, links and attributes in memory, and what of them would outlive a power cut.
+// Absolute paths only.
 #pragma once
 
 #include <errno.h>
@@ -22,9 +22,6 @@ namespace kestrin {
 
 class MemoryFileDoor final : public FileDoor {
  public:
-  /// Everything that changes or opens something, in order: "open PATH", "write PATH COUNT",
-  /// "size PATH", "sync PATH", "rename FROM TO", "remove PATH", "sync folder PATH" and so on.
-  std::vector<std::string> Calls;
   std::map<std::string, std::string> Links;  ///< path of the link, what it points to
 
   /// Puts a durable file there, with its folders.
@@ -41,13 +38,6 @@ class MemoryFileDoor final : public FileDoor {
     const auto file = Find(path);
     return file ? std::optional(file->Bytes) : std::nullopt;
   }
-  uint32 Mode(const std::string& path) const { return Find(path) ? Find(path)->Mode : 0; }
-  /// A disk is unmounted: the folder goes with all it holds.
-  void Unmount(const std::string& folder) {
-    const auto within = [&](const auto& entry) { return IsWithin(entry.first, folder); };
-    std::erase_if(files_, within), std::erase_if(durableFiles_, within);
-    std::erase_if(folders_, [&](const auto& path) { return IsWithin(path, folder); });
-  }
   /// The power fails. Content that was not synchronised is lost; so are names whose folder was
   /// not, unless the system happened to have written them (`namesKept`).
   void CutPower(bool namesKept) {
@@ -57,7 +47,6 @@ class MemoryFileDoor final : public FileDoor {
 
   std::unique_ptr<OpenFile> Open(const std::string& path, uint32 mode, status_t& status,
                                  uint32 permissions = 0666) override {
-    Calls.push_back("open " + path);
     const std::string real = Canonical(path);
     std::shared_ptr<Node> file = Find(real);
     const uint32 access = mode & OpenAccessMask;
@@ -79,13 +68,12 @@ class MemoryFileDoor final : public FileDoor {
       *file = {{}, {}, permissions & ~0022u, {}, ++lastInode_, ++ticks_};
     }
     if ((mode & OpenErase) && access != OpenReadOnly) file->Bytes.clear(), file->Changed = ++ticks_;
-    auto opened = std::make_unique<Handle>(*this, file, real);
+    auto opened = std::make_unique<Handle>(*this, file);
     if (mode & OpenAtEnd) opened->Seek(0, SEEK_END);
     return opened;
   }
 
   status_t Rename(const std::string& from, const std::string& to) override {
-    Calls.push_back("rename " + from + " " + to);
     const auto file = files_.find(from);
     if (file == files_.end() || !IsFolder(ParentOf(to))) return -ENOENT;
     if (IsFolder(to)) return -EISDIR;
@@ -95,11 +83,9 @@ class MemoryFileDoor final : public FileDoor {
     return StatusOk;
   }
   status_t Remove(const std::string& path) override {
-    Calls.push_back("remove " + path);
     return files_.erase(path) || Links.erase(path) ? StatusOk : -ENOENT;
   }
   status_t SyncFolder(const std::string& folder) override {
-    Calls.push_back("sync folder " + folder);
     if (!IsFolder(folder)) return -ENOENT;
     const auto inFolder = [&](const auto& entry) { return ParentOf(entry.first) == folder; };
     std::erase_if(durableFiles_, inFolder);
@@ -108,12 +94,10 @@ class MemoryFileDoor final : public FileDoor {
     return StatusOk;
   }
   status_t MakeFolders(const std::string& folder, uint32 = 0700) override {
-    Calls.push_back("make folders " + folder);
     AddFolders(folder);
     return StatusOk;
   }
   status_t CopyAttributes(const std::string& from, const std::string& to) override {
-    Calls.push_back("copy attributes " + from + " " + to);
     const auto source = Find(from), target = Find(to);
     if (!source || !target) return -ENOENT;
     target->Mode = source->Mode;
@@ -122,7 +106,6 @@ class MemoryFileDoor final : public FileDoor {
   }
   status_t SetAttribute(const std::string& path, const std::string& name,
                         std::string_view value) override {
-    Calls.push_back("set attribute " + path + " " + name);
     const auto file = Find(Canonical(path));
     if (!file) return -ENOENT;
     file->Attributes[name] = value;
@@ -135,7 +118,6 @@ class MemoryFileDoor final : public FileDoor {
     return file->Attributes[name];
   }
   status_t RemoveAttribute(const std::string& path, const std::string& name) override {
-    Calls.push_back("remove attribute " + path + " " + name);
     const auto file = Find(Canonical(path));
     if (!file) return -ENOENT;
     return file->Attributes.erase(name) ? StatusOk : -ENODATA;
@@ -175,8 +157,8 @@ class MemoryFileDoor final : public FileDoor {
 
   class Handle final : public OpenFile {
    public:
-    Handle(MemoryFileDoor& door, std::shared_ptr<Node> file, std::string path)
-        : door_(door), file_(std::move(file)), path_(std::move(path)) {}
+    Handle(MemoryFileDoor& door, std::shared_ptr<Node> file)
+        : door_(door), file_(std::move(file)) {}
 
     int64 Read(void* data, size_t count) override {
       const int64 got = ReadAt(position_, data, count);
@@ -196,7 +178,6 @@ class MemoryFileDoor final : public FileDoor {
       return static_cast<int64>(got);
     }
     int64 WriteAt(int64 position, const void* data, size_t count) override {
-      door_.Calls.push_back("write " + path_ + " " + std::to_string(count));
       const auto at = static_cast<size_t>(position);
       file_->Bytes.resize(std::max(file_->Bytes.size(), at + count));
       if (count > 0) std::memcpy(file_->Bytes.data() + at, data, count);
@@ -210,13 +191,11 @@ class MemoryFileDoor final : public FileDoor {
     }
     int64 Size() override { return static_cast<int64>(file_->Bytes.size()); }
     status_t SetSize(int64 size) override {
-      door_.Calls.push_back("size " + path_);
       file_->Bytes.resize(static_cast<size_t>(size));
       file_->Changed = ++door_.ticks_;
       return StatusOk;
     }
     status_t Sync() override {
-      door_.Calls.push_back("sync " + path_);
       file_->Durable = file_->Bytes;
       return StatusOk;
     }
@@ -224,7 +203,6 @@ class MemoryFileDoor final : public FileDoor {
    private:
     MemoryFileDoor& door_;
     std::shared_ptr<Node> file_;
-    std::string path_;
     int64 position_ = 0;
   };
 
@@ -234,9 +212,6 @@ class MemoryFileDoor final : public FileDoor {
   }
   static std::string LeafOf(const std::string& path) {
     return path.substr(path.find_last_of('/') + 1);
-  }
-  static bool IsWithin(const std::string& path, const std::string& folder) {
-    return path == folder || path.starts_with(folder + "/");
   }
   bool IsFolder(const std::string& path) const { return folders_.contains(path); }
   void AddFolders(const std::string& folder) {

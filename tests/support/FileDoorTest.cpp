@@ -149,8 +149,8 @@ TEST_P(SystemFiles, OpensNoPipeAndNoDeviceAndWaitsForNeither) {
 TEST_P(SystemFiles, GivesANewFileWhatTheUmaskLeavesAndNoDescriptorToChildren) {
   const mode_t before = umask(0027);
   WriteWholeFile(door, top + "/file", "x");
-  EXPECT_EQ(door.MakeFolders(top + "/deep/er", 0700), StatusOk);
-  EXPECT_EQ(door.MakeFolders(top + "/deep/er", 0700), StatusOk);
+  for (int again = 0; again < 2; ++again)
+    EXPECT_EQ(door.MakeFolders(top + "/deep/er", 0700), StatusOk);
   EXPECT_EQ(door.MakeFolders(top + "/file/er", 0700), -ENOTDIR);
   umask(before);
   struct stat info = {};
