@@ -31,13 +31,26 @@ bool RemindOfTheSame(const AlertRequest& a, const AlertRequest& b) {
   return IsReminder(a) && IsReminder(b) && a.Event == b.Event;
 }
 
+bool IsPromptAbout(const AlertRequest& request, uint64 set) {
+  return request.Role == AlertRole::Prompt && request.Set == set;
+}
+
+bool HoldsSavesBack(const AlertRequest& request, uint64 set) {
+  return request.Role != AlertRole::Prompt && request.Set == set;
+}
+
 }  // namespace
 
 void AlertDesk::Show(AlertRequest request) {
   AssertNoSetLocked("AlertDesk::Show");
   std::unique_lock lock(guard_);
   const bool ended = ended_;
-  if (!ended) waiting_.push_back(std::move(request));
+  if (!ended && request.Role == AlertRole::Prompt) {
+    waiting_.push_front(std::move(request));
+    ++settled_;
+  } else if (!ended) {
+    waiting_.push_back(std::move(request));
+  }
   lock.unlock();
   if (ended)
     AnswerHarmlessly(request);
@@ -55,7 +68,7 @@ void AlertDesk::OpenWaiting() {
     return;
   }
   BringUpToDate();
-  while (static_cast<int32>(open_.size()) < MaxOpenAlerts && settled_ > 0) {
+  while (MayOpenNext()) {
     auto request = TakeWaiting();
     if (!request) return;
     const AlertId id = nextId_++;
@@ -64,6 +77,13 @@ void AlertDesk::OpenWaiting() {
     open_.emplace(id, Open{std::move(*request), place});
     ui_.OpenAlert(id, shown, place);
   }
+}
+
+bool AlertDesk::MayOpenNext() const {
+  std::lock_guard lock(guard_);
+  if (settled_ == 0 || waiting_.empty()) return false;
+  return static_cast<int32>(open_.size()) < MaxOpenAlerts ||
+         waiting_.front().Role == AlertRole::Prompt;
 }
 
 void AlertDesk::BringUpToDate() {
@@ -120,13 +140,24 @@ void AlertDesk::Answered(AlertId id, int which) {
   Answer(request, isButton ? which : request.HarmlessButton);
 }
 
+bool AlertDesk::RaisePrompt(uint64 set) {
+  for (const auto& [id, alert] : open_)
+    if (IsPromptAbout(alert.request, set)) {
+      ui_.RaiseAlert(id);
+      return true;
+    }
+  std::lock_guard lock(guard_);
+  return std::any_of(waiting_.begin(), waiting_.end(),
+                     [set](const AlertRequest& request) { return IsPromptAbout(request, set); });
+}
+
 bool AlertDesk::AnyFor(uint64 set) const {
   if (std::any_of(open_.begin(), open_.end(),
-                  [set](const auto& entry) { return entry.second.request.Set == set; }))
+                  [set](const auto& entry) { return HoldsSavesBack(entry.second.request, set); }))
     return true;
   std::lock_guard lock(guard_);
   return std::any_of(waiting_.begin(), waiting_.end(),
-                     [set](const AlertRequest& request) { return request.Set == set; });
+                     [set](const AlertRequest& request) { return HoldsSavesBack(request, set); });
 }
 
 bool AlertDesk::Empty() const { return open_.empty() && CountWaiting() == 0; }

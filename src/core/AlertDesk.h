@@ -14,9 +14,9 @@
 
 namespace kestrin {
 
-/// At most MaxOpenAlerts stand open; the others wait their turn, in order. Windows are opened on a
-/// later turn of the message loop (ALERTS_WAITING), never inside Show. Without a screen an alert's
-/// text goes to standard error and it is answered harmlessly.
+/// At most MaxOpenAlerts stand open; the others wait their turn, in order. Prompts wait for nobody.
+/// Windows are opened on a later turn of the message loop (ALERTS_WAITING), never inside Show.
+/// Without a screen an alert's text goes to standard error and it is answered harmlessly.
 class AlertDesk {
  public:
   static constexpr int32 MaxOpenAlerts = 24;
@@ -33,7 +33,9 @@ class AlertDesk {
   void OpenWaiting();
   /// From the user interface, which has closed the window already.
   void Answered(AlertId id, int which);
-  /// Whether an alert about the set stands open or waits.
+  /// Brings the prompt about the set to the front; false when none stands open or waits.
+  bool RaisePrompt(uint64 set);
+  /// Whether an alert about the set, other than a prompt, stands open or waits.
   bool AnyFor(uint64 set) const;
   bool Empty() const;
 
@@ -51,6 +53,7 @@ class AlertDesk {
   std::optional<AlertRequest> ReplaceOpen();
   std::optional<AlertRequest> TakeWaiting();
   size_t CountWaiting() const;
+  bool MayOpenNext() const;
   int32 FreePlace() const;
 
   MessageQueue& queue_;

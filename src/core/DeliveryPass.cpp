@@ -30,23 +30,6 @@ constexpr int64 RetryWithoutScreen = 60;
 DeliveryPass::DeliveryPass(Context& context, SendTime sendTime, std::function<void()> beforeStop)
     : context_(context), sendTime_(std::move(sendTime)), beforeStop_(std::move(beforeStop)) {}
 
-bool DeliveryPass::Delivers(EventSet& set) {
-  const bool shown = set.GetWindow() != nullptr;
-  const bool remembered = KestrinSettings::IsFileRemembered(set.GetFileName());
-  switch (KestrinSettings::WhichEventsToDeliver) {
-    case DeliverShown:
-      return shown;
-    case DeliverShownOrRemembered:
-      return shown || remembered;
-    case DeliverRemembered:
-      return remembered;
-    case DeliverRememberedNotShown:
-      return remembered && !shown;
-    default:
-      return false;
-  }
-}
-
 /// Ties go to the set that was opened first. Without a screen, what is due and needs one is passed
 /// over.
 DeliveryPass::Earliest DeliveryPass::FindEarliest() {
@@ -62,7 +45,7 @@ DeliveryPass::Earliest DeliveryPass::FindEarliest() {
   };
   for (const auto& set : OpenSets::Sets) {
     const AutoLock lock(*set);
-    if (!Delivers(*set)) continue;
+    if (!set->Delivers(set->GetWindow() != nullptr)) continue;
     Event* event = nullptr;
     const int32 time =
         mayPassOver ? set->GetNextEventTime(&event, mustWait) : set->GetNextEventTime(&event);
@@ -87,7 +70,8 @@ void DeliveryPass::HandOn(const Earliest& earliest) {
 }
 
 void DeliveryPass::SetCounterForNextEvent(bool startup) {
-  startup = startup || nextIsStartup_;
+  // A set that was opened meanwhile meets the rule for missed events, whoever asks first.
+  startup = startup || nextIsStartup_ || context_.queue.Holds(SETS_OPENED);
   nextIsStartup_ = false;
   const Earliest earliest = FindEarliest();
   dealing_ = false;

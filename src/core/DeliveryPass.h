@@ -33,8 +33,6 @@ class DeliveryPass {
   /// The next pass runs with the start-up flag, whoever asks for it.
   void PassWithStartupFlag();
 
-  static bool Delivers(EventSet& set);
-
  private:
   struct Earliest {
     int64 time = 0;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/Clock.h"
 #include "core/EventSetFile.h"
 #include "core/MessageQueue.h"
 #include "core/Notices.h"
@@ -77,6 +78,15 @@ Event* EventSet::InsertEvent(std::unique_ptr<Event> event, size_t place) {
   SetModified();
   context_.queue.Post(EVENT_SETS_CHANGED);
   return added;
+}
+
+Event* EventSet::RestoreEvent(std::unique_ptr<Event> event, size_t place) {
+  event->SetShouldWindowOpen(false);
+  const int32 next = event->GetNextEventTime();
+  // Ahead of the message that the insertion posts.
+  if (event->GetActive() && next != 0 && next <= context_.clock.Now())
+    context_.queue.Post(SETS_OPENED);
+  return InsertEvent(std::move(event), place);
 }
 
 std::unique_ptr<Event> EventSet::RemoveEvent(Event* event) {
@@ -157,23 +167,50 @@ std::string EventSet::LeafOf(const std::string& path) {
 std::string EventSet::GetLeaf() const { return LeafOf(fileName_); }
 
 void EventSet::OpenWindow() {
-  if (window_)
+  if (window_) {
     window_->Activate();
-  else
-    window_ = context_.ui.OpenSetWindow(*this);
+    return;
+  }
+  window_ = context_.ui.OpenSetWindow(*this);
+  if (window_) OpenEditors();
 }
 
-bool EventSet::DeliversUnseen() const {
+void EventSet::OpenEditors() {
+  int32 opened = 0;
+  for (const auto& event : events_)
+    if (event->GetShouldWindowOpen() && opened++ < MaxEditorsAtOpening) event->OpenWindow();
+}
+
+void EventSet::CommitEdits() {
+  for (const auto& event : events_)
+    if (EditorWindow* const editor = event->GetWindow()) editor->CommitEdits();
+  if (window_) window_->CommitEdits();
+}
+
+bool EventSet::Delivers(bool shown) const {
   const AutoLock lock(KestrinSettings::Protect);
-  const int32 mode = KestrinSettings::WhichEventsToDeliver;
-  return mode >= DeliverShownOrRemembered && mode <= DeliverRememberedNotShown &&
-         KestrinSettings::IsFileRemembered(fileName_);
+  const bool remembered = KestrinSettings::IsFileRemembered(fileName_);
+  switch (KestrinSettings::WhichEventsToDeliver) {
+    case DeliverShown:
+      return shown;
+    case DeliverShownOrRemembered:
+      return shown || remembered;
+    case DeliverRemembered:
+      return remembered;
+    case DeliverRememberedNotShown:
+      return remembered && !shown;
+    default:
+      return false;
+  }
 }
 
 void EventSet::WindowClosed() {
   window_ = nullptr;
-  for (const auto& event : events_)
-    if (EditorWindow* editor = event->GetWindow()) editor->CloseNow();
+  for (const auto& event : events_) {
+    EditorWindow* const editor = event->GetWindow();
+    event->SetShouldWindowOpen(editor != nullptr);
+    if (editor) editor->CloseNow();
+  }
   const bool kept = DeliversUnseen();
   const int32 mode = KestrinSettings::WhichEventsToDeliver;
   MessageQueue& queue = context_.queue;

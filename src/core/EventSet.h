@@ -63,6 +63,9 @@ class EventSet : public Locker {
   std::unique_ptr<Event> RemoveEvent(Event* event);
   Event* InsertEvent(std::unique_ptr<Event> event, size_t place);
   size_t PlaceOf(const Event* event) const;
+  /// Offers a removed event back. Its editor stays closed, its times stay as they are; what has
+  /// come due meanwhile counts as missed.
+  Event* RestoreEvent(std::unique_ptr<Event> event, size_t place);
   /// Room for that many events, while reading.
   void Reserve(size_t count) { events_.reserve(count); }
 
@@ -73,6 +76,10 @@ class EventSet : public Locker {
   /// The same without the events that `passOver` is true for. Looks at every event.
   int32 GetNextEventTime(Event** event, const std::function<bool(const Event&)>& passOver);
 
+  /// Open editors, and the set's window, hand over what is being typed. Before every save and
+  /// before anybody asks whether the set was modified.
+  void CommitEdits();
+
   enum class SavedBy { User, Itself };
   /// Writes the file as a whole. On success nothing is modified any more. If the file was changed
   /// by others since it was read, the set is written beside it, keeps that new name and the user is
@@ -81,6 +88,15 @@ class EventSet : public Locker {
   /// Writes a copy elsewhere, marked like this set if it was downloaded; name and modified flag
   /// stay.
   bool SaveCopy(const std::string& path);
+
+  /// Saves under another name, as the user. When that fails, the set keeps the name it has. When it
+  /// succeeds, the new file is remembered for delivery or not, as `remember` says. With `remember`
+  /// the earlier file is not remembered any longer; without, it goes on as it was left there.
+  bool SaveAs(const std::string& path, bool remember);
+  /// Has the set's file remembered for delivery, or forgotten.
+  void Remember(bool remember);
+  /// Writes into the file what deliveries have changed in it, without the user's changes.
+  void SaveDeliveriesAlone();
 
   bool HasBeenModified() const { return modified_ || deliveryModified_; }
   /// Whether all that changed since the last save is what deliveries changed.
@@ -131,14 +147,18 @@ class EventSet : public Locker {
   std::string GetLeaf() const;
   static std::string LeafOf(const std::string& path);
 
-  /// Opens the window, or activates it. Nothing happens without a screen.
+  /// How many editors a set may open along with its window.
+  static constexpr int32 MaxEditorsAtOpening = 20;
+  /// Opens the window, and the editors that stood open with it, or activates it. Nothing happens
+  /// without a screen.
   void OpenWindow();
   SetWindow* GetWindow() const { return window_; }
   /// From the window's destructor: closes the editors and destroys this set unless it delivers
   /// without a window.
   void WindowClosed();
-  /// Whether the set delivers events with no window open, by the settings.
-  bool DeliversUnseen() const;
+  /// Whether the set delivers its events, by the settings, while its window is open or is not.
+  bool Delivers(bool shown) const;
+  bool DeliversUnseen() const { return Delivers(false); }
 
   const SetLayout& Layout() const { return layout_; }
   SetLayout& Layout() { return layout_; }  ///< window state: changing it marks nothing modified
@@ -150,6 +170,7 @@ class EventSet : public Locker {
   std::string NameBeside() const;
   /// The set has another name, which its editors show.
   void TellEditors();
+  void OpenEditors();
   void Insert(std::unique_ptr<Event> event, size_t at);
 
   Context& context_;

@@ -4,6 +4,7 @@
 #include "core/Clock.h"
 #include "core/EventSet.h"
 #include "core/EventSetFile.h"
+#include "core/MessageQueue.h"
 #include "core/Notices.h"
 #include "core/UserInterface.h"
 #include "support/WholeFile.h"
@@ -110,10 +111,63 @@ bool EventSet::SaveData(SavedBy by) {
   return true;
 }
 
+bool EventSet::SaveAs(const std::string& path, bool remember) {
+  const std::string earlier = fileName_;
+  const bool hadFile = !untitled_ && path != earlier;
+  const bool wasRemembered = Delivers(false);
+  if (hadFile && !remember) SaveDeliveriesAlone();
+  const std::optional<FileStamp> stamp = stamp_, attempted = attempted_;
+  SetFileName(path);
+  if (!SaveData()) {
+    if (path != earlier) {
+      SetFileName(earlier);
+      stamp_ = stamp;
+      attempted_ = attempted;
+    }
+    return false;
+  }
+  Remember(remember);
+  if (!hadFile) return true;
+  const AutoLock lock(KestrinSettings::Protect);
+  if (remember) {
+    KestrinSettings::ForgetSet(earlier);
+  } else if (wasRemembered && KestrinSettings::IsFileRemembered(earlier)) {
+    Message open(OPEN_FILES);
+    open.Set("0", earlier);
+    open.Set("window", false);
+    context_.queue.Post(std::move(open));
+  }
+  return true;
+}
+
+void EventSet::Remember(bool remember) {
+  const AutoLock lock(KestrinSettings::Protect);
+  if (remember == KestrinSettings::IsFileRemembered(fileName_)) return;
+  if (remember)
+    KestrinSettings::RememberSet(fileName_);
+  else
+    KestrinSettings::ForgetSet(fileName_);
+  // A set that delivers from now on is like an opened one.
+  context_.queue.Post(remember ? SETS_OPENED : EVENT_SETS_CHANGED);
+  if (window_) window_->SetChanged();
+}
+
+void EventSet::SaveDeliveriesAlone() {
+  if (delivered_.empty() || untitled_ || stamp_ != context_.files.Stamp(fileName_)) return;
+  ConstructorResult result = ConstructorResult::Success;
+  bool versionOK = true;
+  SetFileReport report;
+  EventSet inFile(context_, fileName_, &result, &versionOK, &report);
+  if (result != ConstructorResult::Success || !versionOK) return;
+  inFile.MoveOnDelivered(delivered_, context_.clock.Now());
+  if (inFile.HasBeenModified() && inFile.SaveData(SavedBy::Itself)) stamp_ = inFile.stamp_;
+}
+
 void EventSet::SetFileName(const std::string& path) {
   if (path == fileName_) return;
   fileName_ = path;
   stamp_.reset();
+  attempted_.reset();
   TellEditors();
 }
 
@@ -132,7 +186,7 @@ void EventSet::BecomeRecovered(const std::string& untitledName) {
 
 void EventSet::DiscardRecovered() {
   if (recoveredFrom_.empty()) return;
-  context_.files.Remove(recoveredFrom_);
+  if (recoveredFrom_ != fileName_) context_.files.Remove(recoveredFrom_);
   recoveredFrom_.clear();
 }
 

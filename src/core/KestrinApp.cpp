@@ -142,6 +142,9 @@ bool KestrinApp::WindowMessage(const Message& message) {
     case SETS_OPENED:
       pass_.PassWithStartupFlag();
       return true;
+    case SET_DISCARDED:
+      RevertToSavedIfRemembered(message.Get<std::string>("path").value_or(""));
+      return true;
     case ACTIVATE:
       Activate();
       return true;

@@ -30,9 +30,9 @@ void KestrinApp::QuitAgain(bool ifIdle) {
 
 bool KestrinApp::SomethingWaits() const {
   const MessageQueue& queue = context_.queue;
-  for (const uint32 code :
-       {uint32{NEW_EVENT_SET}, uint32{OPEN_FILES}, uint32{SETS_OPENED}, uint32{ACTIVATE},
-        uint32{DELIVER_EVENTS}, uint32{EVENT_DEALT_WITH}, uint32{EVENT_SETS_CHANGED}})
+  for (const uint32 code : {uint32{NEW_EVENT_SET}, uint32{OPEN_FILES}, uint32{SETS_OPENED},
+                            uint32{SET_DISCARDED}, uint32{ACTIVATE}, uint32{DELIVER_EVENTS},
+                            uint32{EVENT_DEALT_WITH}, uint32{EVENT_SETS_CHANGED}})
     if (queue.Holds(code)) return true;
   return pass_.IsDealing();
 }
@@ -71,11 +71,7 @@ bool KestrinApp::CloseWindows() {
 }
 
 void KestrinApp::CommitAllEdits() {
-  for (const auto& set : OpenSets::Sets) {
-    for (const auto& event : set->Events())
-      if (EditorWindow* const editor = event->GetWindow()) editor->CommitEdits();
-    if (SetWindow* const window = set->GetWindow()) window->CommitEdits();
-  }
+  for (const auto& set : OpenSets::Sets) set->CommitEdits();
 }
 
 void KestrinApp::SaveModifiedSets() {
@@ -141,7 +137,7 @@ void KestrinApp::ForcedQuit() {
   std::vector<Message> records;
   if (!recordShown_) records = recovery_.RecordedAlerts();
   for (const AlertRequest& request : context_.alerts.EndByForce())
-    records.push_back(RecordAlert(request));
+    if (request.Role != AlertRole::Prompt) records.push_back(RecordAlert(request));
   recovery_.RecordAlerts(records);
   pass_.SendNextTime();
   SaveModifiedSets();

@@ -11,6 +11,7 @@
 #include "core/MessageQueue.h"
 #include "core/Notices.h"
 #include "core/OpenSets.h"
+#include "core/UserInterface.h"
 
 namespace kestrin {
 
@@ -148,14 +149,18 @@ void KestrinApp::RevertToSavedIfRemembered(const std::string& path) {
   {
     const AutoLock settings(KestrinSettings::Protect);
     const AutoLock open(OpenSets::Protect);
-    EventSet* const set = OpenSets::FindFile(path);
-    if (set) {
+    if (EventSet* const set = OpenSets::FindFile(path)) {
       const EventSet::DeliveredEvents delivered = set->DeliveredUnsaved();
-      OpenSets::Destroy(set);
-      if (EventSet* const fresh = LoadSet(path)) {
+      const uint64 handle = set->GetHandle();
+      SetWindow* const window = set->GetWindow();
+      if (window) window->CloseNow();  // which may be the end of the set
+      OpenSets::Destroy(OpenSets::FindHandle(handle));
+      EventSet* const fresh = LoadSet(path);
+      if (fresh) {
         const AutoLock lock(*fresh);
         fresh->MoveOnDelivered(delivered, context_.clock.Now());
       }
+      if (fresh && window) fresh->OpenWindow();
     }
   }
   pass_.PassWithStartupFlag();

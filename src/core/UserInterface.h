@@ -69,6 +69,8 @@ class UserInterface {
   /// is the alert's position in the cascade, 0 and up, free of any other open alert.
   virtual void OpenAlert(AlertId id, const AlertRequest& request, int32 place) = 0;
   virtual void UpdateAlert(AlertId id, const AlertRequest& request) = 0;
+  /// Brings the alert to the front and gives it the focus.
+  virtual void RaiseAlert(AlertId id) = 0;
   /// Closes the window without an answer.
   virtual void CloseAlert(AlertId id) = 0;
 

@@ -31,6 +31,7 @@ class EmptyUserInterface final : public UserInterface {
   EditorWindow* OpenEventWindow(Event&) override { return nullptr; }
   void OpenAlert(AlertId, const AlertRequest&, int32) override {}
   void UpdateAlert(AlertId, const AlertRequest&) override {}
+  void RaiseAlert(AlertId) override {}
   void CloseAlert(AlertId) override {}
   void WaitForFatalError(const std::string&, const std::string&, const std::string&) override {}
   void ShowOpenPanel() override {}

@@ -13,6 +13,7 @@
 #include "interface/editor/EventWindow.h"
 #include "interface/handlerviews/HandlerViews.h"
 #include "interface/sets/EventSetWindow.h"
+#include "interface/sets/OpenFilePanel.h"
 #include "interface/settings/AboutWindow.h"
 #include "interface/settings/SettingsWindow.h"
 
@@ -27,7 +28,7 @@ QtUserInterface::QtUserInterface(std::function<void()> bell) : bell_(std::move(b
   WatchScreens();
 }
 
-QtUserInterface::~QtUserInterface() = default;
+QtUserInterface::~QtUserInterface() { delete openPanel_; }
 
 void QtUserInterface::Connect(Context& context, DocumentApp& application) {
   context_ = &context;
@@ -67,6 +68,11 @@ void QtUserInterface::UpdateAlert(AlertId id, const AlertRequest& request) {
   bell_();
 }
 
+void QtUserInterface::RaiseAlert(AlertId id) {
+  const auto found = alerts_.find(id);
+  if (found != alerts_.end()) found->second->Raise();
+}
+
 void QtUserInterface::CloseAlert(AlertId id) { RemoveAlert(id); }
 
 void QtUserInterface::Answer(AlertId id, int which) {
@@ -100,7 +106,12 @@ void QtUserInterface::WaitForFatalError(const std::string& title, const std::str
   loop.exec();
 }
 
-void QtUserInterface::ShowOpenPanel() {}
+void QtUserInterface::ShowOpenPanel() {
+  if (!openPanel_) openPanel_ = new OpenFilePanel(*context_);
+  openPanel_->show();
+  openPanel_->raise();
+  openPanel_->activateWindow();
+}
 
 void QtUserInterface::ShowSettingsWindow() { ShowOnly(settingsWindow_); }
 void QtUserInterface::ShowAboutWindow() { ShowOnly(aboutWindow_); }
@@ -116,6 +127,7 @@ void QtUserInterface::ShowOnly(QPointer<Window>& window) {
 void QtUserInterface::CloseOtherWindows() {
   for (SideWindow* window : std::initializer_list<SideWindow*>{settingsWindow_, aboutWindow_})
     if (window && !window->IsClosed()) window->close();
+  if (openPanel_) openPanel_->reject();
 }
 
 void QtUserInterface::SettingsChanged() {

@@ -15,6 +15,7 @@ class AboutWindow;
 class AlertWindow;
 class DocumentApp;
 class SettingsWindow;
+class OpenFilePanel;
 struct Context;
 
 /// Built before the services that need it and connected to them afterwards. It has a screen when a
@@ -36,6 +37,7 @@ class QtUserInterface final : public QObject, public UserInterface {
   EditorWindow* OpenEventWindow(Event& event) override;
   void OpenAlert(AlertId id, const AlertRequest& request, int32 place) override;
   void UpdateAlert(AlertId id, const AlertRequest& request) override;
+  void RaiseAlert(AlertId id) override;
   void CloseAlert(AlertId id) override;
   void WaitForFatalError(const std::string& title, const std::string& text,
                          const std::string& button) override;
@@ -61,6 +63,7 @@ class QtUserInterface final : public QObject, public UserInterface {
   std::map<AlertId, std::unique_ptr<AlertWindow>> alerts_;
   QPointer<SettingsWindow> settingsWindow_;
   QPointer<AboutWindow> aboutWindow_;
+  QPointer<OpenFilePanel> openPanel_;
 };
 
 }  // namespace kestrin

@@ -72,6 +72,7 @@ class FakeUserInterface final : public UserInterface {
       if (alert.Id == id) alert.Request = request;
     History.push_back(request);
   }
+  void RaiseAlert(AlertId) override { Calls.emplace_back("RaiseAlert"); }
   void CloseAlert(AlertId id) override {
     std::erase_if(Alerts, [id](const Alert& alert) { return alert.Id == id; });
   }

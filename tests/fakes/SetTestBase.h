@@ -30,6 +30,7 @@ inline EventRecord DailyAt(int32 time, const std::string& name = "Tea") {
   record.PeriodType = Daily;
   record.ApplyTime = true;
   record.TimeToApply = time % Day;
+  record.ShouldWindowOpen = false;
   return record;
 }
 

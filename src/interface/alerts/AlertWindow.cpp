@@ -1,7 +1,7 @@
 #include "interface/alerts/AlertWindow.h"
 
 #include <QAccessible>
-#include <QGuiApplication>
+#include <QApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -34,13 +34,25 @@ QString TitleOf(const AlertRequest& request) {
 
 }  // namespace
 
-AlertWindow::AlertWindow(const AlertRequest& request, int place) : place_(place) {
+AlertWindow::AlertWindow(const AlertRequest& request, int place)
+    : place_(place), isPrompt_(request.Role == AlertRole::Prompt) {
   setObjectName("alert");
   setWindowFlags(Qt::Dialog | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
                  Qt::WindowCloseButtonHint | Qt::WindowStaysOnTopHint);
-  setAttribute(Qt::WA_ShowWithoutActivating);
+  setAttribute(Qt::WA_ShowWithoutActivating, !isPrompt_);
   BuildFrame();
   ShowRequest(request);
+  MoveToPlace();
+}
+
+void AlertWindow::MoveToPlace() {
+  const QWidget* over = QApplication::activeWindow();
+  if (isPrompt_ && over) {
+    QRect centred(QPoint(), size());
+    centred.moveCenter(over->geometry().center());
+    move(centred.topLeft());
+    if (over->screen()->availableGeometry().contains(centred)) return;
+  }
   move(AlertCascade::TopLeft(place_, ScreenRect()));
 }
 
@@ -132,8 +144,14 @@ void AlertWindow::KeepOnScreen() {
 
 void AlertWindow::Announce() {
   if (!isVisible()) show();
+  if (isPrompt_) Raise();
   QAccessibleEvent event(this, QAccessible::Alert);
   QAccessible::updateAccessibility(&event);
+}
+
+void AlertWindow::Raise() {
+  raise();
+  activateWindow();
 }
 
 void AlertWindow::keyPressEvent(QKeyEvent* event) {

@@ -14,7 +14,8 @@ namespace kestrin {
 
 class AlertText;
 
-/// Opens above other windows without taking the focus. Closing it, and Escape, press the harmless
+/// Opens above other windows without taking the focus, unless it is a prompt: that one takes it,
+/// and opens over the window the person works in. Closing it, and Escape, press the harmless
 /// button. Pressed comes once, after which the window waits to be deleted.
 class AlertWindow final : public QDialog {
   Q_OBJECT
@@ -28,6 +29,8 @@ class AlertWindow final : public QDialog {
   void Update(const AlertRequest& request);
   /// Shows the window, or says again what it says: its text is new.
   void Announce();
+  /// To the front, with the focus.
+  void Raise();
   /// Moves the window back onto the screen when it lies off it, and into what it may take of it.
   void KeepOnScreen();
 
@@ -45,9 +48,11 @@ class AlertWindow final : public QDialog {
   void ShowButtons(const std::vector<std::string>& labels);
   void FitSize();
   QRect ScreenRect() const;
+  void MoveToPlace();
   void Press(int which);
 
   int place_;
+  bool isPrompt_;
   int harmlessButton_ = 0;
   bool answered_ = false;
   std::vector<std::string> labels_;

@@ -89,6 +89,7 @@ void ColumnListView::dataChanged(const QModelIndex& first, const QModelIndex& la
 }
 
 void ColumnListView::keyPressEvent(QKeyEvent* event) {
+  if (event->matches(QKeySequence::Copy)) return;  // a cell's text is nobody's event
   switch (event->key()) {
     case Qt::Key_Return:
     case Qt::Key_Enter:

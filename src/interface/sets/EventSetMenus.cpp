@@ -1,43 +1,168 @@
 #include "interface/sets/EventSetMenus.h"
 
+#include <QActionGroup>
 #include <QMenu>
 #include <QMenuBar>
 
+#include "core/EventSet.h"
 #include "core/MessageQueue.h"
+#include "interface/sets/SetCommands.h"
 
 namespace kestrin {
+
+namespace {
+
+constexpr uint32 Separator = 0;
+
+QKeySequence Ctrl(Qt::Key key) { return {Qt::CTRL | key}; }
+QKeySequence CtrlShift(Qt::Key key) { return {Qt::CTRL | Qt::SHIFT | key}; }
+
+}  // namespace
 
 struct EventSetMenus::Item {
   enum Target { Window, Application };
 
-  const char* text;
+  const char* text = nullptr;
   QKeySequence shortcut;
-  uint32 command;
-  Target target;
+  uint32 command = Separator;
+  Target target = Window;
+  bool enabled = true;
 };
 
 EventSetMenus::EventSetMenus(QMenuBar& bar, MessageQueue& application)
     : QObject(&bar), application_(application) {
   AddMenu(bar, "&File",
-          {{"&Close", QKeySequence(Qt::CTRL | Qt::Key_W), QUIT_REQUESTED, Item::Window},
-           {"&Quit to background", QKeySequence(Qt::CTRL | Qt::Key_Q), QUIT_REQUESTED,
-            Item::Application},
-           {"&Full quit", QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Q), FULL_QUIT_REQUESTED,
-            Item::Application}});
+          {{"&New event set", Ctrl(Qt::Key_N), NEW_EVENT_SET, Item::Application},
+           {"&Open…", Ctrl(Qt::Key_O), OPEN_EVENT_SET, Item::Application},
+           {},
+           {"&Save", Ctrl(Qt::Key_S), SAVE_SET},
+           {"Save &as…", {}, SAVE_SET_AS},
+           {"&Remember for delivery", {}, REMEMBER_SET},
+           {},
+           {"Page set&up...", {}, PAGE_SETUP, Item::Window, false},
+           {"&Print event set...", {}, PRINT_SET, Item::Window, false},
+           {"Print selected &event...", {}, PRINT_EVENT, Item::Window, false},
+           {},
+           {"Se&ttings…", {}, OPEN_SETTINGS_WINDOW, Item::Application},
+           {"A&bout…", {}, ABOUT_REQUESTED, Item::Application},
+           {"&Help…", Ctrl(Qt::Key_H), HELP_REQUESTED, Item::Application},
+           {},
+           {"&Close", Ctrl(Qt::Key_W), QUIT_REQUESTED},
+           {"&Quit to background", Ctrl(Qt::Key_Q), QUIT_REQUESTED, Item::Application},
+           {"&Full quit", CtrlShift(Qt::Key_Q), FULL_QUIT_REQUESTED, Item::Application}});
+  AddMenu(bar, "&Edit",
+          {{"Cu&t", Ctrl(Qt::Key_X), CUT_EVENT, Item::Window, false},
+           {"&Copy", Ctrl(Qt::Key_C), COPY_EVENT, Item::Window, false},
+           {"&Paste", Ctrl(Qt::Key_V), PASTE_EVENT},
+           {},
+           {"&Undo delete", Ctrl(Qt::Key_Z), UNDO_DELETE, Item::Window, false}});
+  AddMenu(bar, "Eve&nt",
+          {{"&New event…", CtrlShift(Qt::Key_N), NEW_EVENT},
+           {"&Edit event…", Ctrl(Qt::Key_E), EDIT_EVENT, Item::Window, false},
+           {"&Delete event", {}, DELETE_EVENT, Item::Window, false}});
+  AddViewMenu(bar);
+  AddContextMenus(bar);
 }
 
 void EventSetMenus::AddMenu(QMenuBar& bar, const char* title, const std::vector<Item>& items) {
   QMenu* menu = bar.addMenu(title);
-  for (const Item& item : items) {
-    QAction* action = menu->addAction(item.text);
-    action->setShortcut(item.shortcut);
-    const uint32 command = item.command;
-    if (item.target == Item::Window)
-      connect(action, &QAction::triggered, this, [this, command] { emit Chosen(command); });
-    else
-      connect(action, &QAction::triggered, this,
-              [this, command] { application_.Post(Message(command)); });
+  for (const Item& item : items) AddItem(*menu, item);
+}
+
+void EventSetMenus::AddItem(QMenu& menu, const Item& item) {
+  if (item.command == Separator) {
+    menu.addSeparator();
+    return;
+  }
+  QAction* action = menu.addAction(item.text);
+  action->setShortcut(item.shortcut);
+  action->setEnabled(item.enabled);
+  const uint32 command = item.command;
+  if (item.target == Item::Application) {
+    connect(action, &QAction::triggered, this,
+            [this, command] { application_.Post(Message(command)); });
+    return;
+  }
+  action->setData(command);
+  actions_.push_back(action);
+  connect(action, &QAction::triggered, this, [this, command] { emit Chosen(command); });
+}
+
+void EventSetMenus::AddViewMenu(QMenuBar& bar) {
+  QMenu* view = bar.addMenu("&View");
+  QMenu* modeMenu = view->addMenu("View &mode");
+  auto* group = new QActionGroup(this);
+  const char* const names[] = {"&List", "&Calendar", "&Week", "&Day"};
+  for (size_t mode = 0; mode < modes_.size(); ++mode) {
+    QAction* action = modes_[mode] = modeMenu->addAction(names[mode]);
+    action->setCheckable(true);
+    action->setEnabled(mode == 0);
+    group->addAction(action);
+    connect(action, &QAction::triggered, this,
+            [this, mode] { emit ViewModeChosen(static_cast<int32>(mode)); });
+  }
+  displayMenu_ = view->addMenu("&Display");
+  for (const Item& item : std::vector<Item>{{"Event &icons", {}, SHOW_ICONS},
+                                            {"Event &time", {}, SHOW_EVENT_TIME},
+                                            {"&Next message time", {}, SHOW_NEXT_TIME},
+                                            {"Selected &handler", {}, SHOW_HANDLER},
+                                            {"Event &status", {}, SHOW_STATUS}}) {
+    AddItem(*displayMenu_, item);
+    actions_.back()->setCheckable(true);
   }
 }
+
+void EventSetMenus::AddContextMenus(QMenuBar& bar) {
+  rowMenu_ = new QMenu(&bar);
+  rowMenu_->setObjectName("rowMenu");
+  rowMenu_->addAction(Find(EDIT_EVENT));
+  rowMenu_->addSeparator();
+  rowMenu_->addActions({Find(CUT_EVENT), Find(COPY_EVENT)});
+  rowMenu_->addSeparator();
+  rowMenu_->addAction(Find(DELETE_EVENT));
+  emptyMenu_ = new QMenu(&bar);
+  emptyMenu_->setObjectName("emptyMenu");
+  emptyMenu_->addActions({Find(NEW_EVENT), Find(PASTE_EVENT)});
+}
+
+QAction* EventSetMenus::Find(uint32 command) const {
+  for (QAction* action : actions_)
+    if (action->data().toUInt() == command) return action;
+  return nullptr;
+}
+
+std::optional<Columns> EventSetMenus::ColumnOf(uint32 command) {
+  switch (command) {
+    case SHOW_ICONS:
+      return IconColumn;
+    case SHOW_NAME:
+      return NameColumn;
+    case SHOW_STATUS:
+      return StatusColumn;
+    case SHOW_EVENT_TIME:
+      return EventTimeColumn;
+    case SHOW_NEXT_TIME:
+      return NextTimeColumn;
+    case SHOW_HANDLER:
+      return HandlerColumn;
+    default:
+      return std::nullopt;
+  }
+}
+
+void EventSetMenus::ShowLayout(const SetLayout& layout) {
+  for (size_t mode = 0; mode < modes_.size(); ++mode)
+    if (layout.ViewMode == static_cast<int32>(mode)) modes_[mode]->setChecked(true);
+  for (QAction* action : actions_)
+    if (const auto column = ColumnOf(action->data().toUInt()))
+      action->setChecked(layout.ColumnShown[static_cast<size_t>(*column)]);
+}
+
+void EventSetMenus::EnableForSelection(bool selected) {
+  for (const uint32 command : {CUT_EVENT, COPY_EVENT, EDIT_EVENT, DELETE_EVENT})
+    Find(command)->setEnabled(selected);
+}
+
+void EventSetMenus::EnableUndo(bool possible) { Find(UNDO_DELETE)->setEnabled(possible); }
 
 }  // namespace kestrin

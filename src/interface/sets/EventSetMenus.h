@@ -2,15 +2,20 @@
 #pragma once
 
 #include <QObject>
+#include <array>
+#include <optional>
 #include <vector>
 
-#include "kestrin/Types.h"
+#include "interface/list/EventOrder.h"
 
+class QAction;
+class QMenu;
 class QMenuBar;
 
 namespace kestrin {
 
 class MessageQueue;
+struct SetLayout;
 
 /// Each item is a command: a number that goes to the window or, as a message, to the application.
 class EventSetMenus final : public QObject {
@@ -19,14 +24,37 @@ class EventSetMenus final : public QObject {
  public:
   EventSetMenus(QMenuBar& bar, MessageQueue& application);
 
+  /// Marks the view mode and the shown columns.
+  void ShowLayout(const SetLayout& layout);
+  void EnableForSelection(bool selected);
+  void EnableUndo(bool possible);
+
+  /// Of a row, of the list's empty part, and of its header.
+  QMenu& RowMenu() const { return *rowMenu_; }
+  QMenu& EmptyMenu() const { return *emptyMenu_; }
+  QMenu& DisplayMenu() const { return *displayMenu_; }
+
+  /// The column that a Display command shows or hides.
+  static std::optional<Columns> ColumnOf(uint32 command);
+
  signals:
   void Chosen(kestrin::uint32 command);
+  void ViewModeChosen(kestrin::int32 mode);
 
  private:
   struct Item;
   void AddMenu(QMenuBar& bar, const char* title, const std::vector<Item>& items);
+  void AddItem(QMenu& menu, const Item& item);
+  void AddViewMenu(QMenuBar& bar);
+  void AddContextMenus(QMenuBar& bar);
+  QAction* Find(uint32 command) const;
 
   MessageQueue& application_;
+  std::vector<QAction*> actions_;
+  std::array<QAction*, 4> modes_{};
+  QMenu* displayMenu_ = nullptr;
+  QMenu* rowMenu_ = nullptr;
+  QMenu* emptyMenu_ = nullptr;
 };
 
 }  // namespace kestrin

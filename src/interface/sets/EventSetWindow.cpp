@@ -1,36 +1,92 @@
 #include "interface/sets/EventSetWindow.h"
 
 #include <QCloseEvent>
-#include <QGuiApplication>
+#include <QHeaderView>
+#include <QMenu>
 #include <QMenuBar>
-#include <QScreen>
-#include <QStyle>
+#include <QMimeData>
+#include <QVBoxLayout>
 #include <utility>
 
 #include "core/DocumentApp.h"
 #include "core/EventSet.h"
 #include "core/MessageCodes.h"
-#include "core/Notices.h"
 #include "interface/Frames.h"
 #include "interface/ShownText.h"
 #include "interface/list/ListEventView.h"
+#include "interface/sets/EventCommands.h"
 #include "interface/sets/EventSetMenus.h"
+#include "interface/sets/OpenFilePanel.h"
+#include "interface/sets/SetCommands.h"
+#include "interface/sets/SetSaving.h"
+#include "interface/sets/StatusLine.h"
 
 namespace kestrin {
+
+namespace {
+
+QStringList LocalFiles(const QMimeData& data) {
+  QStringList files;
+  for (const QUrl& url : data.urls())
+    if (url.isLocalFile()) files.push_back(url.toLocalFile());
+  return files;
+}
+
+}  // namespace
 
 EventSetWindow::EventSetWindow(EventSet& set, DocumentApp& application)
     : set_(&set),
       application_(application),
       menus_(new EventSetMenus(*menuBar(), set.GetContext().queue)),
-      list_(new ListEventView(set)) {
+      list_(new ListEventView(set)),
+      status_(new StatusLine(set)),
+      commands_(new EventCommands(set, *list_)),
+      saving_(new SetSaving(set, application, *this)) {
   setObjectName("eventSetWindow");
-  setCentralWidget(list_);
-  list_->setFrameShape(QFrame::NoFrame);
-  list_->setFocus();
-  connect(menus_, &EventSetMenus::Chosen, this, &EventSetWindow::Command);
+  setAcceptDrops(true);
+  BuildBody();
+  ConnectCommands();
+  menus_->ShowLayout(set.Layout());
   SetChanged();
   OpenAtFrame();
   application_.RegisterWindow();
+}
+
+void EventSetWindow::BuildBody() {
+  auto* body = new QWidget;
+  auto* column = new QVBoxLayout(body);
+  column->setContentsMargins(0, 0, 0, 0);
+  column->setSpacing(0);
+  list_->setFrameShape(QFrame::NoFrame);
+  column->addWidget(list_, 1);
+  column->addWidget(status_);
+  setCentralWidget(body);
+  list_->setFocus();
+}
+
+void EventSetWindow::ConnectCommands() {
+  connect(menus_, &EventSetMenus::Chosen, this, &EventSetWindow::Command);
+  connect(menus_, &EventSetMenus::ViewModeChosen, this, &EventSetWindow::SetViewMode);
+  connect(list_, &ListEventView::EventInvoked, commands_, &EventCommands::Edit);
+  connect(list_, &ListEventView::DeleteRequested, commands_, &EventCommands::DeleteSelected);
+  connect(list_, &ListEventView::SelectedEventChanged, this, [this] { Command(EVENT_SELECTED); });
+  connect(status_, &StatusLine::UndoRequested, this, [this] { Command(UNDO_DELETE); });
+  connect(commands_, &EventCommands::Deleted, this, [this](const std::string& name) {
+    status_->ShowDeleted(name);
+    menus_->EnableUndo(true);
+  });
+  connect(commands_, &EventCommands::Added, this, [this] {
+    status_->HideDeleted();
+    menus_->EnableUndo(commands_->CanUndo());
+    list_->setFocus();
+  });
+  connect(saving_, &SetSaving::CloseAllowed, this, &EventSetWindow::CloseNow);
+  list_->setContextMenuPolicy(Qt::CustomContextMenu);
+  connect(list_, &QWidget::customContextMenuRequested, this, &EventSetWindow::ShowRowMenu);
+  list_->header()->setContextMenuPolicy(Qt::CustomContextMenu);
+  connect(list_->header(), &QWidget::customContextMenuRequested, this, [this](const QPoint& at) {
+    menus_->DisplayMenu().popup(list_->header()->viewport()->mapToGlobal(at));
+  });
 }
 
 EventSetWindow::~EventSetWindow() { Detach(); }
@@ -48,33 +104,111 @@ void EventSetWindow::Activate() {
   activateWindow();
 }
 
-void EventSetWindow::EventAdded(Event& event) { list_->AddEvent(&event); }
-void EventSetWindow::EventRemoved(Event& event) { list_->RemoveEvent(&event); }
-void EventSetWindow::EventModified(Event& event) { list_->EventModified(&event); }
-void EventSetWindow::SetChanged() { setWindowTitle(WindowTitle(set_->GetLeaf())); }
-void EventSetWindow::SettingsChanged() { list_->viewport()->update(); }
+void EventSetWindow::EventAdded(Event& event) {
+  list_->AddEvent(&event);
+  status_->Refresh();
+}
+
+void EventSetWindow::EventRemoved(Event& event) {
+  list_->RemoveEvent(&event);
+  status_->Refresh();
+}
+
+void EventSetWindow::EventModified(Event& event) {
+  list_->EventModified(&event);
+  status_->Refresh();
+}
+
+void EventSetWindow::SetChanged() {
+  setWindowTitle(WindowTitle(set_->GetLeaf()) + "[*]");
+  setWindowModified(set_->HasBeenModified() && !set_->OnlyDeliveriesChanged());
+  status_->Refresh();
+}
+
+void EventSetWindow::SettingsChanged() {
+  list_->viewport()->update();
+  status_->Refresh();
+}
 
 void EventSetWindow::Command(uint32 command) {
-  if (command == QUIT_REQUESTED) RequestClose();
+  if (!set_ || SaveCommand(command) || EventCommand(command)) return;
+  if (EventSetMenus::ColumnOf(command))
+    ToggleColumn(command);
+  else if (command == QUIT_REQUESTED)
+    RequestClose();
+}
+
+bool EventSetWindow::SaveCommand(uint32 command) {
+  switch (command) {
+    case SAVE_SET:
+      saving_->Save();
+      return true;
+    case SAVE_SET_AS:
+      saving_->SaveAs();
+      return true;
+    case REMEMBER_SET:
+      saving_->Remember();
+      return true;
+    default:
+      return false;
+  }
+}
+
+bool EventSetWindow::EventCommand(uint32 command) {
+  switch (command) {
+    case CUT_EVENT:
+      commands_->Cut();
+      return true;
+    case COPY_EVENT:
+      commands_->Copy();
+      return true;
+    case PASTE_EVENT:
+      commands_->Paste();
+      return true;
+    case UNDO_DELETE:
+      commands_->Undo();
+      return true;
+    case NEW_EVENT:
+      commands_->New();
+      return true;
+    case EDIT_EVENT:
+      commands_->EditSelected();
+      return true;
+    case DELETE_EVENT:
+      commands_->DeleteSelected();
+      return true;
+    case EVENT_SELECTED:
+      menus_->EnableForSelection(list_->GetSelectedEvent() != nullptr);
+      return true;
+    default:
+      return false;
+  }
+}
+
+/// The list is the only view there is, and shows every mode.
+void EventSetWindow::SetViewMode(int32 mode) {
+  if (!set_ || set_->Layout().ViewMode == mode) return;
+  const AutoLock lock(*set_);
+  set_->Layout().ViewMode = mode;
+}
+
+void EventSetWindow::ToggleColumn(uint32 command) {
+  const Columns column = *EventSetMenus::ColumnOf(command);
+  list_->SetColumnShown(column, !set_->Layout().ColumnShown[static_cast<size_t>(column)]);
+  menus_->ShowLayout(set_->Layout());
+}
+
+/// The menu key asks for the menu of the selected row, wherever the mouse is.
+void EventSetWindow::ShowRowMenu(const QPoint& at) {
+  const QModelIndex row = list_->indexAt(at);
+  QMenu& menu = row.isValid() ? menus_->RowMenu() : menus_->EmptyMenu();
+  menu.popup(list_->viewport()->mapToGlobal(at));
 }
 
 bool EventSetWindow::RequestClose() {
-  if (!set_) return true;
-  if (set_->HasBeenModified() && !SaveBeforeClose()) {
-    application_.CancelQuitProcess();
-    return false;
-  }
+  if (!saving_->MayClose()) return false;
   CloseNow();
   return true;
-}
-
-/// A set without a file is safe as long as its recovery copy is there: it opens again.
-bool EventSetWindow::SaveBeforeClose() {
-  if (set_->IsUntitled()) return !set_->RecoveredFrom().empty();
-  if (set_->SaveData()) return true;
-  set_->GetContext().notices.ReportCompoundError(
-      "There was an error attempting to save the event set \"", set_->GetLeaf(), "\".");
-  return false;
 }
 
 void EventSetWindow::CloseNow() {
@@ -86,6 +220,9 @@ void EventSetWindow::CloseNow() {
 void EventSetWindow::Detach() {
   if (!set_) return;
   RememberAsDefault();
+  saving_->Forget();
+  commands_->Forget();
+  status_->Forget();
   list_->Clear();
   std::exchange(set_, nullptr)->WindowClosed();
   application_.UnregisterWindow();
@@ -119,6 +256,17 @@ void EventSetWindow::moveEvent(QMoveEvent* event) {
 void EventSetWindow::resizeEvent(QResizeEvent* event) {
   QMainWindow::resizeEvent(event);
   StoreFrame();
+}
+
+void EventSetWindow::dragEnterEvent(QDragEnterEvent* event) {
+  if (!LocalFiles(*event->mimeData()).isEmpty()) event->acceptProposedAction();
+}
+
+void EventSetWindow::dropEvent(QDropEvent* event) {
+  const QStringList files = LocalFiles(*event->mimeData());
+  if (!set_ || files.isEmpty()) return;
+  PostOpenFiles(set_->GetContext(), files);
+  event->acceptProposedAction();
 }
 
 void EventSetWindow::StoreFrame() {

@@ -1,4 +1,4 @@
-// The window of an event set: menus over a list of its events.
+// The window of an event set: menus over a list of its events and a status line.
 #pragma once
 
 #include <QMainWindow>
@@ -8,8 +8,11 @@
 namespace kestrin {
 
 class DocumentApp;
+class EventCommands;
 class EventSetMenus;
 class ListEventView;
+class SetSaving;
+class StatusLine;
 
 /// Registers with the application while it is open. Closing takes it back from its set, which may
 /// be the end of the set, and deletes it on a later turn of the event loop.
@@ -38,13 +41,21 @@ class EventSetWindow final : public QMainWindow, public SetWindow {
   void closeEvent(QCloseEvent* event) override;
   void moveEvent(QMoveEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
 
  private:
-  bool SaveBeforeClose();
+  void BuildBody();
+  void ConnectCommands();
   void OpenAtFrame();
   void StoreFrame();
   void RememberAsDefault();
   void Command(uint32 command);
+  bool SaveCommand(uint32 command);
+  bool EventCommand(uint32 command);
+  void SetViewMode(int32 mode);
+  void ToggleColumn(uint32 command);
+  void ShowRowMenu(const QPoint& at);
   /// Takes the window back from the set and the application; afterwards there is no set.
   void Detach();
 
@@ -52,6 +63,9 @@ class EventSetWindow final : public QMainWindow, public SetWindow {
   DocumentApp& application_;
   EventSetMenus* menus_;
   ListEventView* list_;
+  StatusLine* status_;
+  EventCommands* commands_;
+  SetSaving* saving_;
   QRect opened_;  ///< the geometry the window was given; only another one is the person's
 };
 

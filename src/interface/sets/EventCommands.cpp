@@ -1,0 +1,58 @@
+#include "interface/sets/EventCommands.h"
+
+#include "core/EventSet.h"
+#include "interface/list/ListEventView.h"
+
+namespace kestrin {
+
+EventCommands::EventCommands(EventSet& set, ListEventView& list)
+    : QObject(&list), set_(&set), list_(list) {}
+
+void EventCommands::New() {
+  if (!set_) return;
+  Event* event = nullptr;
+  {
+    const AutoLock settings(KestrinSettings::Protect);
+    const AutoLock lock(*set_);
+    event = set_->AddEvent(nullptr);
+  }
+  Select(event);
+}
+
+void EventCommands::Select(const Event* event) {
+  list_.SelectEvent(event);
+  emit Added();
+}
+
+void EventCommands::Edit(Event* event) {
+  if (!set_ || !event) return;
+  const AutoLock settings(KestrinSettings::Protect);
+  const AutoLock lock(*set_);
+  event->OpenWindow();
+}
+
+void EventCommands::EditSelected() { Edit(list_.GetSelectedEvent()); }
+
+void EventCommands::DeleteSelected() {
+  Event* const event = list_.GetSelectedEvent();
+  if (!set_ || !event) return;
+  const std::string name = event->GetName();
+  deleted_.Delete(*event);
+  emit Deleted(name);
+}
+
+void EventCommands::Cut() {}
+void EventCommands::Copy() {}
+void EventCommands::Paste() {}
+
+void EventCommands::Undo() {
+  if (!set_) return;
+  if (const Event* const event = deleted_.RestoreLast()) Select(event);
+}
+
+void EventCommands::Forget() {
+  deleted_.Clear();
+  set_ = nullptr;
+}
+
+}  // namespace kestrin

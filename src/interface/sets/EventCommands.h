@@ -1,0 +1,46 @@
+// Commands of an event set window that work on events.
+#pragma once
+
+#include <QObject>
+
+#include "core/DeletedEvents.h"
+
+namespace kestrin {
+
+class EventSet;
+class ListEventView;
+
+class EventCommands final : public QObject {
+  Q_OBJECT
+
+ public:
+  EventCommands(EventSet& set, ListEventView& list);
+
+  /// Adds an event and opens its editor.
+  void New();
+  void Edit(Event* event);
+  void EditSelected();
+  void DeleteSelected();
+  void Cut();
+  void Copy();
+  void Paste();
+  /// Brings the event that was deleted last back.
+  void Undo();
+  bool CanUndo() const { return !deleted_.Empty(); }
+  /// The set is about to go.
+  void Forget();
+
+ signals:
+  void Deleted(const std::string& name);
+  /// An event was made, pasted or brought back.
+  void Added();
+
+ private:
+  void Select(const Event* event);
+
+  EventSet* set_;
+  ListEventView& list_;
+  DeletedEvents deleted_;
+};
+
+}  // namespace kestrin

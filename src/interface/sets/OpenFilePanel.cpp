@@ -1,0 +1,59 @@
+#include "interface/sets/OpenFilePanel.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <algorithm>
+#include <utility>
+
+#include "core/AlertDesk.h"
+#include "core/Context.h"
+#include "core/Holds.h"
+#include "interface/sets/SetFilePanel.h"
+
+namespace kestrin {
+
+void PostOpenFiles(Context& context, const QStringList& files) {
+  Message open(OPEN_FILES);
+  for (qsizetype i = 0; i < files.size(); ++i)
+    open.Set(std::to_string(i), QFile::encodeName(files[i]).toStdString());
+  context.queue.Post(std::move(open));
+}
+
+OpenFilePanel::OpenFilePanel(Context& context)
+    : QFileDialog(nullptr, "Open event sets"), context_(context) {
+  setObjectName("openPanel");
+  setFileMode(ExistingFiles);
+  // Its own questions, and what else it does to files, would wait in loops of their own.
+  setOptions(DontUseNativeDialog | ReadOnly);
+  setNameFilters(SetFileFilters());
+  context_.holds.ProcessHold();
+}
+
+OpenFilePanel::~OpenFilePanel() {
+  if (holds_) context_.holds.ProcessDone();
+}
+
+void OpenFilePanel::accept() {
+  const QStringList files = selectedFiles();
+  const auto missing = std::find_if(files.begin(), files.end(),
+                                    [](const QString& file) { return !QFileInfo::exists(file); });
+  if (missing == files.end()) {
+    QFileDialog::accept();
+    return;
+  }
+  AlertRequest request;
+  request.Text = "There is no file called \"" + missing->toStdString() + "\".";
+  request.Role = AlertRole::Prompt;
+  context_.alerts.Show(std::move(request));
+}
+
+void OpenFilePanel::done(int result) {
+  QFileDialog::done(result);
+  if (!holds_) return;
+  if (result == Accepted) PostOpenFiles(context_, selectedFiles());
+  holds_ = false;
+  context_.holds.ProcessDone();
+  deleteLater();
+}
+
+}  // namespace kestrin

@@ -1,0 +1,30 @@
+// Where a person says which event sets are to be opened.
+#pragma once
+
+#include <QFileDialog>
+
+namespace kestrin {
+
+struct Context;
+
+/// Hands the chosen files to the application as OPEN_FILES. Holds the application while it is open
+/// and deletes itself when it has closed.
+class OpenFilePanel final : public QFileDialog {
+  Q_OBJECT
+
+ public:
+  explicit OpenFilePanel(Context& context);
+  ~OpenFilePanel() override;
+
+  void accept() override;
+  void done(int result) override;
+
+ private:
+  Context& context_;
+  bool holds_ = true;
+};
+
+/// Asks the application to open these files in windows.
+void PostOpenFiles(Context& context, const QStringList& files);
+
+}  // namespace kestrin

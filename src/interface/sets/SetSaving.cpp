@@ -1,0 +1,199 @@
+#include "interface/sets/SetSaving.h"
+
+#include <QFile>
+#include <utility>
+
+#include "core/AlertDesk.h"
+#include "core/DocumentApp.h"
+#include "core/EventSet.h"
+#include "core/Notices.h"
+#include "core/OpenSets.h"
+#include "interface/sets/SetFilePanel.h"
+
+namespace kestrin {
+
+namespace {
+
+enum SaveAnswer { DoNotSave = 0, Cancel = 1, SaveChanges = 2 };
+enum ReplaceAnswer { KeepFile = 0, ReplaceFile = 1 };
+
+}  // namespace
+
+SetSaving::SetSaving(EventSet& set, DocumentApp& application, QWidget& window)
+    : QObject(&window), set_(&set), application_(application), window_(window) {}
+
+void SetSaving::Forget() {
+  set_ = nullptr;
+  delete panel_;
+}
+
+void SetSaving::Save() {
+  if (!set_) return;
+  if (set_->IsUntitled()) {
+    OpenPanel(false);
+    return;
+  }
+  set_->CommitEdits();
+  Done(set_->SaveData());
+}
+
+void SetSaving::SaveAs() {
+  if (!set_) return;
+  const AutoLock settings(KestrinSettings::Protect);
+  OpenPanel(KestrinSettings::IsFileRemembered(set_->GetFileName()));
+}
+
+void SetSaving::Remember() {
+  if (!set_) return;
+  if (set_->IsUntitled())
+    OpenPanel(true);
+  else
+    set_->Remember(true);
+}
+
+bool SetSaving::MayClose() {
+  if (!set_) return true;
+  set_->CommitEdits();
+  if (!set_->HasBeenModified()) return true;
+  if (set_->OnlyDeliveriesChanged() && !set_->IsUntitled() && SaveDeliveries()) return true;
+  AskToSave();
+  return false;
+}
+
+/// A set that lives on without its window is saved once its alerts are closed.
+bool SetSaving::SaveDeliveries() {
+  return set_->DeliversUnseen() || set_->SaveData(EventSet::SavedBy::Itself);
+}
+
+void SetSaving::AskToSave() {
+  AlertDesk& alerts = set_->GetContext().alerts;
+  if (alerts.RaisePrompt(set_->GetHandle())) return;
+  AlertRequest request;
+  request.Text = "Save changes to the document \"" + set_->GetLeaf() + "\"?";
+  request.Buttons = {"Don't save", "Cancel", "Save"};
+  request.HarmlessButton = Cancel;
+  request.DefaultButton = SaveChanges;
+  request.Role = AlertRole::Prompt;
+  request.Set = set_->GetHandle();
+  request.Done = [saving = QPointer(this)](int which) {
+    if (saving) saving->Answered(which);
+  };
+  alerts.Show(std::move(request));
+}
+
+void SetSaving::Answered(int which) {
+  if (!set_) return;
+  if (which == DoNotSave) {
+    Discard();
+  } else if (which == SaveChanges) {
+    quitOnceSaved_ = true;
+    Save();
+  } else {
+    GiveUpClosing();
+  }
+}
+
+/// What deliveries changed stays; a set that goes on without its window is read again.
+void SetSaving::Discard() {
+  if (set_->IsUntitled()) {
+    set_->DiscardRecovered();
+  } else {
+    set_->SaveDeliveriesAlone();
+    Message discarded(SET_DISCARDED);
+    discarded.Set("path", set_->GetFileName());
+    set_->GetContext().queue.Post(std::move(discarded));
+  }
+  emit CloseAllowed();
+}
+
+void SetSaving::OpenPanel(bool remember) {
+  if (!panel_) {
+    const std::string& file = set_->GetFileName();
+    panel_ =
+        new SetFilePanel(window_, QFile::decodeName(QByteArray::fromStdString(file)), remember);
+    connect(panel_, &SetFilePanel::NameChosen, this, [this](const QString& path) {
+      NameChosen(set_->GetContext().files.Canonical(QFile::encodeName(path).toStdString()));
+    });
+    connect(panel_, &SetFilePanel::rejected, this, &SetSaving::PanelCancelled);
+    connect(panel_, &SetFilePanel::finished, panel_, &QObject::deleteLater);
+    panel_->open();
+  }
+  panel_->raise();
+  panel_->activateWindow();
+}
+
+void SetSaving::NameChosen(const std::string& file) {
+  const bool isOwn = !set_->IsUntitled() && file == set_->GetFileName();
+  if (IsAnothers(file))
+    Refuse(file);
+  else if (!isOwn && set_->GetContext().files.Kind(file) != FileKind::Missing)
+    AskToReplace(file);
+  else
+    SaveInto(file);
+}
+
+bool SetSaving::IsAnothers(const std::string& file) const {
+  const AutoLock open(OpenSets::Protect);
+  const EventSet* const holder = OpenSets::FindFile(file);
+  return holder && holder != set_;
+}
+
+void SetSaving::Refuse(const std::string& file) {
+  AlertRequest request;
+  request.Text = "\"" + EventSet::LeafOf(file) +
+                 "\" is the file of another event set that Kestrin has loaded.  Please choose "
+                 "another name.";
+  request.Kind = AlertKind::Warning;
+  request.Role = AlertRole::Prompt;
+  set_->GetContext().alerts.Show(std::move(request));
+}
+
+void SetSaving::AskToReplace(const std::string& file) {
+  AlertRequest request;
+  request.Text = "There already is a file called \"" + EventSet::LeafOf(file) +
+                 "\" there.  Replacing it destroys what it holds.";
+  request.Buttons = {"Cancel", "Replace"};
+  request.HarmlessButton = request.DefaultButton = KeepFile;
+  request.Kind = AlertKind::Warning;
+  request.Role = AlertRole::Prompt;
+  request.Done = [this, panel = panel_, file](int which) {
+    // With the panel, who asked has gone.
+    if (!panel || which != ReplaceFile) return;
+    if (IsAnothers(file))
+      Refuse(file);
+    else
+      SaveInto(file);
+  };
+  set_->GetContext().alerts.Show(std::move(request));
+}
+
+void SetSaving::SaveInto(const std::string& file) {
+  const bool remember = panel_->Remember();
+  const QPointer<SetFilePanel> panel = std::exchange(panel_, nullptr);
+  panel->CloseAccepted();
+  set_->CommitEdits();
+  Done(set_->SaveAs(file, remember));
+}
+
+void SetSaving::PanelCancelled() {
+  panel_ = nullptr;
+  if (quitOnceSaved_) GiveUpClosing();
+}
+
+void SetSaving::Done(bool saved) {
+  if (!saved) {
+    set_->GetContext().notices.ReportCompoundError(
+        "There was an error attempting to save the event set \"", set_->GetLeaf(), "\".");
+    if (quitOnceSaved_) GiveUpClosing();
+  } else if (std::exchange(quitOnceSaved_, false)) {
+    emit CloseAllowed();
+  }
+}
+
+/// And with it a quit that waits for this window.
+void SetSaving::GiveUpClosing() {
+  quitOnceSaved_ = false;
+  application_.CancelQuitProcess();
+}
+
+}  // namespace kestrin

@@ -1,0 +1,105 @@
+#include "interface/sets/StatusLine.h"
+
+#include <QAccessible>
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QTimer>
+#include <QVBoxLayout>
+#include <utility>
+
+#include "core/DateTimeText.h"
+#include "core/EventSet.h"
+#include "interface/ShownText.h"
+#include "interface/sets/ElidedLabel.h"
+
+namespace kestrin {
+
+QString RingingText(const EventSet& set) {
+  const int32 mode = KestrinSettings::WhichEventsToDeliver;
+  if (mode < DeliverShown || mode >= DeliverNothing)
+    return QStringLiteral("Silent – delivery is switched off in the settings");
+  const bool shown = set.Delivers(true), closed = set.Delivers(false);
+  if (shown && closed) return QStringLiteral("Rings, also when this window is closed");
+  if (closed) return QStringLiteral("Rings only once this window is closed, as the settings say");
+  if (!shown) return QStringLiteral("Silent – not remembered for delivery");
+  return mode == DeliverShown
+             ? QStringLiteral("Silent once this window is closed, as the settings say")
+             : QStringLiteral("Silent once this window is closed – not remembered for delivery");
+}
+
+StatusLine::StatusLine(EventSet& set)
+    : set_(&set), next_(new ElidedLabel), ringing_(new ElidedLabel) {
+  setObjectName("statusLine");
+  setAccessibleName("Status");
+  next_->setObjectName("nextEvent");
+  ringing_->setObjectName("ringing");
+  auto* lines = new QVBoxLayout;
+  lines->setContentsMargins(8, 4, 8, 5);
+  lines->setSpacing(1);
+  lines->addWidget(next_);
+  lines->addWidget(ringing_);
+  auto* column = new QVBoxLayout(this);
+  column->setContentsMargins(0, 0, 0, 0);
+  column->setSpacing(0);
+  column->addWidget(BuildDeletedRow());
+  column->addLayout(lines);
+  Update();
+}
+
+QWidget* StatusLine::BuildDeletedRow() {
+  deletedRow_ = new QWidget;
+  deletedRow_->setObjectName("deletedRow");
+  deletedRow_->setAutoFillBackground(true);
+  deletedRow_->setBackgroundRole(QPalette::ToolTipBase);
+  deletedRow_->setForegroundRole(QPalette::ToolTipText);
+  deleted_ = new ElidedLabel;
+  deleted_->setObjectName("deleted");
+  deleted_->setForegroundRole(QPalette::ToolTipText);
+  undo_ = new QPushButton("&Undo");
+  undo_->setObjectName("undoDelete");
+  connect(undo_, &QPushButton::clicked, this, &StatusLine::UndoRequested);
+  auto* row = new QHBoxLayout(deletedRow_);
+  row->setContentsMargins(8, 3, 8, 3);
+  row->setSpacing(8);
+  row->addWidget(deleted_);
+  row->addWidget(undo_);
+  row->addStretch(1);
+  deletedRow_->hide();
+  return deletedRow_;
+}
+
+void StatusLine::Refresh() {
+  if (std::exchange(refreshWaits_, true)) return;
+  QTimer::singleShot(0, this, &StatusLine::Update);
+}
+
+void StatusLine::Update() {
+  refreshWaits_ = false;
+  if (!set_) return;
+  ringing_->SetText(RingingText(*set_));
+  ShowNext();
+}
+
+void StatusLine::ShowNext() {
+  const AutoLock lock(*set_);
+  if (const Event* event = set_->GetNextEvent()) {
+    const std::string when =
+        GetDateTimeString(event->GetNextEventTime(), event->GetApplyTime(), set_->GetContext().zone,
+                          KestrinSettings::Time24Hour);
+    next_->SetText("Next: " + ShownLine(event->GetName()), ", " + ShownText(when));
+  } else {
+    next_->SetText(set_->CountEvents() == 0 ? QStringLiteral("No events yet")
+                                            : QStringLiteral("Nothing comes next"));
+  }
+}
+
+void StatusLine::ShowDeleted(const std::string& name) {
+  deleted_->SetText("Deleted “" + ShownLine(name), "”.");
+  deletedRow_->show();
+  QAccessibleEvent event(deleted_, QAccessible::Alert);
+  QAccessible::updateAccessibility(&event);
+}
+
+void StatusLine::HideDeleted() { deletedRow_->hide(); }
+
+}  // namespace kestrin

@@ -1,0 +1,49 @@
+// The foot of an event set window: what comes next, when the set rings, and what was deleted.
+#pragma once
+
+#include <QWidget>
+#include <string>
+
+class QPushButton;
+
+namespace kestrin {
+
+class ElidedLabel;
+class EventSet;
+
+class StatusLine final : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit StatusLine(EventSet& set);
+
+  /// Something of the set or the settings has changed. Collected: the line changes once, on the
+  /// next turn of the event loop.
+  void Refresh();
+  /// Tells what was deleted and offers it back, until HideDeleted.
+  void ShowDeleted(const std::string& name);
+  void HideDeleted();
+  /// The set is about to go.
+  void Forget() { set_ = nullptr; }
+
+ signals:
+  void UndoRequested();
+
+ private:
+  QWidget* BuildDeletedRow();
+  void Update();
+  void ShowNext();
+
+  EventSet* set_;
+  ElidedLabel* next_;
+  ElidedLabel* ringing_;
+  QWidget* deletedRow_ = nullptr;
+  ElidedLabel* deleted_ = nullptr;
+  QPushButton* undo_ = nullptr;
+  bool refreshWaits_ = false;
+};
+
+/// When the set rings, in a few words.
+QString RingingText(const EventSet& set);
+
+}  // namespace kestrin
