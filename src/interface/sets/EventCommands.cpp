@@ -1,7 +1,9 @@
 #include "interface/sets/EventCommands.h"
 
 #include "core/EventSet.h"
+#include "core/UserInterface.h"
 #include "interface/list/ListEventView.h"
+#include "interface/sets/EventClipboard.h"
 
 namespace kestrin {
 
@@ -41,9 +43,31 @@ void EventCommands::DeleteSelected() {
   emit Deleted(name);
 }
 
-void EventCommands::Cut() {}
-void EventCommands::Copy() {}
-void EventCommands::Paste() {}
+void EventCommands::Cut() {
+  if (Copy()) DeleteSelected();
+}
+
+bool EventCommands::Copy() {
+  Event* const event = list_.GetSelectedEvent();
+  if (!set_ || !event) return false;
+  if (EditorWindow* const editor = event->GetWindow()) editor->CommitEdits();
+  const AutoLock lock(*set_);
+  return CopyEvent(*event);
+}
+
+void EventCommands::Paste() {
+  if (!set_) return;
+  std::unique_ptr<Event> event = EventFromClipboard(*set_);
+  if (!event) return;
+  event->SetShouldWindowOpen(false);
+  const Event* added = nullptr;
+  {
+    const AutoLock settings(KestrinSettings::Protect);
+    const AutoLock lock(*set_);
+    added = set_->AddEvent(std::move(event));
+  }
+  Select(added);
+}
 
 void EventCommands::Undo() {
   if (!set_) return;

@@ -22,7 +22,8 @@ class EventCommands final : public QObject {
   void EditSelected();
   void DeleteSelected();
   void Cut();
-  void Copy();
+  /// False when nothing is selected or the event could not be copied.
+  bool Copy();
   void Paste();
   /// Brings the event that was deleted last back.
   void Undo();

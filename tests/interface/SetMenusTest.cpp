@@ -1,0 +1,228 @@
+// Every menu item of an event set window: its text, place, shortcut, state, and where it goes.
+#include <QContextMenuEvent>
+#include <QHeaderView>
+#include <QMenu>
+#include <set>
+
+#include "interface/AppOnScreen.h"
+#include "interface/sets/EventSetMenus.h"
+
+namespace kestrin {
+namespace {
+
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using testing::IsEmpty;
+
+enum Goes { Nowhere, ToWindow, ToApplication };
+enum State { Disabled, Enabled, WithSelection, Ticked, Unticked };
+
+struct Row {
+  const char* menu;
+  const char* text;  ///< "" for a separator
+  const char* shortcut = "";
+  uint32 command = 0;
+  Goes goes = Nowhere;
+  State state = Enabled;
+};
+
+constexpr uint32 Code(const char (&text)[5]) { return FourCharCode(text); }
+
+const Row Table[] = {
+    {"File", "New event set", "Ctrl+N", 1, ToApplication},
+    {"File", "Open…", "Ctrl+O", 2, ToApplication},
+    {"File", ""},
+    {"File", "Save", "Ctrl+S", Code("SAVE"), ToWindow},
+    {"File", "Save as…", "", 10, ToWindow},
+    {"File", "Remember for delivery", "", 11, ToWindow},
+    {"File", ""},
+    {"File", "Page setup...", "", 12, ToWindow, Disabled},
+    {"File", "Print event set...", "", 13, ToWindow, Disabled},
+    {"File", "Print selected event...", "", 14, ToWindow, Disabled},
+    {"File", ""},
+    {"File", "Settings…", "", 3, ToApplication},
+    {"File", "About…", "", Code("_ABR"), ToApplication},
+    {"File", "Help…", "Ctrl+H", 5, ToApplication},
+    {"File", ""},
+    {"File", "Close", "Ctrl+W", Code("_QRQ"), ToWindow},
+    {"File", "Quit to background", "Ctrl+Q", Code("_QRQ"), ToApplication},
+    {"File", "Full quit", "Ctrl+Shift+Q", 4, ToApplication},
+    {"Edit", "Cut", "Ctrl+X", Code("CCUT"), ToWindow, WithSelection},
+    {"Edit", "Copy", "Ctrl+C", Code("COPY"), ToWindow, WithSelection},
+    {"Edit", "Paste", "Ctrl+V", Code("PSTE"), ToWindow},
+    {"Edit", ""},
+    {"Edit", "Undo delete", "Ctrl+Z", Code("UNDO"), ToWindow, Disabled},
+    {"Event", "New event…", "Ctrl+Shift+N", 15, ToWindow},
+    {"Event", "Edit event…", "Ctrl+E", 17, ToWindow, WithSelection},
+    {"Event", "Delete event", "", 18, ToWindow, WithSelection},
+    {"View mode", "List", "", 0, Nowhere, Ticked},
+    {"View mode", "Calendar", "", 0, Nowhere, Disabled},
+    {"View mode", "Week", "", 0, Nowhere, Disabled},
+    {"View mode", "Day", "", 0, Nowhere, Disabled},
+    {"Display", "Event icons", "", 20, ToWindow, Ticked},
+    {"Display", "Event time", "", 23, ToWindow, Ticked},
+    {"Display", "Next message time", "", 24, ToWindow, Unticked},
+    {"Display", "Selected handler", "", 25, ToWindow, Ticked},
+    {"Display", "Event status", "", 22, ToWindow, Ticked},
+};
+
+std::string Plain(QString text) { return text.remove('&').toStdString(); }
+
+struct SetMenusTest : testing::Test {
+  ScreenContext context;
+  EventSet& set = context.NewSet();
+  EventSetWindow& window = context.OpenWindow(set);
+
+  /// The items of a menu and what they lead to, in order; submenus follow their menu.
+  static void Walk(const std::string& title, const QList<QAction*>& actions,
+                   std::vector<std::pair<std::string, QAction*>>& found) {
+    for (QAction* action : actions)
+      if (!action->menu()) found.emplace_back(title, action);
+    for (QAction* action : actions)
+      if (action->menu()) Walk(Plain(action->text()), action->menu()->actions(), found);
+  }
+  std::vector<std::pair<std::string, QAction*>> All() const {
+    std::vector<std::pair<std::string, QAction*>> found;
+    Walk("", window.menuBar()->actions(), found);
+    return found;
+  }
+  QAction* Item(const std::string& text) const {
+    for (const auto& [menu, action] : All())
+      if (Plain(action->text()) == text) return action;
+    return nullptr;
+  }
+};
+
+TEST_F(SetMenusTest, EveryItemIsAsTheTableSays) {
+  context.RunMessages();
+  std::vector<uint32> chosen;
+  auto* menus = window.findChild<EventSetMenus*>();
+  // Only watched here: what the commands do is shown elsewhere.
+  QObject::disconnect(menus, &EventSetMenus::Chosen, &window, nullptr);
+  QObject::connect(menus, &EventSetMenus::Chosen,
+                   [&](uint32 command) { chosen.push_back(command); });
+  const auto all = All();
+  ASSERT_EQ(all.size(), std::size(Table));
+  for (size_t i = 0; i < all.size(); ++i) {
+    const Row& row = Table[i];
+    QAction& item = *all[i].second;
+    SCOPED_TRACE(row.text);
+    EXPECT_EQ(all[i].first, row.menu);
+    EXPECT_EQ(item.isSeparator(), *row.text == '\0');
+    if (item.isSeparator()) continue;
+    EXPECT_EQ(Plain(item.text()), row.text);
+    EXPECT_EQ(item.shortcut().toString().toStdString(), row.shortcut);
+    EXPECT_EQ(item.isEnabled(), row.state != Disabled && row.state != WithSelection);
+    EXPECT_EQ(item.isChecked(), row.state == Ticked);
+    if (row.goes == Nowhere) continue;
+    item.setEnabled(true);
+    item.trigger();
+    const std::vector<uint32> expected = {row.command}, none;
+    EXPECT_EQ(std::exchange(chosen, {}), row.goes == ToWindow ? expected : none);
+    EXPECT_EQ(context.RunMessages(), row.goes == ToApplication ? expected : none);
+  }
+  std::vector<std::string> bar;
+  for (QAction* menu : window.menuBar()->actions()) bar.push_back(Plain(menu->text()));
+  EXPECT_THAT(bar, ElementsAre("File", "Edit", "Event", "View"));
+}
+
+TEST_F(SetMenusTest, NoTwoItemsOfAMenuHaveTheSameMnemonic) {
+  std::vector<QList<QAction*>> menus = {window.menuBar()->actions()};
+  for (size_t i = 0; i < menus.size(); ++i)
+    for (const QAction* action : QList<QAction*>(menus[i]))
+      if (action->menu()) menus.push_back(action->menu()->actions());
+  ASSERT_EQ(menus.size(), 7u);
+  for (const auto& actions : menus) {
+    std::set<QChar> letters;
+    for (const QAction* action : actions) {
+      if (action->isSeparator()) continue;
+      const QString text = action->text();
+      ASSERT_GE(text.indexOf('&'), 0) << text.toStdString();
+      const QChar letter = text[text.indexOf('&') + 1].toLower();
+      EXPECT_TRUE(letters.insert(letter).second) << text.toStdString();
+    }
+  }
+}
+
+TEST_F(SetMenusTest, ASelectedEventEnablesWhatWorksOnIt) {
+  set.AddEvent(nullptr);
+  const auto enabled = [this] {
+    std::vector<std::string> texts;
+    for (const Row& row : Table)
+      if (row.state == WithSelection && Item(row.text)->isEnabled()) texts.emplace_back(row.text);
+    return texts;
+  };
+  EXPECT_THAT(enabled(), IsEmpty());
+  window.GetEventsView()->SelectEvent(set.Events()[0].get());
+  EXPECT_THAT(enabled(), ElementsAre("Cut", "Copy", "Edit event…", "Delete event"));
+  window.GetEventsView()->clearSelection();
+  EXPECT_THAT(enabled(), IsEmpty());
+}
+
+TEST_F(SetMenusTest, DisplayItemsFlipTheirColumnsAndTheSetRemembersThem) {
+  const struct {
+    const char* text;
+    int column;
+  } rows[] = {{"Event icons", 0},
+              {"Event time", 2},
+              {"Next message time", 3},
+              {"Selected handler", 4},
+              {"Event status", 5}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.text);
+    const auto column = static_cast<size_t>(row.column);
+    const bool before = set.Layout().ColumnShown[column];
+    for (const bool now : {!before, before}) {
+      Item(row.text)->trigger();
+      EXPECT_EQ(set.Layout().ColumnShown[column], now);
+      EXPECT_EQ(Item(row.text)->isChecked(), now);
+      EXPECT_EQ(window.GetEventsView()->isColumnHidden(row.column), !now);
+    }
+  }
+  EXPECT_FALSE(set.HasBeenModified());
+}
+
+TEST_F(SetMenusTest, AViewModeThatNoViewShowsIsMarkedUntilTheListIsChosen) {
+  window.CloseNow();
+  EventSet& week = context.NewSet("/sets/Week.kestrin");
+  week.Layout().ViewMode = 2;
+  EventSetWindow& shown = context.OpenWindow(week);
+  const auto item = [&shown](const QString& text) {
+    for (QAction* action : shown.findChildren<QAction*>())
+      if (action->text().remove('&') == text) return action;
+    return static_cast<QAction*>(nullptr);
+  };
+  EXPECT_TRUE(item("Week")->isChecked());
+  EXPECT_TRUE(shown.GetEventsView()->isVisible());
+  item("List")->trigger();
+  EXPECT_TRUE(item("List")->isChecked() && !item("Week")->isChecked());
+  EXPECT_EQ(week.Layout().ViewMode, 0);
+}
+
+TEST_F(SetMenusTest, RowsTheEmptyPartAndTheHeaderHaveMenusOfTheirOwn) {
+  set.AddEvent(nullptr)->SetName("Tea");
+  ListEventView& list = *window.GetEventsView();
+  list.SelectEvent(set.Events()[0].get());
+  const auto menuAt = [](QWidget* widget, const QPoint& at) {
+    QContextMenuEvent event(QContextMenuEvent::Mouse, at, widget->mapToGlobal(at));
+    QApplication::sendEvent(widget, &event);
+    QWidget* const popup = QApplication::activePopupWidget();
+    std::vector<std::string> texts;
+    if (!popup) return texts;
+    for (const QAction* action : popup->actions())
+      if (!action->isSeparator()) texts.push_back(Plain(action->text()));
+    popup->close();
+    return texts;
+  };
+  const QPoint row = list.visualRect(list.currentIndex()).center();
+  EXPECT_THAT(menuAt(list.viewport(), row),
+              ElementsAre("Edit event…", "Cut", "Copy", "Delete event"));
+  EXPECT_THAT(menuAt(list.viewport(), QPoint(10, list.viewport()->height() - 2)),
+              ElementsAre("New event…", "Paste"));
+  EXPECT_THAT(menuAt(list.header()->viewport(), QPoint(10, 5)),
+              ElementsAre("Event icons", "Event time", "Next message time", "Selected handler",
+                          "Event status"));
+}
+
+}  // namespace
+}  // namespace kestrin
