@@ -20,7 +20,8 @@ enum MessageCode : uint32 {
   DELIVER_EVENTS = FourCharCode("DelE"),
   PROCESS_HOLD_DONE = FourCharCode("Sphd"),   ///< optional int64 "EventSet": whose hold it was
   NEXT_EVENT_MESSAGE = FourCharCode("SetE"),  ///< optional int32 "When"
-  QUIT_REQUESTED = FourCharCode("_QRQ"),      ///< optional bool "IfIdle": only while nothing holds
+  QUIT_REQUESTED = FourCharCode("_QRQ"),      ///< optional bools "IfIdle": only while nothing
+                                              ///< holds; "Again": unless it was given up since
   ABOUT_REQUESTED = FourCharCode("_ABR"),
 
   // Of the application to itself.

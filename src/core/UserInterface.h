@@ -81,7 +81,7 @@ class UserInterface {
   virtual void ShowOpenPanel() = 0;
   virtual void ShowSettingsWindow() = 0;
   virtual void ShowAboutWindow() = 0;
-  /// Closes what the two calls before have opened.
+  /// Closes what the three calls before have opened.
   virtual void CloseOtherWindows() = 0;
   /// The settings that windows show have changed.
   virtual void SettingsChanged() = 0;

@@ -177,5 +177,22 @@ TEST_F(AlertDeskTest, ThreadsMayAskWhileAlertsOpenAndClose) {
   EXPECT_EQ(done, Threads * Each);
 }
 
+TEST_F(AlertDeskTest, APromptWaitsForNobodyAndIsRaisedWhenItIsAskedForAgain) {
+  for (int i = 0; i < AlertDesk::MaxOpenAlerts + 5; ++i) desk.Show(Request("reminder"));
+  context.RunMessages();
+  AlertRequest prompt = Request("Save?", AlertRole::Prompt);
+  prompt.Set = 7;
+  EXPECT_FALSE(desk.RaisePrompt(7));
+  desk.Show(prompt);
+  EXPECT_TRUE(desk.RaisePrompt(7)) << "it is on its way";
+  context.RunMessages();
+  ASSERT_TRUE(ui.FindText("Save?"));
+  EXPECT_EQ(ui.Alerts.size(), AlertDesk::MaxOpenAlerts + 1u);
+  EXPECT_TRUE(desk.RaisePrompt(7));
+  EXPECT_THAT(ui.Calls, ElementsAre("RaiseAlert"));
+  EXPECT_FALSE(desk.RaisePrompt(8));
+  EXPECT_FALSE(desk.AnyFor(7)) << "it keeps no set from being saved";
+}
+
 }  // namespace
 }  // namespace kestrin

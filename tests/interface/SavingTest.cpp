@@ -1,8 +1,10 @@
 // Saving by menu and by panel, what stays remembered, and the question before a window closes in
 // every way of leaving.
 #include <QCheckBox>
+#include <QDropEvent>
 #include <QFile>
 #include <QLineEdit>
+#include <QMimeData>
 
 #include "interface/AppOnScreen.h"
 #include "interface/sets/SetFilePanel.h"
@@ -388,7 +390,57 @@ TEST_F(SavingTest, AQuitWhileThePanelIsOpenClosesIt) {
   Post(Message(QUIT_REQUESTED));
   EXPECT_TRUE(It->Ended);
   EXPECT_FALSE(Panel());
-  EXPECT_FALSE(Exists(Path("Other.kestrin")));
+}
+
+TEST_F(SavingTest, ThePanelThatOpensFilesOutlivesTheWindowsButNotAQuit) {
+  EventSet& set = OpenSet();
+  NewSet().AddEvent(nullptr)->SetName("unsaved");
+  Post(Message(OPEN_EVENT_SET));
+  auto* const panel = Find<QFileDialog>("openPanel");
+  ASSERT_TRUE(panel);
+  Post(Message(OPEN_EVENT_SET));
+  EXPECT_EQ(Find<QFileDialog>("openPanel"), panel) << "there is one";
+  Choose(WindowOf(set), "Quit to background");
+  EXPECT_TRUE(panel->isVisible()) << "the quit may still be given up";
+  ASSERT_TRUE(Answer("Untitled event set 2", "Don't save"));
+  EXPECT_TRUE(It->Ended);
+
+  Start();
+  Post(Message(OPEN_EVENT_SET));
+  WindowOf(*OpenSets::Sets.front()).close();
+  Run();
+  EXPECT_FALSE(It->Ended);
+  auto* const again = Find<QFileDialog>("openPanel");
+  again->setDirectory(QString::fromStdString(Path("")));
+  auto* edit = again->findChild<QLineEdit*>("fileNameEdit");
+  ASSERT_TRUE(QTest::qWaitForWindowActive(again));
+  edit->setFocus();
+  edit->setText("none.kestrin");
+  QTest::keyClick(edit, Qt::Key_Return);
+  Run();
+  ASSERT_TRUE(Answer("There is no file called", "OK"));
+  edit->setText("Work.kestrin");
+  QTest::keyClick(edit, Qt::Key_Return);
+  Run();
+  EXPECT_TRUE(Set("Work.kestrin") && Set("Work.kestrin")->GetWindow());
+  EXPECT_FALSE(Find<QFileDialog>("openPanel"));
+}
+
+TEST_F(SavingTest, FilesDroppedOnTheWindowOpen) {
+  EventSet& set = OpenSet();
+  OpenSet("Home.kestrin");
+  WindowOf(*Set("Home.kestrin")).close();
+  Run();
+  QMimeData files;
+  files.setUrls({QUrl("https://example.org/x"),
+                 QUrl::fromLocalFile(QString::fromStdString(Path("Home.kestrin")))});
+  QDragEnterEvent enter(QPoint(50, 50), Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(&WindowOf(set), &enter);
+  EXPECT_TRUE(enter.isAccepted());
+  QDropEvent drop(QPointF(50, 50), Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(&WindowOf(set), &drop);
+  Run();
+  EXPECT_TRUE(Set("Home.kestrin"));
 }
 
 TEST_F(SavingTest, ASetThatIsShownAgainBeforeItsChangesAreThrownAwayShowsTheSavedOnes) {

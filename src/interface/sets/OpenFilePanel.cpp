@@ -1,5 +1,6 @@
 #include "interface/sets/OpenFilePanel.h"
 
+#include <QApplication>
 #include <QFile>
 #include <QFileInfo>
 #include <algorithm>
@@ -7,10 +8,24 @@
 
 #include "core/AlertDesk.h"
 #include "core/Context.h"
+#include "core/EventSet.h"
 #include "core/Holds.h"
+#include "interface/sets/EventSetWindow.h"
 #include "interface/sets/SetFilePanel.h"
 
 namespace kestrin {
+
+namespace {
+
+/// Beside the set that the person works with.
+QString StartFolder() {
+  const auto* window = qobject_cast<EventSetWindow*>(QApplication::activeWindow());
+  const EventSet* set = window ? window->GetEventSet() : nullptr;
+  if (!set || set->IsUntitled()) return DefaultSetFolder();
+  return QFileInfo(QFile::decodeName(set->GetFileName().c_str())).path();
+}
+
+}  // namespace
 
 void PostOpenFiles(Context& context, const QStringList& files) {
   Message open(OPEN_FILES);
@@ -26,6 +41,7 @@ OpenFilePanel::OpenFilePanel(Context& context)
   // Its own questions, and what else it does to files, would wait in loops of their own.
   setOptions(DontUseNativeDialog | ReadOnly);
   setNameFilters(SetFileFilters());
+  setDirectory(StartFolder());
   context_.holds.ProcessHold();
 }
 

@@ -103,7 +103,7 @@ void SetSaving::Discard() {
     discarded.Set("path", set_->GetFileName());
     set_->GetContext().queue.Post(std::move(discarded));
   }
-  emit CloseAllowed();
+  AllowClosing();
 }
 
 void SetSaving::OpenPanel(bool remember) {
@@ -186,8 +186,19 @@ void SetSaving::Done(bool saved) {
         "There was an error attempting to save the event set \"", set_->GetLeaf(), "\".");
     if (quitOnceSaved_) GiveUpClosing();
   } else if (std::exchange(quitOnceSaved_, false)) {
-    emit CloseAllowed();
+    AllowClosing();
   }
+}
+
+/// A quit that waited for this window goes on.
+void SetSaving::AllowClosing() {
+  MessageQueue& queue = set_->GetContext().queue;
+  const bool quits = application_.IsQuitInProgress();
+  emit CloseAllowed();
+  if (!quits) return;
+  Message again(QUIT_REQUESTED);
+  again.Set("Again", true);
+  queue.Post(std::move(again));
 }
 
 /// And with it a quit that waits for this window.

@@ -45,6 +45,7 @@ class SetSaving final : public QObject {
   void SaveInto(const std::string& file);
   void PanelCancelled();
   void Done(bool saved);
+  void AllowClosing();
   void GiveUpClosing();
 
   EventSet* set_;
