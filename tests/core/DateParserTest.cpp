@@ -1,36 +1,15 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <fstream>
 #include <random>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "core/DateTimeText.h"
+#include "fakes/PageTable.h"
 
 namespace kestrin {
 namespace {
-
-std::vector<std::vector<std::string>> ExamplesOfThePage() {
-  std::ifstream page(KESTRIN_SOURCE_DIR "/docs/time-rules.md");
-  std::vector<std::vector<std::string>> rows;
-  bool inTable = false;
-  for (std::string line; std::getline(page, line);) {
-    if (line == "| typed | means | time of day |") inTable = true;
-    if (!inTable || line.starts_with("| typed") || line.starts_with("|---")) continue;
-    if (!line.starts_with("| ")) break;
-    std::vector<std::string> cells;
-    std::istringstream cutter(line.substr(2));
-    for (std::string cell; std::getline(cutter, cell, '|');) {
-      const size_t last = cell.find_last_not_of(' ');
-      const size_t first = cell.find_first_not_of(' ');
-      cells.push_back(first == std::string::npos ? "" : cell.substr(first, last - first + 1));
-    }
-    rows.push_back(cells);
-  }
-  return rows;
-}
 
 std::string WallText(int32 moment, const Zone& zone) {
   if (moment == -1) return "no date";
@@ -45,7 +24,7 @@ std::string WallText(int32 moment, const Zone& zone) {
 TEST(DateParser, ReadsWhatThePageSays) {
   const Zone zone = *Zone::Load("Europe/Berlin");
   const int64 now = zone.ToMoment(ToCivil({2026, 10, 11, 10, 30, 15}));
-  const auto rows = ExamplesOfThePage();
+  const auto rows = TableOfPage("time-rules.md", "| typed | means | time of day |");
   ASSERT_GT(rows.size(), 50u);
   for (const auto& row : rows) {
     ASSERT_EQ(row.size(), 3u);

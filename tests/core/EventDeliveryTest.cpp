@@ -1,9 +1,7 @@
 // The table of states in docs/delivery.md, carried out row by row through a pass, and the texts of
 // prewarnings and nags.
-#include <fstream>
-#include <sstream>
-
 #include "core/DeliveryPass.h"
+#include "fakes/PageTable.h"
 #include "fakes/SetTestBase.h"
 
 namespace kestrin {
@@ -11,26 +9,6 @@ namespace {
 
 using Row =
     std::vector<std::string>;  ///< before, the event, due, found, pass, delivered, after, next
-
-std::vector<Row> TableOfStates() {
-  std::ifstream page(KESTRIN_SOURCE_DIR "/docs/delivery.md");
-  std::vector<Row> rows;
-  std::string line;
-  while (std::getline(page, line) && line.find("carried out by EventDeliveryTest") == line.npos) {
-  }
-  while (std::getline(page, line) && !line.empty()) {
-    Row row;
-    std::istringstream cells(line.substr(1));
-    for (std::string cell; std::getline(cells, cell, '|');) {
-      const size_t from = cell.find_first_not_of(' ');
-      row.push_back(from == cell.npos ? ""
-                                      : cell.substr(from, cell.find_last_not_of(' ') - from + 1));
-    }
-    rows.push_back(row);
-  }
-  if (rows.size() > 2) rows.erase(rows.begin(), rows.begin() + 2);
-  return rows;
-}
 
 /// "12:30", "+1 9:00" or "none", which is 0.
 int32 TimeOf(const std::string& text) {
@@ -78,7 +56,7 @@ class EventDeliveryTest : public SetTestBase {
 };
 
 TEST_F(EventDeliveryTest, TheTableOfStatesHolds) {
-  const std::vector<Row> rows = TableOfStates();
+  const std::vector<Row> rows = TableOfPage("delivery.md", "| before |");
   ASSERT_GT(rows.size(), 30u);
   for (const Row& row : rows) {
     ASSERT_EQ(row.size(), 8u);

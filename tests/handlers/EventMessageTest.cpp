@@ -1,14 +1,12 @@
 // Events as messages: the fields docs/event-message.md lists, the way there and back with every
 // handler, and messages that nobody has checked.
-#include <fstream>
-#include <iterator>
 #include <limits>
 #include <random>
-#include <sstream>
 
 #include "HandlerTestBase.h"
 #include "core/EventMessage.h"
 #include "core/EventSetFile.h"
+#include "fakes/PageTable.h"
 #include "handlers/ActOnFileDataHandler.h"
 #include "handlers/CommandDataHandler.h"
 #include "handlers/MessageDataHandler.h"
@@ -26,23 +24,10 @@ struct Row {
   std::string Name, Type, When;
 };
 
-/// The rows of the page's first table.
 std::vector<Row> RowsOnPage() {
-  std::ifstream page(KESTRIN_SOURCE_DIR "/docs/event-message.md");
-  std::string line;
   std::vector<Row> rows;
-  while (std::getline(page, line) && !line.starts_with("| field | type"))
-    ;
-  std::getline(page, line);
-  while (std::getline(page, line) && line.starts_with("| `")) {
-    std::istringstream cells(line.substr(1));
-    std::string name, type, field, when;
-    std::getline(cells, name, '|'), std::getline(cells, type, '|');
-    std::getline(cells, field, '|'), std::getline(cells, when, '|');
-    const auto trimmed = [](const std::string& cell) { return cell.substr(1, cell.size() - 2); };
-    name = trimmed(name);
-    rows.push_back({name.substr(1, name.size() - 2), trimmed(type), trimmed(when)});
-  }
+  for (const auto& cells : TableOfPage("event-message.md", "| field | type"))
+    rows.push_back({cells.at(0).substr(1, cells[0].size() - 2), cells.at(1), cells.at(3)});
   return rows;
 }
 
