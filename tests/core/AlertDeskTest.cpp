@@ -33,11 +33,6 @@ struct AlertDeskTest : testing::Test {
     request.Done = [this, text](int which) { answers.emplace_back(text, which); };
     return request;
   }
-  std::vector<std::string> OpenTexts() const {
-    std::vector<std::string> texts;
-    for (const auto& alert : ui.Alerts) texts.push_back(alert.Request.Text);
-    return texts;
-  }
 };
 
 TEST_F(AlertDeskTest, WindowsOpenOnALaterTurnAndNeverMoreThanTheLimit) {
@@ -79,7 +74,7 @@ TEST_F(AlertDeskTest, AReminderReplacesOnlyAReminderOfTheSameEvent) {
       if (firstIsOpen) context.RunMessages();
       desk.Show(Request("new", each.second, each.secondEvent));
       context.RunMessages();
-      EXPECT_EQ(OpenTexts().size(), each.replaces ? 1u : 2u);
+      EXPECT_EQ(ui.Texts().size(), each.replaces ? 1u : 2u);
       EXPECT_EQ(answers.size(), each.replaces ? 1u : 0u);
       while (ui.AnswerFirst(0)) {
       }
@@ -99,7 +94,7 @@ TEST_F(AlertDeskTest, AReminderIsBroughtUpToDateThoughNoPlaceIsFree) {
   EXPECT_EQ(ui.Alerts.front().Request.Text, "open anew");
   EXPECT_THAT(answers, ElementsAre(Pair("open", 1), Pair("waits", 1)));
   for (int i = 0; i < 24; ++i) ui.CloseFirst(), context.RunMessages();
-  EXPECT_THAT(OpenTexts(), ElementsAre("waits anew", "last"));
+  EXPECT_THAT(ui.Texts(), ElementsAre("waits anew", "last"));
 }
 
 TEST_F(AlertDeskTest, AnAnswerCountsOnceAndAnImpossibleOneIsHarmless) {

@@ -25,12 +25,7 @@ class DeliveryPassTest : public SetTestBase {
     World.Queue.Post(std::move(message));
     World.RunMessages();
   }
-  std::vector<std::string> Delivered() {
-    std::vector<std::string> names;
-    for (const auto& each : std::exchange(World.Actions.Deliveries, {}))
-      names.push_back(each.Name + (each.Missed ? " missed" : ""));
-    return names;
-  }
+  std::vector<std::string> Delivered() { return World.Actions.TakeNames(); }
 
   std::vector<int64> Sent;  ///< the "When" of each SetE; 0 without one
   bool MayFail = false;     ///< of the last

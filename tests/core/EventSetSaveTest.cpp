@@ -39,9 +39,7 @@ class EventSetSaveTest : public SetTestBase {
   }
   std::vector<std::string> Notices() {
     World.RunMessages();
-    std::vector<std::string> texts;
-    for (const auto& alert : World.Ui.Alerts) texts.push_back(alert.Request.Text);
-    return texts;
+    return World.Ui.Texts();
   }
 };
 

@@ -117,11 +117,7 @@ class AppTestBase : public testing::Test {
     for (const auto& set : OpenSets::Sets) names.push_back(set->GetFileName());
     return names;
   }
-  std::vector<std::string> Alerts() {
-    std::vector<std::string> texts;
-    for (const auto& alert : Ui().Alerts) texts.push_back(alert.Request.Text);
-    return texts;
-  }
+  std::vector<std::string> Alerts() { return Ui().Texts(); }
   void CloseWindow(size_t which = 0) {
     Ui().SetWindows.at(which)->CloseNow();
     Run();
@@ -131,12 +127,7 @@ class AppTestBase : public testing::Test {
     Run();
     return found;
   }
-  std::vector<std::string> Delivered() {
-    std::vector<std::string> names;
-    for (const auto& each : std::exchange(It->World.Actions.Deliveries, {}))
-      names.push_back(each.Name + (each.Missed ? " missed" : ""));
-    return names;
-  }
+  std::vector<std::string> Delivered() { return It->World.Actions.TakeNames(); }
 
   int64 Now = Sunday + 8 * Hour;  ///< when the next process starts
   Zone SystemZone;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/Event.h"
@@ -22,6 +23,14 @@ class FakeEventActions final : public EventActions {
   std::vector<Delivery> Deliveries;
   bool Able = true;                       ///< what CanDeliver answers
   std::function<void(Event&)> WhenEvent;  ///< may be null; called within DeliverEvent
+
+  /// The names of what was delivered since the last time, with " missed" behind.
+  std::vector<std::string> TakeNames() {
+    std::vector<std::string> names;
+    for (const auto& each : std::exchange(Deliveries, {}))
+      names.push_back(each.Name + (each.Missed ? " missed" : ""));
+    return names;
+  }
 
   void DeliverPrewarnMessage(Event& event) override { Record("prewarning", event, false); }
   void DeliverNagMessage(Event& event) override { Record("nag", event, false); }

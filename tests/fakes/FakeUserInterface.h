@@ -49,6 +49,13 @@ class FakeUserInterface final : public UserInterface {
   bool AnswerFirst(int which) { return Answer(Alerts.empty() ? nullptr : &Alerts[0], which); }
   bool CloseFirst() { return !Alerts.empty() && AnswerFirst(Alerts[0].Request.HarmlessButton); }
 
+  /// What the open alerts say, in the order of opening.
+  std::vector<std::string> Texts() const {
+    std::vector<std::string> texts;
+    for (const Alert& alert : Alerts) texts.push_back(alert.Request.Text);
+    return texts;
+  }
+
   bool HasScreen() const override { return Screen; }
   SetWindow* OpenSetWindow(EventSet& set) override {
     if (!Screen) return nullptr;
