@@ -126,6 +126,19 @@ TEST_F(EventEditorTest, TypedTextIsHandedOverBeforeASaveOrAQuit) {
   EXPECT_TRUE(Find("eventName").hasFocus());
 }
 
+TEST_F(EventEditorTest, ControlSSavesTheSetWithWhatIsBeingTyped) {
+  context.Files.PutFolder("/sets");
+  ASSERT_TRUE(set->SaveData());
+  context.OpenWindow(*set);
+  OpenNew();
+  Type("eventName", "kept by Control S");
+  QTest::keyClick(&Find("eventName"), Qt::Key_S, Qt::ControlModifier);
+  EXPECT_NE(context.Files.Bytes("/sets/Home.kestrin")->find("kept by Control S"),
+            std::string::npos);
+  EXPECT_FALSE(set->HasBeenModified());
+  EXPECT_TRUE(window->isVisible());
+}
+
 TEST_F(EventEditorTest, AnEventThatDeletesItselfTakesItsEditorAlong) {
   EventRecord record;
   record.ActualEventTime = record.NextEventTime = record.EventTime = 1794729600;
