@@ -151,6 +151,30 @@ bool AlertDesk::RaisePrompt(uint64 set) {
                      [set](const AlertRequest& request) { return IsPromptAbout(request, set); });
 }
 
+void AlertDesk::DismissPrompts() {
+  std::vector<AlertRequest> dismissed;
+  for (auto each = open_.begin(); each != open_.end();) {
+    if (each->second.request.Role != AlertRole::Prompt) {
+      ++each;
+      continue;
+    }
+    ui_.CloseAlert(each->first);
+    dismissed.push_back(std::move(each->second.request));
+    each = open_.erase(each);
+  }
+  {
+    std::lock_guard lock(guard_);
+    // They wait in front of everything else.
+    while (!waiting_.empty() && waiting_.front().Role == AlertRole::Prompt) {
+      dismissed.push_back(std::move(waiting_.front()));
+      waiting_.pop_front();
+      --settled_;
+    }
+  }
+  if (CountWaiting() > 0) queue_.Post(ALERTS_WAITING);
+  for (AlertRequest& request : dismissed) AnswerHarmlessly(request);
+}
+
 bool AlertDesk::AnyFor(uint64 set) const {
   if (std::any_of(open_.begin(), open_.end(),
                   [set](const auto& entry) { return HoldsSavesBack(entry.second.request, set); }))

@@ -35,6 +35,8 @@ class AlertDesk {
   void Answered(AlertId id, int which);
   /// Brings the prompt about the set to the front; false when none stands open or waits.
   bool RaisePrompt(uint64 set);
+  /// Closes every prompt, those that wait too, with its harmless answer.
+  void DismissPrompts();
   /// Whether an alert about the set, other than a prompt, stands open or waits.
   bool AnyFor(uint64 set) const;
   bool Empty() const;

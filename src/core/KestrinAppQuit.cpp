@@ -1,4 +1,6 @@
 // How the application ends: by itself when nothing holds it, by the user's wish, or by force.
+#include <utility>
+
 #include "core/AlertDesk.h"
 #include "core/AlertRecord.h"
 #include "core/EventSet.h"
@@ -12,7 +14,12 @@
 
 namespace kestrin {
 
-void KestrinApp::QuitAbandoned() { FullQuitProcess = QuitProcess = false; }
+/// Nobody needs to be asked any longer whether their changes are to be saved.
+void KestrinApp::QuitAbandoned() {
+  const bool asked = std::exchange(QuitProcess, false);
+  FullQuitProcess = false;
+  if (asked) context_.alerts.DismissPrompts();
+}
 
 void KestrinApp::FullQuit() {
   FullQuitProcess = true;

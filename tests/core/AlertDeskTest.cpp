@@ -181,12 +181,20 @@ TEST_F(AlertDeskTest, APromptWaitsForNobodyAndIsRaisedWhenItIsAskedForAgain) {
   desk.Show(prompt);
   EXPECT_TRUE(desk.RaisePrompt(7)) << "it is on its way";
   context.RunMessages();
-  ASSERT_TRUE(ui.FindText("Save?"));
+  EXPECT_EQ(OpenTexts().back(), "Save?");
   EXPECT_EQ(ui.Alerts.size(), AlertDesk::MaxOpenAlerts + 1u);
   EXPECT_TRUE(desk.RaisePrompt(7));
   EXPECT_THAT(ui.Calls, ElementsAre("RaiseAlert"));
   EXPECT_FALSE(desk.RaisePrompt(8));
   EXPECT_FALSE(desk.AnyFor(7)) << "it keeps no set from being saved";
+
+  desk.Show(Request("another", AlertRole::Prompt));
+  desk.DismissPrompts();
+  EXPECT_THAT(answers, ElementsAre(Pair("Save?", 1), Pair("another", 1)));
+  context.RunMessages();
+  EXPECT_EQ(ui.Alerts.size(), 24u);
+  while (ui.CloseFirst()) context.RunMessages();
+  EXPECT_EQ(answers.size(), 31u);
 }
 
 }  // namespace

@@ -50,11 +50,10 @@ QWidget* StatusLine::BuildDeletedRow() {
   deletedRow_ = new QWidget;
   deletedRow_->setObjectName("deletedRow");
   deletedRow_->setAutoFillBackground(true);
-  deletedRow_->setBackgroundRole(QPalette::ToolTipBase);
-  deletedRow_->setForegroundRole(QPalette::ToolTipText);
+  deletedRow_->setBackgroundRole(QPalette::AlternateBase);
   deleted_ = new ElidedLabel;
   deleted_->setObjectName("deleted");
-  deleted_->setForegroundRole(QPalette::ToolTipText);
+  deleted_->setForegroundRole(QPalette::Text);
   undo_ = new QPushButton("&Undo");
   undo_->setObjectName("undoDelete");
   connect(undo_, &QPushButton::clicked, this, &StatusLine::UndoRequested);
