@@ -9,12 +9,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <map>
-#include <optional>
+#include <memory>
+#include <vector>
 
+#include "session/SessionBus.h"
 #include "session/ShellCommand.h"
 
 namespace kestrin {
@@ -67,14 +67,11 @@ class DesktopFilesTest : public testing::Test {
     for (const char* pipe : {"pipe", "pipe.desktop"}) mkfifo(In(pipe).c_str(), 0600);
   }
   static void TearDownTestSuite() {
-    for (const auto& [name, value] : environment_)
-      value ? setenv(name.c_str(), value->c_str(), 1) : unsetenv(name.c_str());
+    environment_.clear();
     fs::remove_all(root_);
   }
   static void SetEnvironment(const char* name, const std::string& value) {
-    const char* before = getenv(name);
-    environment_[name] = before ? std::optional<std::string>(before) : std::nullopt;
-    setenv(name, value.c_str(), 1);
+    environment_.push_back(std::make_unique<ScopedVariable>(name, value));
   }
   static std::string In(const std::string& name) { return root_ / name; }
   static void Write(const std::string& name, const std::string& text, mode_t mode = 0600) {
@@ -103,7 +100,7 @@ class DesktopFilesTest : public testing::Test {
 
  private:
   static inline fs::path root_;
-  static inline std::map<std::string, std::optional<std::string>> environment_;
+  static inline std::vector<std::unique_ptr<ScopedVariable>> environment_;
   int pipe_;
 };
 

@@ -72,20 +72,6 @@ int RunDeliverer(QCoreApplication& application, bool takesItsName) {
   return application.exec();
 }
 
-const char* NameOf(Arrival arrival) {
-  switch (arrival) {
-    case Arrival::First:
-      return "first";
-    case Arrival::HandedOver:
-      return "handed over";
-    case Arrival::NoAnswer:
-      return "no answer";
-    case Arrival::NoBus:
-      return "no bus";
-  }
-  return "?";
-}
-
 int RunQueue(QCoreApplication& application, MessageQueue& queue) {
   const QueueRunner runner(queue, [](const Message& message) {
     Log("application got " + message.Flatten());
@@ -98,7 +84,9 @@ int RunApplication(int argc, char** argv) {
   MessageQueue queue;
   ApplicationBus bus(queue);
   const Arrival arrival = bus.Arrive({{argv + 1, argv + argc}, ActivationToken(), StartedByBus()});
-  Log(std::string("application arrived ") + NameOf(arrival) + bus.Reason());
+  Log("application arrived " + (arrival == Arrival::First        ? "first"
+                                : arrival == Arrival::HandedOver ? "handed over"
+                                                                 : bus.Reason()));
   if (arrival != Arrival::First) return arrival == Arrival::HandedOver ? 0 : 1;
   QCoreApplication application(argc, argv);
   bus.Dispatch();

@@ -58,14 +58,13 @@ TEST(ProcessInfo, ForgetsHowItWasStarted) {
 
 class DisplayProbeTest : public testing::Test {
  protected:
-  const fs::path folder_ =
-      fs::temp_directory_path() / ("kestrin-display-" + std::to_string(getpid()));
+  const TemporaryFolder temporary_;
+  const fs::path folder_{temporary_.path};
   ScopedVariable platform_{"QT_QPA_PLATFORM", std::nullopt}, display_{"DISPLAY", std::nullopt},
       wayland_{"WAYLAND_DISPLAY", std::nullopt}, socket_{"WAYLAND_SOCKET", std::nullopt},
       type_{"XDG_SESSION_TYPE", std::nullopt}, runtime_{"XDG_RUNTIME_DIR", folder_},
       plugins_{"QT_PLUGIN_PATH", folder_};
   DisplayProbeTest() { fs::create_directories(folder_ / "platforms"); }
-  ~DisplayProbeTest() override { fs::remove_all(folder_); }
 };
 
 TEST_F(DisplayProbeTest, SaysWhyThereIsNone) {
