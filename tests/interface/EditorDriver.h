@@ -5,8 +5,11 @@
 
 #include <QAbstractItemView>
 #include <QComboBox>
+#include <QDragEnterEvent>
 #include <QLabel>
 #include <QLayout>
+#include <QMimeData>
+#include <QPlainTextEdit>
 #include <QTabWidget>
 #include <QtTest/QTest>
 
@@ -59,6 +62,17 @@ struct EditorTest : testing::Test {
     return line.isVisible() ? line.text().toStdString() : "";
   }
 
+  /// What the alerts say that were asked for and stand open.
+  std::string AlertTexts() {
+    QCoreApplication::sendPostedEvents();
+    context.RunMessages();
+    std::string texts;
+    for (QWidget* widget : QApplication::topLevelWidgets())
+      if (auto* text = widget->findChild<QPlainTextEdit*>("alertText"); text && widget->isVisible())
+        texts += text->toPlainText().toStdString() + '\n';
+    return texts;
+  }
+
   /// Types over what is there; commits nothing.
   void Type(const char* field, const char* text) const {
     QWidget& widget = Find(field);
@@ -88,6 +102,16 @@ struct EditorTest : testing::Test {
   void Click(const char* name) const {
     QWidget& widget = Find(name);
     QTest::mouseClick(&widget, Qt::LeftButton, {}, QPoint(8, widget.height() / 2));
+  }
+  /// Drags something onto a control and lets go of it there; false when it is not welcome.
+  bool Drop(const char* name, const QMimeData& dragged) const {
+    QWidget& widget = Find(name);
+    QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &dragged, Qt::LeftButton, {});
+    QApplication::sendEvent(&widget, &enter);
+    if (!enter.isAccepted()) return false;
+    QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &dragged, Qt::LeftButton, {});
+    QApplication::sendEvent(&widget, &drop);
+    return true;
   }
   static void DeleteClosed() {
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);

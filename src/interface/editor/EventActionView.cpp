@@ -31,14 +31,18 @@ void TakeFocusAndGiveItBack(const QWidget& view) {
   typing->setFocus();
 }
 
-/// Puts the view, which came last, behind `before` in the order of tabs.
+/// Puts what takes the focus in the view, which came last, behind `before` in the order of tabs.
 void PutInTabOrder(QWidget* before, QWidget* view) {
-  std::vector<QWidget*> widgets = {view};
-  for (QWidget* each = view->nextInFocusChain(); each != view; each = each->nextInFocusChain())
-    if (view->isAncestorOf(each)) widgets.push_back(each);
-  for (QWidget* each : widgets) {
-    QWidget::setTabOrder(before, each);
-    before = each;
+  std::vector<QWidget*> widgets;
+  QWidget* each = view;
+  do {
+    const bool isPart = each == view || view->isAncestorOf(each);
+    if (isPart && each->focusPolicy() & Qt::TabFocus) widgets.push_back(each);
+    each = each->nextInFocusChain();
+  } while (each != view);
+  for (QWidget* next : widgets) {
+    QWidget::setTabOrder(before, next);
+    before = next;
   }
 }
 

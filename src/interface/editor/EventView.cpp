@@ -8,6 +8,7 @@
 #include "core/EventSet.h"
 #include "interface/ShownText.h"
 #include "interface/editor/TypedField.h"
+#include "interface/icons/IconView.h"
 
 namespace kestrin {
 
@@ -42,10 +43,8 @@ EventView::EventView(Event& event) : EditorPage(event) {
 }
 
 void EventView::BuildIcon(QGridLayout& grid) {
-  auto* icon = new QWidget;
-  icon->setObjectName("icon");
-  icon->setFixedSize(40, 40);
-  grid.addWidget(icon, 0, IconColumn, 4, 1, Qt::AlignTop);
+  icon_ = new IconView(GetEvent());
+  grid.addWidget(icon_, 0, IconColumn, 4, 1, Qt::AlignTop);
 }
 
 void EventView::BuildName(QGridLayout& grid) {
@@ -87,6 +86,7 @@ QLabel* EventView::AddLine(QGridLayout& grid, int row, const char* objectName,
 }
 
 void EventView::ShowEvent() {
+  icon_->ShowEvent();
   ShowFields();
   active_->setChecked(GetEvent().GetActive());
   RedrawStatus();
@@ -107,6 +107,11 @@ QString EventView::TimeText(int time) const {
 }
 
 void EventView::CommitEdits() { CommitFields(); }
+
+void EventView::DropEdits() {
+  EditorPage::DropEdits();
+  icon_->Forget();
+}
 
 bool EventView::OfferName() {
   if (GetEvent().GetName() != EventRecord().Name) return false;

@@ -9,6 +9,8 @@ class QLabel;
 
 namespace kestrin {
 
+class IconView;
+
 class EventView final : public EditorPage {
   Q_OBJECT
 
@@ -17,6 +19,7 @@ class EventView final : public EditorPage {
 
   void ShowEvent() override;
   void CommitEdits() override;
+  void DropEdits() override;
   /// For an event that has no name of its own yet: selects the name, ready to be typed over.
   /// Returns whether it did.
   bool OfferName();
@@ -29,6 +32,7 @@ class EventView final : public EditorPage {
   void RedrawStatus();
   QString TimeText(int time) const;
 
+  IconView* icon_ = nullptr;
   TypedField* name_ = nullptr;
   QCheckBox* active_ = nullptr;
   QLabel* actual_ = nullptr;

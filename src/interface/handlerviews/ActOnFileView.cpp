@@ -39,6 +39,15 @@ ActOnFileView::ActOnFileView(ActOnFileDataHandler& handler)
   ShowFile();
 }
 
+/// The panel goes on a later turn: somebody may be walking through all windows to close them.
+ActOnFileView::~ActOnFileView() {
+  if (!panel_) return;
+  panel_->disconnect(this);
+  panel_->hide();
+  panel_->setParent(nullptr);
+  panel_->deleteLater();
+}
+
 void ActOnFileView::ShowFile() {
   const QString path = ShownLine(handler_.GetFileName());
   file_->setText("File: " + (path.isEmpty() ? "<none selected>" : path));

@@ -18,6 +18,7 @@ class ActOnFileView final : public QWidget {
 
  public:
   explicit ActOnFileView(ActOnFileDataHandler& handler);
+  ~ActOnFileView() override;
 
  protected:
   void dragEnterEvent(QDragEnterEvent* event) override;

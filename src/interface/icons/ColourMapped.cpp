@@ -1,5 +1,7 @@
 #include "interface/icons/ColourMapped.h"
 
+#include <QPainter>
+
 namespace kestrin {
 
 QImage ImageOfBitmap(const std::string& bytes, int side) {
@@ -27,10 +29,13 @@ std::string BitmapOfImage(const QImage& image) {
   return bytes;
 }
 
-IconPair IconOfImage(const QImage& square) {
-  const auto bitmap = [&square](int side) {
-    return BitmapOfImage(
-        square.scaled(side, side, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+IconPair IconOfImage(const QImage& image) {
+  const auto bitmap = [&image](int side) {
+    QImage square(side, side, QImage::Format_ARGB32_Premultiplied);
+    square.fill(Qt::transparent);
+    const QImage fitted = image.scaled(side, side, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    QPainter(&square).drawImage((side - fitted.width()) / 2, (side - fitted.height()) / 2, fitted);
+    return BitmapOfImage(square);
   };
   return {bitmap(LargeIconSize), bitmap(MiniIconSize)};
 }

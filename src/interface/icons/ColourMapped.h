@@ -12,7 +12,7 @@ namespace kestrin {
 QImage ImageOfBitmap(const std::string& bytes, int side);
 std::string BitmapOfImage(const QImage& image);
 
-/// Both sizes of an icon, made from one square picture that is to fill it.
-IconPair IconOfImage(const QImage& square);
+/// Both sizes of an icon; a picture that is not square stands in the middle.
+IconPair IconOfImage(const QImage& image);
 
 }  // namespace kestrin

@@ -1,0 +1,87 @@
+#include "interface/icons/IconPanel.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "core/KestrinSettings.h"
+#include "interface/Frames.h"
+#include "interface/icons/UserIcons.h"
+
+namespace kestrin {
+
+IconPanel::IconPanel(const IconChoice& now, QWidget* owner)
+    : QWidget(owner, Qt::Tool), icons_(new IconGrid), now_(now) {
+  setObjectName("iconPanel");
+  setWindowTitle("Icons");
+  setAttribute(Qt::WA_DeleteOnClose);
+  icons_->ShowIcons(now);
+  icons_->setDragEnabled(true);
+  icons_->setDragDropMode(QAbstractItemView::DragOnly);
+  connect(icons_, &IconGrid::Chosen, this, [this](const IconChoice& choice) {
+    now_ = choice;
+    emit Chosen(choice);
+  });
+  connect(icons_, &IconGrid::RemovalWanted, this, [](const IconPair& icon) {
+    RemoveUserIcon(icon);
+    IconsChanged();
+  });
+  auto* file = new QPushButton("&Choose image file…");
+  file->setObjectName("chooseImage");
+  file->setAutoDefault(false);
+  connect(file, &QPushButton::clicked, this, &IconPanel::FileWanted);
+  auto* column = new QVBoxLayout(this);
+  column->addWidget(icons_, 1);
+  column->addWidget(file);
+}
+
+IconPanel::~IconPanel() {
+  if (Opened() && Opened() != this) return;
+  const AutoLock settings(KestrinSettings::Protect);
+  KestrinSettings::OpenIconPanel = 0;
+}
+
+IconPanel* IconPanel::Opened() {
+  for (QWidget* widget : QApplication::topLevelWidgets())
+    if (auto* panel = qobject_cast<IconPanel*>(widget); panel && panel->isVisible()) return panel;
+  return nullptr;
+}
+
+void IconPanel::Open() {
+  if (IconPanel* other = Opened()) other->close();
+  const QSize size = sizeHint();
+  Point place;
+  {
+    const AutoLock settings(KestrinSettings::Protect);
+    place = KestrinSettings::IconPanelLocation;
+    KestrinSettings::OpenIconPanel = 1;
+  }
+  const Rect at{place.x, place.y, place.x + static_cast<float>(size.width() - 1),
+                place.y + static_cast<float>(size.height() - 1)};
+  setGeometry(GeometryOnScreen(at, {100, 80, 400, 300}));
+  show();
+  icons_->setFocus();
+}
+
+void IconPanel::IconsChanged() {
+  if (IconPanel* panel = Opened()) panel->icons_->ShowIcons(panel->now_);
+}
+
+void IconPanel::moveEvent(QMoveEvent* event) {
+  QWidget::moveEvent(event);
+  if (!isVisible()) return;
+  const AutoLock settings(KestrinSettings::Protect);
+  KestrinSettings::IconPanelLocation = {static_cast<float>(geometry().x()),
+                                        static_cast<float>(geometry().y())};
+  KestrinSettings::Changed();
+}
+
+void IconPanel::keyPressEvent(QKeyEvent* event) {
+  if (event->key() == Qt::Key_Escape)
+    close();
+  else
+    QWidget::keyPressEvent(event);
+}
+
+}  // namespace kestrin

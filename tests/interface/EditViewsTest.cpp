@@ -1,0 +1,232 @@
+// The edit views of handlers on the Action page.
+#include <QCheckBox>
+#include <QClipboard>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QListView>
+#include <QPlainTextEdit>
+#include <QPointer>
+#include <QTemporaryDir>
+#include <QVBoxLayout>
+#include <stdexcept>
+
+#include "core/HandlerTable.h"
+#include "handlers/ActOnFileDataHandler.h"
+#include "handlers/CommandDataHandler.h"
+#include "handlers/MessageDataHandler.h"
+#include "handlers/UnknownDataHandler.h"
+#include "interface/EditorDriver.h"
+
+namespace kestrin {
+namespace {
+
+using testing::HasSubstr;
+
+/// What an add-on may do when it is asked for a view.
+enum class Brings { View, Nothing, Exception };
+
+/// Stores its text, as add-ons do, when the field says that editing is finished.
+class AddOnData final : public EventAddOnData {
+ public:
+  AddOnData(Event* event, Brings brings) : EventAddOnData(event), brings_(brings) {}
+
+  QWidget* CreateEditView(Rect frame) override {
+    Frame = frame;
+    if (brings_ == Brings::Exception) throw std::runtime_error("no view today");
+    if (brings_ == Brings::Nothing) return nullptr;
+    auto* view = new QWidget;
+    auto* field = new QLineEdit(view);
+    field->setObjectName("addOnField");
+    QObject::connect(field, &QLineEdit::editingFinished, field,
+                     [this, field] { Text = field->text().toStdString(); });
+    (new QVBoxLayout(view))->addWidget(field);
+    return view;
+  }
+  bool SaveData(EndianIndependentFile*) override { return true; }
+  void DealWithEvent(bool) override {}
+
+  std::string Text;
+  Rect Frame;
+
+ private:
+  Brings brings_;
+};
+
+template <Brings brings>
+EventAddOnData* NewAddOn(Event* event, EndianIndependentFile*, bool*) {
+  return new AddOnData(event, brings);
+}
+EventAddOnData* NewNothing(Event*, EndianIndependentFile*, bool*) { return nullptr; }
+
+struct EditViewsTest : EditorTest {
+  EditViewsTest() {
+    AddRow("Diary", NewAddOn<Brings::View>);
+    AddRow("Plain & simple", NewAddOn<Brings::Nothing>);
+    AddRow("Broken view", NewAddOn<Brings::Exception>);
+    AddRow("Broken data", NewNothing);
+  }
+  static void AddRow(const char* name, NewAddOnDataFunction factory) {
+    AddOnNames.push_back(name);
+    Function_NewAddOnData.push_back(factory);
+    AddOnImages.push_back(nullptr);
+    ++NumberOfEventHandlers;
+  }
+  template <typename Data>
+  Data& DataOf() const {
+    return *dynamic_cast<Data*>(event->GetAddOnData());
+  }
+  void Unmodify() {
+    context.Files.PutFolder("/sets");
+    ASSERT_TRUE(set->SaveData());
+  }
+};
+
+TEST_F(EditViewsTest, AMessageIsTypedWhereItIsShown) {
+  OpenNew(ActionTab);
+  Find("messageText").setFocus();
+  QTest::keyClicks(&Find("messageText"), "Not too much");
+  EXPECT_STREQ(DataOf<MessageDataHandler>().GetMessage(), "");
+  window->CommitEdits();
+  EXPECT_STREQ(DataOf<MessageDataHandler>().GetMessage(), "Not too much");
+  QTest::keyClicks(&Find("messageText"), "!");
+  ASSERT_TRUE(Choose("handler", "Command"));
+  ASSERT_TRUE(Choose("handler", "Message"));
+  EXPECT_STREQ(DataOf<MessageDataHandler>().GetMessage(), "Not too much!");
+  EXPECT_EQ(Find<QPlainTextEdit>("messageText").toPlainText(), "Not too much!");
+}
+
+TEST_F(EditViewsTest, ACommandIsStoredOnReturnAndOnLeaving) {
+  OpenNew(ActionTab);
+  ASSERT_TRUE(Choose("handler", "Command"));
+  Enter("command", "beep");
+  EXPECT_STREQ(DataOf<CommandDataHandler>().GetCommand(), "beep");
+  Type("command", "beep -l");
+  QTest::keyClick(&Find("command"), Qt::Key_Tab);
+  EXPECT_STREQ(DataOf<CommandDataHandler>().GetCommand(), "beep -l");
+  EXPECT_TRUE(Find("verifyCommand").hasFocus());
+  Type("command", "beep -f 440");
+  window->close();
+  EXPECT_STREQ(DataOf<CommandDataHandler>().GetCommand(), "beep -f 440");
+  Open(*event, ActionTab);
+  EXPECT_EQ(FieldText("command"), "beep -f 440");
+  Find<QLineEdit>("command").setFocus();
+  QTest::keyClick(&Find("command"), Qt::Key_End);
+  QApplication::clipboard()->setText(QString(5000, u'x'));
+  QTest::keyClick(&Find("command"), Qt::Key_V, Qt::ControlModifier);
+  EXPECT_THAT(Complaint(), HasSubstr("4095 bytes")) << "the window says what its edit view says";
+  ASSERT_TRUE(Choose("handler", "Message"));
+  EXPECT_EQ(Complaint(), "");
+}
+
+TEST_F(EditViewsTest, AnAskingBoxIsKeptThoughNothingElseChanges) {
+  OpenNew(ActionTab);
+  for (const auto& [handler, box] :
+       {std::pair("Command", "verifyCommand"), std::pair("Act on file", "verifyFile")}) {
+    ASSERT_TRUE(Choose("handler", handler));
+    Unmodify();
+    Click(box);
+    EXPECT_TRUE(set->HasBeenModified()) << box;
+  }
+  EXPECT_TRUE(DataOf<ActOnFileDataHandler>().GetVerify());
+  ASSERT_TRUE(Choose("handler", "Command"));
+  EXPECT_TRUE(DataOf<CommandDataHandler>().GetVerify());
+  EXPECT_TRUE(Find<QCheckBox>("verifyCommand").isChecked());
+}
+
+TEST_F(EditViewsTest, AFileIsChosenInThePanelOrDropped) {
+  const QTemporaryDir folder;
+  for (const char* name : {"a file.txt", "another.txt"})
+    ASSERT_TRUE(QFile(folder.filePath(name)).open(QIODevice::WriteOnly));
+  OpenNew(ActionTab);
+  ASSERT_TRUE(Choose("handler", "Act on file"));
+  EXPECT_EQ(TextOf("fileName"), "File: <none selected>");
+  QMimeData dragged;
+  dragged.setUrls({QUrl::fromLocalFile(folder.filePath("a file.txt"))});
+  EXPECT_TRUE(Drop("editView", dragged));
+  EXPECT_EQ(DataOf<ActOnFileDataHandler>().GetFileName(),
+            folder.filePath("a file.txt").toStdString());
+  EXPECT_EQ(TextOf("fileName"), "File: " + folder.filePath("a file.txt").toStdString());
+  Click("selectFile");
+  auto& panel = Find<QFileDialog>("filePanel");
+  EXPECT_FALSE(panel.isModal()) << "other windows go on";
+  EXPECT_EQ(panel.directory().path(), folder.path());
+  auto* files = panel.findChild<QListView*>("listView");
+  QModelIndex wanted;
+  ASSERT_TRUE(QTest::qWaitFor([&] {
+    for (int row = 0; row < files->model()->rowCount(files->rootIndex()); ++row)
+      if (const auto it = files->model()->index(row, 0, files->rootIndex());
+          it.data().toString() == "another.txt")
+        wanted = it;
+    return wanted.isValid() && !files->visualRect(wanted).isEmpty();
+  }));
+  QTest::mouseClick(files->viewport(), Qt::LeftButton, {}, files->visualRect(wanted).center());
+  QTest::keyClick(files, Qt::Key_Return);
+  EXPECT_EQ(DataOf<ActOnFileDataHandler>().GetFileName(),
+            folder.filePath("another.txt").toStdString());
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  Click("selectFile");
+  QPointer<QFileDialog> open = &Find<QFileDialog>("filePanel");
+  window->close();
+  EXPECT_TRUE(!open || !open->isVisible()) << "it goes with the editor";
+}
+
+TEST_F(EditViewsTest, TheMissingHandlerIsNamedAndCanBeLeftAndTakenAgain) {
+  auto data = std::make_unique<UnknownDataHandler>(&AppendEvent(*set, "Tea"));
+  data->SetOriginalHandler("Play a <b>song</b>");
+  Event& tea = *set->Events().back();
+  tea.AdoptAddOnData(UnknownHandler, std::move(data));
+  Open(tea, ActionTab);
+  EXPECT_EQ(TextOf("missingHandler"), "Missing handler: Play a <b>song</b>");
+  EXPECT_EQ(Find<QComboBox>("handler").currentText(), "Unknown");
+  EXPECT_THAT(Find("handler").toolTip().toStdString(), HasSubstr("&lt;b&gt;"));
+  ASSERT_TRUE(Choose("handler", "Do nothing"));
+  EXPECT_FALSE(window->findChild<QLabel*>("missingHandler"));
+  ASSERT_TRUE(Choose("handler", "Unknown"));
+  EXPECT_EQ(event->GetHandlerName(), "Play a <b>song</b>");
+  OpenNew(ActionTab);
+  EXPECT_FALSE(Choose("handler", "Unknown")) << "nothing to hand over to it";
+}
+
+TEST_F(EditViewsTest, AnAddOnBringsItsOwnView) {
+  OpenNew(ActionTab);
+  ASSERT_TRUE(Choose("handler", "Diary"));
+  QPointer<QWidget> view = &Find("editView");
+  EXPECT_EQ(event->GetAddOnData()->GetEditView(), view);
+  EXPECT_GT(DataOf<AddOnData>().Frame.bottom, DataOf<AddOnData>().Frame.top + 20);
+  QTest::keyClick(&Find("handler"), Qt::Key_Tab);
+  EXPECT_TRUE(Find("addOnField").hasFocus()) << "it stands behind the menu";
+  QTest::keyClicks(&Find("addOnField"), "Dear diary");
+  window->CommitEdits();
+  EXPECT_EQ(DataOf<AddOnData>().Text, "Dear diary");
+  EXPECT_TRUE(Find("addOnField").hasFocus()) << "and the person may go on typing";
+  QTest::keyClick(&Find("addOnField"), Qt::Key_Tab);
+  EXPECT_TRUE(Find("deleteOnceDelivered").hasFocus());
+  ASSERT_TRUE(Choose("handler", "Plain & simple"));
+  EXPECT_FALSE(view);
+  EXPECT_EQ(event->GetAddOnData(FindHandler("Diary"))->GetEditView(), nullptr);
+  EXPECT_FALSE(event->GetAddOnData()->GetEditView());
+  ASSERT_TRUE(Choose("handler", "Diary"));
+  view = &Find("editView");
+  Find("addOnField").setFocus();
+  QTest::keyClicks(&Find("addOnField"), "more");
+  window->close();
+  EXPECT_FALSE(view);
+  EXPECT_EQ(DataOf<AddOnData>().Text, "more");
+  EXPECT_EQ(AlertTexts(), "");
+}
+
+TEST_F(EditViewsTest, AnAddOnThatFailsIsReportedAndLeavesAnEditor) {
+  OpenNew(ActionTab);
+  ASSERT_TRUE(Choose("handler", "Broken view"));
+  EXPECT_EQ(event->GetSelectedHandler(), FindHandler("Broken view"));
+  EXPECT_THAT(AlertTexts(), HasSubstr("\"Broken view\" failed to make its edit"));
+  Choose("handler", "Broken data");
+  EXPECT_EQ(event->GetSelectedHandler(), FindHandler("Broken view")) << "as it was";
+  EXPECT_EQ(Find<QComboBox>("handler").currentText(), "Broken view");
+  EXPECT_THAT(AlertTexts(), HasSubstr("\"Broken data\" could not make its data"));
+  ASSERT_TRUE(Choose("handler", "Message"));
+  EXPECT_TRUE(window->findChild<QWidget*>("messageText"));
+}
+
+}  // namespace
+}  // namespace kestrin
