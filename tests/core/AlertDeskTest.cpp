@@ -181,7 +181,7 @@ TEST_F(AlertDeskTest, APromptWaitsForNobodyAndIsRaisedWhenItIsAskedForAgain) {
   desk.Show(prompt);
   EXPECT_TRUE(desk.RaisePrompt(7)) << "it is on its way";
   context.RunMessages();
-  EXPECT_EQ(OpenTexts().back(), "Save?");
+  EXPECT_EQ(ui.Texts().back(), "Save?");
   EXPECT_EQ(ui.Alerts.size(), AlertDesk::MaxOpenAlerts + 1u);
   EXPECT_TRUE(desk.RaisePrompt(7));
   EXPECT_THAT(ui.Calls, ElementsAre("RaiseAlert"));
