@@ -20,7 +20,11 @@ constexpr char ServicePath[] = "/org/a11y/bus";
 constexpr char Accessible[] = "org.a11y.atspi.Accessible";
 
 enum Role : uint32_t { RoleAlert = 2, RoleDialog = 16, RolePushButton = 43 };
-constexpr uint32_t StateShowing = 25;
+
+// Bits of a state.
+constexpr uint64_t Enabled = 8, Focusable = 11, Focused = 12, Showing = 25;
+
+bool Has(uint64_t state, uint64_t bit) { return ((state >> bit) & 1) != 0; }
 
 sd_bus* Connect(const std::string& address) {
   sd_bus* bus = nullptr;
@@ -158,10 +162,32 @@ std::string Reader::Text(const Object& object, const char* property) {
   return answer.Read("v", "s", &text) ? text : "";
 }
 
-bool Reader::IsShowing(const Object& object) {
+std::string Reader::RoleName(const Object& object) {
+  const char* text = nullptr;
+  Answer answer(bus_, object, Accessible, "GetRoleName", "");
+  return answer.Read("s", &text) ? text : "";
+}
+
+uint64_t Reader::State(const Object& object) {
   Answer answer(bus_, object, Accessible, "GetState", "");
   uint32_t low = 0, high = 0;
-  return answer.Read("au", 2, &low, &high) && ((low >> StateShowing) & 1) != 0;
+  return answer.Read("au", 2, &low, &high) ? uint64_t{high} << 32 | low : 0;
+}
+
+bool Reader::IsShowing(const Object& object) { return Has(State(object), Showing); }
+
+bool Reader::IsLabelled(const Object& object) {
+  constexpr uint32_t LabelledBy = 2;
+  if (!Text(object, "Description").empty()) return true;
+  Answer answer(bus_, object, Accessible, "GetRelationSet", "");
+  if (!answer || sd_bus_message_enter_container(answer.Get(), 'a', "(ua(so))") < 0) return false;
+  uint32_t relation = 0;
+  while (sd_bus_message_enter_container(answer.Get(), 'r', "ua(so)") > 0) {
+    if (!answer.Read("u", &relation) || relation == LabelledBy) return relation == LabelledBy;
+    sd_bus_message_skip(answer.Get(), "a(so)");
+    sd_bus_message_exit_container(answer.Get());
+  }
+  return false;
 }
 
 void Reader::CollectButtons(const Object& object, std::vector<Button>& buttons) {
@@ -173,22 +199,45 @@ void Reader::CollectButtons(const Object& object, std::vector<Button>& buttons) 
   }
 }
 
-std::vector<Reader::Alert> Reader::Alerts() {
-  std::vector<Object> applications;
+std::vector<Reader::Object> Reader::Windows() {
+  std::vector<Object> applications, windows;
   {
     const std::lock_guard lock(guard_);
     applications = applications_;
   }
-  std::vector<Alert> alerts;
   for (const Object& application : applications)
-    for (const Object& window : Children(application)) {
-      const uint32_t role = Role(window);
-      if ((role != RoleAlert && role != RoleDialog) || !IsShowing(window)) continue;
-      Alert alert{Text(window, "Name"), Text(window, "Description"), {}, window};
-      CollectButtons(window, alert.buttons);
-      alerts.push_back(std::move(alert));
-    }
+    for (const Object& window : Children(application))
+      if (IsShowing(window)) windows.push_back(window);
+  return windows;
+}
+
+std::vector<Reader::Alert> Reader::Alerts() {
+  std::vector<Alert> alerts;
+  for (const Object& window : Windows()) {
+    const uint32_t role = Role(window);
+    if (role != RoleAlert && role != RoleDialog) continue;
+    Alert alert{Text(window, "Name"), Text(window, "Description"), {}, window};
+    CollectButtons(window, alert.buttons);
+    alerts.push_back(std::move(alert));
+  }
   return alerts;
+}
+
+void Reader::CollectControls(const Object& object, std::vector<Control>& controls) {
+  for (const Object& child : Children(object)) {
+    const uint64_t state = State(child);
+    if (!Has(state, Showing)) continue;
+    controls.push_back({Text(child, "Name"), RoleName(child), Has(state, Focusable),
+                        Has(state, Focused), Has(state, Enabled), IsLabelled(child), child});
+    CollectControls(child, controls);
+  }
+}
+
+std::vector<Reader::Control> Reader::Controls(const std::string& window) {
+  std::vector<Control> controls;
+  for (const Object& object : Windows())
+    if (Text(object, "Name").starts_with(window)) CollectControls(object, controls);
+  return controls;
 }
 
 bool Reader::Press(const Object& button) {

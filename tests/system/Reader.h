@@ -43,6 +43,17 @@ class Reader {
   std::vector<Alert> Alerts();
   /// Presses the button without the mouse; false when it has gone.
   bool Press(const Object& button);
+  /// One thing in a window, as it is read out.
+  struct Control {
+    std::string name, role;
+    bool isFocusable, isFocused, isEnabled;
+    bool isLabelled;  ///< by another control, or by words of its own
+    Object object;
+  };
+  /// All that is shown in the windows with that title, from top to bottom; empty when there is
+  /// none.
+  std::vector<Control> Controls(const std::string& window);
+
   struct Area {
     Place corner, size;
   };
@@ -59,8 +70,13 @@ class Reader {
   std::vector<Object> Children(const Object& object);
   uint32_t Role(const Object& object);
   std::string Text(const Object& object, const char* property);
+  std::string RoleName(const Object& object);
+  uint64_t State(const Object& object);
   bool IsShowing(const Object& object);
+  bool IsLabelled(const Object& object);
   void CollectButtons(const Object& object, std::vector<Button>& buttons);
+  void CollectControls(const Object& object, std::vector<Control>& controls);
+  std::vector<Object> Windows();
 
   const std::string address_;
   sd_bus* service_ = nullptr;  ///< of the thread alone

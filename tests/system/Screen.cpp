@@ -6,6 +6,7 @@
 #include <poll.h>
 
 #include <chrono>
+#include <sstream>
 #include <stdexcept>
 
 namespace kestrin {
@@ -141,6 +142,12 @@ void Screen::Click(Place at) {
   Do({"mousemove", std::to_string(at.x), std::to_string(at.y), "click", "1"});
 }
 
-void Screen::Press(const std::string& keys) { Do({"key", keys}); }
+void Screen::Press(const std::string& keys) {
+  std::vector<std::string> action = {"key", "--delay", "20"};
+  std::istringstream words(keys);
+  for (std::string key; words >> key;) action.push_back(key);
+  Do(std::move(action));
+}
+void Screen::Type(const std::string& text) { Do({"type", "--delay", "2", text}); }
 
 }  // namespace kestrin

@@ -40,8 +40,10 @@ class Screen {
   /// Asks the window to close, as its close button does.
   void Close(const ShownWindow& window);
   void Click(Place at);
-  /// Keys held together, for example "ctrl+shift+q".
+  /// Keys one after another, "+" between those that are held together: "alt+f t".
   void Press(const std::string& keys);
+  /// As typed, character by character.
+  void Type(const std::string& text);
 
  private:
   struct Connection;

@@ -9,7 +9,9 @@ ChoiceMenu::ChoiceMenu(const char* objectName, const QString& accessibleName, Se
                        QWidget* parent)
     : QComboBox(parent) {
   setObjectName(objectName);
+  // Screen readers are given the choice as the name of such a menu.
   setAccessibleName(accessibleName);
+  setAccessibleDescription(accessibleName);
   setMaxVisibleItems(12);
   connect(this, &QComboBox::activated, this,
           [this, set = std::move(set)](int item) { set(itemData(item).toInt()); });

@@ -22,6 +22,7 @@ PeriodicityIntervalView::PeriodicityIntervalView(const Event& event, EditorPage:
       unitMenu_(new ChoiceMenu("intervalUnit", "Unit of the interval", [this](int32 unit) {
         write_([unit](Event& it) { it.SetSubIntType(static_cast<TimeIntervalType>(unit)); });
       })) {
+  number_->setAccessibleName("Every");
   unit_->setObjectName("intervalUnitLabel");
   for (const int32 unit : {Hours, Minutes}) unitMenu_->Add(unit, IntervalTypeLabel(unit));
   auto* row = new QHBoxLayout(this);

@@ -7,6 +7,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "interface/FilePanels.h"
 #include "interface/ShownText.h"
 #include "interface/handlerviews/PathLabel.h"
 #include "interface/handlerviews/VerifyBox.h"
@@ -63,6 +64,7 @@ void ActOnFileView::OpenPanel() {
   panel_->setObjectName("filePanel");
   panel_->setAttribute(Qt::WA_DeleteOnClose);
   panel_->setFileMode(QFileDialog::ExistingFile);
+  SetUpFilePanel(*panel_);
   const QFileInfo current(QFile::decodeName(handler_.GetFileName()));
   if (!current.filePath().isEmpty() && current.dir().exists()) {
     panel_->setDirectory(current.dir());

@@ -7,6 +7,7 @@
 
 #include "core/EventSet.h"
 #include "core/Notices.h"
+#include "interface/FilePanels.h"
 #include "interface/icons/IconFile.h"
 #include "interface/icons/IconMenu.h"
 #include "interface/icons/IconPanel.h"
@@ -90,6 +91,7 @@ void IconView::OpenFilePanel() {
     filePanel_->setObjectName("iconFilePanel");
     filePanel_->setAttribute(Qt::WA_DeleteOnClose);
     filePanel_->setFileMode(QFileDialog::ExistingFile);
+    SetUpFilePanel(*filePanel_);
     filePanel_->setNameFilters({ImageFilter(), "All files (*)"});
     connect(filePanel_, &QFileDialog::fileSelected, this, &IconView::Import);
   }

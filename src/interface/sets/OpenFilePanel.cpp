@@ -10,6 +10,7 @@
 #include "core/Context.h"
 #include "core/EventSet.h"
 #include "core/Holds.h"
+#include "interface/FilePanels.h"
 #include "interface/sets/EventSetWindow.h"
 #include "interface/sets/SetFilePanel.h"
 
@@ -38,8 +39,7 @@ OpenFilePanel::OpenFilePanel(Context& context)
     : QFileDialog(nullptr, "Open event sets"), context_(context) {
   setObjectName("openPanel");
   setFileMode(ExistingFiles);
-  // Its own questions, and what else it does to files, would wait in loops of their own.
-  setOptions(DontUseNativeDialog | ReadOnly);
+  SetUpFilePanel(*this);
   setNameFilters(SetFileFilters());
   setDirectory(StartFolder());
   context_.holds.ProcessHold();

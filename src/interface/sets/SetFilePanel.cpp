@@ -5,6 +5,8 @@
 #include <QGridLayout>
 #include <QStandardPaths>
 
+#include "interface/FilePanels.h"
+
 namespace kestrin {
 
 QStringList SetFileFilters() {
@@ -23,8 +25,7 @@ SetFilePanel::SetFilePanel(QWidget& window, const QString& file, bool remember)
   setObjectName("savePanel");
   setAcceptMode(AcceptSave);
   setFileMode(AnyFile);
-  // Its own questions, and what else it does to files, would wait in loops of their own.
-  setOptions(DontUseNativeDialog | DontConfirmOverwrite | ReadOnly);
+  SetUpFilePanel(*this);
   setNameFilters(SetFileFilters());
   setDefaultSuffix("kestrin");
   const QFileInfo proposed(file);
