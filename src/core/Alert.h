@@ -14,8 +14,8 @@ using AlertId = uint64;
 enum class AlertKind { Information, Warning };
 
 /// What an alert is for. A Prewarning or Nag brings the one that still stands open for the same
-/// event up to date instead of joining it. A Prompt answers what the person just did: it opens ahead
-/// of all others, takes the focus, and is not shown again by a later process.
+/// event up to date instead of joining it. A Prompt answers what the person just did: it opens
+/// ahead of all others, takes the focus, and is not shown again by a later process.
 enum class AlertRole { Notice, Prewarning, Nag, Delivery, Question, Prompt };
 
 struct AlertRequest {
