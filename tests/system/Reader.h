@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "Screen.h"
-#include "programs/background/PrivateBus.h"
+#include "bus/PrivateBus.h"
 
 namespace kestrin {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "programs/background/PrivateBus.h"
+#include "bus/PrivateBus.h"
 
 namespace kestrin {
 
