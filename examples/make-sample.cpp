@@ -21,6 +21,9 @@ namespace kestrin {
 namespace {
 
 constexpr int32 Hour = 3600, Minute = 60;
+// Some of the standard icons.
+constexpr int32 Bell = 0, Cake = 1, Money = 2, Disk = 3, Clock = 5, Heart = 6, Star = 8, House = 9,
+                Plane = 10;
 enum HandlerRow : int32 { DoNothingRow = 1, MessageRow = 2, CommandRow = 3, ActOnFileRow = 4 };
 
 class Sample {
@@ -30,13 +33,13 @@ class Sample {
   EventSet& Set() { return set_; }
 
   void AddSoon(int32 seconds) {
-    Event& event = Add("Welcome to Kestrin", Once, -1);
+    Event& event = Add(Bell, "Welcome to Kestrin", Once, -1);
     event.SetEventTime(static_cast<int32>(engine_.clock.Time) + seconds, true);
     Say(event, "This is what a reminder looks like. Press Ok, and have a look at the list.");
   }
 
   void AddYearly() {
-    Event& birthday = Add("Ada's birthday", Annually, 9 * Hour);
+    Event& birthday = Add(Cake, "Ada's birthday", Annually, 9 * Hour);
     birthday.SetTimingType(ByDayOfMonth);
     birthday.SetMonth(11);
     birthday.SetDayOfMonth(10);
@@ -49,7 +52,7 @@ class Sample {
     birthday.SetPrewarnMessage("Time to find a present.");
     Say(birthday, "Ring her up and congratulate.");
 
-    Event& passport = Add("Renew the passport", MultiAnnually, -1);
+    Event& passport = Add(Plane, "Renew the passport", MultiAnnually, -1);
     passport.SetMultiple(10);
     passport.SetTimingType(ByDayOfWeek);
     passport.SetWeekOfMonth(0);
@@ -59,7 +62,7 @@ class Sample {
   }
 
   void AddMonthly() {
-    Event& rent = Add("Pay the rent", Monthly, 18 * Hour);
+    Event& rent = Add(Money, "Pay the rent", Monthly, 18 * Hour);
     rent.SetTimingType(ByDayOfMonth);
     rent.SetDayOfMonth(32);
     rent.SetApplyNag(true);
@@ -68,7 +71,7 @@ class Sample {
     rent.SetNagMessage("It is still not paid.");
     Say(rent, "Last day of the month.");
 
-    Event& filter = Add("Change the water filter", MultiMonthly, 10 * Hour);
+    Event& filter = Add(House, "Change the water filter", MultiMonthly, 10 * Hour);
     filter.SetMultiple(3);
     filter.SetDayOfWeek(6);
     filter.SetWeekOfMonth(1);
@@ -76,37 +79,37 @@ class Sample {
   }
 
   void AddWeekly() {
-    Event& choir = Add("Choir practice", Weekly, 19 * Hour + 30 * Minute);
+    Event& choir = Add(Star, "Choir practice", Weekly, 19 * Hour + 30 * Minute);
     choir.SetDayOfWeek(4);
     choir.SetDeliverIfMissed(false);
     Say(choir, "Bring the new score.");
 
-    Event& bins = Add("Put the paper bin out", MultiWeekly, 20 * Hour);
+    Event& bins = Add(House, "Put the paper bin out", MultiWeekly, 20 * Hour);
     bins.SetMultiple(2);
     bins.SetDayOfWeek(2);
     Say(bins, "");
   }
 
   void AddDaily() {
-    Event& backup = Add("Back the documents up", Daily, 22 * Hour);
+    Event& backup = Add(Disk, "Back the documents up", Daily, 22 * Hour);
     backup.SetSelectedHandler(CommandRow);
     auto* command = dynamic_cast<CommandDataHandler*>(backup.GetAddOnData());
     command->SetCommand("rsync -a ~/Documents/ ~/Backup/");
     command->SetVerify(true);
 
-    Event& timesheet = Add("Fill the time sheet in", Weekdays, 16 * Hour + 45 * Minute);
+    Event& timesheet = Add(Clock, "Fill the time sheet in", Weekdays, 16 * Hour + 45 * Minute);
     timesheet.SetSelectedHandler(ActOnFileRow);
     auto* file = dynamic_cast<ActOnFileDataHandler*>(timesheet.GetAddOnData());
     file->SetFileName("/usr/share/common-licenses/GPL-3");
     file->SetVerify(true);
 
-    Say(Add("Water the garden", Weekends, 8 * Hour), "The tomatoes first.");
+    Say(Add(House, "Water the garden", Weekends, 8 * Hour), "The tomatoes first.");
 
-    Event& plants = Add("Turn the orchids", MultiDaily, -1);
+    Event& plants = Add(Star, "Turn the orchids", MultiDaily, -1);
     plants.SetMultiple(5);
     plants.SetSelectedHandler(DoNothingRow);
 
-    Event& eyes = Add("Look out of the window", SubDaily, -1);
+    Event& eyes = Add(Heart, "Look out of the window", SubDaily, -1);
     eyes.SetMultiStartTime(Today(9 * Hour));
     eyes.SetMultiple(2);
     eyes.SetSubIntType(Hours);
@@ -118,9 +121,10 @@ class Sample {
 
  private:
   /// A new event, due at `secondsIntoDay` (none when negative), starting today.
-  Event& Add(const char* name, PeriodicityType type, int32 secondsIntoDay) {
+  Event& Add(int32 icon, const char* name, PeriodicityType type, int32 secondsIntoDay) {
     Event& event = *set_.AddEvent(nullptr);
     event.SetName(name);
+    event.SetIcon(icon, nullptr);
     event.SetPeriodType(type);
     event.SetMultiStartTime(Today(0));
     if (secondsIntoDay >= 0) {

@@ -6,7 +6,6 @@ namespace kestrin {
 
 namespace {
 
-constexpr Rect InitialSetWindow{16, 33, 569, 357};
 constexpr Rect InitialEventWindow{40, 60, 407, 450};
 constexpr Rect InitialSettingsWindow{60, 50, 342, 350};
 constexpr Point InitialIconPanel{100, 80};

@@ -15,6 +15,7 @@ namespace kestrin {
 
 inline constexpr int32 NumberOfColumns = 6;
 inline constexpr int32 MaxSortKeys = 5;
+inline constexpr Rect InitialSetWindow{16, 33, 569, 357};
 
 enum SetHandling : int32 { ShowAlways = 0, ShowIfNoneOpen = 1, ShowNever = 2 };
 enum DeliverMode : int32 {

@@ -292,6 +292,18 @@ TEST_F(EventListTest, AnyStoredLayoutIsShownAndKept) {
   EXPECT_EQ(layout.WindowFrame.top, 1e30f);
 }
 
+TEST_F(EventListTest, ANewSetCutsNoTimeAndHidesNoColumn) {
+  set.Layout().ColumnShown = KestrinSettings::ColumnShown;
+  Append("Tea", 1794773322, WaitingForPrewarning).SetApplyTime(true);
+  Open();
+  for (const int column : {NameColumn, EventTimeColumn, HandlerColumn, StatusColumn})
+    EXPECT_LE(list->sizeHintForIndex(list->model()->index(0, column)).width(),
+              list->columnWidth(column))
+        << column;
+  EXPECT_GE(list->viewport()->width(), list->header()->length());
+  EXPECT_EQ(set.Layout().ColumnWidth[EventTimeColumn], 150) << "nobody has chosen another one";
+}
+
 TEST_F(EventListTest, ACutNameShowsWholeAndPlainInAToolTip) {
   const std::string name = "<img src='x'>" + std::string(90, 'w');
   Append(name);

@@ -1,6 +1,8 @@
 #include "interface/list/ListEventView.h"
 
+#include <QHeaderView>
 #include <QItemSelectionModel>
+#include <QStyle>
 #include <algorithm>
 
 #include "core/EventSet.h"
@@ -13,6 +15,7 @@ namespace {
 
 // As other programs know the two kinds of column.
 constexpr uint32 IconColumnFlags = 78, LabelColumnFlags = 3073;
+constexpr int RoomAroundText = 6;
 
 }  // namespace
 
@@ -28,8 +31,25 @@ ListEventView::ListEventView(EventSet& set) : EventSetViewInterface(set), model_
           &ListEventView::SelectedEventChanged);
 }
 
+/// The widths of a new set suit a small font; the time of day must never be what is cut off.
+std::array<int, NumberOfColumns> ListEventView::FittingWidths() const {
+  constexpr const char* longDate = "Wed, Nov 30 2026, 10:00:00 AM";
+  constexpr std::array<const char*, NumberOfColumns> usual = {
+      "", "", longDate, longDate, "Act on file", "Waiting for prewarning"};
+  const int room = 2 * (style()->pixelMetric(QStyle::PM_FocusFrameHMargin) + 1) + RoomAroundText;
+  std::array<int, NumberOfColumns> widths{};
+  for (size_t column = 0; column < widths.size(); ++column)
+    widths[column] =
+        std::max(BuiltInColumnWidth[column], fontMetrics().horizontalAdvance(usual[column]) + room);
+  return widths;
+}
+
+int ListEventView::WidthOfColumns() const {
+  return header()->length() + style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+}
+
 void ListEventView::AddColumnLabels() {
-  const ShownLayout layout = ShownLayoutOf(GetEventSet().Layout());
+  const ShownLayout layout = ShownLayoutOf(GetEventSet().Layout(), FittingWidths());
   std::vector<CLVColumn> columns;
   for (size_t column = 0; column < layout.width.size(); ++column) {
     const uint32 flags = column == IconColumn ? IconColumnFlags : LabelColumnFlags;

@@ -1,6 +1,7 @@
 // The list of a set's events.
 #pragma once
 
+#include "core/KestrinSettings.h"
 #include "interface/list/ColumnListView.h"
 #include "interface/list/EventListModel.h"
 #include "interface/list/EventSetViewInterface.h"
@@ -26,6 +27,8 @@ class ListEventView final : public ColumnListView, public EventSetViewInterface 
 
   /// Selects the event's row and scrolls to it.
   void SelectEvent(const Event* event);
+  /// In which no column is out of sight.
+  int WidthOfColumns() const;
   /// Shows nothing any more: the set is about to go.
   void Clear() { model_.Clear(); }
 
@@ -40,6 +43,7 @@ class ListEventView final : public ColumnListView, public EventSetViewInterface 
 
  private:
   void AddColumnLabels();
+  std::array<int, NumberOfColumns> FittingWidths() const;
 
   EventListModel model_;
 };

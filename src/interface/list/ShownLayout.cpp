@@ -10,8 +10,6 @@ namespace {
 enum SortMode : int32 { Ascending = 0, Descending = 1, Unsorted = 2 };
 
 constexpr int WidestColumn = 4000;
-constexpr std::array<int, NumberOfColumns> UsualWidth = {
-    MinimumColumnWidth, 190, 150, 150, 60, 115};
 
 std::array<int, NumberOfColumns> ShownOrder(const std::array<int32, NumberOfColumns>& stored) {
   std::vector<int> order;
@@ -27,8 +25,10 @@ std::array<int, NumberOfColumns> ShownOrder(const std::array<int32, NumberOfColu
   return all;
 }
 
-int ShownWidth(size_t column, float stored) {
-  if (column == IconColumn || !std::isfinite(stored) || stored <= 0) return UsualWidth[column];
+int ShownWidth(size_t column, float stored, int fitting) {
+  if (column == IconColumn) return MinimumColumnWidth;
+  const bool isChosen = stored != static_cast<float>(BuiltInColumnWidth[column]);
+  if (!std::isfinite(stored) || stored <= 0 || !isChosen) return fitting;
   const float width = std::clamp(stored, float{MinimumColumnWidth}, float{WidestColumn});
   return static_cast<int>(std::lround(width));
 }
@@ -49,13 +49,14 @@ std::vector<SortKey> ShownKeys(const SetLayout& stored) {
 
 }  // namespace
 
-ShownLayout ShownLayoutOf(const SetLayout& stored) {
+ShownLayout ShownLayoutOf(const SetLayout& stored,
+                          const std::array<int, NumberOfColumns>& fitting) {
   ShownLayout layout{ShownOrder(stored.ColumnOrder), stored.ColumnShown, {}, ShownKeys(stored)};
   const auto isShown = [](bool shown) { return shown; };
   if (std::none_of(layout.shown.begin(), layout.shown.end(), isShown))
     layout.shown[NameColumn] = true;
   for (size_t column = 0; column < layout.width.size(); ++column)
-    layout.width[column] = ShownWidth(column, stored.ColumnWidth[column]);
+    layout.width[column] = ShownWidth(column, stored.ColumnWidth[column], fitting[column]);
   return layout;
 }
 

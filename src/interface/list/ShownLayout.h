@@ -10,6 +10,8 @@
 namespace kestrin {
 
 inline constexpr int MinimumColumnWidth = 20;
+/// Of a new set. A column that still has it was given its width by nobody.
+inline constexpr std::array<int, NumberOfColumns> BuiltInColumnWidth = {35, 190, 150, 150, 60, 115};
 
 struct ShownLayout {
   std::array<int, NumberOfColumns> order;  ///< columns from left to right
@@ -18,8 +20,9 @@ struct ShownLayout {
   std::vector<SortKey> keys;
 };
 
-/// Any values give a layout: what cannot be shown is passed over.
-ShownLayout ShownLayoutOf(const SetLayout& stored);
+/// Any values give a layout: what cannot be shown is passed over. `fitting`: the widths in which
+/// the usual texts fit, for columns whose width nobody has chosen.
+ShownLayout ShownLayoutOf(const SetLayout& stored, const std::array<int, NumberOfColumns>& fitting);
 
 void StoreSorting(const std::vector<SortKey>& keys, SetLayout& stored);
 

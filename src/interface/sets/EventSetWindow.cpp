@@ -93,7 +93,11 @@ EventSetWindow::~EventSetWindow() { Detach(); }
 
 void EventSetWindow::OpenAtFrame() {
   const Rect fallback = KestrinSettings::SetWindowPosition.DefaultFrame();
-  opened_ = GeometryOnScreen(set_->Layout().WindowFrame, fallback);
+  Rect frame = set_->Layout().WindowFrame;
+  const bool isChosen = frame.right - frame.left != InitialSetWindow.right - InitialSetWindow.left;
+  const auto needed = static_cast<float>(list_->WidthOfColumns());
+  if (!isChosen && frame.right - frame.left < needed) frame.right = frame.left + needed;
+  opened_ = GeometryOnScreen(frame, fallback);
   setGeometry(opened_);
 }
 
