@@ -1,9 +1,11 @@
-// What the help page promises is what the engine does.
+// What the help page promises is what the engine does, and what it shows is there.
 #include <gmock/gmock.h>
 
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <regex>
+#include <set>
 
 #include "core/DateTimeText.h"
 #include "core/EventTiming.h"
@@ -11,18 +13,23 @@
 namespace kestrin {
 namespace {
 
+const std::string Folder = KESTRIN_SOURCE_DIR "/docs/";
+
+std::string ReadPage() {
+  std::ifstream file(Folder + "Kestrin documentation.html");
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
 /// The page from these words to the end of their table.
 std::string ReadTable(const char* begin) {
-  std::ifstream file(KESTRIN_SOURCE_DIR "/docs/Kestrin documentation.html");
-  const std::string page{std::istreambuf_iterator<char>(file), {}};
+  const std::string page = ReadPage();
   const size_t at = std::min(page.find(begin), page.size());
   return page.substr(at, page.find("</table>", at) - at);
 }
 
 std::vector<std::smatch> AllOf(const std::string& text, const char* pattern) {
-  static std::vector<std::regex> kept;  // matches point into their expression's text
-  kept.emplace_back(pattern);
-  return {std::sregex_iterator(text.begin(), text.end(), kept.back()), {}};
+  const std::regex expression(pattern);
+  return {std::sregex_iterator(text.begin(), text.end(), expression), {}};
 }
 
 int32 At(int64 year, int64 month, int64 day, int64 hour = 0, int64 minute = 0) {
@@ -91,6 +98,19 @@ TEST(HelpPageTest, EveryTypedFormIsUnderstood) {
     const std::string typed = std::regex_replace(form[1].str(), std::regex("\\s+"), " ");
     EXPECT_NE(hastimeinfo_parsedate(typed, At(2026, 11, 11, 10, 30), Zone(), nullptr), -1) << typed;
   }
+}
+
+TEST(HelpPageTest, EveryPictureAndEveryLinkIsThereAndNoPictureIsForgotten) {
+  const std::string page = ReadPage();
+  std::set<std::string> used;
+  for (const std::smatch& picture : AllOf(page, "<img src=\"([^\"]*)\" alt=\"[^\"]+\">")) {
+    used.insert(picture[1]);
+    EXPECT_TRUE(std::filesystem::is_regular_file(Folder + picture[1].str())) << picture[1];
+  }
+  for (const auto& file : std::filesystem::directory_iterator(Folder + "pictures"))
+    EXPECT_TRUE(used.contains("pictures/" + file.path().filename().string())) << file.path();
+  for (const std::smatch& link : AllOf(page, "href=\"#([^\"]*)\""))
+    EXPECT_NE(page.find("id=\"" + link[1].str() + "\""), std::string::npos) << link[1];
 }
 
 }  // namespace
