@@ -1,7 +1,10 @@
 // A person in front of the program: mouse, keyboard, and nothing set up beforehand.
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 
 #include <ctime>
+#include <filesystem>
+#include <fstream>
 #include <set>
 
 #include "SetMaker.h"
@@ -107,6 +110,29 @@ TEST_F(PersonTest, MakesASetWithAnEventAndIsReminded) {
   Press(alert, "Ok");
   ASSERT_TRUE(WaitForEnd());
   EXPECT_EQ(EventIn(Dump(set + ".kestrin"), "Water the plants").at("NextEventTime"), 0);
+}
+
+TEST_F(PersonTest, FindsTheHelpBesideTheProgram) {
+  const std::string reader = Path("reader");
+  WriteFile(reader, "#!/bin/sh\ncp \"$1\" '" + Path("page read") + "'\n");
+  chmod(reader.c_str(), 0755);
+  std::filesystem::create_directories(Path("data/applications"));
+  WriteFile(Path("data/applications/reader.desktop"),
+            "[Desktop Entry]\nType=Application\nName=Reader\nMimeType=text/html;\nExec='" + reader +
+                "' %f\n");
+  WriteFile(Path("config/mimeapps.list"), "[Default Applications]\ntext/html=reader.desktop\n");
+  const auto application = StartWithWindow({}, "Untitled event set 1");
+  PressKeys(WaitForWindow("Untitled event set 1"), "ctrl+h");
+  ASSERT_TRUE(Until([&] { return HasFile(Path("page read")); }));
+  std::ifstream page(Path("page read"));
+  std::string line;
+  EXPECT_TRUE(Until([&] {
+    page.clear();
+    page.seekg(0);
+    while (std::getline(page, line))
+      if (line == "<title>Kestrin documentation</title>") return true;
+    return false;
+  }));
 }
 
 /// What a screen reader would read without saying what it is for.
