@@ -60,6 +60,23 @@ class PersonTest : public SystemTest {
     return window;
   }
 
+  /// With the mouse, once the application has been told where its alert stands.
+  void ClickAway(const Reader::Alert& alert) {
+    ASSERT_TRUE(Until([&] {
+      const Place corner = TheReader().AreaOf(alert.object).corner;
+      for (const Screen::ShownWindow& window : TheScreen().Windows())
+        if (window.corner == corner) return true;
+      return false;
+    }));
+    const auto [corner, size] = TheReader().AreaOf(alert.buttons.at(0).object);
+    TheScreen().Click({corner.x + size.x / 2, corner.y + size.y / 2});
+    EXPECT_TRUE(Until([&] {
+      for (const Reader::Alert& open : TheReader().Alerts())
+        if (open.text == alert.text) return false;
+      return true;
+    })) << alert.text;
+  }
+
   static std::string AsTyped(int64 moment) {
     char text[32];
     const std::time_t time = moment;
@@ -110,6 +127,40 @@ TEST_F(PersonTest, MakesASetWithAnEventAndIsReminded) {
   Press(alert, "Ok");
   ASSERT_TRUE(WaitForEnd());
   EXPECT_EQ(EventIn(Dump(set + ".kestrin"), "Water the plants").at("NextEventTime"), 0);
+}
+
+TEST_F(PersonTest, AnswersAlertsWhilePanelsAndQuestionsStandOpen) {
+  constexpr int64 Day = 86400;
+  const std::string set = Path("home/Busy.kestrin");
+  const int64 one = Now() + 4, two = Now() + 8;
+  {
+    SetMaker maker(Now());
+    maker.Say(maker.AddDaily("One", one), "Beside the panels.");
+    maker.Say(maker.AddDaily("Two", two), "Beside the question.");
+    maker.Save(set);
+  }
+  const auto application = StartWithWindow({set}, "Busy.kestrin");
+  PressKeys(WaitForWindow("Busy.kestrin"), "ctrl+o");
+  WaitForWindow("Open event sets");
+  PressKeys(InFront("Busy.kestrin"), "alt+f a");
+  WaitForWindow("Save event set");
+  ClickAway(WaitForAlert("One"));
+  WaitForWindow("Open event sets");
+  PressKeys(WaitForWindow("Save event set"), "Escape");
+
+  PressKeys(InFront("Busy.kestrin"), "ctrl+shift+n");
+  PressKeys(WaitForWindow("Event (set Busy"), "ctrl+w");
+  PressKeys(InFront("Busy.kestrin"), "ctrl+w");
+  const Reader::Alert question = WaitForAlert("Save changes to the document");
+  ClickAway(WaitForAlert("Two"));
+  Press(question, "Don't save");
+
+  const nlohmann::json saved = Dump(set);
+  EXPECT_EQ(saved.at("events").size(), 2U);
+  EXPECT_EQ(EventIn(saved, "One").at("NextEventTime"), one + Day) << "or it would ring again";
+  EXPECT_EQ(EventIn(saved, "Two").at("NextEventTime"), two + Day);
+  TheScreen().Close(WaitForWindow("Open event sets"));
+  EXPECT_EQ(application->Wait(), 0) << application->Errors();
 }
 
 TEST_F(PersonTest, FindsTheHelpBesideTheProgram) {
