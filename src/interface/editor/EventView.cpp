@@ -9,22 +9,14 @@
 #include "interface/ShownText.h"
 #include "interface/editor/TypedField.h"
 #include "interface/icons/IconView.h"
+#include "interface/list/EventCells.h"
+#include "interface/list/EventOrder.h"
 
 namespace kestrin {
 
 namespace {
 
-enum Column { IconColumn, CaptionColumn, ValueColumn, ActiveColumn };
-
-QString StatusText(const Event& event) {
-  const auto status = static_cast<size_t>(event.GetStatus());
-  std::string_view text;
-  if (!event.GetActive())
-    text = InactiveMessage;
-  else if (status < StatusMessages.size())
-    text = StatusMessages[status];
-  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
+enum GridColumn { PictureColumn, CaptionColumn, ValueColumn, ActiveColumn };
 
 void ShowLine(QLabel& line, const QString& text) {
   line.setText(text);
@@ -44,7 +36,7 @@ EventView::EventView(Event& event) : EditorPage(event) {
 
 void EventView::BuildIcon(QGridLayout& grid) {
   icon_ = new IconView(GetEvent());
-  grid.addWidget(icon_, 0, IconColumn, 4, 1, Qt::AlignTop);
+  grid.addWidget(icon_, 0, PictureColumn, 4, 1, Qt::AlignTop);
 }
 
 void EventView::BuildName(QGridLayout& grid) {
@@ -95,7 +87,7 @@ void EventView::ShowEvent() {
 void EventView::RedrawStatus() {
   ShowLine(*actual_, TimeText(GetEvent().GetActualEventTime()));
   ShowLine(*next_, TimeText(GetEvent().GetNextEventTime()));
-  ShowLine(*status_, StatusText(GetEvent()));
+  ShowLine(*status_, CellText(GetEvent(), StatusColumn));
 }
 
 /// A prewarning of a whole-day event may come at any hour: only midnight goes without saying.
