@@ -7,7 +7,8 @@ target_compile_options(
                           # g++ 12 reports the standard library's own string concatenation (105651)
                           $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
 if(KESTRIN_SANITIZE)
-  target_compile_options(kestrin_flags INTERFACE -fsanitize=${KESTRIN_SANITIZE} -fno-omit-frame-pointer)
+  target_compile_options(kestrin_flags INTERFACE -fsanitize=${KESTRIN_SANITIZE} -fno-sanitize-recover=all
+                                           -fno-omit-frame-pointer)
   target_link_options(kestrin_flags INTERFACE -fsanitize=${KESTRIN_SANITIZE})
 endif()
 

@@ -37,6 +37,7 @@ class AppTestBase : public testing::Test {
       World.Core.zone = test.SystemZone;
       World.Time.JumpTo(test.Now);
     }
+    ~Process() { World.Ui.App = nullptr; }  // its windows outlive the application
     TestContext World;
     FakeBackground Background;
     FakeBus Bus;
