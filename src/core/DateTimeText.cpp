@@ -121,7 +121,7 @@ const char* WhyNoDate(std::string_view text, int64 now, const Zone& zone) {
     return "This is no date. Type one like Nov 20 2026, tomorrow, or Friday, 3 pm "
            "(with a comma before the time).";
   const std::optional<ReadMoment> read = ReadDate(fixed, now, zone);
-  return read && read->moment > 0 ? "" : "Only dates from 1970 to January 18, 2038 can be kept.";
+  return read && read->moment > 0 ? "" : DateOutOfRange;
 }
 
 int32 ParseDate(std::string_view text, int64 now, const Zone& zone) {

@@ -23,6 +23,9 @@ std::string GetFixedTime(std::string_view text);
 /// without a time is its midnight. `hasTime` (may be null) tells whether a time of day was named.
 int32 hastimeinfo_parsedate(std::string_view text, int64 now, const Zone& zone, bool* hasTime);
 
+/// The complaint about a date that cannot be stored.
+inline constexpr char DateOutOfRange[] = "Only dates from 1970 to January 18, 2038 can be kept.";
+
 /// Why an event cannot take the typed text as a date: it is none, or no time from 1970 to the end
 /// of stored times in January 2038. A sentence for the person who typed it; empty when it can.
 const char* WhyNoDate(std::string_view text, int64 now, const Zone& zone);

@@ -22,4 +22,10 @@ Event* DeletedEvents::RestoreLast() {
   return set.RestoreEvent(std::move(last.event), last.place);
 }
 
+void DeletedEvents::Clear() {
+  for (Deleted& each : deleted_)
+    if (each.event->IsActing()) each.event->GetOwner()->KeepActing(std::move(each.event));
+  deleted_.clear();
+}
+
 }  // namespace kestrin

@@ -18,7 +18,7 @@ class DeletedEvents {
   /// Puts the event that was deleted last back in its place; null when there is none.
   Event* RestoreLast();
   bool Empty() const { return deleted_.empty(); }
-  void Clear() { deleted_.clear(); }
+  void Clear();
 
  private:
   struct Deleted {

@@ -104,6 +104,10 @@ void DeliveryPass::DealWith(const Earliest& earliest) {
     StopInDebugger();
   }
   earliest.set->Unlock();
+  earliest.set->DropActing();
+  const AutoLock settings(KestrinSettings::Protect);
+  const AutoLock open(OpenSets::Protect);
+  OpenSets::DestroyDeparted();
 }
 
 /// Only the set that was opened first is looked at: replies about other sets change nothing.

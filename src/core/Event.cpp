@@ -50,6 +50,7 @@ void Event::StorePlain(T& field, V value) {
 }
 
 void Event::SetName(std::string_view name) {
+  owner_.RecordRename(*this);
   record_.Name = FitText(name);
   owner_.EventModified(this);
 }
@@ -94,22 +95,25 @@ void Event::SetMultiple(uint32 multiple) { StoreTiming(record_.Multiple, multipl
 void Event::SetTimingType(enum TimingType type) { StoreTiming(record_.TimingType, type); }
 
 /// EventTime becomes the day of `day` joined, on the wall clock, with the time of day in use.
-void Event::JoinDayAndTime(int32 day) {
+bool Event::JoinDayAndTime(int32 day) {
   Civil civil = MidnightOf(LocalZone().AtMoment(day));
   if (record_.ApplyTime) civil.seconds += record_.TimeToApply;
   const int64 moment = LocalZone().ToMoment(civil);
-  if (FitsTime(moment)) record_.EventTime = static_cast<int32>(moment);
+  if (!FitsTime(moment)) return false;
+  record_.EventTime = static_cast<int32>(moment);
+  return true;
 }
 
-void Event::SetEventTime(int32 time, bool useTimeOfDay) {
+bool Event::SetEventTime(int32 time, bool useTimeOfDay) {
   if (useTimeOfDay) {
     record_.EventTime = time;
     record_.TimeToApply = kestrin::GetSecondsIntoDay(time, LocalZone());
     record_.ApplyTime = true;
-  } else {
-    JoinDayAndTime(time);
+  } else if (!JoinDayAndTime(time)) {
+    return false;
   }
   UpdateEventTime();
+  return true;
 }
 
 void Event::SetDayOfMonth(int8 day) { StoreTiming(record_.DayOfMonth, day); }

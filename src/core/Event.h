@@ -54,8 +54,9 @@ class Event {
   void SetPeriodType(PeriodicityType type);
   void SetMultiple(uint32 multiple);
   void SetTimingType(TimingType type);
-  /// `useTimeOfDay`: `time` brings a time of day along; otherwise only its day counts.
-  void SetEventTime(int32 time, bool useTimeOfDay);
+  /// `useTimeOfDay`: `time` brings a time of day along; otherwise only its day counts. False, and
+  /// nothing changes, when the day with the event's time of day is beyond what can be stored.
+  bool SetEventTime(int32 time, bool useTimeOfDay);
   void SetDayOfMonth(int8 day);
   void SetWeekOfMonth(int8 week);
   void SetDayOfWeek(int8 day);
@@ -111,14 +112,17 @@ class Event {
   /// Recomputes the times and the status as at now and tells everybody.
   void UpdateEventTime();
 
-  /// Delivers whatever is due, advances the state and posts EVENT_DEALT_WITH, once. Called with the
-  /// set locked; returns with it unlocked when an alert or a handler was served. The event may be
-  /// gone afterwards. `checkMissed`: the pass follows a start, so events may have been missed.
+  /// Delivers whatever is due, advances the state and posts EVENT_DEALT_WITH, once. An event whose
+  /// times were changed while its action ran keeps them. Called with the set locked; returns with
+  /// it unlocked when an alert or a handler was served. The event may be gone afterwards.
+  /// `checkMissed`: the pass follows a start, so events may have been missed.
   void DealWithEvent(bool checkMissed);
 
   /// Advances the state as after a delivery, delivering nothing: for what was delivered before its
   /// set was read again. The event may be gone afterwards.
   void MoveOn();
+  /// Whether its action runs now, which needs it and its data.
+  bool IsActing() const { return acting_; }
 
   /// Opens the editor, or activates it.
   void OpenWindow();
@@ -139,7 +143,7 @@ class Event {
   /// Stores any other field and marks the set modified.
   template <typename T, typename V>
   void StorePlain(T& field, V value);
-  void JoinDayAndTime(int32 day);
+  bool JoinDayAndTime(int32 day);
   void TakeTimes(const EventTimes& times);
   void TellTimes();
   std::unique_ptr<EventAddOnData> TakeOtherData(int32 row);
@@ -149,6 +153,8 @@ class Event {
   bool IsLate(int64 now) const;
   void DropPrewarnings(int64 now);
   void PassOverMissed();
+  template <typename Action>
+  void Deliver(int32 found, Action act);
   void EventDelivered();
   void PrewarningDelivered(int64 now);
   void OccurrenceDelivered(int64 now);
@@ -168,6 +174,7 @@ class Event {
   std::unique_ptr<EventAddOnData> selectedData_;  ///< of selectedHandler_
   std::vector<Slot> otherData_;                   ///< of handlers that were selected before
   EditorWindow* window_ = nullptr;
+  bool acting_ = false;
   bool skipNag_ = false;
   bool skipPrewarn_ = false;
 };

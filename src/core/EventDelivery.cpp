@@ -1,5 +1,6 @@
 // The delivery state machine of an event; docs/delivery.md holds its table.
 #include <cstdio>
+#include <tuple>
 
 #include "core/Event.h"
 #include "core/EventActions.h"
@@ -46,6 +47,27 @@ void Event::DropPrewarnings(int64 now) {
   TellTimes();
 }
 
+/// Whoever is at the windows while `act` runs may change the event, delete it, or close its set.
+template <typename Action>
+void Event::Deliver(int32 found, Action act) {
+  const auto times = [this] {
+    return std::tuple(record_.ActualEventTime, record_.NextEventTime, record_.Status);
+  };
+  const auto due = times();
+  owner_.RecordDelivered(*this, found);
+  owner_.Unlock();
+  acting_ = true;
+  act();
+  acting_ = false;
+  owner_.Lock();
+  if (times() == due) {
+    owner_.RecordDelivered(*this, record_.Status);  // a save would have dropped it
+    EventDelivered();
+  } else {
+    owner_.GetContext().queue.Post(EVENT_DEALT_WITH);
+  }
+}
+
 void Event::DealWithEvent(bool checkMissed) {
   EventSet& owner = owner_;
   EventActions& actions = owner.GetContext().actions;
@@ -54,20 +76,13 @@ void Event::DealWithEvent(bool checkMissed) {
   const int32 found = record_.Status;
   DropPrewarnings(now);
   if (record_.Status == WaitingForPrewarning) {
-    owner.RecordDelivered(*this, found);
-    owner.Unlock();
-    actions.DeliverPrewarnMessage(*this);
-    EventDelivered();
+    Deliver(found, [&] { actions.DeliverPrewarnMessage(*this); });
     return;
   }
   if (record_.Status == WaitingForEvent) {
     const bool late = checkMissed && IsLate(now);
     if (!late || record_.DeliverIfMissed) {
-      owner.RecordDelivered(*this, found);
-      owner.Unlock();
-      actions.DeliverEvent(*this, late);
-      owner.Lock();
-      EventDelivered();
+      Deliver(found, [&] { actions.DeliverEvent(*this, late); });
       return;
     }
     PassOverMissed();
@@ -75,10 +90,7 @@ void Event::DealWithEvent(bool checkMissed) {
     UpdateEventTime();  // the status does not fit the times: nothing to deliver
   }
   if (record_.Status == WaitingToNag && record_.NextEventTime <= now + 60) {
-    owner.RecordDelivered(*this, found);
-    owner.Unlock();
-    actions.DeliverNagMessage(*this);
-    EventDelivered();
+    Deliver(found, [&] { actions.DeliverNagMessage(*this); });
     return;
   }
   owner.GetContext().queue.Post(EVENT_DEALT_WITH);
@@ -110,7 +122,8 @@ void Event::OccurrenceDelivered(int64 now) {
     return;
   }
   skipNag_ = false;
-  if (record_.DeleteOnceDelivered)
+  const bool isInSet = indexStamp != 0;  // else the person has deleted it meanwhile
+  if (record_.DeleteOnceDelivered && isInSet)
     DeleteSelf();
   else
     UpdateEventTime();

@@ -193,10 +193,17 @@ bool WriteBlock(const std::string& bytes, EndianIndependentFile& file) {
 }  // namespace
 
 bool Event::GenerateMessageForEvent(Message* message) const {
+  EventRecord record = record_;
+  if (acting_) {  // what is being delivered is not delivered by a copy
+    const EventTimes next = ComputeEventTimes(record_, Now(), LocalZone());
+    record.ActualEventTime = next.ActualEventTime;
+    record.NextEventTime = next.NextEventTime;
+    record.Status = next.Status;
+  }
   FieldAdder add(*message);
-  VisitBeforeIcon(record_, add);
-  if (record_.IconNumber == OwnIcon && !AddIcon(GetOwnIcon(), *message)) return false;
-  VisitBehindIcon(record_, add);
+  VisitBeforeIcon(record, add);
+  if (record.IconNumber == OwnIcon && !AddIcon(GetOwnIcon(), *message)) return false;
+  VisitBehindIcon(record, add);
   message->Set("HandlerName", GetHandlerName());
   return AddHandlerData(GetAddOnData(), *message);
 }

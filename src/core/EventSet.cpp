@@ -138,20 +138,28 @@ int32 EventSet::GetNextEventTime(Event** event, const std::function<bool(const E
 }
 
 void EventSet::RecordDelivered(const Event& event, int32 status) {
-  delivered_.try_emplace(event.GetHandle(),
-                         Delivered{event.GetName(), event.GetActualEventTime(), status});
+  const auto renamed = namesInFile_.find(event.GetHandle());
+  delivered_.try_emplace(
+      event.GetHandle(),
+      Delivered{renamed == namesInFile_.end() ? event.GetName() : renamed->second,
+                event.GetActualEventTime(), status});
 }
 
-void EventSet::MoveOnDelivered(const DeliveredEvents& delivered, int64 now) {
+void EventSet::RecordRename(const Event& event) {
+  if (!untitled_) namesInFile_.try_emplace(event.GetHandle(), event.GetName());
+}
+
+void EventSet::MoveOnDelivered(DeliveredEvents delivered, int64 now) {
   std::vector<Event*> due;
   for (const auto& event : events_)
     if (event->GetNextEventTime() != 0 && event->GetNextEventTime() <= now)
       due.push_back(event.get());
   for (Event* const event : due) {
     const Delivered state{event->GetName(), event->GetActualEventTime(), event->GetStatus()};
-    const auto known = std::any_of(delivered.begin(), delivered.end(),
-                                   [&](const auto& entry) { return entry.second == state; });
-    if (!known) continue;
+    const auto known = std::find_if(delivered.begin(), delivered.end(),
+                                    [&](const auto& entry) { return entry.second == state; });
+    if (known == delivered.end()) continue;
+    delivered.erase(known);
     RecordDelivered(*event, state.status);
     event->MoveOn();
   }

@@ -115,6 +115,11 @@ class EventSet : public Locker {
     EventSet& set_;
   };
 
+  bool IsDelivering() const { return deliveries_ > 0; }
+  /// For a removed event that is still being dealt with; until then.
+  void KeepActing(std::unique_ptr<Event> event) { acting_.push_back(std::move(event)); }
+  void DropActing() { acting_.clear(); }
+
   const std::string& GetFileName() const { return fileName_; }
   /// A new name: what is known of the earlier file no longer holds.
   void SetFileName(const std::string& path);
@@ -132,17 +137,20 @@ class EventSet : public Locker {
 
   /// The state in which an event was first delivered since the set was last saved.
   struct Delivered {
-    std::string name;
+    std::string name;  ///< that the file has for it
     int32 occurrence;
     int32 status;
     bool operator==(const Delivered&) const = default;
   };
   using DeliveredEvents = std::unordered_map<uint64, Delivered>;
+  /// The event is about to get another name: the file goes on calling it by the one it has.
+  void RecordRename(const Event& event);
   /// `status`: in which the event was found.
   void RecordDelivered(const Event& event, int32 status);
   const DeliveredEvents& DeliveredUnsaved() const { return delivered_; }
-  /// Moves on every event that is due at `now` although `delivered` says it was delivered.
-  void MoveOnDelivered(const DeliveredEvents& delivered, int64 now);
+  /// Moves on every event that is due at `now` although `delivered` says it was delivered. Each
+  /// entry stands for one event.
+  void MoveOnDelivered(DeliveredEvents delivered, int64 now);
   /// The last component of the file name.
   std::string GetLeaf() const;
   static std::string LeafOf(const std::string& path);
@@ -184,9 +192,12 @@ class EventSet : public Locker {
   /// What a save wrote that then failed: it may have come into place all the same.
   std::optional<FileStamp> attempted_;
   SetWindow* window_ = nullptr;
+  std::vector<std::unique_ptr<Event>> acting_;
   SetLayout layout_;
   std::string recoveredFrom_;
-  DeliveredEvents delivered_;          ///< by the event's handle
+  DeliveredEvents delivered_;  ///< by the event's handle
+  /// What the file calls the events that were renamed since, by their handles.
+  std::unordered_map<uint64, std::string> namesInFile_;
   std::optional<std::string> origin_;  ///< the mark of a downloaded file
   bool modified_ = false;
   bool deliveryModified_ = false;

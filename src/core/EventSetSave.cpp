@@ -94,6 +94,7 @@ bool EventSet::SaveData(SavedBy by) {
   fileName_ = target;
   modified_ = deliveryModified_ = false;
   delivered_.clear();
+  namesInFile_.clear();
   if (untitled_) {
     untitled_ = false;
     DiscardRecovered();
@@ -160,7 +161,10 @@ void EventSet::SaveDeliveriesAlone() {
   EventSet inFile(context_, fileName_, &result, &versionOK, &report);
   if (result != ConstructorResult::Success || !versionOK) return;
   inFile.MoveOnDelivered(delivered_, context_.clock.Now());
-  if (inFile.HasBeenModified() && inFile.SaveData(SavedBy::Itself)) stamp_ = inFile.stamp_;
+  if (inFile.HasBeenModified() && inFile.SaveData(SavedBy::Itself)) {
+    stamp_ = inFile.stamp_;
+    delivered_.clear();  // the file knows
+  }
 }
 
 void EventSet::SetFileName(const std::string& path) {

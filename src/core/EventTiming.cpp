@@ -84,10 +84,11 @@ int32 GetSecondsIntoDay(int32 time, const Zone& zone) {
   return SecondsIntoDay(zone.AtMoment(time));
 }
 
-int32 OnDayOf(int32 day, int32 secondsIntoDay, const Zone& zone) {
+std::optional<int32> OnDayOf(int32 day, int32 secondsIntoDay, const Zone& zone) {
   const Civil midnight = MidnightOf(zone.AtMoment(day));
   const int64 moment = zone.ToMoment(Civil{midnight.seconds + secondsIntoDay});
-  return FitsTime(moment) ? Stored(moment) : day;
+  if (!FitsTime(moment)) return std::nullopt;
+  return Stored(moment);
 }
 
 int32 DaysInMonth(int32 month, int32 year) {

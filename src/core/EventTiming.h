@@ -1,6 +1,8 @@
 // When an event occurs next: pure functions from a rule, a moment and a zone. No clock is asked.
 #pragma once
 
+#include <optional>
+
 #include "core/EventRecord.h"
 #include "support/LocalTime.h"
 
@@ -30,9 +32,9 @@ const char* WhyRuleNeverYields(const TimingRule& rule);
 /// Local midnight at or before `time`; the wall-clock time of day.
 int32 GetLast12AM(int32 time, const Zone& zone);
 int32 GetSecondsIntoDay(int32 time, const Zone& zone);
-/// The day of `day`, joined on the wall clock with a time of day; `day` where no time can hold
+/// The day of `day`, joined on the wall clock with a time of day; nothing where no time can hold
 /// that.
-int32 OnDayOf(int32 day, int32 secondsIntoDay, const Zone& zone);
+std::optional<int32> OnDayOf(int32 day, int32 secondsIntoDay, const Zone& zone);
 /// Month 0..11 (larger months carry into the year), year since 1900. Every fourth year is leap.
 int32 DaysInMonth(int32 month, int32 year);
 /// The 0-based row of a day in a month calendar whose weeks start on Monday.

@@ -1,12 +1,14 @@
 #include "core/OpenSets.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "core/EventSet.h"
 
 namespace kestrin {
 
 std::vector<std::unique_ptr<EventSet>> OpenSets::Sets;
+std::vector<std::unique_ptr<EventSet>> OpenSets::departed_;
 Locker OpenSets::Protect("Open sets", LockRank::OpenSets);
 
 EventSet* OpenSets::FindFile(const std::string& path) {
@@ -25,8 +27,14 @@ void OpenSets::Destroy(EventSet* set) {
   const auto found =
       std::find_if(Sets.begin(), Sets.end(), [set](const auto& open) { return open.get() == set; });
   if (found == Sets.end()) return;
-  const std::unique_ptr<EventSet> gone = std::move(*found);
+  std::unique_ptr<EventSet> gone = std::move(*found);
   Sets.erase(found);
+  if (gone->IsDelivering()) departed_.push_back(std::move(gone));
+}
+
+void OpenSets::DestroyDeparted() {
+  for (const auto& set : std::exchange(departed_, {}))
+    if (!FindFile(set->GetFileName())) set->SaveDeliveriesAlone();
 }
 
 }  // namespace kestrin

@@ -20,8 +20,14 @@ class OpenSets {
   /// Callers hold Protect. Null when there is none.
   static EventSet* FindFile(const std::string& path);
   static EventSet* FindHandle(uint64 handle);
-  /// Takes the set out of the list and destroys it.
+  /// Takes the set out of the list and destroys it. A set of which an event is being dealt with
+  /// goes once that is done, by DestroyDeparted.
   static void Destroy(EventSet* set);
+  /// What was delivered is in their files before they go.
+  static void DestroyDeparted();
+
+ private:
+  static std::vector<std::unique_ptr<EventSet>> departed_;
 };
 
 }  // namespace kestrin

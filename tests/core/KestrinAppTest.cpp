@@ -150,6 +150,31 @@ TEST_F(KestrinAppTest, AfterARevertNothingIsDeliveredAgain) {
   EXPECT_FALSE(Set(Work)->HasBeenModified()) << "saved by itself";
 }
 
+TEST_F(KestrinAppTest, WhatWasDeliveredIsKnownByItsNameInTheFile) {
+  for (const bool savedBefore : {false, true}) {
+    WriteSet(Work, {DailyAt(Now, "Tea"), DailyAt(Now, "Milk"), DailyAt(Now, "Milk")});
+    Remember({Work});
+    Now -= Hour;
+    Start({Work});
+    Now += Hour;
+    Post(Message(NEW_EVENT_SET));
+    for (const char* name : {"Cake", "Milk"}) FirstEvent(Work).SetName(name);
+    Set(Work)->Events()[2]->SetActive(false);
+    It->World.Time.JumpTo(Now);
+    Post(Message(DELIVER_EVENTS));
+    EXPECT_THAT(Delivered(), ElementsAre("Milk", "Milk"));
+    if (savedBefore) Set(Work)->SaveDeliveriesAlone();
+    CloseWindow();
+    It->App.RevertToSavedIfRemembered(Work);
+    Run();
+    EXPECT_THAT(Delivered(), ElementsAre("Milk")) << "the one that was inactive";
+    EXPECT_EQ(FirstEvent(Work).GetName(), "Tea");
+    EXPECT_EQ(FirstEvent(Work).GetNextEventTime(), Now + Day);
+    Start();
+    EXPECT_THAT(Delivered(), IsEmpty());
+  }
+}
+
 TEST_F(KestrinAppTest, AnotherZoneRecomputesAllButTheOverdueAndTheNagging) {
   EventRecord nagging = DailyAt(Sunday + 6 * Hour, "nagging");
   nagging.Status = WaitingToNag;

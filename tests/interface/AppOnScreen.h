@@ -36,12 +36,14 @@ class AppOnScreen : public testing::Test {
   }
   ~AppOnScreen() override { End(); }
 
+  static inline Zone SystemZone;
+
   struct Process {
     explicit Process(const std::string& folder)
         : Store(MakeBuiltInPrefs(Files, folder + "/config")),
           App(Core, {Background, Bus, Store, folder, folder + "/state",
                      [this] { LoadBuiltInHandlers(Core); }, [] { ResetHandlerTable(); },
-                     [] { return Zone(); }, [this] { Ended = true; }}) {
+                     [] { return SystemZone; }, [this] { Ended = true; }}) {
       Ui.Connect(Core, App);
     }
     FakeClock Time;
@@ -79,6 +81,7 @@ class AppOnScreen : public testing::Test {
     OpenSets::Sets.clear();
     ResetProcessState();
     It.reset();
+    SystemZone = Zone();
   }
   static std::vector<EventSet*> AllSets() {
     std::vector<EventSet*> sets;

@@ -155,6 +155,19 @@ TEST_F(WhenPageTest, EveryControlWritesItsFieldAtOnce) {
   EXPECT_TRUE(set->HasBeenModified());
 }
 
+TEST_F(WhenPageTest, ADayIsRefusedThatHasNoRoomForItsTimeOfDay) {
+  OpenNew();
+  ASSERT_TRUE(Choose("periodType", "SubDaily"));
+  Enter("startDate", "Nov 20 2026, 07:30");
+  Enter("startDate", "Jan 19 2038");
+  EXPECT_THAT(Complaint(), HasSubstr("January 18, 2038"));
+  EXPECT_EQ(FieldText("startDate"), "Jan 19 2038");
+  EXPECT_EQ(Record().MultiStartTime, Monday + 4 * Day + 27000);
+  Enter("startDate", "Jan 19 2038, 03:00");
+  EXPECT_THAT(Complaint(), IsEmpty());
+  EXPECT_EQ(Record().MultiStartTime, 2147472000 + 10800);
+}
+
 TEST_F(WhenPageTest, DatesAreReadAsTypedAndShownInFullInTheZone) {
   context.Core.zone = *Zone::Load("Europe/Berlin");
   OpenNew();
@@ -179,6 +192,7 @@ TEST_F(WhenPageTest, DatesAreReadAsTypedAndShownInFullInTheZone) {
       {"Nov 27 2026, 6 pm", "Fri, Nov 27 2026, 06:00:00 PM", wall(27, 18)},
       {"Fri, Nov 28 2026, 06:00:00 PM", "Sat, Nov 28 2026, 06:00:00 PM", wall(28, 18)},
       {"29 Nov 2026", "Sun, Nov 29 2026, 06:00:00 PM", wall(29, 18)},
+      {"Jan 19 2038", "", 0},  // 6 pm of that day cannot be kept
   };
   std::string lastShown = FieldText("date");
   for (const auto& c : cases) {

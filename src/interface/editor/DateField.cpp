@@ -76,7 +76,7 @@ QString DateField::TakeText(const QString& typed) {
     return QuotedText(typed) + ": " + why;
   bool hasTime = false;
   const int32 time = hastimeinfo_parsedate(text, now, context.zone, &hasTime);
-  set_(time, hasTime);
+  if (!set_(time, hasTime)) return QuotedText(typed) + ": " + DateOutOfRange;
   return {};
 }
 

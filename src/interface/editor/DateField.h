@@ -25,8 +25,9 @@ class DateField final : public QWidget {
     bool withTime;  ///< whether the time of day is shown
   };
   using Getter = std::function<Shown()>;
-  /// `hasTime`: the person gave a time of day; otherwise only the day of `time` counts.
-  using Setter = std::function<void(int32 time, bool hasTime)>;
+  /// `hasTime`: the person gave a time of day; otherwise only the day of `time` counts. False when
+  /// the day with the time of day it goes with cannot be stored.
+  using Setter = std::function<bool(int32 time, bool hasTime)>;
 
   /// The field is called `objectName`, the button `objectName`Calendar, the calendar "calendar".
   DateField(const QString& objectName, const QString& accessibleName, Event& event, Getter get,

@@ -3,6 +3,7 @@
 #include <QCheckBox>
 #include <QGridLayout>
 #include <QLabel>
+#include <optional>
 
 #include "core/EventSet.h"
 #include "interface/editor/ChoiceMenu.h"
@@ -109,17 +110,20 @@ void EventWhenView::BuildStart(QGridLayout& grid) {
       [this] {
         return DateField::Shown{GetEvent().Record().MultiStartTime, true};
       },
-      [this](int32 time, bool hasTime) { TakeStart(time, hasTime); });
+      [this](int32 time, bool hasTime) { return TakeStart(time, hasTime); });
   AddField(start_->Field());
   AddRow(grid, Start, Caption("&Starting:", start_->Field()), start_);
 }
 
 /// A day alone keeps the time of day that the start had.
-void EventWhenView::TakeStart(int32 time, bool hasTime) {
+bool EventWhenView::TakeStart(int32 time, bool hasTime) {
   const int32 earlier = GetEvent().Record().MultiStartTime;
   const Zone& zone = ZoneOf(GetEvent());
-  if (!hasTime && earlier > 0) time = OnDayOf(time, GetSecondsIntoDay(earlier, zone), zone);
-  Write([time](Event& event) { event.SetMultiStartTime(time); });
+  const std::optional<int32> start =
+      hasTime || earlier <= 0 ? time : OnDayOf(time, GetSecondsIntoDay(earlier, zone), zone);
+  if (!start) return false;
+  Write([start](Event& event) { event.SetMultiStartTime(*start); });
+  return true;
 }
 
 void EventWhenView::BuildStop(QGridLayout& grid) {

@@ -51,7 +51,7 @@ class EventWhenView final : public EditorPage {
   void ShowTypes();
   void ShowTimeOfDay();
   int32 TimeOfDay() const;
-  void TakeStart(int32 time, bool hasTime);
+  bool TakeStart(int32 time, bool hasTime);
 
   ChoiceMenu* periodType_ = nullptr;
   PeriodicityIntervalView* interval_ = nullptr;

@@ -60,7 +60,9 @@ void WhenSelectorsView::BuildDate(Event& event) {
     return DateField::Shown{event_.Record().EventTime, event_.Record().ApplyTime};
   };
   const auto set = [this](int32 time, bool hasTime) {
-    write_([=](Event& it) { it.SetEventTime(time, hasTime); });
+    bool taken = false;
+    write_([&](Event& it) { taken = it.SetEventTime(time, hasTime); });
+    return taken;
   };
   date_ = new DateField("date", "Date", event, get, set);
 }

@@ -1,0 +1,92 @@
+// The edit view that a real add-on, a shared library, brings along.
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPointer>
+
+#include "interface/SavingOnScreen.h"
+
+namespace kestrin {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+class AddOnViewTest : public SavingOnScreen {
+ protected:
+  AddOnViewTest() {
+    QDir(Folder.path()).mkdir("add-ons");
+    for (const char* name : {"Note.so", "BrokenNote.so"})
+      QFile::link(QString(KESTRIN_TEST_ADD_ONS) + '/' + name, Folder.filePath("add-ons/") + name);
+    StartWithAddOns();
+  }
+  void StartWithAddOns() {
+    Start();
+    LoadEventHandlers(It->Core, &It->Store, Folder.path().toStdString(), "");
+    ASSERT_TRUE(FindHandler("Note") && FindHandler("Broken note"));
+  }
+  void OpenEditor(EventSet& set) {
+    First(set).SetTabShown(0);
+    First(set).OpenWindow();
+    auto* editor = dynamic_cast<QWidget*>(First(set).GetWindow());
+    ASSERT_TRUE(QTest::qWaitForWindowActive(editor));
+  }
+  /// By the first letters of its name.
+  void ChooseHandler(const char* letters) {
+    auto* menu = Find<QComboBox>("handler");
+    menu->setFocus();
+    QTest::keyClicks(menu, letters);
+    Run();
+  }
+  static QLineEdit* Note() { return Find<QLineEdit>("note"); }
+};
+
+TEST_F(AddOnViewTest, ItIsTypedIntoSavedAndReadAgain) {
+  EventSet& set = OpenSet();
+  OpenEditor(set);
+  ChooseHandler("Note");
+  ASSERT_TRUE(Note());
+  Note()->setFocus();
+  QTest::keyClicks(Note(), "Milk first");
+  QTest::keyClick(Note(), Qt::Key_S, Qt::ControlModifier);
+  Run();
+  EXPECT_FALSE(set.HasBeenModified());
+  EXPECT_THAT(Bytes(Path("Work.kestrin")), HasSubstr("Milk first"));
+
+  QTest::keyClicks(Note(), ", please");
+  QPointer<QLineEdit> gone = Note();
+  ChooseHandler("Message");
+  EXPECT_FALSE(gone) << "it goes with its handler";
+  EXPECT_TRUE(set.HasBeenModified());
+  ChooseHandler("Note");
+  ASSERT_TRUE(Note());
+  EXPECT_EQ(Note()->text(), "Milk first, please");
+
+  gone = Note();
+  gone->setFocus();
+  QTest::keyClicks(Note(), "!");
+  Choose(WindowOf(set), "Close");
+  ASSERT_TRUE(Answer(Question, "Save"));
+  EXPECT_FALSE(gone) << "it goes with the editor";
+  StartWithAddOns();
+  Message open(OPEN_FILES);
+  open.Set("0", Path("Work.kestrin"));
+  Post(open);
+  EXPECT_EQ(First(*Set("Work.kestrin")).GetHandlerName(), "Note");
+  OpenEditor(*Set("Work.kestrin"));
+  ASSERT_TRUE(Note());
+  EXPECT_EQ(Note()->text(), "Milk first, please!");
+}
+
+TEST_F(AddOnViewTest, OneThatThrowsIsReported) {
+  EventSet& set = OpenSet();
+  OpenEditor(set);
+  ChooseHandler("Broken");
+  EXPECT_EQ(First(set).GetHandlerName(), "Broken note");
+  EXPECT_THAT(AlertTexts(), ElementsAre("Kestrin: The handler \"Broken note\" failed to make its "
+                                        "edit view."));
+  ChooseHandler("Note");
+  EXPECT_TRUE(Note());
+}
+
+}  // namespace
+}  // namespace kestrin

@@ -1,0 +1,261 @@
+// What a person does at the windows while the program is busy with the same event: no deed is lost,
+// and nothing rings twice or not at all.
+#include <QLabel>
+#include <QLineEdit>
+#include <QPointer>
+#include <functional>
+#include <map>
+#include <tuple>
+
+#include "core/UserInterface.h"
+#include "interface/AppOnScreen.h"
+#include "kestrin/EndianIndependentFile.h"
+#include "kestrin/EventServices.h"
+
+namespace kestrin {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+enum class Deed { Edit, Delete, CutAndPaste, Close };
+enum class Moment { AlertOpen, BetweenPasses, WithinAction, QuestionOpen, WaitingForHold };
+
+class BellData final : public EventAddOnData {
+ public:
+  using EventAddOnData::EventAddOnData;
+  static inline std::map<int32, int> Rung;        ///< how often, by occurrence
+  static inline std::function<void()> Meanwhile;  ///< called once, within the action
+
+  QWidget* CreateEditView(Rect) override { return nullptr; }
+  bool SaveData(EndianIndependentFile* file) override {
+    uint32 count = 0;
+    return file->WriteNumber(&count, 4, 1) == 1;
+  }
+  void DealWithEvent(bool missed) override {
+    ++Rung[GetActualEventTime(GetAttachedTo())];
+    ProcessHold();
+    DeliverEventMessage(GetAttachedTo(), missed, "\n\nding", nullptr, nullptr, nullptr, nullptr);
+    if (const auto deed = std::exchange(Meanwhile, nullptr)) deed();
+    EXPECT_TRUE(GetAttachedTo()->IsActing()) << "it stays while it acts";
+  }
+};
+
+EventAddOnData* NewBell(Event* event, EndianIndependentFile* file, bool* ok) {
+  uint32 count = 0;
+  if (file) *ok = file->ReadNumber(&count, 4, 1) == 1;
+  return new BellData(event);
+}
+
+class MeanwhileTest : public AppOnScreen,
+                      public testing::WithParamInterface<std::tuple<Moment, Deed, bool>> {
+ protected:
+  const Moment When = std::get<0>(GetParam());
+  const Deed What = std::get<1>(GetParam());
+  const bool Saves = std::get<2>(GetParam());
+
+  MeanwhileTest() { BellData::Rung.clear(), StartWithBell(); }
+
+  void StartWithBell() {
+    Start();
+    AddOnNames.push_back("Bell");
+    Function_NewAddOnData.push_back(NewBell);
+    ++NumberOfEventHandlers;
+  }
+  void MakeFile() {
+    EventSet made(It->Core, Path("Work.kestrin"));
+    EventRecord record;
+    record.PeriodType = Daily;
+    record.ApplyTime = true;
+    record.TimeToApply = 9 * Hour;
+    Add(made, "Tea", Sunday + 9 * Hour, record).SetSelectedHandler(FindHandler("Bell"));
+    Add(made, "Cake", Sunday + 20 * Hour);
+    ASSERT_TRUE(made.SaveCopy(Path("Work.kestrin")));
+  }
+  EventSet& OpenWork() {
+    Message open(OPEN_FILES);
+    open.Set("0", Path("Work.kestrin"));
+    Post(open);
+    return *Set("Work.kestrin");
+  }
+  static std::vector<std::string> Names(const EventSet& set) {
+    std::vector<std::string> names;
+    for (const auto& event : set.Events()) names.push_back(event->GetName());
+    return names;
+  }
+  static Event& Tea(const EventSet& set) { return *set.Events().at(0); }
+
+  /// Runs no message of the application.
+  void Do() {
+    EventSet& set = *Set("Work.kestrin");
+    EventSetWindow& window = WindowOf(set);
+    if (What == Deed::Close) {
+      Item(window, "Close")->trigger();
+      return;
+    }
+    if (What == Deed::Edit) {
+      auto* editor = dynamic_cast<QWidget*>(Tea(set).GetWindow());
+      auto* name = editor->findChild<QLineEdit*>("eventName");
+      editor->activateWindow();
+      ASSERT_TRUE(QTest::qWaitForWindowActive(editor));
+      name->setFocus();
+      QTest::keyClick(name, Qt::Key_A, Qt::ControlModifier);
+      QTest::keyClicks(name, "Tea with milk");  // and no Return
+      return;
+    }
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    ListEventView& list = *window.GetEventsView();
+    list.SelectEvent(&Tea(set));
+    if (What == Deed::Delete) {
+      QTest::keyClick(&list, Qt::Key_Delete);
+    } else {
+      QTest::keyClick(&list, Qt::Key_X, Qt::ControlModifier);
+      QTest::keyClick(&list, Qt::Key_V, Qt::ControlModifier);
+    }
+  }
+  void Ring() {
+    It->Time.JumpTo(Sunday + 9 * Hour);
+    Post(Message(DELIVER_EVENTS));
+  }
+  void RingUntilDealtWith() {
+    It->Time.JumpTo(Sunday + 9 * Hour);
+    It->Queue.Post(DELIVER_EVENTS);
+    while (!It->App.Pass().IsDealing()) It->App.MessageReceived(*It->Queue.Take());
+  }
+  /// Brings the program to the moment, and does the deed.
+  void DoAtTheMoment() {
+    EventSet& set = *Set("Work.kestrin");
+    switch (When) {
+      case Moment::AlertOpen:
+        Ring();
+        Do();
+        break;
+      case Moment::BetweenPasses:
+        RingUntilDealtWith();
+        Do();
+        break;
+      case Moment::WithinAction:
+        BellData::Meanwhile = [this] { Do(); };
+        Ring();
+        EXPECT_FALSE(BellData::Meanwhile) << "it has acted";
+        break;
+      case Moment::QuestionOpen:
+        set.Events()[1]->SetComment("mine");
+        Choose(WindowOf(set), "Quit to background");
+        ASSERT_THAT(AlertTexts(), ElementsAre(Question.toStdString()));
+        Do();
+        Ring();
+        break;
+      case Moment::WaitingForHold:
+        Ring();
+        Choose(WindowOf(set), "Quit to background");
+        ASSERT_FALSE(Set("Work.kestrin") || It->Ended);
+        Tea(OpenWork()).OpenWindow();
+        Do();
+        break;
+    }
+    Run();
+  }
+  void LeaveAndReadEverything() {
+    if (Set("Work.kestrin")) Choose(WindowOf(*Set("Work.kestrin")), "Close");
+    Answer(Question, Saves ? "Save" : "Don't save");
+    EXPECT_FALSE(Set("Work.kestrin"));
+    while (Answer("Kestrin event:", "Ok")) {
+    }
+    EXPECT_THAT(AlertTexts(), IsEmpty());
+    const bool quits = When == Moment::QuestionOpen || When == Moment::WaitingForHold;
+    EXPECT_EQ(It->Ended, quits) << "a new set stands open in all other cases";
+  }
+  std::vector<std::string> Expected() const {
+    if (Saves && What == Deed::Edit) return {"Tea with milk", "Cake"};
+    if (Saves && What == Deed::Delete) return {"Cake"};
+    if (Saves && What == Deed::CutAndPaste) return {"Cake", "Tea"};
+    return {"Tea", "Cake"};
+  }
+
+  const QString Question = "Save changes to the document \"Work.kestrin\"?";
+};
+
+INSTANTIATE_TEST_SUITE_P(
+    All, MeanwhileTest,
+    testing::Combine(testing::Values(Moment::AlertOpen, Moment::BetweenPasses, Moment::WithinAction,
+                                     Moment::QuestionOpen, Moment::WaitingForHold),
+                     testing::Values(Deed::Edit, Deed::Delete, Deed::CutAndPaste, Deed::Close),
+                     testing::Bool()));
+
+TEST_P(MeanwhileTest, EveryDeedCountsAndEveryOccurrenceRingsOnce) {
+  MakeFile();
+  Tea(OpenWork()).OpenWindow();
+  DoAtTheMoment();
+  LeaveAndReadEverything();
+  // Another process, an hour later.
+  StartWithBell();
+  It->Time.JumpTo(Sunday + 10 * Hour);
+  const EventSet& again = OpenWork();
+  EXPECT_EQ(Names(again), Expected());
+  const bool neverRang = When == Moment::QuestionOpen && What == Deed::Delete && Saves;
+  EXPECT_EQ(BellData::Rung,
+            neverRang ? (std::map<int32, int>{}) : (std::map<int32, int>{{Sunday + 9 * Hour, 1}}));
+  for (const auto& event : again.Events())
+    EXPECT_EQ(event->GetNextEventTime(),
+              Sunday + (event->GetName() == "Cake" ? 20 * Hour : Day + 9 * Hour));
+}
+
+class EditorMeanwhileTest : public AppOnScreen {
+ protected:
+  /// The editor of the set's first event, its name typed over but not handed over.
+  QPointer<QWidget> TypeInEditor(EventSet& set) {
+    Event& event = *set.Events().at(0);
+    event.SetTabShown(1);
+    event.OpenWindow();
+    QPointer<QWidget> editor = dynamic_cast<QWidget*>(event.GetWindow());
+    auto* name = editor->findChild<QLineEdit*>("eventName");
+    name->setFocus();
+    name->selectAll();
+    QTest::keyClicks(name, "Tea with milk");
+    return editor;
+  }
+};
+
+TEST_F(EditorMeanwhileTest, ASetThatIsReadAgainClosesItsEditors) {
+  EventSet& set = OpenSet("Work.kestrin", true);
+  const uint64 handle = set.GetHandle();
+  const QPointer<QWidget> editor = TypeInEditor(set);
+  It->App.RevertToSavedIfRemembered(Path("Work.kestrin"));
+  Run();
+  EXPECT_FALSE(editor);
+  EventSet* const fresh = Set("Work.kestrin");
+  ASSERT_TRUE(fresh && fresh->GetWindow());
+  EXPECT_NE(fresh->GetHandle(), handle);
+  EXPECT_EQ(fresh->Events()[0]->GetName(), "Tea");
+  EXPECT_FALSE(fresh->Events()[0]->GetWindow() || fresh->HasBeenModified());
+  EXPECT_THAT(AlertTexts(), IsEmpty());
+}
+
+TEST_F(EditorMeanwhileTest, AnotherZoneShowsInEveryEditorAndDisturbsNoTyping) {
+  EventSet& set = OpenSet();
+  EventRecord once;
+  once.EventTime = Sunday + 20 * Hour;
+  once.ApplyTime = true;
+  Event& cake = Add(set, "Cake", Sunday + 20 * Hour, once);
+  const QPointer<QWidget> editor = TypeInEditor(set);
+  cake.SetTabShown(1);
+  cake.OpenWindow();
+  const auto text = [](const Event& event, const char* name) {
+    auto* window = dynamic_cast<QWidget*>(event.GetWindow());
+    if (auto* label = window->findChild<QLabel*>(name)) return label->text().toStdString();
+    return window->findChild<QLineEdit*>(name)->text().toStdString();
+  };
+  EXPECT_EQ(text(cake, "date"), "Sun, Nov 15 2026, 08:00:00 PM");
+  SystemZone = *Zone::Load("Asia/Tokyo");
+  Post(Message(DELIVER_EVENTS));
+  EXPECT_EQ(text(cake, "date"), "Mon, Nov 16 2026, 05:00:00 AM");
+  EXPECT_EQ(text(cake, "nextTime"), "Mon, Nov 16 2026, 05:00:00 AM");
+  EXPECT_EQ(text(*set.Events()[0], "nextTime"), "Mon, Nov 16 2026, 09:00:00 AM");
+  EXPECT_EQ(text(*set.Events()[0], "eventName"), "Tea with milk");
+  EXPECT_EQ(set.Events()[0]->GetName(), "Tea") << "not handed over yet";
+}
+
+}  // namespace
+}  // namespace kestrin
