@@ -55,11 +55,14 @@ void Event::Deliver(int32 found, Action act) {
   };
   const auto due = times();
   owner_.RecordDelivered(*this, found);
-  owner_.Unlock();
-  acting_ = true;
-  act();
-  acting_ = false;
-  owner_.Lock();
+  {
+    const EventSet::ActionRuns running(owner_);
+    acting_ = true;
+    owner_.Unlock();
+    act();
+    owner_.Lock();
+    acting_ = false;
+  }
   if (times() == due) {
     owner_.RecordDelivered(*this, record_.Status);  // a save would have dropped it
     EventDelivered();

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "core/Event.h"
@@ -115,10 +116,26 @@ class EventSet : public Locker {
     EventSet& set_;
   };
 
-  bool IsDelivering() const { return deliveries_ > 0; }
+  bool IsActionRunning() const { return actionRuns_; }
   /// For a removed event that is still being dealt with; until then.
   void KeepActing(std::unique_ptr<Event> event) { acting_.push_back(std::move(event)); }
   void DropActing() { acting_.clear(); }
+
+  /// While one of these lives, the action of one of the events runs: changes are made by whoever is
+  /// at the windows, and the set may close but is not destroyed.
+  class ActionRuns {
+   public:
+    explicit ActionRuns(EventSet& set) : set_(set), deliveries_(std::exchange(set.deliveries_, 0)) {
+      set_.actionRuns_ = true;
+    }
+    ~ActionRuns() { set_.deliveries_ = deliveries_, set_.actionRuns_ = false; }
+    ActionRuns(const ActionRuns&) = delete;
+    ActionRuns& operator=(const ActionRuns&) = delete;
+
+   private:
+    EventSet& set_;
+    int32 deliveries_;
+  };
 
   const std::string& GetFileName() const { return fileName_; }
   /// A new name: what is known of the earlier file no longer holds.
@@ -202,6 +219,7 @@ class EventSet : public Locker {
   bool modified_ = false;
   bool deliveryModified_ = false;
   int32 deliveries_ = 0;
+  bool actionRuns_ = false;
 };
 
 }  // namespace kestrin

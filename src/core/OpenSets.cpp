@@ -29,7 +29,7 @@ void OpenSets::Destroy(EventSet* set) {
   if (found == Sets.end()) return;
   std::unique_ptr<EventSet> gone = std::move(*found);
   Sets.erase(found);
-  if (gone->IsDelivering()) departed_.push_back(std::move(gone));
+  if (gone->IsActionRunning()) departed_.push_back(std::move(gone));
 }
 
 void OpenSets::DestroyDeparted() {

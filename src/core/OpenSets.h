@@ -20,8 +20,8 @@ class OpenSets {
   /// Callers hold Protect. Null when there is none.
   static EventSet* FindFile(const std::string& path);
   static EventSet* FindHandle(uint64 handle);
-  /// Takes the set out of the list and destroys it. A set of which an event is being dealt with
-  /// goes once that is done, by DestroyDeparted.
+  /// Takes the set out of the list and destroys it. While an action of it runs, that is left
+  /// to DestroyDeparted.
   static void Destroy(EventSet* set);
   /// What was delivered is in their files before they go.
   static void DestroyDeparted();

@@ -34,7 +34,16 @@ const char* GetEventSetFileName(const Event* event) {
 
 void LockEvent(Event* event) { event->GetProtectionSemaphore().Lock(); }
 void UnlockEvent(Event* event) { event->GetProtectionSemaphore().Unlock(); }
-void SetEventModified(Event* event) { event->SetModified(); }
+
+/// What an action changes in its own data is saved without a question.
+void SetEventModified(Event* event) {
+  if (!event->IsActing()) {
+    event->SetModified();
+    return;
+  }
+  const EventSet::DeliveryChange byAction(*event->GetOwner());
+  event->SetModified();
+}
 
 char* GenerateMessageAlertText(Event* event, bool missed, const char* s1, const char* s2,
                                const char* s3, const char* s4, const char* s5) {

@@ -1,4 +1,5 @@
 // The edit view that a real add-on, a shared library, brings along.
+#include <QAbstractItemView>
 #include <QComboBox>
 #include <QLineEdit>
 #include <QPointer>
@@ -30,11 +31,17 @@ class AddOnViewTest : public SavingOnScreen {
     auto* editor = dynamic_cast<QWidget*>(First(set).GetWindow());
     ASSERT_TRUE(QTest::qWaitForWindowActive(editor));
   }
-  /// By the first letters of its name.
-  void ChooseHandler(const char* letters) {
+  void ChooseHandler(const QString& label) {
     auto* menu = Find<QComboBox>("handler");
     menu->setFocus();
-    QTest::keyClicks(menu, letters);
+    QTest::keyClick(menu, Qt::Key_F4);
+    QAbstractItemView* const view = menu->view();
+    const QModelIndex row = menu->model()->index(menu->findText(label), 0);
+    ASSERT_TRUE(row.isValid());
+    QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, view->visualRect(row).center());
+    ASSERT_TRUE(QTest::qWaitFor([view] { return !view->isVisible(); }));
+    menu->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(menu->window()));
     Run();
   }
   static QLineEdit* Note() { return Find<QLineEdit>("note"); }
@@ -80,7 +87,7 @@ TEST_F(AddOnViewTest, ItIsTypedIntoSavedAndReadAgain) {
 TEST_F(AddOnViewTest, OneThatThrowsIsReported) {
   EventSet& set = OpenSet();
   OpenEditor(set);
-  ChooseHandler("Broken");
+  ChooseHandler("Broken note");
   EXPECT_EQ(First(set).GetHandlerName(), "Broken note");
   EXPECT_THAT(AlertTexts(), ElementsAre("Kestrin: The handler \"Broken note\" failed to make its "
                                         "edit view."));

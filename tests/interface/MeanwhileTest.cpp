@@ -47,14 +47,9 @@ EventAddOnData* NewBell(Event* event, EndianIndependentFile* file, bool* ok) {
   return new BellData(event);
 }
 
-class MeanwhileTest : public AppOnScreen,
-                      public testing::WithParamInterface<std::tuple<Moment, Deed, bool>> {
+class BellOnScreen : public AppOnScreen {
  protected:
-  const Moment When = std::get<0>(GetParam());
-  const Deed What = std::get<1>(GetParam());
-  const bool Saves = std::get<2>(GetParam());
-
-  MeanwhileTest() { BellData::Rung.clear(), StartWithBell(); }
+  BellOnScreen() { BellData::Rung.clear(), StartWithBell(); }
 
   void StartWithBell() {
     Start();
@@ -85,6 +80,19 @@ class MeanwhileTest : public AppOnScreen,
   }
   static Event& Tea(const EventSet& set) { return *set.Events().at(0); }
 
+  void Ring() {
+    It->Time.JumpTo(Sunday + 9 * Hour);
+    Post(Message(DELIVER_EVENTS));
+  }
+};
+
+class MeanwhileTest : public BellOnScreen,
+                      public testing::WithParamInterface<std::tuple<Moment, Deed, bool>> {
+ protected:
+  const Moment When = std::get<0>(GetParam());
+  const Deed What = std::get<1>(GetParam());
+  const bool Saves = std::get<2>(GetParam());
+
   /// Runs no message of the application.
   void Do() {
     EventSet& set = *Set("Work.kestrin");
@@ -113,10 +121,6 @@ class MeanwhileTest : public AppOnScreen,
       QTest::keyClick(&list, Qt::Key_X, Qt::ControlModifier);
       QTest::keyClick(&list, Qt::Key_V, Qt::ControlModifier);
     }
-  }
-  void Ring() {
-    It->Time.JumpTo(Sunday + 9 * Hour);
-    Post(Message(DELIVER_EVENTS));
   }
   void RingUntilDealtWith() {
     It->Time.JumpTo(Sunday + 9 * Hour);
@@ -202,6 +206,24 @@ TEST_P(MeanwhileTest, EveryDeedCountsAndEveryOccurrenceRingsOnce) {
               Sunday + (event->GetName() == "Cake" ? 20 * Hour : Day + 9 * Hour));
 }
 
+TEST_F(BellOnScreen, AnEventMayGoWithItsSetWhileItActs) {
+  MakeFile();
+  OpenWork();
+  BellData::Meanwhile = [this] {
+    EventSetWindow& window = WindowOf(*Set("Work.kestrin"));
+    window.GetEventsView()->SelectEvent(&Tea(*Set("Work.kestrin")));
+    QTest::keyClick(window.GetEventsView(), Qt::Key_Delete);
+    window.CloseNow();
+    EXPECT_FALSE(Set("Work.kestrin"));
+  };
+  Ring();
+  EXPECT_FALSE(BellData::Meanwhile);
+  EXPECT_TRUE(Answer("Kestrin event:", "Ok"));
+  EXPECT_EQ(Names(OpenWork()), (std::vector<std::string>{"Tea", "Cake"})) << "nobody saved";
+  EXPECT_EQ(BellData::Rung.size(), 1u);
+  EXPECT_THAT(AlertTexts(), IsEmpty());
+}
+
 class EditorMeanwhileTest : public AppOnScreen {
  protected:
   /// The editor of the set's first event, its name typed over but not handed over.
@@ -239,9 +261,10 @@ TEST_F(EditorMeanwhileTest, AnotherZoneShowsInEveryEditorAndDisturbsNoTyping) {
   once.EventTime = Sunday + 20 * Hour;
   once.ApplyTime = true;
   Event& cake = Add(set, "Cake", Sunday + 20 * Hour, once);
-  const QPointer<QWidget> editor = TypeInEditor(set);
   cake.SetTabShown(1);
   cake.OpenWindow();
+  const QPointer<QWidget> editor = TypeInEditor(set);
+  ASSERT_TRUE(QTest::qWaitForWindowActive(editor));
   const auto text = [](const Event& event, const char* name) {
     auto* window = dynamic_cast<QWidget*>(event.GetWindow());
     if (auto* label = window->findChild<QLabel*>(name)) return label->text().toStdString();

@@ -63,8 +63,10 @@ bool TypedField::Commit() {
     return true;
   }
   typed_ = false;  // taking the value over may show it, or take the focus away
-  const QString why = take_(text());
+  const QString typed = text();
+  const QString why = take_(typed);
   typed_ = !why.isEmpty();
+  if (typed_ && text() != typed) setText(typed);
   Complain(why, typed_);
   ShowValue();
   return !typed_;
