@@ -8,7 +8,9 @@ target_compile_options(
                           $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
 if(KESTRIN_SANITIZE)
   target_compile_options(kestrin_flags INTERFACE -fsanitize=${KESTRIN_SANITIZE} -fno-sanitize-recover=all
-                                           -fno-omit-frame-pointer)
+                                           -fno-omit-frame-pointer
+                         # g++ 12 takes the checks it put in itself for uses of unset pointers
+                         $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   target_link_options(kestrin_flags INTERFACE -fsanitize=${KESTRIN_SANITIZE})
 endif()
 
