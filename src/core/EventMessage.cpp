@@ -2,6 +2,7 @@
 
 #include <stdio.h>
 
+#include <algorithm>
 #include <type_traits>
 #include <utility>
 
@@ -107,12 +108,22 @@ bool AddIcon(const IconPair* icon, Message& message) {
   return true;
 }
 
+/// What a handler writes behind a count of 0; a reader without it finds zeros there.
+bool AddBehindNothing(EndianIndependentFile& file, Message& message) {
+  const int64 size = std::clamp<int64>(file.BytesLeft(), 0, ZerosWithoutData);
+  RawData raw{HandlerDataCode, std::string(static_cast<size_t>(size), '\0')};
+  if (file.ReadRaw(raw.bytes.data(), raw.bytes.size()) != size) return false;
+  if (raw.bytes.find_first_not_of('\0') != std::string::npos)
+    message.Set("HandlerBehind", std::move(raw));
+  return true;
+}
+
 bool AddHandlerData(EventAddOnData* data, Message& message) {
   BlockFile file;
   uint32 count = 0;
   if (!data || file.InitCheck() != StatusOk || !SaveAddOnData(*data, &file)) return false;
   if (file.Seek(0, SEEK_SET) != 0 || file.ReadNumber(&count, sizeof count, 1) != 1) return false;
-  if (count == 0) return true;
+  if (count == 0) return AddBehindNothing(file, message);
   if (count > file.BytesLeft()) return false;
   RawData raw{HandlerDataCode, std::string(count, '\0')};
   if (file.ReadRaw(raw.bytes.data(), count) != static_cast<int32>(count)) return false;
@@ -182,9 +193,11 @@ class FieldTaker {
   bool anyCut_ = false;
 };
 
-bool WriteBlock(const std::string& bytes, EndianIndependentFile& file) {
+/// `behind`: what follows a count of 0.
+bool WriteBlock(const std::string& bytes, std::string behind, EndianIndependentFile& file) {
   auto count = static_cast<uint32>(bytes.size());
-  const std::string behind = bytes.empty() ? std::string(ZerosWithoutData, '\0') : bytes;
+  behind.resize(ZerosWithoutData);
+  if (count > 0) behind = bytes;
   return file.InitCheck() == StatusOk && file.WriteNumber(&count, sizeof count, 1) == 1 &&
          file.WriteRaw(behind.data(), behind.size()) == static_cast<int32>(behind.size()) &&
          file.Seek(0, SEEK_SET) == 0;
@@ -211,15 +224,16 @@ bool Event::GenerateMessageForEvent(Message* message) const {
 EventFromMessageResult EventFromMessage(EventSet& owner, const Message& message) {
   EventRecord record;
   std::unique_ptr<IconPair> icon;
-  std::string handlerName, handlerData;
+  std::string handlerName, handlerData, behind;
   FieldTaker take(message);
   VisitBeforeIcon(record, take);
   if (record.IconNumber == OwnIcon) icon = take.Icon();
   VisitBehindIcon(record, take);
   take.HandlerName(handlerName);
   if (message.Has("HandlerData")) take.Bytes("HandlerData", HandlerDataCode, handlerData);
+  if (message.Has("HandlerBehind")) take.Bytes("HandlerBehind", HandlerDataCode, behind);
   BlockFile file;
-  if (message.what != 0 || !take.IsWhole() || !WriteBlock(handlerData, file)) return {};
+  if (message.what != 0 || !take.IsWhole() || !WriteBlock(handlerData, behind, file)) return {};
 
   EventFromMessageResult result;
   auto event = std::make_unique<Event>(owner, std::move(record));

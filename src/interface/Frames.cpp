@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QScreen>
 #include <QStyle>
+#include <QWidget>
 #include <algorithm>
 #include <cmath>
 
@@ -39,6 +40,11 @@ const QScreen* ScreenFor(const QRect& geometry) {
 Rect FrameOf(const QRect& geometry) {
   return {static_cast<float>(geometry.left()), static_cast<float>(geometry.top()),
           static_cast<float>(geometry.right()), static_cast<float>(geometry.bottom())};
+}
+
+Rect PlainFrameOf(const QWidget& window) {
+  const bool isPlain = !window.isMaximized() && !window.isFullScreen() && !window.isMinimized();
+  return FrameOf(isPlain ? window.geometry() : window.normalGeometry());
 }
 
 QRect GeometryOnScreen(Rect stored, Rect fallback) {

@@ -5,9 +5,13 @@
 
 #include "kestrin/Types.h"
 
+class QWidget;
+
 namespace kestrin {
 
 Rect FrameOf(const QRect& geometry);
+/// Where the window stands, or would stand if it did not fill the screen.
+Rect PlainFrameOf(const QWidget& window);
 
 /// The geometry, without the window manager's frame, of a window that opens at `stored`: on the
 /// screen that shows most of it, with room for a title bar. `fallback` is for frames that are none.

@@ -10,6 +10,7 @@
 #include <QVBoxLayout>
 #include <stdexcept>
 
+#include "core/EventMessage.h"
 #include "core/HandlerTable.h"
 #include "handlers/ActOnFileDataHandler.h"
 #include "handlers/CommandDataHandler.h"
@@ -126,7 +127,12 @@ TEST_F(EditViewsTest, AnAskingBoxIsKeptThoughNothingElseChanges) {
     Unmodify();
     Click(box);
     EXPECT_TRUE(set->HasBeenModified()) << box;
+    EXPECT_EQ(Find("handler").accessibleDescription(), "Event handler");
   }
+  Message copied;
+  ASSERT_TRUE(event->GenerateMessageForEvent(&copied));
+  const auto pasted = EventFromMessage(*set, copied).NewEvent;
+  EXPECT_TRUE(dynamic_cast<ActOnFileDataHandler&>(*pasted->GetAddOnData()).GetVerify());
   EXPECT_TRUE(DataOf<ActOnFileDataHandler>().GetVerify());
   ASSERT_TRUE(Choose("handler", "Command"));
   EXPECT_TRUE(DataOf<CommandDataHandler>().GetVerify());

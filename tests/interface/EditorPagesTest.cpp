@@ -181,6 +181,17 @@ TEST_F(EditorPagesTest, WhatATextCannotHoldIsLeftOutOfWhatCameLast) {
   EXPECT_THAT(Complaint(), testing::HasSubstr("4095 bytes"));
   window->CommitEdits();
   EXPECT_EQ(event->GetComment().size(), 4095u);
+  const auto undo = QKeySequence(QKeySequence::Undo)[0], redo = QKeySequence(QKeySequence::Redo)[0];
+  for (const auto& [pressed, size] : {std::pair(undo, 4095u),
+                                      {undo, 4094u},
+                                      {undo, 10u},
+                                      {undo, 0u},
+                                      {redo, 10u},
+                                      {redo, 4094u}}) {
+    QTest::keyClick(&Find("comment"), pressed.key(), pressed.keyboardModifiers());
+    QCoreApplication::sendPostedEvents();
+    EXPECT_EQ(TextIn("comment").size(), size) << "what was refused is no step on the way";
+  }
   QTest::keyClick(&Find("comment"), Qt::Key_Tab);
   EXPECT_EQ(Complaint(), "");
 }

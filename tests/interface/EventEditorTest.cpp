@@ -165,10 +165,13 @@ TEST_F(EventEditorTest, ItsFrameIsTheEventsAndBecomesTheDefault) {
   EXPECT_FALSE(set->HasBeenModified());
   window->setGeometry(60, 80, 620, 510);
   QTRY_COMPARE(Record().WindowFrame.right, 679.0F);
+  window->showMaximized();
+  QCoreApplication::processEvents();
   window->close();
   EXPECT_FALSE(set->HasBeenModified()) << "where a window stands is no change";
   EXPECT_FALSE(Record().ShouldWindowOpen);
-  EXPECT_EQ(KestrinSettings::EventWindowPosition.DefaultFrame().left, 60);
+  EXPECT_EQ(KestrinSettings::EventWindowPosition.DefaultFrame(), (Rect{60, 80, 679, 589}))
+      << "new windows do not fill the screen";
   KestrinSettings::RememberWindowSetupAsDefault = false;
   Open(*event);
   window->setGeometry(90, 100, 620, 510);

@@ -192,6 +192,8 @@ TEST_F(WhenPageTest, DatesAreReadAsTypedAndShownInFullInTheZone) {
       {"Nov 27 2026, 6 pm", "Fri, Nov 27 2026, 06:00:00 PM", wall(27, 18)},
       {"Fri, Nov 28 2026, 06:00:00 PM", "Sat, Nov 28 2026, 06:00:00 PM", wall(28, 18)},
       {"29 Nov 2026", "Sun, Nov 29 2026, 06:00:00 PM", wall(29, 18)},
+      {"Nov 30 2026, Midnight", "Mon, Nov 30 2026, 12:00:00 AM", wall(30, 0)},
+      {"today 6 pm", "Sun, Nov 15 2026, 06:00:00 PM", wall(15, 18)},
       {"Jan 19 2038", "", 0},  // 6 pm of that day cannot be kept
   };
   std::string lastShown = FieldText("date");

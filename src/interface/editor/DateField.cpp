@@ -3,6 +3,7 @@
 #include <QAction>
 #include <QDate>
 #include <QHBoxLayout>
+#include <QLocale>
 #include <QToolButton>
 #include <utility>
 
@@ -76,6 +77,7 @@ QString DateField::TakeText(const QString& typed) {
     return QuotedText(typed) + ": " + why;
   bool hasTime = false;
   const int32 time = hastimeinfo_parsedate(text, now, context.zone, &hasTime);
+  hasTime |= typed.contains("midnight", Qt::CaseInsensitive);  // it looks like a day alone
   if (!set_(time, hasTime)) return QuotedText(typed) + ": " + DateOutOfRange;
   return {};
 }
@@ -104,11 +106,10 @@ void DateField::OpenCalendar() {
 }
 
 void DateField::TakeDay(const QDate& day) {
-  field_->Restore();
-  if (day == ShownDay() && get_().time > 0) return;
-  const CivilFields fields{.year = day.year(), .month = day.month() - 1, .day = day.day()};
-  set_(static_cast<int32>(ContextOf(event_).zone.ToMoment(ToCivil(fields))), false);
-  field_->ShowValue();
+  if (day == ShownDay() && get_().time > 0)
+    field_->Restore();
+  else
+    field_->TypeAndCommit(QLocale::c().toString(day, "MMM d yyyy"));
 }
 
 }  // namespace kestrin

@@ -102,7 +102,7 @@ void EventActionView::ShowEvent() {
   const QString hint = row == UnknownHandler
                            ? "Missing handler: " + ShownLine(GetEvent().GetHandlerName())
                            : QString();
-  handler_->setAccessibleDescription(hint);
+  handler_->setAccessibleDescription(hint.isEmpty() ? handler_->accessibleName() : hint);
   handler_->setToolTip(hint.toHtmlEscaped());
   deleteOnce_->setChecked(GetEvent().Record().DeleteOnceDelivered);
   ifMissed_->setChecked(GetEvent().Record().DeliverIfMissed);

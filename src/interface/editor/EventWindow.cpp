@@ -186,7 +186,7 @@ void EventWindow::CloseOwnPopup() {
 /// An event may delete itself, and so close its editor, while its set is locked: then the settings,
 /// which come before sets in the order of locks, wait.
 void EventWindow::RememberAsDefault() {
-  const auto remember = [frame = FrameOf(geometry())] {
+  const auto remember = [frame = PlainFrameOf(*this)] {
     const AutoLock settings(KestrinSettings::Protect);
     if (!KestrinSettings::RememberWindowSetupAsDefault) return;
     KestrinSettings::EventWindowPosition.SetDefaultFrame(frame);

@@ -29,6 +29,8 @@ class TypedField : public QLineEdit {
   /// Hands over what was typed, if anything was; false when it cannot be read. Text that is typed
   /// as it was shown changes nothing.
   bool Commit();
+  /// As if the person had typed `text` and pressed Return.
+  void TypeAndCommit(const QString& text);
   /// Drops what was typed.
   void Restore();
   bool IsInvalid() const { return isInvalid_; }
@@ -43,9 +45,6 @@ class TypedField : public QLineEdit {
   void focusInEvent(QFocusEvent* event) override;
   void focusOutEvent(QFocusEvent* event) override;
   void changeEvent(QEvent* event) override;
-
-  /// As if the person had typed `text` and pressed Return.
-  void TypeAndCommit(const QString& text);
 
  private:
   void Complain(const QString& why, bool isInvalid);

@@ -87,14 +87,29 @@ void WrappingTextView::focusOutEvent(QFocusEvent* event) {
 
 /// A clipboard may hold any amount; one character more than fits is enough to be told about it.
 void WrappingTextView::insertFromMimeData(const QMimeData* source) {
-  textCursor().insertText(source->text().remove(QChar::Null).left(TextLimit));
+  QTextCursor cursor = textCursor();
+  cursor.beginEditBlock();  // so that what is cut of it is undone with it
+  cursor.insertText(source->text().remove(QChar::Null).left(TextLimit));
+  cursor.endEditBlock();
   ensureCursorVisible();
 }
 
 void WrappingTextView::NoteEdit() {
   if (showing_) return;
   modified_ = true;
-  CutToLimit();
+  const int steps = document()->availableUndoSteps();
+  const bool isUndo = steps < std::exchange(undoSteps_, steps);
+  if (document()->isRedoAvailable() && Text().size() >= TextLimit)
+    PassOver(isUndo);
+  else
+    CutToLimit();
+}
+
+/// A character that was typed and refused is a step of its own, which must not be the last that
+/// undo reaches, nor redo.
+void WrappingTextView::PassOver(bool isUndo) {
+  const auto on = isUndo ? &QPlainTextEdit::undo : &QPlainTextEdit::redo;
+  QMetaObject::invokeMethod(this, on, Qt::QueuedConnection);
 }
 
 /// Of what is too much, the end of what came last goes: the text around it was there before.

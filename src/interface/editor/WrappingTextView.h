@@ -42,6 +42,7 @@ class WrappingTextView : public QPlainTextEdit {
  private:
   QString PlainText() const;
   void NoteEdit();
+  void PassOver(bool isUndo);
   void CutToLimit();
   void Complain(const QString& why);
 
@@ -49,6 +50,7 @@ class WrappingTextView : public QPlainTextEdit {
   bool showing_ = false;
   QString shown_;  ///< as StoredText was last shown
   QString complaint_;
+  int undoSteps_ = 0;
   int changedFrom_ = 0, changedTo_ = 0;  ///< what the last change put in, as character positions
 };
 

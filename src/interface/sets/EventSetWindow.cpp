@@ -237,7 +237,7 @@ void EventSetWindow::RememberAsDefault() {
   if (!KestrinSettings::RememberWindowSetupAsDefault) return;
   AutoLock lock(*set_);
   const SetLayout& layout = set_->Layout();
-  KestrinSettings::SetWindowPosition.SetDefaultFrame(FrameOf(geometry()));
+  KestrinSettings::SetWindowPosition.SetDefaultFrame(PlainFrameOf(*this));
   KestrinSettings::ColumnOrder = layout.ColumnOrder;
   KestrinSettings::ColumnShown = layout.ColumnShown;
   KestrinSettings::ColumnWidth = layout.ColumnWidth;

@@ -102,8 +102,7 @@ void SettingsWindow::ForgetSelected() {
 void SettingsWindow::Closing() {
   const AutoLock lock(KestrinSettings::Protect);
   if (!KestrinSettings::RememberWindowSetupAsDefault) return;
-  const bool isPlain = !isMaximized() && !isFullScreen() && !isMinimized();
-  KestrinSettings::SettingsWindowFrame = FrameOf(isPlain ? geometry() : normalGeometry());
+  KestrinSettings::SettingsWindowFrame = PlainFrameOf(*this);
   KestrinSettings::Changed();
 }
 
