@@ -2,16 +2,21 @@
 
 namespace kestrin {
 
+sd_bus* Connect(const PrivateBus& bus) {
+  sd_bus* made = nullptr;
+  Require(sd_bus_new(&made) >= 0 && sd_bus_set_address(made, bus.Address().c_str()) >= 0 &&
+              sd_bus_set_bus_client(made, true) >= 0 && sd_bus_start(made) >= 0,
+          "connect");
+  return made;
+}
+
 const sd_bus_vtable Peer::table_[] = {
     SD_BUS_VTABLE_START(0),
     SD_BUS_METHOD("Post", "ua{sv}", "", OnPost, SD_BUS_VTABLE_UNPRIVILEGED),
     SD_BUS_VTABLE_END,
 };
 
-Peer::Peer(const PrivateBus& bus, const char* name) {
-  Require(sd_bus_new(&bus_) >= 0 && sd_bus_set_address(bus_, bus.Address().c_str()) >= 0 &&
-              sd_bus_set_bus_client(bus_, true) >= 0 && sd_bus_start(bus_) >= 0,
-          "connect");
+Peer::Peer(const PrivateBus& bus, const char* name) : bus_(Connect(bus)) {
   Require(sd_bus_match_signal(bus_, nullptr, nullptr, BackgroundObject,
                               "org.freedesktop.DBus.Properties", "PropertiesChanged", OnChanged,
                               this) >= 0 &&
@@ -79,14 +84,12 @@ std::string Peer::Post(uint32_t what, const std::vector<Field>& fields) {
   sd_bus_message_open_container(message, 'a', "{sv}");
   for (const auto& [name, type, value] : fields) {
     const char signature[] = {type, '\0'};
-    const int32_t small = static_cast<int32_t>(value);
-    const void* place = type == 'x' ? static_cast<const void*>(&value) : &small;
-    sd_bus_message_open_container(message, 'e', "sv");
-    sd_bus_message_append_basic(message, 's', name);
-    sd_bus_message_open_container(message, 'v', signature);
-    sd_bus_message_append_basic(message, type, type == 's' ? std::to_string(value).c_str() : place);
-    sd_bus_message_close_container(message);
-    sd_bus_message_close_container(message);
+    if (type == 's')
+      sd_bus_message_append(message, "{sv}", name, signature, std::to_string(value).c_str());
+    else if (type == 'x')
+      sd_bus_message_append(message, "{sv}", name, signature, value);
+    else
+      sd_bus_message_append(message, "{sv}", name, signature, static_cast<int32_t>(value));
   }
   sd_bus_message_close_container(message);
   sd_bus_error error = SD_BUS_ERROR_NULL;

@@ -12,6 +12,9 @@
 
 namespace kestrin {
 
+/// A connection of its own to the bus; throws when there is none.
+sd_bus* Connect(const PrivateBus& bus);
+
 /// A connection to the bus. With a name it is the application: it takes every message posted.
 class Peer {
  public:

@@ -95,7 +95,7 @@ TEST_F(CommandsTest, AgendaShowsEveryKindOfDelivery) {
   EventRecord deleted = DailyAt(11 * Hour, "once only");
   deleted.DeleteOnceDelivered = true;
   MakeSet("set", {reminding, asleep, deleted, OnceAt(Saturday, "gone")});
-  const std::string before = BytesOf(Path("set"));
+  const std::string before = ReadFile(Path("set"));
   Zone = "UTC";
   EXPECT_EQ(Agenda({"--from", Text(Saturday), "--to", Text(Saturday + 5 * Day), "set"}),
             (Lines{"+1800 prewarning call", "+3600 event once only", "+5400 prewarning call",
@@ -108,7 +108,7 @@ TEST_F(CommandsTest, AgendaShowsEveryKindOfDelivery) {
   EXPECT_EQ(Run({"agenda", "--from", Text(Saturday - 7 * Day), "set"}).out.find("call"),
             std::string::npos)
       << "a week does not reach its own weekday";
-  EXPECT_EQ(BytesOf(Path("set")), before) << "nothing is saved";
+  EXPECT_EQ(ReadFile(Path("set")), before) << "nothing is saved";
 }
 
 TEST_F(CommandsTest, AgendaOfAStartDeliversWhatWasMissed) {
@@ -182,20 +182,19 @@ TEST_F(CommandsTest, CheckSaysWhatNeverComesAndHowManyEventsThereAre) {
 }
 
 TEST_F(CommandsTest, WrongUsageIsToldWithTheRightOne) {
-  const std::string tea = DataFolder + "golden/tea.kestrin";
   for (const char* row :
        {"", "show F", "dump", "dump F F", "dump --json F", "next F F", "next F --at",
         "next --at never F", "next --at 2147483648 F", "next --from 1 F", "agenda",
         "agenda --at 1 F", "check", "check -x F", "rewrite F", "rewrite F out more"}) {
     std::vector<std::string> words;
     std::istringstream cutter(row);
-    for (std::string word; cutter >> word;) words.push_back(word == "F" ? tea : word);
+    for (std::string word; cutter >> word;) words.push_back(word == "F" ? TeaFile : word);
     const Ran ran = Run(words);
     EXPECT_EQ(ran.status, 1) << row;
     EXPECT_EQ(ran.out, "");
     EXPECT_THAT(ran.err, HasSubstr("usage: kestrinctl dump FILE"));
   }
-  PutBytes(Path("--json"), BytesOf(tea));
+  WriteFile(Path("--json"), ReadFile(TeaFile));
   EXPECT_EQ(Run({"dump", "--", "--json"}).status, 0) << "a file called like an option";
 }
 

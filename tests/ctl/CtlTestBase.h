@@ -3,16 +3,15 @@
 
 #include <gmock/gmock.h>
 
-#include <functional>
 #include <nlohmann/json.hpp>
-#include <string>
-#include <vector>
 
+#include "bus/Processes.h"
 #include "core/EventRecord.h"
 
 namespace kestrin {
 
 inline const std::string DataFolder = KESTRIN_SOURCE_DIR "/tests/data/sets/";
+inline const std::string TeaFile = DataFolder + "golden/tea.kestrin";
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 inline constexpr bool IsSanitized = true;  ///< slower, and with an address space without bounds
@@ -20,25 +19,13 @@ inline constexpr bool IsSanitized = true;  ///< slower, and with an address spac
 inline constexpr bool IsSanitized = false;
 #endif
 
-std::string BytesOf(const std::string& path);
-void PutBytes(const std::string& path, const std::string& bytes);
-
-/// The beginning and the end of a set around its records, as bytes.
-std::string SetOfRecords(size_t count, const std::function<void(std::string& all)>& appendRecords);
-
-/// One record of these values with an empty block of a handler without a name: the least there is.
-std::string RecordBytes(const EventRecord& record);
-
 struct Ran {
-  int status = -1;  ///< 1000 + the signal, if one ended it
+  int status = -1;  ///< minus the signal, if one ended it
   std::string out, err;
 };
 
 class CtlTest : public testing::Test {
  protected:
-  CtlTest();
-  ~CtlTest() override;
-
   /// Runs in the test's folder with at most 512 MB and 10 s. `keepOutput` false: it goes to
   /// /dev/null.
   Ran Run(std::vector<std::string> arguments, bool keepOutput = true) const;
@@ -50,10 +37,12 @@ class CtlTest : public testing::Test {
                      const std::string& fault) const;
   /// Writes a set of these events to `name` in the folder, with the code's own writer.
   void MakeSet(const std::string& name, const std::vector<EventRecord>& records) const;
-  std::string Path(const std::string& name) const { return Folder + "/" + name; }
+  std::string Path(const std::string& name) const { return home_.path + "/" + name; }
 
-  std::string Folder;
   std::string Zone = "Europe/Berlin";
+
+ private:
+  const TemporaryFolder home_;
 };
 
 }  // namespace kestrin

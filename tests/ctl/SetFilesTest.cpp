@@ -10,10 +10,11 @@ namespace kestrin {
 namespace {
 
 using nlohmann::json;
+namespace fs = std::filesystem;
 
 class SetFilesTest : public CtlTest {
  protected:
-  const json Expected = json::parse(BytesOf(KESTRIN_EXPECTED));
+  const json Expected = json::parse(ReadFile(KESTRIN_EXPECTED));
 
   static std::string FromHex(const std::string& hex) {
     std::string bytes;
@@ -24,13 +25,13 @@ class SetFilesTest : public CtlTest {
   void ExpectRefusedByAll(const std::string& file, const std::string& fault) const {
     ExpectRefused({"dump", file}, file, fault);
     ExpectRefused({"next", "--json", file}, file, fault);
-    ExpectRefused({"agenda", "--json", DataFolder + "golden/tea.kestrin", file}, file, fault);
-    ExpectRefused({"check", DataFolder + "golden/tea.kestrin", file}, file, fault);
-    PutBytes(Path("kept"), "what was there");
+    ExpectRefused({"agenda", "--json", TeaFile, file}, file, fault);
+    ExpectRefused({"check", TeaFile, file}, file, fault);
+    WriteFile(Path("kept"), "what was there");
     ExpectRefused({"rewrite", file, "kept"}, file, fault);
-    EXPECT_EQ(BytesOf(Path("kept")), "what was there");
+    EXPECT_EQ(ReadFile(Path("kept")), "what was there");
     ExpectRefused({"rewrite", file, "new"}, file, fault);
-    EXPECT_FALSE(std::filesystem::exists(Path("new")));
+    EXPECT_FALSE(fs::exists(Path("new")));
   }
 };
 
@@ -47,7 +48,7 @@ TEST_F(SetFilesTest, WhatIsReadIsSavedInTheNewestVersionAndKeepsEverything) {
       const Ran ran = Run({"rewrite", from, "again"});
       EXPECT_EQ(ran.status, 0) << ran.err;
       EXPECT_EQ(ran.out + ran.err, "");
-      EXPECT_TRUE(BytesOf(Path("again")) == saved) << name << ", from " << from;
+      EXPECT_TRUE(ReadFile(Path("again")) == saved) << name << ", from " << from;
     }
   }
 }
@@ -74,45 +75,41 @@ TEST_F(SetFilesTest, DamagedFilesAreRefused) {
 }
 
 TEST_F(SetFilesTest, WhatIsNoSetFileIsRefused) {
-  std::filesystem::create_directory(Path("folder"));
+  fs::create_directory(Path("folder"));
   ASSERT_EQ(mkfifo(Path("pipe").c_str(), 0600), 0);
-  std::filesystem::create_symlink("nowhere", Path("dangling"));
-  PutBytes(Path("above the limit"), BytesOf(DataFolder + "golden/tea.kestrin"));
-  std::filesystem::resize_file(Path("above the limit"), (size_t{64} << 20) + 2);
-  ExpectRefusedByAll("folder", "Is a directory");
-  ExpectRefusedByAll("pipe", "it is not a regular file");
-  ExpectRefusedByAll("/dev/zero", "it is not a regular file");
-  ExpectRefusedByAll("missing", "No such file");
-  ExpectRefusedByAll("dangling", "No such file");
-  ExpectRefusedByAll("", "No such file");
-  ExpectRefusedByAll("above the limit", "64 MiB");
+  fs::create_symlink("nowhere", Path("dangling"));
+  WriteFile(Path("above the limit"), ReadFile(TeaFile));
+  fs::resize_file(Path("above the limit"), (size_t{64} << 20) + 2);
+  const std::pair<const char*, const char*> rows[] = {{"folder", "Is a directory"},
+                                                      {"pipe", "it is not a regular file"},
+                                                      {"/dev/zero", "it is not a regular file"},
+                                                      {"missing", "No such file"},
+                                                      {"dangling", "No such file"},
+                                                      {"", "No such file"},
+                                                      {"above the limit", "64 MiB"}};
+  for (const auto& [file, fault] : rows) ExpectRefusedByAll(file, fault);
 }
 
 TEST_F(SetFilesTest, RewriteFollowsLinksAndLeavesTheModeOfAFile) {
-  const std::string tea = BytesOf(DataFolder + "golden/tea.kestrin");
-  std::filesystem::create_directory(Path("elsewhere"));
-  PutBytes(Path("elsewhere/set"), "earlier");
-  chmod(Path("elsewhere/set").c_str(), 0640);
-  std::filesystem::create_symlink("elsewhere/set", Path("link"));
-  EXPECT_EQ(Run({"rewrite", DataFolder + "golden/tea.kestrin", "link"}).status, 0);
-  EXPECT_TRUE(std::filesystem::is_symlink(Path("link")));
-  EXPECT_EQ(BytesOf(Path("elsewhere/set")), tea);
-  struct stat info {};
-  stat(Path("elsewhere/set").c_str(), &info);
-  EXPECT_EQ(info.st_mode & 0777u, 0640u);
-  EXPECT_EQ(Run({"rewrite", "link", "link"}).status, 0) << "over itself";
-  EXPECT_EQ(BytesOf(Path("elsewhere/set")), tea);
+  fs::create_directory(Path("elsewhere"));
+  WriteFile(Path("elsewhere/set"), "earlier", 0640);
+  fs::create_symlink("elsewhere/set", Path("link"));
+  for (const std::string& from : {TeaFile, std::string("link")}) {  // the second over itself
+    EXPECT_EQ(Run({"rewrite", from, "link"}).status, 0);
+    EXPECT_TRUE(fs::is_symlink(Path("link")));
+    EXPECT_EQ(ReadFile(Path("elsewhere/set")), ReadFile(TeaFile));
+    EXPECT_EQ(fs::status(Path("elsewhere/set")).permissions(), fs::perms{0640});
+  }
 }
 
 TEST_F(SetFilesTest, WhatCannotBeWrittenIsNamed) {
-  const std::string tea = DataFolder + "golden/tea.kestrin";
-  std::filesystem::create_directory(Path("folder"));
-  PutBytes(Path("file"), "");
+  fs::create_directory(Path("folder"));
+  WriteFile(Path("file"), "");
   const std::pair<const char*, const char*> rows[] = {{"no/such/folder", "No such file"},
                                                       {"folder", "it is a folder"},
                                                       {"/dev/full", "it is not a regular file"},
                                                       {"file/x", "Not a directory"}};
-  for (const auto& [out, fault] : rows) ExpectRefused({"rewrite", tea, out}, out, fault);
+  for (const auto& [out, fault] : rows) ExpectRefused({"rewrite", TeaFile, out}, out, fault);
 }
 
 }  // namespace

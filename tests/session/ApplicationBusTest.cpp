@@ -1,7 +1,5 @@
 #include "session/ApplicationBus.h"
 
-#include <gmock/gmock.h>
-
 #include "session/BusBackground.h"
 #include "session/BusMessages.h"
 #include "session/BusNames.h"
@@ -32,6 +30,10 @@ QDBusMessage Post(uint32 what, const QVariantMap& fields = {}) {
   return ToObject(MessagesInterface, "Post", {QVariant::fromValue(what), fields});
 }
 
+QDBusMessage Open(const QStringList& uris, const QVariantMap& platformData = {}) {
+  return ToObject(ApplicationInterface, "Open", {uris, platformData});
+}
+
 class ApplicationBusTest : public SessionBus {
  protected:
   Arrival ArriveFirst() { return bus_.Arrive({{}, {}, true}); }
@@ -51,56 +53,45 @@ class ApplicationBusTest : public SessionBus {
 
 TEST_F(ApplicationBusTest, TakesDeliveriesQuitsAndFilesAndNothingElse) {
   ASSERT_EQ(ArriveFirst(), Arrival::First);
-  const QVariantMap none, pointer = {{"Event", 0x7fff12345678LL}};
+  const QVariantMap none, pointer = {{"Event", 0x7fff12345678LL}},
+                          token = {{"activation-token", "t"}};
   Message activate(ACTIVATE), opened = Files({"/a b", "/c\xff"}, true);
   activate.Set("token", "t");
   opened.Set("token", "x11");
   struct {
     const char* what;
     QDBusMessage call;
-    QString error;
     std::optional<Message> message;
+    QString error = {};
   } const rows[] = {
-      {"deliver", Post(DELIVER_EVENTS), "", Message(DELIVER_EVENTS)},
-      {"fields that are not known", Post(DELIVER_EVENTS, pointer), "", Message(DELIVER_EVENTS)},
-      {"quit", Post(QUIT_REQUESTED), "", Message(QUIT_REQUESTED)},
-      {"not so full", Post(QUIT_REQUESTED, {{"Full", false}}), "", Message(QUIT_REQUESTED)},
-      {"full quit", Post(QUIT_REQUESTED, {{"Full", true}}), "", Message(FULL_QUIT_REQUESTED)},
-      {"bad field", Post(QUIT_REQUESTED, {{"Full", 1}}), BadFieldError, {}},
-      {"the deliverer's", Post(NEXT_EVENT_MESSAGE, {{"When", 5}}), UnknownMessageError, {}},
-      {"a hold", Post(HoldDone), UnknownMessageError, {}},
-      {"full quit by number", Post(FULL_QUIT_REQUESTED), UnknownMessageError, {}},
-      {"an alert's reply", Post(NAG_ALERT_REPLY, pointer), UnknownMessageError, {}},
-      {"an own one", Post(FORCED_QUIT), UnknownMessageError, {}},
+      {"deliver", Post(DELIVER_EVENTS), Message(DELIVER_EVENTS)},
+      {"fields that are not known", Post(DELIVER_EVENTS, pointer), Message(DELIVER_EVENTS)},
+      {"quit", Post(QUIT_REQUESTED), Message(QUIT_REQUESTED)},
+      {"not so full", Post(QUIT_REQUESTED, {{"Full", false}}), Message(QUIT_REQUESTED)},
+      {"full quit", Post(QUIT_REQUESTED, {{"Full", true}}), Message(FULL_QUIT_REQUESTED)},
+      {"bad field", Post(QUIT_REQUESTED, {{"Full", 1}}), {}, BadFieldError},
+      {"the deliverer's", Post(NEXT_EVENT_MESSAGE, {{"When", 5}}), {}, UnknownMessageError},
+      {"a hold", Post(HoldDone), {}, UnknownMessageError},
+      {"full quit by number", Post(FULL_QUIT_REQUESTED), {}, UnknownMessageError},
+      {"an alert's reply", Post(NAG_ALERT_REPLY, pointer), {}, UnknownMessageError},
+      {"an own one", Post(FORCED_QUIT), {}, UnknownMessageError},
       {"signed",
        ToObject(MessagesInterface, "Post", {1147497548, none}),
-       InvalidArgumentsError,
-       {}},
-      {"open",
-       ToObject(ApplicationInterface, "Open",
-                {QStringList{"file:///a%20b", "FILE://localhost/c%FF"},
-                 QVariantMap{{"desktop-startup-id", "x11"}}}),
-       "", opened},
-      {"open unseen",
-       ToObject(ApplicationInterface, "Open",
-                {QStringList{"file:///a"}, QVariantMap{{BackgroundKey, true}}}),
-       "", Files({"/a"}, false)},
-      {"open no file",
-       ToObject(ApplicationInterface, "Open", {QStringList{"file:///a", "http://b/c"}, none}),
-       InvalidArgumentsError,
-       {}},
-      {"open nothing", ToObject(ApplicationInterface, "Open", {QStringList(), none}), "", {}},
-      {"activate",
-       ToObject(ApplicationInterface, "Activate", {QVariantMap{{"activation-token", "t"}}}), "",
-       activate},
+       {},
+       InvalidArgumentsError},
+      {"open", Open({"file:///a%20b", "FILE://localhost/c%FF"}, {{"desktop-startup-id", "x11"}}),
+       opened},
+      {"open unseen", Open({"file:///a"}, {{BackgroundKey, true}}), Files({"/a"}, false)},
+      {"open no file", Open({"file:///a", "http://b/c"}), {}, InvalidArgumentsError},
+      {"open nothing", Open({}), {}},
+      {"activate", ToObject(ApplicationInterface, "Activate", {token}), activate},
       {"action",
        ToObject(ApplicationInterface, "ActivateAction", {"new", QVariantList(), none}),
-       "",
        {}},
       {"no method",
-       ToObject(MessagesInterface, "Open", {QStringList{"file:///a"}, none}),
-       UnknownMethodError,
-       {}},
+       ToObject(MessagesInterface, "Open", {QStringList("file:///a"), none}),
+       {},
+       UnknownMethodError},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.what);
@@ -108,9 +99,7 @@ TEST_F(ApplicationBusTest, TakesDeliveriesQuitsAndFilesAndNothingElse) {
     EXPECT_EQ(queue_.Take(), row.message);
     EXPECT_TRUE(queue_.Empty());
   }
-  const QDBusMessage refusal =
-      Ask(ToObject(ApplicationInterface, "Open", {QStringList{"http://b/c"}, none}));
-  EXPECT_TRUE(refusal.errorMessage().contains("http://b/c"));
+  EXPECT_TRUE(Ask(Open({"http://b/c"})).errorMessage().contains("http://b/c"));
   const QDBusMessage described =
       Ask(ToObject("org.freedesktop.DBus.Introspectable", "Introspect", {}));
   for (const char* interface : {MessagesInterface, ApplicationInterface})
@@ -141,7 +130,7 @@ TEST_F(ApplicationBusTest, ASecondProcessHandsItsArgumentsOver) {
   };
   const auto program = Install("kestrin");
   for (const auto& row : rows) {
-    const ScopedVariable token("DESKTOP_STARTUP_ID", row.token);
+    const ScopedVariables token("DESKTOP_STARTUP_ID", row.token);
     const auto second = Start(program, row.arguments);
     ASSERT_TRUE(!row.message || RunUntil([this] { return !queue_.Empty(); }));
     EXPECT_EQ(second->Wait(), 0);
@@ -152,7 +141,6 @@ TEST_F(ApplicationBusTest, ASecondProcessHandsItsArgumentsOver) {
 
 TEST_F(ApplicationBusTest, AnOwnerThatIsSilentIsGivenUpAndOneThatDiesIsFollowed) {
   CallBus("RequestName", {ApplicationBusName, 0U});
-  Client().registerVirtualObject(ApplicationObject, nullptr);
   BusReceiver silent(queue_);
   ASSERT_TRUE(Client().registerVirtualObject(ApplicationObject, &silent));
   EXPECT_EQ(bus_.Arrive({{"/a"}, {}, true}), Arrival::NoAnswer);
@@ -176,7 +164,7 @@ TEST_F(ApplicationBusTest, FindsTheMessageItWasStartedForBeforeItsRoleIsDecided)
   EXPECT_EQ(NextLine(), "application delivers, started by the bus");
   EXPECT_THAT(NextLine(), HasSubstr("application got"));
   // A start by the bus that finds the name taken has nothing to say.
-  const ScopedVariable mark("DBUS_STARTER_BUS_TYPE", "session");
+  const ScopedVariables mark("DBUS_STARTER_BUS_TYPE", "session");
   EXPECT_EQ(bus_.Arrive({{}, {}, true}), Arrival::HandedOver);
   EXPECT_EQ(Client().call(Post(QUIT_REQUESTED)).type(), QDBusMessage::ReplyMessage);
   EXPECT_EQ(NextLine(), "application got " + Message(QUIT_REQUESTED).Flatten());
@@ -184,7 +172,7 @@ TEST_F(ApplicationBusTest, FindsTheMessageItWasStartedForBeforeItsRoleIsDecided)
 
 TEST_F(ApplicationBusTest, APersonsStartTellsTheBusItsDisplay) {
   Activatable(BackgroundBusName, Install("KestrinBackground"));
-  const ScopedVariable display("DISPLAY", ":77");
+  const ScopedVariables display("DISPLAY", ":77");
   SystemFileDoor files;
   for (const bool byBus : {true, false}) {
     ApplicationBus bus(queue_);
@@ -217,9 +205,8 @@ TEST_F(ApplicationBusTest, WhatComesTooLateGoesToTheNewOwner) {
   ASSERT_EQ(ArriveFirst(), Arrival::First);
   const auto heir = Start(Install("Heir"));
   EXPECT_EQ(NextLine(), "heir waits");
-  const QVariantMap platformData = {{"activation-token", "t"}, {BackgroundKey, true}};
   QDBusPendingCall late = Client().asyncCall(
-      ToObject(ApplicationInterface, "Open", {QStringList{"file:///a%FF"}, platformData}));
+      Open({"file:///a%FF"}, {{"activation-token", "t"}, {BackgroundKey, true}}));
   Client().asyncCall(Post(QUIT_REQUESTED, {{"Full", true}}));
   Settle();
   EXPECT_TRUE(bus_.Leave());
@@ -242,7 +229,7 @@ TEST_F(ApplicationBusTest, TheEndOfTheBusEndsTheProgramOnce) {
 }
 
 TEST_F(ApplicationBusTest, WithoutABusItSaysSo) {
-  const ScopedVariable address("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus");
+  const ScopedVariables address("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/bus");
   EXPECT_EQ(bus_.Arrive({}), Arrival::NoBus);
   EXPECT_THAT(bus_.Reason(), HasSubstr("/nonexistent/bus"));
   EXPECT_TRUE(bus_.Leave());

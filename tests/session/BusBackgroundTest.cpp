@@ -1,18 +1,14 @@
 #include "session/BusBackground.h"
 
 #include <fcntl.h>
-#include <gmock/gmock.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-#include <fstream>
 
 #include "core/MessageCodes.h"
 #include "session/ActivationFile.h"
 #include "session/BusNames.h"
 #include "session/SessionBus.h"
-#include "support/WholeFile.h"
 
 namespace kestrin {
 namespace {
@@ -34,9 +30,8 @@ class BusBackgroundTest : public SessionBus {
   }
 
   std::string ActivationProgram(const char* name) {
-    status_t status = StatusOk;
-    return ActivatedProgram(ReadWholeFile(files_, ActivationFile(name), status).value_or(""), name)
-        .value_or("none");
+    const std::string file = Bus().Folder() + "/services/" + name + ".service";
+    return ActivatedProgram(ReadFile(file), name).value_or("none");
   }
 
   SystemFileDoor files_;

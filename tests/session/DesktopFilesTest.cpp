@@ -2,17 +2,7 @@
 // are started. Every started program reports through a pipe, so nobody waits by the clock.
 #include "session/DesktopFiles.h"
 
-#include <fcntl.h>
-#include <gtest/gtest.h>
-#include <poll.h>
 #include <signal.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <filesystem>
-#include <fstream>
-#include <memory>
-#include <vector>
 
 #include "session/SessionBus.h"
 #include "session/ShellCommand.h"
@@ -30,23 +20,13 @@ const std::string Report =
     "signals=$(sed -n 's/^Sig[BI][lg][kn]:\\t//p' /proc/$$/status | tr '\\n' ' ' |"
     "  sed 's/ 0000000180000000/ 0000000000000000/')\n"
     "echo \"$1|$PWD|$line|$leads|$signals\" >";
-const std::string Apart = "|nothing|leader|0000000000000000 0000000000000000 \n";
+const std::string Apart = "|nothing|leader|0000000000000000 0000000000000000 ";
 
-class DesktopFilesTest : public testing::Test {
- protected:
-  // GLib reads the folders of the environment once.
-  static void SetUpTestSuite() {
-    std::string pattern = fs::temp_directory_path() / "kestrin-desktop-XXXXXX";
-    root_ = mkdtemp(pattern.data());
+/// The files, once for all tests: GLib reads the folders of the environment once.
+struct Desk {
+  Desk() {
     for (const char* folder : {"home", "data/mime", "data/applications", "config", "elsewhere"})
-      fs::create_directories(root_ / folder);
-    SetEnvironment("HOME", In("home"));
-    SetEnvironment("XDG_DATA_HOME", In("data"));
-    SetEnvironment("XDG_CONFIG_HOME", In("config"));
-    for (const char* name : {"XDG_DATA_DIRS", "XDG_CONFIG_DIRS", "XDG_RUNTIME_DIR"})
-      SetEnvironment(name, In("nowhere"));
-    SetEnvironment("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + In("nowhere"));
-    SetEnvironment("DISPLAY", "");
+      fs::create_directories(In(folder));
     Write("data/mime/globs2", "50:application/x-tea:*.tea\n");
     Write("config/mimeapps.list",
           "[Default Applications]\napplication/x-tea=pot.desktop\ninode/directory=pot.desktop\n");
@@ -60,55 +40,51 @@ class DesktopFilesTest : public testing::Test {
     Write("marked", "neither one nor the other", 0700);
     Write("unmarked", "#!/bin/sh\n");
     Write("green.tea", "leaves");
-    Write("of no type.qqq", std::string(1, '\x01'));
-    fs::copy_file("/bin/true", root_ / "program");
-    fs::create_symlink("program", root_ / "link");
-    fs::create_symlink("gone", root_ / "dangling");
-    for (const char* pipe : {"pipe", "pipe.desktop"}) mkfifo(In(pipe).c_str(), 0600);
+    Write("of no type.qqq", "\x01");
+    fs::copy_file("/bin/true", In("program"));
+    fs::create_symlink("program", In("link"));
+    fs::create_symlink("gone", In("dangling"));
   }
-  static void TearDownTestSuite() {
-    environment_.clear();
-    fs::remove_all(root_);
-  }
-  static void SetEnvironment(const char* name, const std::string& value) {
-    environment_.push_back(std::make_unique<ScopedVariable>(name, value));
-  }
-  static std::string In(const std::string& name) { return root_ / name; }
-  static void Write(const std::string& name, const std::string& text, mode_t mode = 0600) {
-    std::ofstream(root_ / name, std::ios::binary) << text;
-    chmod(In(name).c_str(), mode);
+  std::string In(const std::string& name) const { return root.path + "/" + name; }
+  void Write(const std::string& name, const std::string& text, mode_t mode = 0600) const {
+    WriteFile(In(name), text, mode);
   }
 
+  TemporaryFolder root;
+  LinePipe pipe{In("pipe")}, fakeEntry{In("pipe.desktop")};
+  ScopedVariables variables{{{"HOME", In("home")},
+                             {"XDG_DATA_HOME", In("data")},
+                             {"XDG_CONFIG_HOME", In("config")},
+                             {"XDG_DATA_DIRS", In("nowhere")},
+                             {"XDG_CONFIG_DIRS", In("nowhere")},
+                             {"XDG_RUNTIME_DIR", In("nowhere")},
+                             {"DBUS_SESSION_BUS_ADDRESS", "unix:path=" + In("nowhere")},
+                             {"DISPLAY", ""}}};
+};
+
+class DesktopFilesTest : public testing::Test {
+ protected:
+  static void SetUpTestSuite() { desk_ = std::make_unique<Desk>(); }
+  static void TearDownTestSuite() { desk_.reset(); }
+  static std::string In(const std::string& name) { return desk_->In(name); }
+  /// The next report; empty when none comes.
+  static std::string Reported() { return desk_->pipe.NextLine(); }
+
   // This process keeps signals from itself; what it starts must not inherit that.
-  DesktopFilesTest() : pipe_(open(In("pipe").c_str(), O_RDWR | O_CLOEXEC)) {
+  DesktopFilesTest() {
     sigset_t term;
     sigemptyset(&term);
     sigaddset(&term, SIGTERM);
     pthread_sigmask(SIG_BLOCK, &term, nullptr);
     signal(SIGPIPE, SIG_IGN);
   }
-  ~DesktopFilesTest() override { close(pipe_); }
-
-  /// The next report; empty when none comes.
-  std::string Reported() const {
-    pollfd wait{pipe_, POLLIN, 0};
-    if (poll(&wait, 1, 30000) != 1) return "";
-    char text[4096];
-    const ssize_t got = read(pipe_, text, sizeof text);
-    return std::string(text, static_cast<size_t>(got));
-  }
 
  private:
-  static inline fs::path root_;
-  static inline std::vector<std::unique_ptr<ScopedVariable>> environment_;
-  int pipe_;
+  static inline std::unique_ptr<Desk> desk_;
 };
 
 TEST_F(DesktopFilesTest, FilesAreDescribed) {
-  const struct {
-    const char* Name;
-    FileDescription Expected;
-  } rows[] = {
+  const std::pair<const char*, FileDescription> rows[] = {
       {"script", {true, true, "script"}},
       {"program", {true, true, "program"}},
       {"link", {true, true, "link"}},
@@ -126,27 +102,24 @@ TEST_F(DesktopFilesTest, FilesAreDescribed) {
       {"gone", {false, false, ""}},
       {"script/below a file", {false, false, ""}},
   };
-  for (const auto& row : rows) {
-    const FileDescription found = DescribeFile(In(row.Name));
-    EXPECT_EQ(found.Exists, row.Expected.Exists) << row.Name;
-    EXPECT_EQ(found.IsApplication, row.Expected.IsApplication) << row.Name;
-    EXPECT_EQ(found.ApplicationName, row.Expected.ApplicationName) << row.Name;
+  for (const auto& [name, expected] : rows) {
+    const FileDescription found = DescribeFile(In(name));
+    EXPECT_EQ(found.Exists, expected.Exists) << name;
+    EXPECT_EQ(found.IsApplication, expected.IsApplication) << name;
+    EXPECT_EQ(found.ApplicationName, expected.ApplicationName) << name;
   }
 }
 
 TEST_F(DesktopFilesTest, WhatIsLaunchedLivesApart) {
-  const struct {
-    const char* Name;
-    std::string Expected;
-  } rows[] = {
+  const std::pair<const char*, std::string> rows[] = {
       {"script", "|" + In("home") + Apart},
       {"entry.desktop", "|" + In("elsewhere") + Apart},
       {"green.tea", In("green.tea") + "|" + In("home") + Apart},
       {"elsewhere", In("elsewhere") + "|" + In("home") + Apart},
   };
-  for (const auto& row : rows) {
-    EXPECT_TRUE(LaunchFile(In(row.Name))) << row.Name;
-    EXPECT_EQ(Reported(), row.Expected) << row.Name;
+  for (const auto& [name, expected] : rows) {
+    EXPECT_TRUE(LaunchFile(In(name))) << name;
+    EXPECT_EQ(Reported(), expected) << name;
   }
 }
 

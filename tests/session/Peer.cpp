@@ -1,13 +1,12 @@
 // The other processes of the tests. What it is depends on the name it is started by; what happens
 // to it goes, a line each, into the pipe that KESTRIN_PEER_LOG names.
-#include <dirent.h>
 #include <fcntl.h>
 #include <stdlib.h>
-#include <string.h>
 #include <unistd.h>
 
 #include <QtCore/QCoreApplication>
 #include <QtDBus/QDBusArgument>
+#include <filesystem>
 #include <string>
 
 #include "session/ApplicationBus.h"
@@ -28,27 +27,27 @@ void Log(const std::string& line) {
 }
 
 int FilesBeyondTheFirstThree() {
-  DIR* folder = opendir("/proc/self/fd");
   int count = 0;
-  while (const dirent* entry = readdir(folder))
-    if (entry->d_name[0] != '.' && atoi(entry->d_name) > 2 && atoi(entry->d_name) != dirfd(folder))
-      ++count;
-  closedir(folder);
-  return count;
+  for (const auto& file : std::filesystem::directory_iterator("/proc/self/fd"))
+    if (std::stoi(file.path().filename()) > 2) ++count;
+  return count - 1;  // that folder itself is one
 }
 
 QDBusConnection Connect() {
   return QDBusConnection::connectToBus(qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS"), "peer");
 }
 
-/// Takes any call, answers it, and ends at a quit request or with the bus.
-class Deliverer : public QDBusVirtualObject {
+/// Takes any call, answers it, and ends at a quit request or with the bus. A mortal one dies of the
+/// first call.
+class Answerer : public QDBusVirtualObject {
   Q_OBJECT
 
  public:
+  explicit Answerer(bool isMortal) : isMortal_(isMortal) {}
   QString introspect(const QString&) const override { return {}; }
 
   bool handleMessage(const QDBusMessage& call, const QDBusConnection& connection) override {
+    if (isMortal_) _exit(0);
     const uint code = call.arguments().value(0).toUInt();
     const auto fields = qdbus_cast<QVariantMap>(call.arguments().value(1));
     Log("deliverer got " + QString::number(code, 16).toStdString() + " " +
@@ -60,15 +59,21 @@ class Deliverer : public QDBusVirtualObject {
 
  public Q_SLOTS:
   void BusEnded() { QCoreApplication::quit(); }
+
+ private:
+  const bool isMortal_;
 };
 
-int RunDeliverer(QCoreApplication& application, bool takesItsName) {
+/// Under a bus name, or without one for a program that hangs.
+int RunAnswerer(QCoreApplication& application, const char* object, const char* busName) {
   QDBusConnection bus = Connect();
-  Deliverer object;
+  const bool isMortal = object == ApplicationObject;
+  Answerer answerer(isMortal);
   bus.connect(QString(), "/org/freedesktop/DBus/Local", "org.freedesktop.DBus.Local",
-              "Disconnected", &object, SLOT(BusEnded()));
-  bus.registerVirtualObject(BackgroundObject, &object);
-  if (takesItsName) bus.call(MakeBusCall("RequestName") << BackgroundBusName << 4U);
+              "Disconnected", &answerer, SLOT(BusEnded()));
+  bus.registerVirtualObject(object, &answerer);
+  if (busName) bus.call(MakeBusCall("RequestName") << busName << 4U);
+  if (isMortal) Log("mortal waits");
   return application.exec();
 }
 
@@ -100,35 +105,16 @@ int RunHeir(QCoreApplication& application) {
   MessageQueue queue;
   BusReceiver receiver(queue);
   QDBusConnection bus = Connect();
-  bus.connect(QString(), "/org/freedesktop/DBus/Local", "org.freedesktop.DBus.Local",
-              "Disconnected", &receiver, SLOT(BusEnded()));
   bus.registerVirtualObject(ApplicationObject, &receiver);
   bus.call(MakeBusCall("RequestName") << ApplicationBusName << 0U);
   Log("heir waits");
   return RunQueue(application, queue);
 }
 
-/// Holds the application's name and dies of the first call.
-class Mortal : public QDBusVirtualObject {
- public:
-  QString introspect(const QString&) const override { return {}; }
-  bool handleMessage(const QDBusMessage&, const QDBusConnection&) override { _exit(0); }
-};
-
-int RunMortal(QCoreApplication& application) {
-  QDBusConnection bus = Connect();
-  Mortal object;
-  bus.registerVirtualObject(ApplicationObject, &object);
-  bus.call(MakeBusCall("RequestName") << ApplicationBusName << 0U);
-  Log("mortal waits");
-  return application.exec();
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
-  const std::string path = argv[0];
-  const std::string name = path.substr(path.rfind('/') + 1);
+  const std::string name = std::filesystem::path(argv[0]).filename();
   if (name == "kestrin") return RunApplication(argc, argv);
   if (name == "Leaving") return 0;
   const std::string facts = std::to_string(FilesBeyondTheFirstThree()) + " files " +
@@ -136,9 +122,10 @@ int main(int argc, char** argv) {
                             " session DISPLAY=" + qEnvironmentVariable("DISPLAY").toStdString();
   QCoreApplication application(argc, argv);
   if (name == "Heir") return RunHeir(application);
-  if (name == "Mortal") return RunMortal(application);
+  if (name == "Mortal") return RunAnswerer(application, ApplicationObject, ApplicationBusName);
   Log(name + " up: " + facts);
-  return RunDeliverer(application, name == "KestrinBackground");
+  return RunAnswerer(application, BackgroundObject,
+                     name == "KestrinBackground" ? BackgroundBusName : nullptr);
 }
 
 #include "Peer.moc"

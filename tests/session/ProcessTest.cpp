@@ -1,10 +1,7 @@
 // What a process learns about itself: folders, its start, its display, names of files.
-#include <gmock/gmock.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
-
-#include <fstream>
 
 #include "session/DisplayProbe.h"
 #include "session/FileUri.h"
@@ -36,9 +33,13 @@ TEST(FileUri, OnlyWholeFileUrisOfThisMachine) {
 }
 
 TEST(ProcessInfo, FoldersFollowTheStandard) {
-  const ScopedVariable home("HOME", "/h"), config("XDG_CONFIG_HOME", std::nullopt),
-      state("XDG_STATE_HOME", ""), data("XDG_DATA_HOME", "relative"), cache("XDG_CACHE_HOME", "/c"),
-      systems("XDG_DATA_DIRS", "/x:relative::/y"), runtime("XDG_RUNTIME_DIR", "/r");
+  const ScopedVariables variables({{"HOME", "/h"},
+                                   {"XDG_CONFIG_HOME", std::nullopt},
+                                   {"XDG_STATE_HOME", ""},
+                                   {"XDG_DATA_HOME", "relative"},
+                                   {"XDG_CACHE_HOME", "/c"},
+                                   {"XDG_DATA_DIRS", "/x:relative::/y"},
+                                   {"XDG_RUNTIME_DIR", "/r"}});
   EXPECT_EQ(ConfigFolder(), "/h/.config");
   EXPECT_EQ(StateFolder(), "/h/.local/state");
   EXPECT_EQ(DataFolder(), "/h/.local/share");
@@ -49,8 +50,9 @@ TEST(ProcessInfo, FoldersFollowTheStandard) {
 }
 
 TEST(ProcessInfo, ForgetsHowItWasStarted) {
-  const ScopedVariable mark("DBUS_STARTER_ADDRESS", "unix:x"), token("XDG_ACTIVATION_TOKEN", ""),
-      id("DESKTOP_STARTUP_ID", "id");
+  const ScopedVariables variables({{"DBUS_STARTER_ADDRESS", "unix:x"},
+                                   {"XDG_ACTIVATION_TOKEN", ""},
+                                   {"DESKTOP_STARTUP_ID", "id"}});
   EXPECT_EQ(ActivationToken(), "id");
   ForgetHowStarted();
   EXPECT_EQ(getenv("DBUS_STARTER_ADDRESS"), nullptr);
@@ -60,28 +62,31 @@ class DisplayProbeTest : public testing::Test {
  protected:
   const TemporaryFolder temporary_;
   const fs::path folder_{temporary_.path};
-  ScopedVariable platform_{"QT_QPA_PLATFORM", std::nullopt}, display_{"DISPLAY", std::nullopt},
-      wayland_{"WAYLAND_DISPLAY", std::nullopt}, socket_{"WAYLAND_SOCKET", std::nullopt},
-      type_{"XDG_SESSION_TYPE", std::nullopt}, runtime_{"XDG_RUNTIME_DIR", folder_},
-      plugins_{"QT_PLUGIN_PATH", folder_};
-  DisplayProbeTest() { fs::create_directories(folder_ / "platforms"); }
+  const ScopedVariables variables_{{{"QT_QPA_PLATFORM", std::nullopt},
+                                    {"DISPLAY", std::nullopt},
+                                    {"WAYLAND_DISPLAY", std::nullopt},
+                                    {"WAYLAND_SOCKET", std::nullopt},
+                                    {"XDG_SESSION_TYPE", std::nullopt},
+                                    {"XDG_RUNTIME_DIR", folder_},
+                                    {"QT_PLUGIN_PATH", folder_}}};
 };
 
 TEST_F(DisplayProbeTest, SaysWhyThereIsNone) {
   EXPECT_THAT(WhyNoDisplay().value_or(""), HasSubstr("DISPLAY is not set"));
   {
-    const ScopedVariable platform("QT_QPA_PLATFORM", "offscreen:size=1x1");
+    const ScopedVariables platform("QT_QPA_PLATFORM", "offscreen:size=1x1");
     EXPECT_FALSE(WhyNoDisplay());
   }
-  const ScopedVariable dead("DISPLAY", "unix:/nonexistent.98765");
+  const ScopedVariables dead("DISPLAY", "unix:/nonexistent.98765");
   EXPECT_THAT(WhyNoDisplay().value_or(""), HasSubstr("\"unix:/nonexistent.98765\""));
-  const ScopedVariable platform("QT_QPA_PLATFORM", "wayland;xcb");
+  const ScopedVariables platform("QT_QPA_PLATFORM", "wayland;xcb");
   EXPECT_THAT(WhyNoDisplay().value_or(""), HasSubstr("; "));
 }
 
 TEST_F(DisplayProbeTest, FindsAWaylandDisplayOnlyWithTheToolkitsPart) {
-  const ScopedVariable wayland("WAYLAND_DISPLAY", "wayland-7");
-  std::ofstream(folder_ / "platforms/libqwayland-test.so") << "";
+  const ScopedVariables wayland("WAYLAND_DISPLAY", "wayland-7");
+  fs::create_directory(folder_ / "platforms");
+  WriteFile(folder_ / "platforms/libqwayland-test.so", "");
   EXPECT_THAT(WhyNoDisplay().value_or(""), HasSubstr("\"wayland-7\" cannot be reached"));
 
   const int server = socket(AF_UNIX, SOCK_STREAM, 0);

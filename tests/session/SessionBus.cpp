@@ -1,7 +1,5 @@
 #include "session/SessionBus.h"
 
-#include <stdlib.h>
-
 #include <QtCore/QCoreApplication>
 #include <QtCore/QTimer>
 
@@ -11,18 +9,16 @@ namespace kestrin {
 
 namespace fs = std::filesystem;
 
-ScopedVariable::ScopedVariable(const char* name, std::optional<std::string> value) : name_(name) {
-  if (const char* before = getenv(name)) before_ = before;
-  Set(name_, value);
-}
-
-ScopedVariable::~ScopedVariable() { Set(name_, before_); }
-
-void ScopedVariable::Set(const std::string& name, const std::optional<std::string>& value) {
-  if (value)
-    setenv(name.c_str(), value->c_str(), 1);
-  else
-    unsetenv(name.c_str());
+void ScopedVariables::Exchange() {
+  for (auto& [name, value] : values_) {
+    const char* const now = getenv(name.c_str());
+    const auto before = now ? std::optional<std::string>(now) : std::nullopt;
+    if (value)
+      setenv(name.c_str(), value->c_str(), 1);
+    else
+      unsetenv(name.c_str());
+    value = before;
+  }
 }
 
 bool RunUntil(const std::function<bool()>& condition) {
@@ -34,29 +30,21 @@ bool RunUntil(const std::function<bool()>& condition) {
   return condition();
 }
 
-SessionBus::SessionBus() {
-  const auto set = [this](const char* name, std::optional<std::string> value) {
-    variables_.push_back(std::make_unique<ScopedVariable>(name, std::move(value)));
-  };
-  for (const auto& [name, leaf] : {std::pair{"HOME", "home"},
-                                   {"XDG_DATA_HOME", "data"},
-                                   {"XDG_DATA_DIRS", "system"},
-                                   {"XDG_RUNTIME_DIR", "runtime"}}) {
-    fs::create_directory(folder_ / leaf);
-    set(name, folder_ / leaf);
-  }
-  set("KESTRIN_PEER_LOG", folder_ / "log");
-  for (const char* name : {"DISPLAY", "XDG_ACTIVATION_TOKEN", "DESKTOP_STARTUP_ID"})
-    set(name, std::nullopt);
-  bus_ = std::make_unique<PrivateBus>();
-  fs::create_directory(folder_ / "data/dbus-1");
-  fs::create_directory_symlink(bus_->Folder() + "/services", folder_ / "data/dbus-1/services");
-  set("DBUS_SESSION_BUS_ADDRESS", bus_->Address());
-  client_ = QDBusConnection::connectToBus(QString::fromStdString(bus_->Address()), "client");
+SessionBus::SessionBus()
+    : variables_({{"HOME", folder_ / "home"},
+                  {"XDG_DATA_HOME", folder_ / "data"},
+                  {"XDG_DATA_DIRS", folder_ / "system"},
+                  {"XDG_RUNTIME_DIR", folder_ / "runtime"},
+                  {"KESTRIN_PEER_LOG", folder_ / "log"},
+                  {"DISPLAY", std::nullopt},
+                  {"XDG_ACTIVATION_TOKEN", std::nullopt},
+                  {"DESKTOP_STARTUP_ID", std::nullopt}}),
+      client_(QDBusConnection::connectToBus(QString::fromStdString(bus_.Address()), "client")) {
+  for (const char* name : {"home", "data", "system", "runtime"})
+    fs::create_directory(folder_ / name);
+  bus_.ServeDataFolder(folder_ / "data");
   EXPECT_TRUE(client_.isConnected());
 }
-
-SessionBus::~SessionBus() { QDBusConnection::disconnectFromBus("client"); }
 
 QDBusMessage SessionBus::CallBus(const char* member, const QVariantList& arguments) {
   QDBusMessage call = MakeBusCall(member);
@@ -82,12 +70,8 @@ std::unique_ptr<Child> SessionBus::Start(const std::string& program,
                                  folder_);
 }
 
-std::string SessionBus::ActivationFile(const std::string& name) const {
-  return bus_->Folder() + "/services/" + name + ".service";
-}
-
 void SessionBus::Activatable(const std::string& name, const std::string& program) {
-  bus_->AddService(name, program);
+  bus_.AddService(name, program);
   CallBus("ReloadConfig");
 }
 

@@ -1,34 +1,34 @@
 // A private bus with a client of the session's own kind, folders, and the peers on it.
 #pragma once
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <QtDBus/QDBusConnection>
 #include <QtDBus/QDBusMessage>
 #include <QtDBus/QDBusPendingCall>
 #include <filesystem>
-#include <functional>
 #include <memory>
 #include <optional>
-#include <string>
-#include <vector>
 
 #include "bus/PrivateBus.h"
 
 namespace kestrin {
 
-/// Sets a variable of the environment, or removes it, until the end of the scope.
-class ScopedVariable {
+/// Sets variables of the environment, or removes them, until the end of the scope.
+class ScopedVariables {
  public:
-  ScopedVariable(const char* name, std::optional<std::string> value);
-  ~ScopedVariable();
-  ScopedVariable(const ScopedVariable&) = delete;
-  ScopedVariable& operator=(const ScopedVariable&) = delete;
+  using Values = std::map<std::string, std::optional<std::string>>;
+  explicit ScopedVariables(Values values) : values_(std::move(values)) { Exchange(); }
+  ScopedVariables(const char* name, const std::string& value) : values_{{name, value}} {
+    Exchange();
+  }
+  ~ScopedVariables() { Exchange(); }
+  ScopedVariables(const ScopedVariables&) = delete;
+  ScopedVariables& operator=(const ScopedVariables&) = delete;
 
  private:
-  static void Set(const std::string& name, const std::optional<std::string>& value);
-  std::string name_;
-  std::optional<std::string> before_;
+  void Exchange();
+  Values values_;
 };
 
 /// Runs the event loop until the condition holds; false when patience ends first.
@@ -37,7 +37,7 @@ bool RunUntil(const std::function<bool()>& condition);
 class SessionBus : public testing::Test {
  protected:
   SessionBus();
-  ~SessionBus() override;
+  ~SessionBus() override { QDBusConnection::disconnectFromBus("client"); }
 
   /// Another connection to the bus, which dispatches nothing by itself.
   QDBusConnection& Client() { return client_; }
@@ -51,22 +51,22 @@ class SessionBus : public testing::Test {
   /// Runs it in the test's folder.
   std::unique_ptr<Child> Start(const std::string& program, std::vector<std::string> arguments = {});
   void Activatable(const std::string& name, const std::string& program);
-  std::string ActivationFile(const std::string& name) const;
 
   /// The next line that a peer has logged.
   std::string NextLine() { return log_.NextLine(); }
   bool NoLine() const { return log_.NothingWaits(); }
 
   const std::filesystem::path& Folder() const { return folder_; }
-  PrivateBus& Bus() { return *bus_; }
+  PrivateBus& Bus() { return bus_; }
 
  private:
   TemporaryFolder home_;
   const std::filesystem::path folder_{home_.path};
   LinePipe log_{home_.path + "/log"};
-  std::vector<std::unique_ptr<ScopedVariable>> variables_;
-  std::unique_ptr<PrivateBus> bus_;
-  QDBusConnection client_{QString()};
+  ScopedVariables variables_;  // what the bus starts inherits them
+  PrivateBus bus_;
+  ScopedVariables address_{"DBUS_SESSION_BUS_ADDRESS", bus_.Address()};
+  QDBusConnection client_;
 };
 
 }  // namespace kestrin

@@ -1,6 +1,5 @@
 // Queue and signals, driven by the real event loop.
 #include <errno.h>
-#include <gmock/gmock.h>
 #include <signal.h>
 #include <unistd.h>
 

@@ -1,58 +1,39 @@
 // Processes that end in the wrong moment.
-#include <gmock/gmock.h>
 #include <signal.h>
 
-#include "SetMaker.h"
 #include "SystemTest.h"
 
 namespace kestrin {
 namespace {
 
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::StartsWith;
 
-class LossTest : public SystemTest {
- protected:
-  std::string Set() const { return Path("day.kestrin"); }
-};
+using LossTest = SystemTest;
 
 TEST_F(LossTest, AKilledApplicationDeliversAgain) {
-  const int64 when = Now() + 3;
-  WriteMessageSet(Set(), "Tea", "Put the kettle on.", when, Now());
-  Remember({Set()});
+  const int64 when = Soon();
+  const std::string set = RememberTea(when);
   ASSERT_NO_FATAL_FAILURE(HandOver(when));
   WaitForAlert("Tea");
-  const std::string before = ReadFile(Set());
-  kill(ProcessOf(ApplicationName), SIGKILL);
+  const std::string before = ReadFile(set);
+  kill(ProcessOf(ApplicationBusName), SIGKILL);
   ASSERT_TRUE(WaitForEnd());
-  EXPECT_EQ(ReadFile(Set()), before);
-  EXPECT_EQ(EventIn(Dump(Set()), "Tea").at("NextEventTime"), when);
+  EXPECT_EQ(ReadFile(set), before);
+  EXPECT_EQ(SavedTime(set), when);
 
   // The same file as it would be found more than a minute later.
   const int64 earlier = Now() - 100;
-  WriteMessageSet(Set(), "Tea", "Put the kettle on.", earlier, earlier - 1);
+  WriteTea(set, earlier, earlier - 1);
   const auto application = StartWithWindow({}, "day");
   const Reader::Alert alert = WaitForAlert("Tea");
   EXPECT_THAT(alert.text, StartsWith("Kestrin event:  Tea\nThe event was missed.  It occurred "));
   Press(alert, "Ok");
-  EXPECT_TRUE(Until(
-      [&] { return EventIn(Dump(Set()), "Tea").at("NextEventTime") == earlier + SecondsPerDay; }));
-}
-
-TEST_F(LossTest, AKilledDelivererStillKnowsItsTime) {
-  const int64 when = Now() + 3600;
-  WriteMessageSet(Set(), "Tea", "Put the kettle on.", when, Now());
-  Remember({Set()});
-  ASSERT_NO_FATAL_FAILURE(HandOver(when));
-  const pid_t killed = ProcessOf(BackgroundName);
-  kill(killed, SIGKILL);
-  ASSERT_TRUE(WaitForEnd(BackgroundName));
-  EXPECT_EQ(When(), when) << "the bus starts it when it is asked";
-  EXPECT_NE(ProcessOf(BackgroundName), killed);
+  EXPECT_TRUE(Until([&] { return SavedTime(set) == earlier + SecondsPerDay; }));
 }
 
 TEST_F(LossTest, AnAlertOutlivesTheEndOfTheSession) {
+  const std::string set = Path("day.kestrin");
   const int64 when = Now() + 3600;
   {
     SetMaker maker(Now() - 10);
@@ -64,9 +45,9 @@ TEST_F(LossTest, AnAlertOutlivesTheEndOfTheSession) {
     event.SetPrewarnRepeatType(Minutes);
     event.SetPrewarnRepeatTime(10);
     event.SetPrewarnMessage("Buy some.");
-    maker.Save(Set());
+    maker.Save(set);
   }
-  Remember({Set()});
+  Remember({set});
   std::string text;
   {
     const auto application = StartWithWindow({}, "day");
@@ -76,15 +57,14 @@ TEST_F(LossTest, AnAlertOutlivesTheEndOfTheSession) {
     application->Signal(SIGTERM);
     EXPECT_EQ(application->Wait(), 0) << application->Errors();
   }
-  const nlohmann::json saved = EventIn(Dump(Set()), "Tea");
-  EXPECT_EQ(saved.at("Status"), WaitingForPrewarning);
+  EXPECT_EQ(SavedEvent(set, "Tea").at("Status"), WaitingForPrewarning);
 
   const auto application = StartWithWindow({}, "day");
   const Reader::Alert again = WaitForAlert("Buy some.");
   EXPECT_EQ(again.text, text);
   Press(again, "No more prewarnings");
-  EXPECT_TRUE(Until([&] { return EventIn(Dump(Set()), "Tea").at("Status") == WaitingForEvent; }));
-  EXPECT_EQ(EventIn(Dump(Set()), "Tea").at("NextEventTime"), when);
+  EXPECT_TRUE(Until([&] { return SavedEvent(set, "Tea").at("Status") == WaitingForEvent; }));
+  EXPECT_EQ(SavedTime(set), when);
   EXPECT_EQ(When(), when);
 }
 

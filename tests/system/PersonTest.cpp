@@ -1,47 +1,20 @@
 // A person in front of the program: mouse, keyboard, and nothing set up beforehand.
-#include <gmock/gmock.h>
-#include <sys/stat.h>
-
 #include <ctime>
-#include <filesystem>
-#include <fstream>
 #include <set>
 
-#include "SetMaker.h"
 #include "SystemTest.h"
 
 namespace kestrin {
 namespace {
 
-using testing::ElementsAre;
 using testing::IsEmpty;
 
 class PersonTest : public SystemTest {
  protected:
   using Control = Reader::Control;
 
-  /// The first control of that name and role; throws what is there instead.
-  Control Find(const std::string& window, const std::string& name, const std::string& role) {
-    std::vector<Control> controls;
-    auto found = controls.end();
-    if (Until([&] {
-          controls = TheReader().Controls(window);
-          found = std::find_if(controls.begin(), controls.end(), [&](const Control& control) {
-            return control.name == name && control.role == role;
-          });
-          return found != controls.end();
-        }))
-      return *found;
-    std::string there;
-    for (const Control& control : controls) there += "\n" + control.role + " " + control.name;
-    throw std::runtime_error("no " + role + " \"" + name + "\" in \"" + window +
-                             "\", but:" + there);
-  }
-
   void Click(const std::string& window, const std::string& name, const std::string& role) {
-    const Control control = Find(window, name, role);
-    const auto [corner, size] = TheReader().AreaOf(control.object);
-    TheScreen().Click({corner.x + size.x / 2, corner.y + size.y / 2});
+    SystemTest::Click(WaitForControl(window, name, role));
   }
 
   bool HasFocus(const std::string& window, const std::string& name) {
@@ -50,31 +23,6 @@ class PersonTest : public SystemTest {
         if (control.name == name && control.isFocused) return true;
       return false;
     });
-  }
-
-  /// Waits until the window is in front and told where it stands.
-  Screen::ShownWindow InFront(const std::string& title) {
-    const Screen::ShownWindow window = WaitForWindow(title);
-    TheScreen().Activate(window);
-    EXPECT_TRUE(Until([&] { return TheScreen().IsActive(window); })) << title;
-    return window;
-  }
-
-  /// With the mouse, once the application has been told where its alert stands.
-  void ClickAway(const Reader::Alert& alert) {
-    ASSERT_TRUE(Until([&] {
-      const Place corner = TheReader().AreaOf(alert.object).corner;
-      for (const Screen::ShownWindow& window : TheScreen().Windows())
-        if (window.corner == corner) return true;
-      return false;
-    }));
-    const auto [corner, size] = TheReader().AreaOf(alert.buttons.at(0).object);
-    TheScreen().Click({corner.x + size.x / 2, corner.y + size.y / 2});
-    EXPECT_TRUE(Until([&] {
-      for (const Reader::Alert& open : TheReader().Alerts())
-        if (open.text == alert.text) return false;
-      return true;
-    })) << alert.text;
   }
 
   static std::string AsTyped(int64 moment) {
@@ -87,8 +35,8 @@ class PersonTest : public SystemTest {
 
 TEST_F(PersonTest, MakesASetWithAnEventAndIsReminded) {
   const auto application = StartWithWindow({}, "Untitled event set 1");
-  PressKeys(WaitForWindow("Untitled event set 1"), "ctrl+n");
-  PressKeys(InFront("Untitled event set 2"), "ctrl+shift+n");
+  PressKeys("Untitled event set 1", "ctrl+n");
+  PressKeys("Untitled event set 2", "ctrl+shift+n");
   const std::string editor = "Event (set Untitled event set 2)";
   InFront(editor);
   ASSERT_TRUE(HasFocus(editor, "Name:")) << "ready to be named";
@@ -96,28 +44,24 @@ TEST_F(PersonTest, MakesASetWithAnEventAndIsReminded) {
   Click(editor, "Message", "text");
   TheScreen().Type("Two cans of rain.");
 
-  const std::string set = Path("home/Plants");
-  PressKeys(InFront("Untitled event set 2"), "ctrl+s");
+  const std::string set = Path("home/Plants.kestrin");
+  PressKeys("Untitled event set 2", "ctrl+s");
   const std::string panel = "Save event set";
   InFront(panel);
   TheScreen().Press("ctrl+a");
-  TheScreen().Type(set);
+  TheScreen().Type(Path("home/Plants"));
   Click(panel, "Remember for delivery", "check box");
   Click(panel, "Save", "push button");
   InFront("Plants.kestrin");
-  ASSERT_TRUE(HasFile(set + ".kestrin"));
-
   InFront("Event (set Plants.kestrin)");
   Click("Event (set Plants.kestrin)", "When", "page tab");
   Click("Event (set Plants.kestrin)", "Date", "text");
   const int64 when = Now() + 8;
   TheScreen().Press("ctrl+a");
   TheScreen().Type(AsTyped(when) + "\n");
-  PressKeys(InFront("Plants.kestrin"), "ctrl+s");
-  ASSERT_TRUE(Until([&] {
-    return EventIn(Dump(set + ".kestrin"), "Water the plants").at("NextEventTime") == when;
-  }));
-  PressKeys(InFront("Plants.kestrin"), "ctrl+q");
+  PressKeys("Plants.kestrin", "ctrl+s");
+  ASSERT_TRUE(Until([&] { return SavedTime(set, "Water the plants") == when; }));
+  PressKeys("Plants.kestrin", "ctrl+q");
   ASSERT_EQ(application->Wait(), 0) << application->Errors();
   EXPECT_EQ(When(), when);
 
@@ -126,11 +70,10 @@ TEST_F(PersonTest, MakesASetWithAnEventAndIsReminded) {
   EXPECT_EQ(alert.text, "Kestrin event:  Water the plants\n\nTwo cans of rain.");
   Press(alert, "Ok");
   ASSERT_TRUE(WaitForEnd());
-  EXPECT_EQ(EventIn(Dump(set + ".kestrin"), "Water the plants").at("NextEventTime"), 0);
+  EXPECT_EQ(SavedTime(set, "Water the plants"), 0);
 }
 
 TEST_F(PersonTest, AnswersAlertsWhilePanelsAndQuestionsStandOpen) {
-  constexpr int64 Day = 86400;
   const std::string set = Path("home/Busy.kestrin");
   const int64 one = Now() + 4, two = Now() + 8;
   {
@@ -140,49 +83,35 @@ TEST_F(PersonTest, AnswersAlertsWhilePanelsAndQuestionsStandOpen) {
     maker.Save(set);
   }
   const auto application = StartWithWindow({set}, "Busy.kestrin");
-  PressKeys(WaitForWindow("Busy.kestrin"), "ctrl+o");
+  PressKeys("Busy.kestrin", "ctrl+o");
   WaitForWindow("Open event sets");
-  PressKeys(InFront("Busy.kestrin"), "alt+f a");
+  PressKeys("Busy.kestrin", "alt+f a");
   WaitForWindow("Save event set");
   ClickAway(WaitForAlert("One"));
   WaitForWindow("Open event sets");
-  PressKeys(WaitForWindow("Save event set"), "Escape");
+  PressKeys("Save event set", "Escape");
 
-  PressKeys(InFront("Busy.kestrin"), "ctrl+shift+n");
-  PressKeys(WaitForWindow("Event (set Busy"), "ctrl+w");
-  PressKeys(InFront("Busy.kestrin"), "ctrl+w");
+  PressKeys("Busy.kestrin", "ctrl+shift+n");
+  PressKeys("Event (set Busy", "ctrl+w");
+  PressKeys("Busy.kestrin", "ctrl+w");
   const Reader::Alert question = WaitForAlert("Save changes to the document");
   ClickAway(WaitForAlert("Two"));
   Press(question, "Don't save");
 
-  const nlohmann::json saved = Dump(set);
-  EXPECT_EQ(saved.at("events").size(), 2U);
-  EXPECT_EQ(EventIn(saved, "One").at("NextEventTime"), one + Day) << "or it would ring again";
-  EXPECT_EQ(EventIn(saved, "Two").at("NextEventTime"), two + Day);
+  EXPECT_EQ(SavedEvents(set).size(), 2U);
+  EXPECT_EQ(SavedTime(set, "One"), one + SecondsPerDay) << "or it would ring again";
+  EXPECT_EQ(SavedTime(set, "Two"), two + SecondsPerDay);
   TheScreen().Close(WaitForWindow("Open event sets"));
   EXPECT_EQ(application->Wait(), 0) << application->Errors();
 }
 
 TEST_F(PersonTest, FindsTheHelpBesideTheProgram) {
-  const std::string reader = Path("reader");
-  WriteFile(reader, "#!/bin/sh\ncp \"$1\" '" + Path("page read") + "'\n");
-  chmod(reader.c_str(), 0755);
-  std::filesystem::create_directories(Path("data/applications"));
-  WriteFile(Path("data/applications/reader.desktop"),
-            "[Desktop Entry]\nType=Application\nName=Reader\nMimeType=text/html;\nExec='" + reader +
-                "' %f\n");
-  WriteFile(Path("config/mimeapps.list"), "[Default Applications]\ntext/html=reader.desktop\n");
+  OpenWith("text/html", "Reader", "cp \"$1\" '" + Path("page read") + "'");
   const auto application = StartWithWindow({}, "Untitled event set 1");
-  PressKeys(WaitForWindow("Untitled event set 1"), "ctrl+h");
-  ASSERT_TRUE(Until([&] { return HasFile(Path("page read")); }));
-  std::ifstream page(Path("page read"));
-  std::string line;
+  PressKeys("Untitled event set 1", "ctrl+h");
   EXPECT_TRUE(Until([&] {
-    page.clear();
-    page.seekg(0);
-    while (std::getline(page, line))
-      if (line == "<title>Kestrin documentation</title>") return true;
-    return false;
+    const std::string page = ReadFile(Path("page read"));
+    return page.find("<title>Kestrin documentation</title>") != page.npos;
   }));
 }
 
@@ -195,7 +124,8 @@ class ReadAloudTest : public PersonTest {
       if (!control.isFocusable || !control.isEnabled) continue;
       ++read;
       // The name of a menu of choices is the choice; what it is for, its label says.
-      const bool isTold = control.role == "combo box" ? control.isLabelled : !control.name.empty();
+      const bool isTold = control.role == "combo box" ? TheReader().IsLabelled(control.object)
+                                                      : !control.name.empty();
       if (!isTold) unnamed_.insert(window + " " + part + ": " + control.role + " " + control.name);
     }
     EXPECT_GT(read, 0U) << window;
@@ -216,7 +146,7 @@ TEST_F(ReadAloudTest, EveryControlOfEveryWindowSaysWhatItIsFor) {
   }
   const auto application = StartWithWindow({set}, "Names.kestrin");
   Look("Names.kestrin");
-  PressKeys(InFront("Names.kestrin"), "Home");
+  PressKeys("Names.kestrin", "Home");
   TheScreen().Press("Return");
   InFront(editor);
   for (const char* page : {"Action", "Prewarning", "Nagging", "Comment", "When"}) {
@@ -228,7 +158,7 @@ TEST_F(ReadAloudTest, EveryControlOfEveryWindowSaysWhatItIsFor) {
   for (const char* kind : {"Once", "MultiAnnually", "MultiMonthly", "SubDaily"}) {
     Click(editor, shown, "combo box");
     Click(editor, kind, "list item");
-    Find(editor, kind, "combo box");
+    WaitForControl(editor, kind, "combo box");
     Look(editor, kind);
     shown = kind;
   }
@@ -236,7 +166,7 @@ TEST_F(ReadAloudTest, EveryControlOfEveryWindowSaysWhatItIsFor) {
                                     {"alt+f t", "Kestrin settings"},
                                     {"alt+f b", "About Kestrin"},
                                     {"alt+f a", "Save event set"}}) {
-    PressKeys(InFront("Names.kestrin"), keys);
+    PressKeys("Names.kestrin", keys);
     const Screen::ShownWindow opened = InFront(title);
     Look(title);
     TheScreen().Close(opened);

@@ -1,9 +1,6 @@
 // How the application starts, what a second start does, and how it ends.
-#include <gmock/gmock.h>
-
 #include <filesystem>
 
-#include "SetMaker.h"
 #include "SystemTest.h"
 
 namespace kestrin {
@@ -11,8 +8,6 @@ namespace {
 
 using testing::Contains;
 using testing::Field;
-using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
 
@@ -21,7 +16,7 @@ class RolesTest : public SystemTest {
   /// A set with a message that comes in an hour.
   std::string MakeSet(const std::string& name) const {
     const std::string path = Path(name);
-    WriteMessageSet(path, "Tea", "Put the kettle on.", Now() + 3600, Now());
+    WriteTea(path, Now() + 3600, Now());
     return path;
   }
   auto HasWindow(const std::string& title) {
@@ -29,37 +24,20 @@ class RolesTest : public SystemTest {
   }
 };
 
-TEST_F(RolesTest, QuitToBackgroundLeavesTheDeliverer) {
-  const auto application = StartWithWindow({}, "Untitled event set 1");
-  PressKeys(WaitForWindow("Untitled"), "ctrl+q");
-  EXPECT_EQ(application->Wait(), 0) << application->Errors();
-  EXPECT_TRUE(HasOwner(BackgroundName));
-}
-
 TEST_F(RolesTest, FullQuitEndsTheDeliverer) {
   Remember({MakeSet("day.kestrin")});
   const auto application = StartWithWindow({}, "day");
   ASSERT_TRUE(Until([&] { return When() != 0; }));
-  PressKeys(WaitForWindow("day"), "ctrl+shift+q");
+  PressKeys("day", "ctrl+shift+q");
   EXPECT_EQ(application->Wait(), 0) << application->Errors();
-  EXPECT_TRUE(WaitForEnd(BackgroundName));
+  EXPECT_TRUE(WaitForEnd(BackgroundBusName));
   EXPECT_EQ(When(), 0);
 }
 
-TEST_F(RolesTest, ClosingTheLastWindowLeaves) {
-  const std::string one = MakeSet("one.kestrin"), two = MakeSet("two.kestrin");
-  const auto application = StartWithWindow({one, two}, "two");
-  TheScreen().Close(WaitForWindow("one"));
-  EXPECT_TRUE(Until([&] { return TheScreen().Windows().size() == 1; }));
-  TheScreen().Close(WaitForWindow("two"));
-  EXPECT_EQ(application->Wait(), 0) << application->Errors();
-}
-
-TEST_F(RolesTest, LaterStartsHandOverToTheRunningApplication) {
+TEST_F(RolesTest, LaterStartsHandOverAndClosingTheLastWindowLeaves) {
   const std::string one = MakeSet("one.kestrin"), two = MakeSet("two.kestrin");
   const auto first = StartWithWindow({one}, "one");
-  const pid_t process = ProcessOf(ApplicationName);
-
+  const pid_t process = ProcessOf(ApplicationBusName);
   EXPECT_EQ(Start({"-background"})->Wait(), 0);
   EXPECT_EQ(Start({})->Wait(), 0);
   std::filesystem::current_path(Path(""));
@@ -67,18 +45,21 @@ TEST_F(RolesTest, LaterStartsHandOverToTheRunningApplication) {
   std::filesystem::current_path("/");
   WaitForWindow("two");
   EXPECT_EQ(TheScreen().Windows().size(), 2u);
-  EXPECT_EQ(ProcessOf(ApplicationName), process);
+  EXPECT_EQ(ProcessOf(ApplicationBusName), process);
+
+  TheScreen().Close(WaitForWindow("one"));
+  EXPECT_TRUE(Until([&] { return TheScreen().Windows().size() == 1; }));
+  TheScreen().Close(WaitForWindow("two"));
+  EXPECT_EQ(first->Wait(), 0) << first->Errors();
 }
 
 TEST_F(RolesTest, AStartDuringAWakeUpOpensTheUserInterface) {
-  const std::string set = Path("day.kestrin");
-  const int64 when = Now() + 3;
-  WriteMessageSet(set, "Tea", "Put the kettle on.", when, Now());
-  Remember({set});
+  const int64 when = Soon();
+  RememberTea(when);
   ASSERT_NO_FATAL_FAILURE(HandOver(when));
   const Reader::Alert alert = WaitForAlert("Tea");
   EXPECT_THAT(TheScreen().Windows(), Not(HasWindow("day")));
-  const pid_t process = ProcessOf(ApplicationName);
+  const pid_t process = ProcessOf(ApplicationBusName);
   EXPECT_EQ(Start({})->Wait(), 0);
   WaitForWindow("day");
 
@@ -86,19 +67,7 @@ TEST_F(RolesTest, AStartDuringAWakeUpOpensTheUserInterface) {
   EXPECT_EQ(Start({MakeSet("other.kestrin")})->Wait(), 0);
   WaitForWindow("other");
   EXPECT_THAT(TheScreen().Windows(), HasWindow("day"));
-  EXPECT_EQ(ProcessOf(ApplicationName), process);
-}
-
-TEST_F(RolesTest, AWakeUpOfTheEditorLeavesItsWindowsOpen) {
-  const std::string set = Path("day.kestrin");
-  const int64 when = Now() + 3;
-  WriteMessageSet(set, "Tea", "Put the kettle on.", when, Now());
-  const auto application = StartWithWindow({set}, "day");
-  Press(WaitForAlert("Tea"), "Ok");
-  EXPECT_TRUE(
-      Until([&] { return EventIn(Dump(set), "Tea").at("NextEventTime") == when + SecondsPerDay; }));
-  EXPECT_THAT(TheScreen().Windows(), HasWindow("day"));
-  EXPECT_TRUE(HasOwner(ApplicationName));
+  EXPECT_EQ(ProcessOf(ApplicationBusName), process);
 }
 
 TEST_F(RolesTest, TellsOnceThatTheDelivererIsMissing) {
@@ -113,9 +82,9 @@ TEST_F(RolesTest, TellsOnceThatTheDelivererIsMissing) {
 
   // Opening another set sends its time, and so does quitting: an alert would keep it from that.
   EXPECT_EQ(Start({MakeSet("two.kestrin")}, true, alone)->Wait(), 0);
-  PressKeys(WaitForWindow("two"), "ctrl+q");
+  PressKeys("two", "ctrl+q");
   EXPECT_EQ(application->Wait(), 0) << application->Errors();
-  EXPECT_FALSE(HasOwner(BackgroundName));
+  EXPECT_FALSE(HasOwner(BackgroundBusName));
 }
 
 TEST_F(RolesTest, ADamagedFileIsNamedAndLeftAsItIs) {
@@ -127,7 +96,7 @@ TEST_F(RolesTest, ADamagedFileIsNamedAndLeftAsItIs) {
   EXPECT_EQ(alert.text, "Kestrin: Attempt to read event set " + damaged +
                             " failed because a file error occurred.  The file may be corrupted.");
   Press(alert, alert.Labels().at(0));
-  PressKeys(WaitForWindow("good"), "ctrl+q");
+  PressKeys("good", "ctrl+q");
   EXPECT_EQ(application->Wait(), 0) << application->Errors();
   EXPECT_EQ(ReadFile(damaged), bytes);
 }

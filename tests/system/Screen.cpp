@@ -1,13 +1,8 @@
 #include "Screen.h"
 
-#include <X11/Xatom.h>
 #include <X11/Xlib.h>
-#include <X11/Xutil.h>
-#include <poll.h>
 
-#include <chrono>
 #include <sstream>
-#include <stdexcept>
 
 namespace kestrin {
 
@@ -24,7 +19,7 @@ constexpr char Wanted[] = "kestrin";  // of WM_CLASS
 
 struct Screen::Connection {
   explicit Connection(const std::string& name) : display(XOpenDisplay(name.c_str())) {
-    if (!display) throw std::runtime_error("the X server does not answer");
+    Require(display != nullptr, "the X server does not answer");
     XSetErrorHandler(PassOver);
     root = DefaultRootWindow(display);
   }
@@ -51,26 +46,13 @@ struct Screen::Connection {
     return bytes;
   }
 
-  std::vector<XWindow> WindowList(XWindow window, const char* property) {
-    const std::string bytes = Bytes(window, property);
+  std::vector<XWindow> RootList(const char* property) {
+    const std::string bytes = Bytes(root, property);
     std::vector<XWindow> list(bytes.size() / sizeof(XWindow));
     bytes.copy(reinterpret_cast<char*>(list.data()), list.size() * sizeof(XWindow));
     return list;
   }
 
-  void AskManager(XWindow window, const char* what) {
-    XEvent event{};
-    event.xclient.type = ClientMessage;
-    event.xclient.window = window;
-    event.xclient.message_type = Name(what);
-    event.xclient.format = 32;
-    event.xclient.data.l[0] = _NET_WM_SourcePager;
-    event.xclient.data.l[1] = CurrentTime;
-    XSendEvent(display, root, False, SubstructureNotifyMask | SubstructureRedirectMask, &event);
-    XFlush(display);
-  }
-
-  static constexpr long _NET_WM_SourcePager = 2;
   Display* display;
   XWindow root = 0;
 };
@@ -79,27 +61,19 @@ Screen::Screen()
     : number_(folder_.path + "/number"),
       server_({"/bin/sh", "-c",
                "exec \"$0\" -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp -noreset 3>\"$1\"",
-               XVFB, folder_.path + "/number"},
-              {}) {
+               XVFB, folder_.path + "/number"}) {
   const std::string number = number_.NextLine();
-  if (number.empty()) throw std::runtime_error("Xvfb did not start");
+  Require(!number.empty(), "Xvfb did not start");
   name_ = ":" + number;
   connection_ = std::make_unique<Connection>(name_);
-  XSelectInput(connection_->display, connection_->root, PropertyChangeMask);
   manager_ = std::make_unique<Child>(std::vector<std::string>{OPENBOX, "--sm-disable"},
                                      std::map<std::string, std::string>{{"DISPLAY", name_},
                                                                         {"HOME", folder_.path},
                                                                         {"XDG_CONFIG_HOME", ""},
                                                                         {"XDG_DATA_HOME", ""},
                                                                         {"XDG_DATA_DIRS", ""}});
-  const auto end = std::chrono::steady_clock::now() + Patience;
-  while (connection_->WindowList(connection_->root, "_NET_SUPPORTING_WM_CHECK").empty()) {
-    if (std::chrono::steady_clock::now() > end) throw std::runtime_error("openbox did not start");
-    pollfd ready{ConnectionNumber(connection_->display), POLLIN, 0};
-    poll(&ready, 1, 100);
-    for (XEvent event; XPending(connection_->display) > 0;)
-      XNextEvent(connection_->display, &event);
-  }
+  Require(Until([this] { return !connection_->RootList("_NET_SUPPORTING_WM_CHECK").empty(); }),
+          "openbox did not start");
 }
 
 Screen::~Screen() = default;
@@ -107,7 +81,7 @@ Screen::~Screen() = default;
 std::vector<Screen::ShownWindow> Screen::Windows() {
   Connection& x = *connection_;
   std::vector<ShownWindow> windows;
-  for (const XWindow window : x.WindowList(x.root, "_NET_CLIENT_LIST")) {
+  for (const XWindow window : x.RootList("_NET_CLIENT_LIST")) {
     XWindowAttributes attributes{};
     if (!XGetWindowAttributes(x.display, window, &attributes)) continue;
     const std::string instance = x.Bytes(window, "WM_CLASS");
@@ -120,22 +94,30 @@ std::vector<Screen::ShownWindow> Screen::Windows() {
   return windows;
 }
 
+void Screen::AskManager(const ShownWindow& window, const char* what) {
+  constexpr long Pager = 2;
+  XEvent event{};
+  event.xclient.type = ClientMessage;
+  event.xclient.window = window.id;
+  event.xclient.message_type = connection_->Name(what);
+  event.xclient.format = 32;
+  event.xclient.data.l[0] = Pager;
+  event.xclient.data.l[1] = CurrentTime;
+  XSendEvent(connection_->display, connection_->root, False,
+             SubstructureNotifyMask | SubstructureRedirectMask, &event);
+  XFlush(connection_->display);
+}
+
 void Screen::Activate(const ShownWindow& window) {
-  connection_->AskManager(window.id, "_NET_ACTIVE_WINDOW");
-}
-
-bool Screen::IsActive(const ShownWindow& window) {
-  return connection_->WindowList(connection_->root, "_NET_ACTIVE_WINDOW") ==
-         std::vector<XWindow>{window.id};
-}
-
-void Screen::Close(const ShownWindow& window) {
-  connection_->AskManager(window.id, "_NET_CLOSE_WINDOW");
+  const std::vector<XWindow> wanted{window.id};
+  AskManager(window, "_NET_ACTIVE_WINDOW");
+  Require(Until([&] { return connection_->RootList("_NET_ACTIVE_WINDOW") == wanted; }),
+          ("not in front: " + window.title).c_str());
 }
 
 void Screen::Do(std::vector<std::string> action) {
   action.insert(action.begin(), XDOTOOL);
-  if (Child(action, {{"DISPLAY", name_}}).Wait() != 0) throw std::runtime_error("xdotool failed");
+  Require(Child(action, {{"DISPLAY", name_}}).Wait() == 0, "xdotool failed");
 }
 
 void Screen::Click(Place at) {
@@ -148,6 +130,7 @@ void Screen::Press(const std::string& keys) {
   for (std::string key; words >> key;) action.push_back(key);
   Do(std::move(action));
 }
+
 void Screen::Type(const std::string& text) { Do({"type", "--delay", "2", text}); }
 
 }  // namespace kestrin

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "bus/PrivateBus.h"
+#include "bus/Processes.h"
 
 namespace kestrin {
 
@@ -34,11 +34,10 @@ class Screen {
 
   /// The application's windows that can be seen, in the order in which they were opened.
   std::vector<ShownWindow> Windows();
-  /// Asks for the keyboard's focus, as a click on the taskbar does.
+  /// Asks for the keyboard's focus, as a click on the taskbar does, and waits until it is there.
   void Activate(const ShownWindow& window);
-  bool IsActive(const ShownWindow& window);
   /// Asks the window to close, as its close button does.
-  void Close(const ShownWindow& window);
+  void Close(const ShownWindow& window) { AskManager(window, "_NET_CLOSE_WINDOW"); }
   void Click(Place at);
   /// Keys one after another, "+" between those that are held together: "alt+f t".
   void Press(const std::string& keys);
@@ -47,6 +46,7 @@ class Screen {
 
  private:
   struct Connection;
+  void AskManager(const ShownWindow& window, const char* what);
   void Do(std::vector<std::string> action);
 
   TemporaryFolder folder_;

@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "bus/PrivateBus.h"
+#include "bus/Processes.h"
 #include "core/AppState.h"
 #include "core/HandlerTable.h"
 #include "handlers/ActOnFileDataHandler.h"
@@ -66,24 +66,28 @@ void SetMaker::Save(const std::string& path) {
   if (!set_->SaveCopy(path)) throw std::runtime_error("cannot write " + path);
 }
 
-void WriteMessageSet(const std::string& path, const std::string& name, const std::string& text,
-                     int64 when, int64 savedAt) {
+void WriteTea(const std::string& path, int64 when, int64 savedAt) {
   SetMaker set(savedAt);
-  set.Say(set.AddDaily(name, when), text);
+  set.Say(set.AddDaily("Tea", when), "Put the kettle on.");
   set.Save(path);
 }
 
-nlohmann::json Dump(const std::string& path) {
+nlohmann::json SavedEvents(const std::string& path) {
   const TemporaryFolder folder;
   const std::string out = folder.path + "/dump";
-  Child({"/bin/sh", "-c", "exec \"$0\" dump \"$1\" >\"$2\"", KESTRINCTL, path, out}, {}).Wait();
-  return nlohmann::json::parse(ReadFile(out), nullptr, false);
+  Child({"/bin/sh", "-c", "exec \"$0\" dump \"$1\" >\"$2\"", KESTRINCTL, path, out}).Wait();
+  return nlohmann::json::parse(ReadFile(out), nullptr, false).at("events");
 }
 
-nlohmann::json EventIn(const nlohmann::json& dump, const std::string& name) {
-  for (const nlohmann::json& event : dump.at("events"))
+nlohmann::json SavedEvent(const std::string& path, const std::string& name) {
+  const nlohmann::json events = SavedEvents(path);
+  for (const nlohmann::json& event : events)
     if (event.at("Name") == name) return event;
-  throw std::runtime_error("the dump has no event " + name);
+  throw std::runtime_error(path + " has no event " + name);
+}
+
+int64 SavedTime(const std::string& path, const std::string& name) {
+  return SavedEvent(path, name).at("NextEventTime");
 }
 
 }  // namespace kestrin

@@ -3,7 +3,6 @@
 
 #include <nlohmann/json.hpp>
 #include <string>
-#include <vector>
 
 #include "core/EventSet.h"
 #include "core/VirtualEngine.h"
@@ -29,13 +28,14 @@ class SetMaker {
   std::unique_ptr<EventSet> set_;
 };
 
-/// A set with one daily message.
-void WriteMessageSet(const std::string& path, const std::string& name, const std::string& text,
-                     int64 when, int64 savedAt);
+/// A set with the daily message "Tea".
+void WriteTea(const std::string& path, int64 when, int64 savedAt);
 
-/// What `kestrinctl dump` prints of the file; discarded when it prints nothing.
-nlohmann::json Dump(const std::string& path);
-/// The event of that name in a dump; throws when there is none.
-nlohmann::json EventIn(const nlohmann::json& dump, const std::string& name);
+/// The "events" that `kestrinctl dump` prints; throws when it prints none.
+nlohmann::json SavedEvents(const std::string& path);
+/// The one of that name; throws when there is none.
+nlohmann::json SavedEvent(const std::string& path, const std::string& name);
+/// Its NextEventTime.
+int64 SavedTime(const std::string& path, const std::string& name = "Tea");
 
 }  // namespace kestrin

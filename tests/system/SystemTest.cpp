@@ -1,17 +1,13 @@
 #include "SystemTest.h"
 
-#include <gmock/gmock.h>
-#include <poll.h>
 #include <signal.h>
 #include <stdlib.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 
 #include <algorithm>
-#include <chrono>
 #include <filesystem>
 #include <fstream>
-#include <nlohmann/json.hpp>
 #include <stdexcept>
 
 namespace kestrin {
@@ -33,34 +29,36 @@ constexpr const char* Foreign[] = {
     "XDG_SESSION_TYPE", "XDG_CURRENT_DESKTOP", "QT_QPA_PLATFORM",   "XDG_ACTIVATION_TOKEN",
     "LIBRARY_PATH",     "DESKTOP_STARTUP_ID",  "AT_SPI_BUS_ADDRESS"};
 
-std::vector<pid_t> OwnChildren() {
-  std::vector<pid_t> children;
-  for (const fs::directory_entry& entry : fs::directory_iterator("/proc")) {
-    const std::string name = entry.path().filename();
-    if (name.find_first_not_of("0123456789") != std::string::npos) continue;
-    std::ifstream file(entry.path() / "stat");
-    const std::string stat((std::istreambuf_iterator<char>(file)), {});
-    int parent = 0;
-    const size_t afterName = stat.rfind(')');
-    if (afterName == std::string::npos ||
-        std::sscanf(stat.c_str() + afterName, ") %*c %d", &parent) != 1 || parent != getpid())
-      continue;
-    children.push_back(std::stoi(name));
-  }
-  return children;
-}
-
 /// Ends what the programs have started and nobody waits for; it has become this process's own.
 void EndOrphans(const Screen& screen) {
-  for (;;) {
-    std::vector<pid_t> orphans = OwnChildren();
-    std::erase_if(orphans, [&screen](pid_t child) { return screen.IsPartOf(child); });
-    if (orphans.empty()) return;
-    for (const pid_t orphan : orphans) {
-      kill(orphan, SIGKILL);
-      waitpid(orphan, nullptr, 0);
+  const std::string list = "/proc/self/task/" + std::to_string(getpid()) + "/children";
+  for (bool found = true; found;) {
+    found = false;
+    std::ifstream children(list);
+    EXPECT_TRUE(children.is_open()) << list;
+    for (pid_t child = 0; children >> child;) {
+      if (screen.IsPartOf(child)) continue;
+      found = true;
+      kill(child, SIGKILL);
+      waitpid(child, nullptr, 0);
     }
   }
+}
+
+/// The first of a list that fits, once there is one. Throws what is there instead.
+template <typename MakeList, typename Fits, typename Tell>
+auto WaitFor(const std::string& wanted, MakeList makeList, Fits fits, Tell tell) {
+  auto list = makeList();
+  auto found = list.end();
+  if (Until([&] {
+        list = makeList();
+        found = std::find_if(list.begin(), list.end(), fits);
+        return found != list.end();
+      }))
+    return *found;
+  std::string there;
+  for (const auto& each : list) there += "\n" + tell(each);
+  throw std::runtime_error("no " + wanted + ", but:" + there);
 }
 
 }  // namespace
@@ -73,25 +71,21 @@ Screen& SystemTest::TheScreen() {
 SystemTest::SystemTest() {
   prctl(PR_SET_CHILD_SUBREAPER, 1);
   for (const char* name : Foreign) unsetenv(name);
-  for (const auto& [name, folder] : {std::pair{"HOME", "/home"},
-                                     {"XDG_CONFIG_HOME", "/config"},
-                                     {"XDG_DATA_HOME", "/data"},
-                                     {"XDG_STATE_HOME", "/state"},
-                                     {"XDG_CACHE_HOME", "/cache"},
-                                     {"XDG_DATA_DIRS", "/share"}}) {
-    setenv(name, Path(folder + 1).c_str(), 1);
-    fs::create_directories(Path(folder + 1));
+  for (const auto& [name, folder] : {std::pair{"HOME", "home"},
+                                     {"XDG_CONFIG_HOME", "config"},
+                                     {"XDG_DATA_HOME", "data"},
+                                     {"XDG_STATE_HOME", "state"},
+                                     {"XDG_CACHE_HOME", "cache"},
+                                     {"XDG_DATA_DIRS", "share"}}) {
+    setenv(name, Path(folder).c_str(), 1);
+    fs::create_directories(Path(folder));
   }
   setenv("TZ", "UTC", 1);
   setenv("LC_ALL", "C.UTF-8", 1);
   fs::create_directory_symlink("/usr/share/mime", Path("share/mime"));
   TheScreen();
   bus_ = std::make_unique<PrivateBus>();
-  fs::permissions(bus_->RuntimeFolder(), fs::perms::owner_all);
-  // The bus looks for what it can start in its own folder; the application writes into the
-  // person's.
-  fs::create_directories(Path("data/dbus-1"));
-  fs::create_directory_symlink(bus_->Folder() + "/services", Path("data/dbus-1/services"));
+  bus_->ServeDataFolder(Path("data"));
   peer_ = std::make_unique<Peer>(*bus_);
   reader_ = std::make_unique<Reader>(*bus_);
 }
@@ -112,12 +106,30 @@ void SystemTest::Remember(const std::vector<std::string>& sets) const {
   WriteFile(SettingsFile(), settings.dump());
 }
 
+std::string SystemTest::RememberTea(int64 when) const {
+  const std::string set = Path("day.kestrin");
+  WriteTea(set, when, Now());
+  Remember({set});
+  return set;
+}
+
+void SystemTest::OpenWith(const std::string& type, const std::string& application,
+                          const std::string& script) {
+  const std::string program = Path("opener");
+  WriteFile(program, "#!/bin/sh\n" + script + "\n", 0755);
+  fs::create_directories(Path("data/applications"));
+  WriteFile(Path("data/applications/opener.desktop"),
+            "[Desktop Entry]\nType=Application\nName=" + application + "\nMimeType=" + type +
+                ";\nExec='" + program + "' %f\n");
+  WriteFile(Path("config/mimeapps.list"), "[Default Applications]\n" + type + "=opener.desktop\n");
+}
+
 std::unique_ptr<Child> SystemTest::Start(std::vector<std::string> arguments, bool screen,
                                          const std::string& program) const {
   arguments.insert(arguments.begin(), program);
   auto environment = bus_->Environment();
   if (screen) environment["DISPLAY"] = screen_->Name();
-  return std::make_unique<Child>(std::move(arguments), std::move(environment));
+  return std::make_unique<Child>(std::move(arguments), environment);
 }
 
 std::unique_ptr<Child> SystemTest::StartWithWindow(std::vector<std::string> arguments,
@@ -127,75 +139,80 @@ std::unique_ptr<Child> SystemTest::StartWithWindow(std::vector<std::string> argu
   return application;
 }
 
-void SystemTest::HandOver(int64 when) {
-  const auto starter = Start({"-background"});
+void SystemTest::HandOver(int64 when, bool screen) {
+  const auto starter = Start({"-background"}, screen);
   ASSERT_EQ(starter->Wait(), 0) << starter->Errors();
-  ASSERT_TRUE(HasOwner(BackgroundName)) << starter->Errors();
-  ASSERT_FALSE(HasOwner(ApplicationName));
+  ASSERT_TRUE(HasOwner(BackgroundBusName)) << starter->Errors();
+  ASSERT_FALSE(HasOwner(ApplicationBusName));
   ASSERT_EQ(When(), when);
 }
 
-bool SystemTest::Until(const std::function<bool()>& condition) const {
-  const auto end = std::chrono::steady_clock::now() + Patience;
-  while (!condition()) {
-    if (std::chrono::steady_clock::now() > end) return false;
-    poll(nullptr, 0, 10);  // files, windows and processes have no one sign to wait for
-  }
-  return true;
+Screen::ShownWindow SystemTest::WaitForWindow(const std::string& title) {
+  return WaitFor(
+      "window \"" + title + "\"", [this] { return screen_->Windows(); },
+      [&title](const auto& window) { return window.title.starts_with(title); },
+      [](const auto& window) { return window.title; });
 }
 
-bool SystemTest::HasFile(const std::string& path) const { return fs::exists(path); }
+Screen::ShownWindow SystemTest::InFront(const std::string& title) {
+  const Screen::ShownWindow window = WaitForWindow(title);
+  screen_->Activate(window);
+  return window;
+}
 
-Screen::ShownWindow SystemTest::WaitForWindow(const std::string& title) {
-  std::vector<Screen::ShownWindow> windows;
-  auto found = windows.end();
-  if (Until([&] {
-        windows = screen_->Windows();
-        found = std::find_if(windows.begin(), windows.end(), [&title](const auto& window) {
-          return window.title.starts_with(title);
-        });
-        return found != windows.end();
-      }))
-    return *found;
-  std::string there;
-  for (const auto& window : windows) there += "\n" + window.title;
-  throw std::runtime_error("no window \"" + title + "\", but:" + there);
+void SystemTest::PressKeys(const std::string& title, const std::string& keys) {
+  InFront(title);
+  screen_->Press(keys);
+}
+
+Reader::Control SystemTest::WaitForControl(const std::string& window, const std::string& name,
+                                           const std::string& role) {
+  return WaitFor(
+      role + " \"" + name + "\" in \"" + window + "\"", [&] { return reader_->Controls(window); },
+      [&](const auto& control) { return control.name == name && control.role == role; },
+      [](const auto& control) { return control.role + " " + control.name; });
+}
+
+void SystemTest::Click(const Reader::Control& control) {
+  const auto [corner, size] = reader_->AreaOf(control.object);
+  screen_->Click({corner.x + size.x / 2, corner.y + size.y / 2});
 }
 
 Reader::Alert SystemTest::WaitForAlert(const std::string& part) {
-  std::vector<Reader::Alert> alerts;
-  auto found = alerts.end();
-  if (Until([&] {
-        alerts = reader_->Alerts();
-        found = std::find_if(alerts.begin(), alerts.end(), [&part](const auto& alert) {
-          return alert.text.find(part) != std::string::npos && !alert.buttons.empty();
-        });
-        return found != alerts.end();
-      }))
-    return *found;
-  std::string there;
-  for (const auto& alert : alerts) there += "\n" + alert.text;
-  throw std::runtime_error("no alert with \"" + part + "\", but:" + there);
+  return WaitFor(
+      "alert with \"" + part + "\"", [this] { return reader_->Alerts(); },
+      [&part](const auto& alert) {
+        return alert.text.find(part) != std::string::npos && !alert.buttons.empty();
+      },
+      [](const auto& alert) { return alert.text; });
 }
 
-void SystemTest::Press(const Reader::Alert& alert, const std::string& label) {
-  const auto button = std::find_if(alert.buttons.begin(), alert.buttons.end(),
-                                   [&label](const auto& each) { return each.label == label; });
-  if (button == alert.buttons.end() || !reader_->Press(button->object))
-    throw std::runtime_error("no button \"" + label + "\" below: " + alert.text);
+void SystemTest::ExpectClosed(const Reader::Alert& alert) {
   EXPECT_TRUE(Until([&] {
     const auto open = reader_->Alerts();
-    return std::none_of(open.begin(), open.end(), [&alert](const auto& other) {
-      return other.object.owner == alert.object.owner && other.object.path == alert.object.path;
-    });
+    return std::none_of(open.begin(), open.end(),
+                        [&alert](const auto& other) { return other.object == alert.object; });
   })) << "the alert stays open: "
       << alert.text;
 }
 
-void SystemTest::PressKeys(const Screen::ShownWindow& window, const std::string& keys) {
-  screen_->Activate(window);
-  EXPECT_TRUE(Until([&] { return screen_->IsActive(window); }));
-  screen_->Press(keys);
+void SystemTest::Press(const Reader::Alert& alert, const std::string& label) {
+  const auto button = std::find_if(alert.buttons.begin(), alert.buttons.end(),
+                                   [&label](const auto& each) { return each.name == label; });
+  if (button == alert.buttons.end() || !reader_->Press(button->object))
+    throw std::runtime_error("no button \"" + label + "\" below: " + alert.text);
+  ExpectClosed(alert);
+}
+
+void SystemTest::ClickAway(const Reader::Alert& alert) {
+  ASSERT_TRUE(Until([&] {
+    const auto windows = screen_->Windows();
+    return std::any_of(windows.begin(), windows.end(), [&](const auto& window) {
+      return window.corner == reader_->AreaOf(alert.object).corner;
+    });
+  }));
+  Click(alert.buttons.at(0));
+  ExpectClosed(alert);
 }
 
 }  // namespace kestrin

@@ -1,22 +1,13 @@
 // A login of the test's own: folders, screen and bus, and the programs on it.
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <memory>
-#include <string>
-#include <vector>
+#include <gmock/gmock.h>
 
 #include "Reader.h"
-#include "Screen.h"
+#include "SetMaker.h"
 #include "bus/Peer.h"
-#include "kestrin/Types.h"
 
 namespace kestrin {
-
-inline constexpr char ApplicationName[] = "vnd.ZR.Kestrin";
-inline constexpr char BackgroundName[] = "vnd.ZR.KestrinBackground";
 
 class SystemTest : public testing::Test {
  protected:
@@ -28,6 +19,10 @@ class SystemTest : public testing::Test {
   std::string SettingsFile() const { return Path("config/Kestrin/KestrinSettings.json"); }
   /// These sets are remembered for delivery, and nothing else is set.
   void Remember(const std::vector<std::string>& sets) const;
+  /// A set with the daily message "Tea", remembered.
+  std::string RememberTea(int64 when) const;
+  /// Files of the type are opened by this shell script, which is told the file as $1.
+  void OpenWith(const std::string& type, const std::string& application, const std::string& script);
 
   /// Starts the application as the person does, without waiting for anything.
   std::unique_ptr<Child> Start(std::vector<std::string> arguments, bool screen = true,
@@ -36,25 +31,34 @@ class SystemTest : public testing::Test {
   std::unique_ptr<Child> StartWithWindow(std::vector<std::string> arguments,
                                          const std::string& title);
   /// `kestrin -background`: it has left again with status 0, and the deliverer knows `when`.
-  void HandOver(int64 when);
+  void HandOver(int64 when, bool screen = true);
 
-  /// Looks again and again; false when patience ends first.
-  bool Until(const std::function<bool()>& condition) const;
-  bool HasFile(const std::string& path) const;
   Screen::ShownWindow WaitForWindow(const std::string& title);
-  /// The alert whose text holds `part`, with its buttons. Throws what is there instead.
+  /// Waits until the window is in front.
+  Screen::ShownWindow InFront(const std::string& title);
+  void PressKeys(const std::string& title, const std::string& keys);
+  /// The first control of that name and role.
+  Reader::Control WaitForControl(const std::string& window, const std::string& name,
+                                 const std::string& role);
+  void Click(const Reader::Control& control);
+  /// The alert whose text holds `part`, with its buttons.
   Reader::Alert WaitForAlert(const std::string& part);
-  /// Presses the button and waits for the alert to close.
+  /// Presses the button as a screen reader does, and waits for the alert to close.
   void Press(const Reader::Alert& alert, const std::string& label);
-  void PressKeys(const Screen::ShownWindow& window, const std::string& keys);
+  /// Clicks the first button, once the application has been told where its alert stands.
+  void ClickAway(const Reader::Alert& alert);
 
   pid_t ProcessOf(const char* name) { return peer_->ProcessOf(name); }
   bool HasOwner(const char* name) { return peer_->HasOwner(name); }
-  bool WaitForEnd(const char* name = ApplicationName) { return peer_->WaitForOwner(name, false); }
+  bool WaitForEnd(const char* name = ApplicationBusName) {
+    return peer_->WaitForOwner(name, false);
+  }
   /// The moment the deliverer waits for.
   int32 When() { return peer_->When(); }
 
   static int64 Now() { return RealTime() / 1000000; }
+  /// Far enough ahead for the application to start, hand over and leave before.
+  static int64 Soon() { return Now() + 3; }
   static Screen& TheScreen();
 
   PrivateBus& Bus() { return *bus_; }
@@ -63,6 +67,8 @@ class SystemTest : public testing::Test {
  private:
   friend class EndOfScreen;
   static std::unique_ptr<Screen> screen_;
+
+  void ExpectClosed(const Reader::Alert& alert);
 
   TemporaryFolder home_;
   std::unique_ptr<PrivateBus> bus_;

@@ -1,6 +1,5 @@
 // The program itself, on a bus of the test's own.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <signal.h>
 
 #include <filesystem>
@@ -90,8 +89,8 @@ TEST_F(BackgroundProcess, StartsTheApplicationBesideItselfWhenTheBusCannot) {
   WriteFile(bus.Folder() + "/kestrin",
             "#!/bin/sh\nset -- \"$# $*\" $(cut -d' ' -f6 /proc/$$/stat) $(grep -E 'SigBlk|SigIgn' "
             "/proc/$$/status)\necho \"$1 $(($2 == $$)) $4 $((0x$6 & 0x1000))\" > " +
-                bus.Folder() + "/launched\n");
-  fs::permissions(bus.Folder() + "/kestrin", fs::perms::owner_all);
+                bus.Folder() + "/launched\n",
+            0700);
   // Knows a file for the application, but that file has gone.
   bus.AddService(ApplicationBusName, "/nonexistent/kestrin");
   const auto deliverer = Start({bus.Folder() + "/KestrinBackground"});
@@ -115,19 +114,22 @@ TEST_F(BackgroundProcess, TriesAgainWhenTheApplicationVanishes) {
   EXPECT_THAT(deliverer->Errors(), HasSubstr("try 1 of 5"));
 }
 
-TEST_F(BackgroundProcess, GoesOnWhereItStoodAndADamagedKeptTimeIsNone) {
-  fs::create_directories(fs::path(bus.KeptFile()).parent_path());
-  for (const auto& [text, when, said] :
-       {std::tuple("1893456000\n", Later, ""),
-        {"tomorrow\n", 0, "KestrinBackground: the kept time is damaged and is ignored\n"}}) {
-    WriteFile(bus.KeptFile(), text);
-    const auto deliverer = Start();
-    EXPECT_EQ(peer.When(), when);
-    deliverer->Signal(SIGTERM);
-    EXPECT_EQ(deliverer->Wait(), 0);
-    EXPECT_EQ(deliverer->Errors(), said);
-    ASSERT_TRUE(peer.WaitForOwner(BackgroundBusName, false));
-  }
+TEST_F(BackgroundProcess, AKilledOneStillKnowsItsTimeAndADamagedKeptTimeIsNone) {
+  auto deliverer = Start();
+  ASSERT_EQ(peer.SetWhen(Later), "");
+  deliverer->Signal(SIGKILL);
+  EXPECT_EQ(deliverer->Wait(), -SIGKILL);
+  ASSERT_TRUE(peer.WaitForOwner(BackgroundBusName, false));
+  deliverer = Start();
+  EXPECT_EQ(peer.When(), Later);
+  deliverer->Signal(SIGTERM);
+  EXPECT_EQ(deliverer->Wait(), 0);
+  EXPECT_THAT(deliverer->Errors(), IsEmpty());
+  ASSERT_TRUE(peer.WaitForOwner(BackgroundBusName, false));
+  WriteFile(bus.KeptFile(), "tomorrow\n");
+  deliverer = Start();
+  EXPECT_EQ(peer.When(), 0);
+  EXPECT_EQ(deliverer->Errors(), "KestrinBackground: the kept time is damaged and is ignored\n");
 }
 
 TEST_F(BackgroundProcess, WorksWithoutARuntimeFolder) {
