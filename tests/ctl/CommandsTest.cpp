@@ -56,23 +56,21 @@ TEST_F(CommandsTest, NextReckonsInTheZoneOfTheProcess) {
   EventRecord asleep = DailyAt(9 * Hour, "asleep");
   asleep.Active = false;
   MakeSet("set", {OnceAt(Saturday, "gone"), DailyAt(9 * Hour, "breakfast"), asleep});
-  const struct {
-    const char* zone;
-    int32 breakfast;
-  } rows[] = {{"Europe/Berlin", Saturday + 22 * Hour},  // an hour more than summer time's
-              {"UTC", Saturday + 23 * Hour},
-              {"America/New_York", Saturday + 3 * Hour}};
-  for (const auto& row : rows) {
-    Zone = row.zone;
-    const auto at = [&](const char* name, int32 actual, int32 next, int32 status) {
-      return json{
-          {"Name", name}, {"ActualEventTime", actual}, {"NextEventTime", next}, {"Status", status}};
-    };
-    const json next = RunJson({"next", "--json", "--at", Text(Saturday), "set"});
-    EXPECT_EQ(next, json({at("gone", Saturday, 0, DoneWithEvent),
-                          at("breakfast", row.breakfast, row.breakfast, WaitingForEvent),
-                          at("asleep", row.breakfast, row.breakfast, WaitingForEvent)}))
-        << row.zone;
+  const std::pair<const char*, int32> rows[] = {
+      {"Europe/Berlin", Saturday + 22 * Hour},  // an hour more than summer time's
+      {"UTC", Saturday + 23 * Hour},
+      {"America/New_York", Saturday + 3 * Hour}};
+  const auto told = [](const char* name, int32 actual, int32 next, int32 status) {
+    return json{
+        {"Name", name}, {"ActualEventTime", actual}, {"NextEventTime", next}, {"Status", status}};
+  };
+  for (const auto& [zone, breakfast] : rows) {
+    Zone = zone;
+    EXPECT_EQ(RunJson({"next", "--json", "--at", Text(Saturday), "set"}),
+              json({told("gone", Saturday, 0, DoneWithEvent),
+                    told("breakfast", breakfast, breakfast, WaitingForEvent),
+                    told("asleep", breakfast, breakfast, WaitingForEvent)}))
+        << zone;
   }
   Zone = "Europe/Berlin";
   const std::string table = Run({"next", "--at", "Oct 24 2026 12:00", "set"}).out;
@@ -111,27 +109,9 @@ TEST_F(CommandsTest, AgendaShowsEveryKindOfDelivery) {
   EXPECT_EQ(ReadFile(Path("set")), before) << "nothing is saved";
 }
 
-TEST_F(CommandsTest, AgendaOfAStartDeliversWhatWasMissed) {
-  EventRecord dropped = OnceAt(Saturday - Day, "dropped");
-  dropped.DeliverIfMissed = false;
-  EventRecord nagging = dropped;
-  nagging.Name = "nagging";
-  nagging.ApplyNag = true;
-  nagging.NagRepeatTime = 1;
-  MakeSet("set", {OnceAt(Saturday - 5, "just now"), dropped, nagging,
-                  OnceAt(Saturday - 2 * Day, "long ago")});
-  Zone = "UTC";
-  const Lines missed = {"+0 event long ago missed", "+0 nag nagging", "+0 event just now"};
-  EXPECT_EQ(Agenda({"--startup", "--from", Text(Saturday), "--to", Text(Saturday + 1), "set"}),
-            missed);
-  EXPECT_EQ(Agenda({"--from", Text(Saturday), "set"}), Lines{}) << "recomputed, all are over";
-  const Ran table = Run({"agenda", "--startup", "--from", Text(Saturday), "set"});
-  EXPECT_THAT(table.out, HasSubstr("event (missed)  long ago\n"));
-}
-
-TEST_F(CommandsTest, AgendaOfSeveralFilesIsOneInTheOrderOfTheDeliveries) {
+TEST_F(CommandsTest, AgendaOfAStartIsOneForAllFilesInTheOrderOfTheDeliveries) {
   MakeSet("a", {OnceAt(Saturday - 30, "A late"), OnceAt(Saturday + Hour, "A eleven"),
-                OnceAt(Saturday - 10, "A later")});
+                OnceAt(Saturday - 10, "A later"), OnceAt(Saturday - Day, "A lost")});
   MakeSet("b", {OnceAt(Saturday - 20, "B late"), OnceAt(Saturday + Hour, "B eleven"),
                 OnceAt(Saturday + 1, "B ten")});
   std::filesystem::create_symlink("a", Path("link"));
@@ -142,12 +122,16 @@ TEST_F(CommandsTest, AgendaOfSeveralFilesIsOneInTheOrderOfTheDeliveries) {
     files.insert(files.begin(), span.begin(), span.end());
     return Agenda(files, true);
   };
-  EXPECT_EQ(
-      of({"./b", "a", "link", Path("b")}),
-      (Lines{"+0 event A late in a", "+0 event B late in ./b", "+0 event A later in a",
-             "+1 event B ten in ./b", "+3600 event B eleven in ./b", "+3600 event A eleven in a"}));
+  EXPECT_EQ(of({"./b", "a", "link", Path("b")}),
+            (Lines{"+0 event A lost in a missed", "+0 event A late in a", "+0 event B late in ./b",
+                   "+0 event A later in a", "+1 event B ten in ./b", "+3600 event B eleven in ./b",
+                   "+3600 event A eleven in a"}));
   EXPECT_THAT(of({"link", "b"}), testing::Contains("+3600 event A eleven in link"));
-  EXPECT_THAT(Run({"agenda", "--from", Text(Saturday), "a", "b"}).out, HasSubstr("Set\n"));
+  const std::string table = Run({"agenda", "--startup", "--from", Text(Saturday), "a", "b"}).out;
+  EXPECT_THAT(table, HasSubstr("Set\n"));
+  EXPECT_THAT(table, HasSubstr("event (missed)  A lost "));
+  EXPECT_EQ(Agenda({"--from", Text(Saturday + 2 * Hour), "a", "b"}), Lines{})
+      << "recomputed, all are over";
 }
 
 TEST_F(CommandsTest, TablesHoldTheirColumnsWhateverTheNames) {

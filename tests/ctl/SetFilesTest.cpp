@@ -2,7 +2,9 @@
 // is damaged is refused with one line.
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <filesystem>
+#include <sstream>
 
 #include "ctl/CtlTestBase.h"
 
@@ -35,37 +37,51 @@ class SetFilesTest : public CtlTest {
   }
 };
 
-TEST_F(SetFilesTest, WhatIsReadIsDumpedAsItStandsInTheFile) {
+TEST_F(SetFilesTest, WhatIsReadIsDumpedAsItStandsInTheFileAndReckonedWith) {
   ASSERT_GT(Expected["read"].size(), 25u);
-  for (const auto& [name, expected] : Expected["read"].items())
-    EXPECT_EQ(RunJson({"dump", DataFolder + name}), expected["dump"]) << name;
-}
-
-TEST_F(SetFilesTest, WhatIsReadIsSavedInTheNewestVersionAndKeepsEverything) {
   for (const auto& [name, expected] : Expected["read"].items()) {
-    const std::string saved = FromHex(expected["saved"]);
-    for (const std::string& from : {DataFolder + name, Path("again")}) {
-      const Ran ran = Run({"rewrite", from, "again"});
-      EXPECT_EQ(ran.status, 0) << ran.err;
-      EXPECT_EQ(ran.out + ran.err, "");
-      EXPECT_TRUE(ReadFile(Path("again")) == saved) << name << ", from " << from;
-    }
-  }
-}
-
-TEST_F(SetFilesTest, WhatIsReadCanBeReckonedWith) {
-  for (const auto& [name, expected] : Expected["read"].items()) {
+    SCOPED_TRACE(name);
     const std::string file = DataFolder + name;
     const size_t events = expected["dump"]["events"].size();
-    EXPECT_EQ(RunJson({"next", "--json", file}).size(), events) << name;
+    EXPECT_EQ(RunJson({"dump", file}), expected["dump"]);
+    EXPECT_EQ(RunJson({"next", "--json", file}).size(), events);
     EXPECT_TRUE(
         RunJson({"agenda", "--json", "--startup", "--from", "1794700800", file}).is_array());
     EXPECT_THAT(Run({"next", file}).out, testing::HasSubstr(events ? "Next message time" : "No e"));
-    EXPECT_EQ(Run({"agenda", "--from", "1794700800", file}).status, 0) << name;
+    EXPECT_EQ(Run({"agenda", "--from", "1794700800", file}).status, 0);
     EXPECT_THAT(Run({"check", file}).out,
                 testing::StartsWith(file + ": " + std::to_string(events) + " events, version " +
                                     std::string(expected["dump"]["version"])));
   }
+}
+
+TEST_F(SetFilesTest, WhatIsReadIsSavedInTheNewestVersionAndKeepsEverything) {
+  for (const auto& [name, expected] : Expected["read"].items())
+    for (const std::string& from : {DataFolder + name, Path("again")}) {
+      const Ran ran = Run({"rewrite", from, "again"});
+      EXPECT_EQ(ran.status, 0) << ran.err;
+      EXPECT_EQ(ran.out + ran.err, "");
+      EXPECT_TRUE(ReadFile(Path("again")) == FromHex(expected["saved"]))
+          << name << ", from " << from;
+    }
+}
+
+// Every line of the page's dump begins with its place: "0005  01 00 00 00   what".
+TEST_F(SetFilesTest, TheDumpOnThePageOfTheFormatIsTheFile) {
+  std::istringstream page(ReadFile(KESTRIN_SOURCE_DIR "/docs/file-format.md"));
+  std::string bytes;
+  int fences = 0;
+  for (std::string line; std::getline(page, line);) {
+    if (line.starts_with("```")) ++fences;
+    if (fences % 2 == 0 || line.starts_with("```") || line.starts_with(' ')) continue;
+    EXPECT_EQ(std::stoul(line.substr(0, 4), nullptr, 16), bytes.size()) << line;
+    std::string hex = line.substr(6, 47);
+    hex.resize(std::min(hex.size(), hex.find("  ")));
+    std::erase(hex, ' ');
+    bytes += FromHex(hex);
+  }
+  EXPECT_EQ(fences, 2) << "one dump";
+  EXPECT_EQ(bytes, ReadFile(TeaFile));
 }
 
 TEST_F(SetFilesTest, DamagedFilesAreRefused) {

@@ -20,20 +20,26 @@ import sys
 
 HOME = pathlib.Path(__file__).parent / "sets"
 
-WHEN = [("PeriodType", "i"), ("Multiple", "I"), ("TimingType", "i"), ("RememberType", "i"),
-        ("EventTime", "i"), ("DayOfMonth", "b"), ("WeekOfMonth", "b"), ("DayOfWeek", "b"),
-        ("Month", "b"), ("MultiStartTime", "i"), ("ApplyTime", "flag"), ("TimeToApply", "i"),
-        ("SubIntType", "i"), ("ApplyStop", "flag"), ("StopTime", "i")]
-REMINDERS = [("ApplyPrewarn", "flag"), ("PrewarnTime", "I"), ("PrewarnType", "i"),
-             ("ApplyPrewarnRepeat", "flag"), ("PrewarnRepeatTime", "I"), ("PrewarnRepeatType", "i"),
-             ("PrewarnMessage", "text"), ("ApplyNag", "flag"), ("NagRepeatTime", "I"),
-             ("NagRepeatType", "i"), ("NagMessage", "text"), ("DeliverIfMissed", "flag"),
-             ("DeleteOnceDelivered", "flag"), ("Comment", "text")]
-BEFORE = [("Name", "text"), ("NextEventTime", "i"), ("ActualEventTime", "i"), ("Active", "flag"),
-          ("Status", "i")]
-LAYOUT = [("WindowFrame", "f", 4), ("ColumnOrder", "i", 6), ("ColumnShown", "flag", 6),
-          ("ColumnWidth", "f", 6), ("NumberOfKeys", "i", 1), ("SortKeys", "i", 5),
-          ("SortModes", "i", 5), ("ViewMode", "i", 1)]
+
+def fields(text):
+    return [tuple(each.split()) for each in text.split(",")]
+
+
+BEFORE = fields("Name text, NextEventTime i, ActualEventTime i, Active flag, Status i")
+RULES = fields("""
+    PeriodType i, Multiple I, TimingType i, RememberType i, EventTime i, DayOfMonth b,
+    WeekOfMonth b, DayOfWeek b, Month b, MultiStartTime i, ApplyTime flag, TimeToApply i,
+    SubIntType i, ApplyStop flag, StopTime i, ApplyPrewarn flag, PrewarnTime I, PrewarnType i,
+    ApplyPrewarnRepeat flag, PrewarnRepeatTime I, PrewarnRepeatType i, PrewarnMessage text,
+    ApplyNag flag, NagRepeatTime I, NagRepeatType i, NagMessage text, DeliverIfMissed flag,
+    DeleteOnceDelivered flag, Comment text, IconNumber i""")
+ICONS = fields("LargeIcon raw, MiniIcon raw")  # only of IconNumber -2
+WINDOW = fields("WindowFrame f, WindowOpen flag")
+RESERVED = fields("reserved flag")  # behind WINDOW in 1.0, behind BEFORE since
+HANDLER = fields("TabShown i, HandlerName text")
+BLOCK = fields("count I, data raw")
+LAYOUT = fields("WindowFrame f, ColumnOrder i, ColumnShown flag, ColumnWidth f, NumberOfKeys i, "
+                "SortKeys i, SortModes i, ViewMode i")
 
 PLAIN_EVENT = dict(
     Name=b"Tea", NextEventTime=1794758400, ActualEventTime=1794758400, Active=1, Status=1,
@@ -68,34 +74,20 @@ class Writer:
 
     def put(self, name, encoding, value):
         self.fields.append((len(self.bytes), name))
-        if encoding == "text":
-            self.bytes += value + b"\0"
-        elif encoding == "raw":
-            self.bytes += value
+        if encoding in ("text", "raw"):
+            self.bytes += value + b"\0" * (encoding == "text")
         else:
             self.bytes += struct.pack(self.order + encoding.replace("flag", "B"), value)
 
-    def put_event(self, version, values):
-        fields = [(name, encoding, values[name]) for name, encoding in BEFORE]
-        if version != b"1.0":
-            fields.append(("reserved", "flag", values.get("reserved", 1)))
-        fields += [(name, encoding, values[name]) for name, encoding in WHEN + REMINDERS]
-        fields.append(("IconNumber", "i", values["IconNumber"]))
-        if values["IconNumber"] == -2:
-            fields += [("LargeIcon", "raw", values["LargeIcon"]), ("MiniIcon", "raw", values["MiniIcon"])]
-        fields += [("WindowFrame", "f", edge) for edge in values["WindowFrame"]]
-        fields.append(("WindowOpen", "flag", values["WindowOpen"]))
-        if version == b"1.0":
-            fields.append(("reserved", "flag", values.get("reserved", 1)))
-        fields += [("TabShown", "i", values["TabShown"]), ("HandlerName", "text", values["HandlerName"]),
-                   ("count", "I", values["count"]), ("data", "raw", values["data"])]
-        for field in fields:
-            self.put(*field)
+    def put_all(self, fields, values):
+        for name, encoding in fields:
+            value = values[name]
+            for each in value if isinstance(value, list) else [value]:
+                self.put(name, encoding, each)
 
-    def put_layout(self, layout):
-        for name, encoding, number in LAYOUT:
-            for value in layout[name] if number > 1 else [layout[name]]:
-                self.put(name, encoding, value)
+
+def icons(values):
+    return ICONS if values["IconNumber"] == -2 else []
 
 
 def make_set(events, version=b"1.2", order="<", count=None, layout=None, marker=None):
@@ -103,17 +95,23 @@ def make_set(events, version=b"1.2", order="<", count=None, layout=None, marker=
     writer.put("marker", "B", (0 if order == "<" else 1) if marker is None else marker)
     writer.put("version", "text", version)
     writer.put("number of events", "i", len(events) if count is None else count)
+    old, new = (RESERVED, []) if version == b"1.0" else ([], RESERVED)
     for values in events:
-        writer.put_event(version, values)
-    writer.put_layout(PLAIN_LAYOUT | (layout or {}))
+        writer.put_all(BEFORE + new + RULES + icons(values) + WINDOW + old + HANDLER + BLOCK,
+                       {"reserved": 1} | values)
+    writer.put_all(LAYOUT, PLAIN_LAYOUT | (layout or {}))
     return writer
 
 
 def as_json(encoding, value):
+    if isinstance(value, list):
+        return [as_json(encoding, each) for each in value]
     if encoding == "flag":
         return value != 0
     if encoding == "f":
         return value if math.isfinite(value) else None
+    if encoding == "raw":
+        return value.hex()
     if encoding == "text":
         try:
             return value.decode() or None
@@ -122,38 +120,29 @@ def as_json(encoding, value):
     return value
 
 
-def dump(events, version, order, layout):
-    layout = PLAIN_LAYOUT | (layout or {})
-    result = {"version": version.decode(), "byteOrder": "little" if order == "<" else "big",
-              "events": []}
-    for values in events:
-        shown = {name: as_json(encoding, values[name])
-                 for name, encoding in BEFORE + WHEN + REMINDERS + [("IconNumber", "i"), ("WindowOpen", "flag"),
-                                                                    ("TabShown", "i"), ("HandlerName", "text")]}
-        shown["WindowFrame"] = [as_json("f", edge) for edge in values["WindowFrame"]]
-        shown["HandlerData"] = values["data"].hex()
-        if values["IconNumber"] == -2:
-            shown |= {name: values[name].hex() for name in ("LargeIcon", "MiniIcon")}
-        result["events"].append(shown)
-    for name, encoding, number in LAYOUT:
-        value = layout[name]
-        result[name] = [as_json(encoding, each) for each in value] if number > 1 else as_json(encoding, value)
-    return result
+def show(fields, values):
+    return {name: as_json(encoding, values[name]) for name, encoding in fields}
 
 
-def saved_again(events, layout):
+def dump(events, version=b"1.2", order="<", layout=None, **_):
+    return {"version": version.decode(), "byteOrder": "little" if order == "<" else "big",
+            "events": [show(BEFORE + RULES + icons(values) + WINDOW + HANDLER, values) |
+                       {"HandlerData": values["data"].hex()} for values in events],
+            **show(LAYOUT, PLAIN_LAYOUT | (layout or {}))}
+
+
+def saved_again(events, layout=None, **_):
     """The same set as version 1.2 writes it on a little-endian machine."""
-    flags = [name for name, encoding in BEFORE + WHEN + REMINDERS if encoding == "flag"] + ["WindowOpen"]
     again = []
     for values in events:
-        values = values | {name: int(values[name] != 0) for name in flags} | {"reserved": 1}
+        flags = {name: int(values[name] != 0) for name, encoding in BEFORE + RULES + WINDOW
+                 if encoding == "flag"}
+        again.append(values | flags | {"reserved": 1})
         if values.get("saved"):
-            values["count"], values["data"] = values["saved"]
-        again.append(values)
-    layout = dict(layout or {})
-    if "ColumnShown" in layout:
-        layout["ColumnShown"] = [int(shown != 0) for shown in layout["ColumnShown"]]
-    return make_set(again, layout=layout).bytes
+            again[-1]["count"], again[-1]["data"] = values["saved"]
+    layout = PLAIN_LAYOUT | (layout or {})
+    return make_set(again, layout=layout | {
+        "ColumnShown": [int(shown != 0) for shown in layout["ColumnShown"]]}).bytes
 
 
 ALL_BYTES = bytes(range(256))
@@ -280,10 +269,8 @@ def make_all():
     def add(name, events, behind=b"", **arguments):
         made = make_set(events, **arguments)
         files[name] = made.bytes + behind
-        expected["read"][name] = {
-            "dump": dump(events, arguments.get("version", b"1.2"), arguments.get("order", "<"),
-                         arguments.get("layout")),
-            "saved": saved_again(events, arguments.get("layout")).hex()}
+        expected["read"][name] = {"dump": dump(events, **arguments),
+                                  "saved": saved_again(events, **arguments).hex()}
 
     for version in (b"1.0", b"1.1", b"1.2"):
         for order, word in (("<", "little"), (">", "big")):

@@ -1,15 +1,11 @@
 // How the application starts, what a second start does, and how it ends.
+#include <algorithm>
 #include <filesystem>
 
 #include "SystemTest.h"
 
 namespace kestrin {
 namespace {
-
-using testing::Contains;
-using testing::Field;
-using testing::Not;
-using testing::StartsWith;
 
 class RolesTest : public SystemTest {
  protected:
@@ -19,8 +15,10 @@ class RolesTest : public SystemTest {
     WriteTea(path, Now() + 3600, Now());
     return path;
   }
-  auto HasWindow(const std::string& title) {
-    return Contains(Field(&Screen::ShownWindow::title, StartsWith(title)));
+  bool HasWindow(const std::string& title) {
+    const auto windows = TheScreen().Windows();
+    return std::any_of(windows.begin(), windows.end(),
+                       [&](const auto& window) { return window.title.starts_with(title); });
   }
 };
 
@@ -58,7 +56,7 @@ TEST_F(RolesTest, AStartDuringAWakeUpOpensTheUserInterface) {
   RememberTea(when);
   ASSERT_NO_FATAL_FAILURE(HandOver(when));
   const Reader::Alert alert = WaitForAlert("Tea");
-  EXPECT_THAT(TheScreen().Windows(), Not(HasWindow("day")));
+  EXPECT_FALSE(HasWindow("day"));
   const pid_t process = ProcessOf(ApplicationBusName);
   EXPECT_EQ(Start({})->Wait(), 0);
   WaitForWindow("day");
@@ -66,39 +64,8 @@ TEST_F(RolesTest, AStartDuringAWakeUpOpensTheUserInterface) {
   Press(alert, "Ok");
   EXPECT_EQ(Start({MakeSet("other.kestrin")})->Wait(), 0);
   WaitForWindow("other");
-  EXPECT_THAT(TheScreen().Windows(), HasWindow("day"));
+  EXPECT_TRUE(HasWindow("day"));
   EXPECT_EQ(ProcessOf(ApplicationBusName), process);
-}
-
-TEST_F(RolesTest, TellsOnceThatTheDelivererIsMissing) {
-  const std::string alone = Path("kestrin");
-  std::filesystem::copy_file(KESTRIN, alone);
-  const auto application = Start({MakeSet("one.kestrin")}, true, alone);
-  const Reader::Alert alert =
-      WaitForAlert("Kestrin was unable to locate its background executable");
-  EXPECT_EQ(TheReader().Alerts().size(), 1u);
-  Press(alert, "Continue");
-  WaitForWindow("one");
-
-  // Opening another set sends its time, and so does quitting: an alert would keep it from that.
-  EXPECT_EQ(Start({MakeSet("two.kestrin")}, true, alone)->Wait(), 0);
-  PressKeys("two", "ctrl+q");
-  EXPECT_EQ(application->Wait(), 0) << application->Errors();
-  EXPECT_FALSE(HasOwner(BackgroundBusName));
-}
-
-TEST_F(RolesTest, ADamagedFileIsNamedAndLeftAsItIs) {
-  const std::string good = MakeSet("good.kestrin"), damaged = MakeSet("damaged.kestrin");
-  const std::string bytes = ReadFile(damaged).substr(0, ReadFile(damaged).size() / 2);
-  WriteFile(damaged, bytes);
-  const auto application = StartWithWindow({damaged, good}, "good");
-  const Reader::Alert alert = WaitForAlert("Kestrin: Attempt to read event set");
-  EXPECT_EQ(alert.text, "Kestrin: Attempt to read event set " + damaged +
-                            " failed because a file error occurred.  The file may be corrupted.");
-  Press(alert, alert.Labels().at(0));
-  PressKeys("good", "ctrl+q");
-  EXPECT_EQ(application->Wait(), 0) << application->Errors();
-  EXPECT_EQ(ReadFile(damaged), bytes);
 }
 
 }  // namespace

@@ -18,10 +18,9 @@ constexpr char Wanted[] = "kestrin";  // of WM_CLASS
 }  // namespace
 
 struct Screen::Connection {
-  explicit Connection(const std::string& name) : display(XOpenDisplay(name.c_str())) {
+  Connection() {
     Require(display != nullptr, "the X server does not answer");
     XSetErrorHandler(PassOver);
-    root = DefaultRootWindow(display);
   }
   ~Connection() { XCloseDisplay(display); }
   Connection(const Connection&) = delete;
@@ -53,28 +52,11 @@ struct Screen::Connection {
     return list;
   }
 
-  Display* display;
-  XWindow root = 0;
+  Display* const display = XOpenDisplay(nullptr);
+  const XWindow root = DefaultRootWindow(display);
 };
 
-Screen::Screen()
-    : number_(folder_.path + "/number"),
-      server_({"/bin/sh", "-c",
-               "exec \"$0\" -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp -noreset 3>\"$1\"",
-               XVFB, folder_.path + "/number"}) {
-  const std::string number = number_.NextLine();
-  Require(!number.empty(), "Xvfb did not start");
-  name_ = ":" + number;
-  connection_ = std::make_unique<Connection>(name_);
-  manager_ = std::make_unique<Child>(std::vector<std::string>{OPENBOX, "--sm-disable"},
-                                     std::map<std::string, std::string>{{"DISPLAY", name_},
-                                                                        {"HOME", folder_.path},
-                                                                        {"XDG_CONFIG_HOME", ""},
-                                                                        {"XDG_DATA_HOME", ""},
-                                                                        {"XDG_DATA_DIRS", ""}});
-  Require(Until([this] { return !connection_->RootList("_NET_SUPPORTING_WM_CHECK").empty(); }),
-          "openbox did not start");
-}
+Screen::Screen() : connection_(std::make_unique<Connection>()) {}
 
 Screen::~Screen() = default;
 
@@ -117,7 +99,7 @@ void Screen::Activate(const ShownWindow& window) {
 
 void Screen::Do(std::vector<std::string> action) {
   action.insert(action.begin(), XDOTOOL);
-  Require(Child(action, {{"DISPLAY", name_}}).Wait() == 0, "xdotool failed");
+  Require(Child(action).Wait() == 0, "xdotool failed");
 }
 
 void Screen::Click(Place at) {

@@ -1,4 +1,4 @@
-// A screen of the test's own, with a window manager, and a person's hands in front of it.
+// The screen, and a person's hands in front of it.
 #pragma once
 
 #include <memory>
@@ -14,7 +14,7 @@ struct Place {
   bool operator==(const Place&) const = default;
 };
 
-/// One for the whole process. Throws when it cannot be started or does not answer.
+/// The one that DISPLAY names. Throws when it does not answer.
 class Screen {
  public:
   struct ShownWindow {
@@ -27,10 +27,6 @@ class Screen {
   ~Screen();
   Screen(const Screen&) = delete;
   Screen& operator=(const Screen&) = delete;
-
-  /// What DISPLAY is to say.
-  const std::string& Name() const { return name_; }
-  bool IsPartOf(int process) const { return server_.Id() == process || manager_->Id() == process; }
 
   /// The application's windows that can be seen, in the order in which they were opened.
   std::vector<ShownWindow> Windows();
@@ -49,12 +45,7 @@ class Screen {
   void AskManager(const ShownWindow& window, const char* what);
   void Do(std::vector<std::string> action);
 
-  TemporaryFolder folder_;
-  LinePipe number_;
-  Child server_;
-  std::string name_;
-  std::unique_ptr<Connection> connection_;
-  std::unique_ptr<Child> manager_;
+  const std::unique_ptr<Connection> connection_;
 };
 
 }  // namespace kestrin

@@ -12,32 +12,24 @@
 
 namespace kestrin {
 
-std::unique_ptr<Screen> SystemTest::screen_;
-
-class EndOfScreen : public testing::Environment {
- public:
-  void TearDown() override { SystemTest::screen_.reset(); }
-};
-
 namespace {
 
 namespace fs = std::filesystem;
 
 /// What would let the programs meet the person who runs the tests.
 constexpr const char* Foreign[] = {
-    "DISPLAY",          "WAYLAND_DISPLAY",     "XAUTHORITY",        "SESSION_MANAGER",
-    "XDG_SESSION_TYPE", "XDG_CURRENT_DESKTOP", "QT_QPA_PLATFORM",   "XDG_ACTIVATION_TOKEN",
-    "LIBRARY_PATH",     "DESKTOP_STARTUP_ID",  "AT_SPI_BUS_ADDRESS"};
+    "WAYLAND_DISPLAY",     "XAUTHORITY",        "SESSION_MANAGER",      "XDG_SESSION_TYPE",
+    "XDG_CURRENT_DESKTOP", "QT_QPA_PLATFORM",   "XDG_ACTIVATION_TOKEN", "LIBRARY_PATH",
+    "DESKTOP_STARTUP_ID",  "AT_SPI_BUS_ADDRESS"};
 
 /// Ends what the programs have started and nobody waits for; it has become this process's own.
-void EndOrphans(const Screen& screen) {
+void EndOrphans() {
   const std::string list = "/proc/self/task/" + std::to_string(getpid()) + "/children";
   for (bool found = true; found;) {
     found = false;
     std::ifstream children(list);
     EXPECT_TRUE(children.is_open()) << list;
     for (pid_t child = 0; children >> child;) {
-      if (screen.IsPartOf(child)) continue;
       found = true;
       kill(child, SIGKILL);
       waitpid(child, nullptr, 0);
@@ -63,11 +55,6 @@ auto WaitFor(const std::string& wanted, MakeList makeList, Fits fits, Tell tell)
 
 }  // namespace
 
-Screen& SystemTest::TheScreen() {
-  if (!screen_) screen_ = std::make_unique<Screen>();
-  return *screen_;
-}
-
 SystemTest::SystemTest() {
   prctl(PR_SET_CHILD_SUBREAPER, 1);
   for (const char* name : Foreign) unsetenv(name);
@@ -83,7 +70,6 @@ SystemTest::SystemTest() {
   setenv("TZ", "UTC", 1);
   setenv("LC_ALL", "C.UTF-8", 1);
   fs::create_directory_symlink("/usr/share/mime", Path("share/mime"));
-  TheScreen();
   bus_ = std::make_unique<PrivateBus>();
   bus_->ServeDataFolder(Path("data"));
   peer_ = std::make_unique<Peer>(*bus_);
@@ -95,7 +81,7 @@ SystemTest::~SystemTest() {
   reader_.reset();
   peer_.reset();
   bus_.reset();
-  EndOrphans(*screen_);
+  EndOrphans();
 }
 
 void SystemTest::Remember(const std::vector<std::string>& sets) const {
@@ -128,7 +114,7 @@ std::unique_ptr<Child> SystemTest::Start(std::vector<std::string> arguments, boo
                                          const std::string& program) const {
   arguments.insert(arguments.begin(), program);
   auto environment = bus_->Environment();
-  if (screen) environment["DISPLAY"] = screen_->Name();
+  if (!screen) environment["DISPLAY"] = "";
   return std::make_unique<Child>(std::move(arguments), environment);
 }
 
@@ -149,20 +135,20 @@ void SystemTest::HandOver(int64 when, bool screen) {
 
 Screen::ShownWindow SystemTest::WaitForWindow(const std::string& title) {
   return WaitFor(
-      "window \"" + title + "\"", [this] { return screen_->Windows(); },
+      "window \"" + title + "\"", [this] { return screen_.Windows(); },
       [&title](const auto& window) { return window.title.starts_with(title); },
       [](const auto& window) { return window.title; });
 }
 
 Screen::ShownWindow SystemTest::InFront(const std::string& title) {
   const Screen::ShownWindow window = WaitForWindow(title);
-  screen_->Activate(window);
+  screen_.Activate(window);
   return window;
 }
 
 void SystemTest::PressKeys(const std::string& title, const std::string& keys) {
   InFront(title);
-  screen_->Press(keys);
+  screen_.Press(keys);
 }
 
 Reader::Control SystemTest::WaitForControl(const std::string& window, const std::string& name,
@@ -175,7 +161,7 @@ Reader::Control SystemTest::WaitForControl(const std::string& window, const std:
 
 void SystemTest::Click(const Reader::Control& control) {
   const auto [corner, size] = reader_->AreaOf(control.object);
-  screen_->Click({corner.x + size.x / 2, corner.y + size.y / 2});
+  screen_.Click({corner.x + size.x / 2, corner.y + size.y / 2});
 }
 
 Reader::Alert SystemTest::WaitForAlert(const std::string& part) {
@@ -206,7 +192,7 @@ void SystemTest::Press(const Reader::Alert& alert, const std::string& label) {
 
 void SystemTest::ClickAway(const Reader::Alert& alert) {
   ASSERT_TRUE(Until([&] {
-    const auto windows = screen_->Windows();
+    const auto windows = screen_.Windows();
     return std::any_of(windows.begin(), windows.end(), [&](const auto& window) {
       return window.corner == reader_->AreaOf(alert.object).corner;
     });
@@ -218,7 +204,13 @@ void SystemTest::ClickAway(const Reader::Alert& alert) {
 }  // namespace kestrin
 
 int main(int argc, char** argv) {
+  constexpr char Mark[] = "KESTRIN_TEST_ON_SCREEN";
+  std::string onScreen = ON_SCREEN;
+  std::vector<char*> again{onScreen.data()};
+  again.insert(again.end(), argv, argv + argc + 1);
   testing::InitGoogleMock(&argc, argv);
-  testing::AddGlobalTestEnvironment(new kestrin::EndOfScreen);
-  return RUN_ALL_TESTS();
+  if (GTEST_FLAG_GET(list_tests) || getenv(Mark)) return RUN_ALL_TESTS();
+  setenv(Mark, "1", 1);
+  execv(again[0], again.data());
+  return 127;
 }

@@ -1,4 +1,4 @@
-// A login of the test's own: folders, screen and bus, and the programs on it.
+// A login of the test's own: folders and bus, and the programs on it.
 #pragma once
 
 #include <gmock/gmock.h>
@@ -59,17 +59,14 @@ class SystemTest : public testing::Test {
   static int64 Now() { return RealTime() / 1000000; }
   /// Far enough ahead for the application to start, hand over and leave before.
   static int64 Soon() { return Now() + 3; }
-  static Screen& TheScreen();
-
   PrivateBus& Bus() { return *bus_; }
+  Screen& TheScreen() { return screen_; }
   Reader& TheReader() { return *reader_; }
 
  private:
-  friend class EndOfScreen;
-  static std::unique_ptr<Screen> screen_;
-
   void ExpectClosed(const Reader::Alert& alert);
 
+  Screen screen_;
   TemporaryFolder home_;
   std::unique_ptr<PrivateBus> bus_;
   std::unique_ptr<Peer> peer_;
