@@ -26,7 +26,7 @@ struct Screen::Connection {
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
 
-  Atom Name(const char* text) { return XInternAtom(display, text, False); }
+  Atom Known(const char* text) { return XInternAtom(display, text, False); }
 
   std::string Bytes(XWindow window, const char* property) {
     Atom type = 0;
@@ -34,7 +34,7 @@ struct Screen::Connection {
     unsigned long count = 0, left = 0;
     unsigned char* data = nullptr;
     std::string bytes;
-    if (XGetWindowProperty(display, window, Name(property), 0, 4096, False, AnyPropertyType, &type,
+    if (XGetWindowProperty(display, window, Known(property), 0, 4096, False, AnyPropertyType, &type,
                            &format, &count, &left, &data) == Success &&
         data) {
       // Xlib keeps 32-bit items in longs.
@@ -52,13 +52,18 @@ struct Screen::Connection {
     return list;
   }
 
-  Display* const display = XOpenDisplay(nullptr);
+  Display* const display = XOpenDisplay(Name().c_str());
   const XWindow root = DefaultRootWindow(display);
 };
 
 Screen::Screen() : connection_(std::make_unique<Connection>()) {}
 
 Screen::~Screen() = default;
+
+const std::string& Screen::Name() {
+  static const std::string name = getenv("DISPLAY");
+  return name;
+}
 
 std::vector<Screen::ShownWindow> Screen::Windows() {
   Connection& x = *connection_;
@@ -81,7 +86,7 @@ void Screen::AskManager(const ShownWindow& window, const char* what) {
   XEvent event{};
   event.xclient.type = ClientMessage;
   event.xclient.window = window.id;
-  event.xclient.message_type = connection_->Name(what);
+  event.xclient.message_type = connection_->Known(what);
   event.xclient.format = 32;
   event.xclient.data.l[0] = Pager;
   event.xclient.data.l[1] = CurrentTime;
@@ -99,7 +104,7 @@ void Screen::Activate(const ShownWindow& window) {
 
 void Screen::Do(std::vector<std::string> action) {
   action.insert(action.begin(), XDOTOOL);
-  Require(Child(action).Wait() == 0, "xdotool failed");
+  Require(Child(action, {{"DISPLAY", Name()}}).Wait() == 0, "xdotool failed");
 }
 
 void Screen::Click(Place at) {

@@ -14,7 +14,7 @@ struct Place {
   bool operator==(const Place&) const = default;
 };
 
-/// The one that DISPLAY names. Throws when it does not answer.
+/// The one that DISPLAY names when the process begins. Throws when it does not answer.
 class Screen {
  public:
   struct ShownWindow {
@@ -28,6 +28,8 @@ class Screen {
   Screen(const Screen&) = delete;
   Screen& operator=(const Screen&) = delete;
 
+  /// What DISPLAY is to say.
+  static const std::string& Name();
   /// The application's windows that can be seen, in the order in which they were opened.
   std::vector<ShownWindow> Windows();
   /// Asks for the keyboard's focus, as a click on the taskbar does, and waits until it is there.

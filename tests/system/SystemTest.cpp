@@ -18,9 +18,9 @@ namespace fs = std::filesystem;
 
 /// What would let the programs meet the person who runs the tests.
 constexpr const char* Foreign[] = {
-    "WAYLAND_DISPLAY",     "XAUTHORITY",        "SESSION_MANAGER",      "XDG_SESSION_TYPE",
-    "XDG_CURRENT_DESKTOP", "QT_QPA_PLATFORM",   "XDG_ACTIVATION_TOKEN", "LIBRARY_PATH",
-    "DESKTOP_STARTUP_ID",  "AT_SPI_BUS_ADDRESS"};
+    "DISPLAY",          "WAYLAND_DISPLAY",     "XAUTHORITY",        "SESSION_MANAGER",
+    "XDG_SESSION_TYPE", "XDG_CURRENT_DESKTOP", "QT_QPA_PLATFORM",   "XDG_ACTIVATION_TOKEN",
+    "LIBRARY_PATH",     "DESKTOP_STARTUP_ID",  "AT_SPI_BUS_ADDRESS"};
 
 /// Ends what the programs have started and nobody waits for; it has become this process's own.
 void EndOrphans() {
@@ -114,7 +114,7 @@ std::unique_ptr<Child> SystemTest::Start(std::vector<std::string> arguments, boo
                                          const std::string& program) const {
   arguments.insert(arguments.begin(), program);
   auto environment = bus_->Environment();
-  if (!screen) environment["DISPLAY"] = "";
+  if (screen) environment["DISPLAY"] = Screen::Name();
   return std::make_unique<Child>(std::move(arguments), environment);
 }
 
