@@ -168,6 +168,10 @@ TEST_F(IconViewTest, AnIconIsChosenByMouseAndByKeys) {
   Click("noIcon");
   EXPECT_EQ(Record().IconNumber, NoIconNumber);
   DeleteClosed();
+  const QImage without = Find("eventIcon").grab(QRect(6, 6, 22, 22)).toImage();
+  QImage nothing = without;
+  nothing.fill(without.pixel(0, 0));
+  EXPECT_NE(without, nothing) << "there is something to click at";
   QTest::keyClick(&Find("eventIcon"), Qt::Key_Down);
   QTest::keyClick(&Find("iconMenu"), Qt::Key_Escape);
   EXPECT_FALSE(Find("iconMenu").isVisible());

@@ -166,6 +166,11 @@ TEST_F(WhenPageTest, ADayIsRefusedThatHasNoRoomForItsTimeOfDay) {
   Enter("startDate", "Jan 19 2038, 03:00");
   EXPECT_THAT(Complaint(), IsEmpty());
   EXPECT_EQ(Record().MultiStartTime, 2147472000 + 10800);
+  ASSERT_TRUE(Choose("periodType", "Once"));
+  Enter("date", "Jan 19 2038, 03:00");
+  Enter("time", "4 am");
+  EXPECT_THAT(Complaint(), HasSubstr("January 18, 2038"));
+  EXPECT_EQ(Record().TimeToApply, 10800);
 }
 
 TEST_F(WhenPageTest, DatesAreReadAsTypedAndShownInFullInTheZone) {

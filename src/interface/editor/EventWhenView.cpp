@@ -133,7 +133,10 @@ void EventWhenView::BuildStop(QGridLayout& grid) {
           [this](bool on) { Write([on](Event& event) { event.SetApplyStop(on); }); });
   stopTime_ = new TimeField(
       "stopTime", [this] { return GetEvent().Record().StopTime; },
-      [this](int32 time) { Write([time](Event& event) { event.SetStopTime(time); }); });
+      [this](int32 time) {
+        Write([time](Event& event) { event.SetStopTime(time); });
+        return true;
+      });
   stopTime_->setAccessibleName("Stopping time");
   AddField(stopTime_);
   AddRow(grid, Stop, useStop_, stopTime_);
@@ -145,13 +148,19 @@ void EventWhenView::BuildTimeOfDay(QGridLayout& grid) {
   connect(useTime_, &QCheckBox::clicked, this,
           [this](bool on) { Write([on](Event& event) { event.SetApplyTime(on); }); });
   time_ = new TimeField(
-      "time", [this] { return TimeOfDay(); },
-      [this](int32 time) { Write([time](Event& event) { event.SetTimeToApply(time); }); });
+      "time", [this] { return TimeOfDay(); }, [this](int32 time) { return TakeTimeOfDay(time); });
   time_->setAccessibleName("Time of day");
   AddField(time_);
   const int at = grid.rowCount();
   grid.addWidget(useTime_, at, CaptionColumn);
   grid.addWidget(time_, at, ContentColumn);
+}
+
+bool EventWhenView::TakeTimeOfDay(int32 time) {
+  const int32 day = GetEvent().Record().EventTime;
+  if (selectors_->IsDateShown() && !OnDayOf(day, time, ZoneOf(GetEvent()))) return false;
+  Write([time](Event& event) { event.SetTimeToApply(time); });
+  return true;
 }
 
 /// A sub-daily event has the time of day of its start.

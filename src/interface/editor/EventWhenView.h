@@ -52,6 +52,7 @@ class EventWhenView final : public EditorPage {
   void ShowTimeOfDay();
   int32 TimeOfDay() const;
   bool TakeStart(int32 time, bool hasTime);
+  bool TakeTimeOfDay(int32 time);
 
   ChoiceMenu* periodType_ = nullptr;
   PeriodicityIntervalView* interval_ = nullptr;

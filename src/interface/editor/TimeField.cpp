@@ -13,8 +13,7 @@ QString TakeTime(const QString& typed, const TimeField::Setter& set) {
   const int32 seconds = ParseTimeOfDay(typed.toStdString());
   if (seconds < 0)
     return QuotedText(typed) + ": This is no time of day. Type one like 7 pm or 19:30.";
-  set(seconds);
-  return {};
+  return set(seconds) ? QString() : QuotedText(typed) + ": " + DateOutOfRange;
 }
 
 }  // namespace

@@ -11,9 +11,9 @@ class TimeField final : public TypedField {
   Q_OBJECT
 
  public:
-  /// Both in seconds after midnight.
+  /// Both in seconds after midnight. False when that time of the day it goes with cannot be stored.
   using Getter = std::function<int32()>;
-  using Setter = std::function<void(int32 secondsIntoDay)>;
+  using Setter = std::function<bool(int32 secondsIntoDay)>;
 
   TimeField(const char* objectName, Getter get, Setter set, QWidget* parent = nullptr);
 

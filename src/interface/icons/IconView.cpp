@@ -41,6 +41,8 @@ QString ImageFilter() {
 IconView::IconView(Event& event, QWidget* parent) : QToolButton(parent), event_(&event) {
   setObjectName("eventIcon");
   setIconSize(QSize(LargeIconSize, LargeIconSize));
+  setMinimumSize(sizeHint());
+  setText("I&con");  // stands there when there is no icon
   setAutoRaise(true);
   setFocusPolicy(Qt::StrongFocus);
   setAcceptDrops(true);
