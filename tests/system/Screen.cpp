@@ -97,9 +97,13 @@ void Screen::AskManager(const ShownWindow& window, const char* what) {
 
 void Screen::Activate(const ShownWindow& window) {
   const std::vector<XWindow> wanted{window.id};
-  AskManager(window, "_NET_ACTIVE_WINDOW");
-  Require(Until([&] { return connection_->RootList("_NET_ACTIVE_WINDOW") == wanted; }),
-          ("not in front: " + window.title).c_str());
+  const auto isActive = [&] {
+    if (connection_->RootList("_NET_ACTIVE_WINDOW") == wanted) return true;
+    // Once is not enough: a window that is just opening may get in front after the answer.
+    AskManager(window, "_NET_ACTIVE_WINDOW");
+    return false;
+  };
+  Require(Until(isActive), ("not in front: " + window.title).c_str());
 }
 
 void Screen::Do(std::vector<std::string> action) {
