@@ -347,5 +347,39 @@ TEST_F(EventListTest, KeysAndTheMouseInvokeAndDelete) {
   EXPECT_EQ(list->GetSelectedEvent(), set.Events()[1].get()) << "typing finds a name";
 }
 
+TEST_F(EventListTest, KeysSortMoveAndResizeTheColumnsToo) {
+  set.Layout().ColumnShown[NextTimeColumn] = false;
+  Open();
+  window->resize(250, 200);
+  window->activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(window));
+  QTest::keyClick(list, Qt::Key_Tab);
+  ASSERT_EQ(QApplication::focusWidget(), list->header());
+  const auto press = [this](Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+    QTest::keyClick(list->header(), key, modifiers);
+    return StoredKeys();
+  };
+  press(Qt::Key_Right);
+  EXPECT_EQ(press(Qt::Key_Space), "1+");
+  EXPECT_EQ(press(Qt::Key_Return), "1-");
+  press(Qt::Key_Right);
+  EXPECT_EQ(press(Qt::Key_Space, Qt::ShiftModifier), "1- 2+");
+  EXPECT_EQ(list->header()->accessibleDescription(), "Event time, sort key 2, ascending");
+  const float width = static_cast<float>(list->columnWidth(EventTimeColumn));
+  press(Qt::Key_Right, Qt::ShiftModifier);
+  EXPECT_EQ(set.Layout().ColumnWidth[EventTimeColumn], width + 10);
+  press(Qt::Key_Right, Qt::ControlModifier);
+  EXPECT_THAT(set.Layout().ColumnOrder, ElementsAre(0, 1, 3, 4, 2, 5)) << "past the hidden one";
+  press(Qt::Key_End);
+  EXPECT_EQ(press(Qt::Key_Right, Qt::ControlModifier), "1- 2+") << "there is no further";
+  EXPECT_LT(list->header()->sectionViewportPosition(StatusColumn), list->viewport()->width());
+  press(Qt::Key_Home);
+  press(Qt::Key_Left, Qt::ShiftModifier);
+  EXPECT_EQ(list->columnWidth(IconColumn), 20) << "its width is fixed";
+  EXPECT_EQ(press(Qt::Key_Delete), "1- 2+");
+  QTest::keyClick(list->header(), Qt::Key_Backtab);
+  EXPECT_EQ(QApplication::focusWidget(), list);
+}
+
 }  // namespace
 }  // namespace kestrin

@@ -2,6 +2,8 @@
 
 #include <QAccessible>
 #include <QKeyEvent>
+#include <QScrollBar>
+#include <algorithm>
 
 #include "interface/list/ShownLayout.h"
 
@@ -12,9 +14,10 @@ ColumnListView::ColumnListView(QWidget* parent) : QTreeView(parent), header_(new
   header_->setAccessibleName("Columns");
   header_->setMinimumSectionSize(MinimumColumnWidth);
   setHeader(header_);
-  // A tree takes both from its header.
+  // A tree takes these from its header.
   header_->setSectionsClickable(true);
   header_->setFirstSectionMovable(true);
+  header_->setFocusProxy(nullptr);
   BuildList();
 }
 
@@ -55,10 +58,17 @@ void ColumnListView::Build(QAbstractItemModel& model, const std::vector<CLVColum
 void ColumnListView::WatchHeader() {
   connect(header_, &QHeaderView::sectionMoved, this, [this] { DisplayOrderChanged(); });
   connect(header_, &SortHeader::SortingChanged, this, [this] { SortingChanged(); });
+  connect(header_, &SortHeader::ColumnReached, this, &ColumnListView::ScrollToColumn);
   connect(header_, &QHeaderView::sectionResized, this, [this](int column, int before, int now) {
     // Hiding and showing come as a width of 0.
     if (before > 0 && now > 0) ColumnWidthChanged(column, now);
   });
+}
+
+void ColumnListView::ScrollToColumn(int column) {
+  const int left = header_->sectionPosition(column), width = header_->sectionSize(column);
+  QScrollBar& bar = *horizontalScrollBar();
+  bar.setValue(std::min(left, std::max(bar.value(), left + width - viewport()->width())));
 }
 
 uint32 ColumnListView::ColumnFlags(int column) const {

@@ -52,6 +52,7 @@ class ColumnListView : public QTreeView {
  private:
   void BuildList();
   void WatchHeader();
+  void ScrollToColumn(int column);
 
   SortHeader* header_;
   std::vector<CLVColumn> columns_;
