@@ -179,6 +179,10 @@ TEST_F(SetMenusTest, DisplayItemsFlipTheirColumnsAndTheSetRemembersThem) {
       EXPECT_EQ(window.GetEventsView()->isColumnHidden(row.column), !now);
     }
   }
+  window.GetEventsView()->SetColumnShown(NameColumn, false);
+  for (const auto& row : rows)
+    if (Item(row.text)->isChecked()) Item(row.text)->trigger();
+  EXPECT_FALSE(window.GetEventsView()->isColumnHidden(NameColumn)) << "one is always shown";
   EXPECT_FALSE(set.HasBeenModified());
 }
 

@@ -61,9 +61,11 @@ void ListEventView::AddColumnLabels() {
 }
 
 void ListEventView::SetColumnShown(Columns column, bool shown) {
-  ShowColumn(column, shown);
   AutoLock lock(GetEventSet());
-  GetEventSet().Layout().ColumnShown[column] = shown;
+  SetLayout& layout = GetEventSet().Layout();
+  layout.ColumnShown[column] = shown;
+  const auto all = ShownLayoutOf(layout, BuiltInColumnWidth).shown;
+  for (size_t each = 0; each < all.size(); ++each) ShowColumn(static_cast<int>(each), all[each]);
 }
 
 Event* ListEventView::GetSelectedEvent() {
