@@ -17,7 +17,8 @@ class DeletedEvents {
   void Delete(Event& event);
   /// Puts the event that was deleted last back in its place; null when there is none.
   Event* RestoreLast();
-  bool Empty() const { return deleted_.empty(); }
+  /// The one that would be put back; null when there is none.
+  const Event* Last() const { return deleted_.empty() ? nullptr : deleted_.back().event.get(); }
   void Clear();
 
  private:

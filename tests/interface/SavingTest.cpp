@@ -191,21 +191,26 @@ TEST_F(SavingTest, ThePanelThatOpensFilesOutlivesTheWindowsButNotAQuit) {
   EXPECT_FALSE(Find<QFileDialog>("openPanel"));
 }
 
-TEST_F(SavingTest, FilesDroppedOnTheWindowOpen) {
+TEST_F(SavingTest, FilesDroppedOnTheWindowOpenWhateverTheirNamesAndAreNotMoved) {
   EventSet& set = OpenSet();
-  OpenSet("Home.kestrin");
-  WindowOf(*Set("Home.kestrin")).close();
-  Run();
+  const std::string odd = "l\xE4ut %41&\n.kestrin";
+  for (const std::string& leaf : {std::string("Home.kestrin"), odd})
+    std::ofstream(Path(leaf), std::ios::binary) << Bytes(Path("Work.kestrin"));
   QMimeData files;
-  files.setUrls({QUrl("https://example.org/x"),
-                 QUrl::fromLocalFile(QString::fromStdString(Path("Home.kestrin")))});
-  QDragEnterEvent enter(QPoint(50, 50), Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
+  files.setData("text/uri-list", QByteArray::fromStdString("https://example.org/x\r\nfile://" +
+                                                           Path("Home.kestrin") + "\r\nfile://" +
+                                                           Path("l%E4ut%20%2541&%0A.kestrin")));
+  const Qt::DropActions possible = Qt::CopyAction | Qt::MoveAction;
+  QDragEnterEvent enter(QPoint(50, 50), possible, &files, Qt::LeftButton, Qt::ShiftModifier);
   QApplication::sendEvent(&WindowOf(set), &enter);
   EXPECT_TRUE(enter.isAccepted());
-  QDropEvent drop(QPointF(50, 50), Qt::CopyAction, &files, Qt::LeftButton, Qt::NoModifier);
+  QDropEvent drop(QPointF(50, 50), possible, &files, Qt::LeftButton, Qt::ShiftModifier);
+  ASSERT_EQ(drop.proposedAction(), Qt::MoveAction);
   QApplication::sendEvent(&WindowOf(set), &drop);
+  EXPECT_EQ(drop.dropAction(), Qt::CopyAction);
   Run();
-  EXPECT_TRUE(Set("Home.kestrin"));
+  EXPECT_TRUE(Set("Home.kestrin") && Set(odd));
+  EXPECT_EQ(std::remove(Path(odd).c_str()), 0);
 }
 
 }  // namespace

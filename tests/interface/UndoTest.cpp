@@ -103,6 +103,7 @@ TEST_F(UndoTest, SeveralComeBackLastFirstAlsoByTheButton) {
   QTest::keyClick(button, Qt::Key_Space);
   Run();
   EXPECT_THAT(Names(set), ElementsAre("Cake"));
+  EXPECT_EQ(Line(set, "deleted"), "Deleted “Tea”.") << "what can still come back";
   Choose(WindowOf(set), "Undo delete");
   EXPECT_THAT(Names(set), ElementsAre("Tea", "Cake"));
 }

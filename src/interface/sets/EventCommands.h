@@ -27,7 +27,8 @@ class EventCommands final : public QObject {
   void Paste();
   /// Brings the event that was deleted last back.
   void Undo();
-  bool CanUndo() const { return !deleted_.Empty(); }
+  /// What Undo would bring back; null when there is nothing.
+  const Event* LastDeleted() const { return deleted_.Last(); }
   /// The set is about to go.
   void Forget();
 

@@ -25,11 +25,20 @@ namespace kestrin {
 
 namespace {
 
-QStringList LocalFiles(const QMimeData& data) {
-  QStringList files;
+/// Byte for byte: a file's name need not be text.
+std::vector<std::string> LocalFiles(const QMimeData& data) {
+  std::vector<std::string> files;
   for (const QUrl& url : data.urls())
-    if (url.isLocalFile()) files.push_back(url.toLocalFile());
+    if (url.isLocalFile())
+      files.push_back(
+          QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1()).toStdString());
   return files;
+}
+
+/// Files are read where they are, whatever was proposed: some sources delete what was moved.
+void AcceptAsCopy(QDropEvent& event) {
+  event.setDropAction(Qt::CopyAction);
+  event.accept();
 }
 
 }  // namespace
@@ -76,8 +85,12 @@ void EventSetWindow::ConnectCommands() {
     menus_->EnableUndo(true);
   });
   connect(commands_, &EventCommands::Added, this, [this] {
-    status_->HideDeleted();
-    menus_->EnableUndo(commands_->CanUndo());
+    const Event* const deleted = commands_->LastDeleted();
+    if (deleted)
+      status_->OfferDeleted(deleted->GetName());
+    else
+      status_->HideDeleted();
+    menus_->EnableUndo(deleted != nullptr);
     list_->setFocus();
   });
   connect(saving_, &SetSaving::CloseAllowed, this, &EventSetWindow::CloseNow);
@@ -263,14 +276,14 @@ void EventSetWindow::resizeEvent(QResizeEvent* event) {
 }
 
 void EventSetWindow::dragEnterEvent(QDragEnterEvent* event) {
-  if (!LocalFiles(*event->mimeData()).isEmpty()) event->acceptProposedAction();
+  if (!LocalFiles(*event->mimeData()).empty()) AcceptAsCopy(*event);
 }
 
 void EventSetWindow::dropEvent(QDropEvent* event) {
-  const QStringList files = LocalFiles(*event->mimeData());
-  if (!set_ || files.isEmpty()) return;
+  const std::vector<std::string> files = LocalFiles(*event->mimeData());
+  if (!set_ || files.empty()) return;
   PostOpenFiles(set_->GetContext(), files);
-  event->acceptProposedAction();
+  AcceptAsCopy(*event);
 }
 
 void EventSetWindow::StoreFrame() {

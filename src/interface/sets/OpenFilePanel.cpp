@@ -28,10 +28,9 @@ QString StartFolder() {
 
 }  // namespace
 
-void PostOpenFiles(Context& context, const QStringList& files) {
+void PostOpenFiles(Context& context, const std::vector<std::string>& files) {
   Message open(OPEN_FILES);
-  for (qsizetype i = 0; i < files.size(); ++i)
-    open.Set(std::to_string(i), QFile::encodeName(files[i]).toStdString());
+  for (size_t i = 0; i < files.size(); ++i) open.Set(std::to_string(i), files[i]);
   context.queue.Post(std::move(open));
 }
 
@@ -66,7 +65,12 @@ void OpenFilePanel::accept() {
 void OpenFilePanel::done(int result) {
   QFileDialog::done(result);
   if (!holds_) return;
-  if (result == Accepted) PostOpenFiles(context_, selectedFiles());
+  if (result == Accepted) {
+    std::vector<std::string> files;
+    for (const QString& file : selectedFiles())
+      files.push_back(QFile::encodeName(file).toStdString());
+    PostOpenFiles(context_, files);
+  }
   holds_ = false;
   context_.holds.ProcessDone();
   deleteLater();

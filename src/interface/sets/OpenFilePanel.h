@@ -2,6 +2,8 @@
 #pragma once
 
 #include <QFileDialog>
+#include <string>
+#include <vector>
 
 namespace kestrin {
 
@@ -25,6 +27,6 @@ class OpenFilePanel final : public QFileDialog {
 };
 
 /// Asks the application to open these files in windows.
-void PostOpenFiles(Context& context, const QStringList& files);
+void PostOpenFiles(Context& context, const std::vector<std::string>& files);
 
 }  // namespace kestrin

@@ -92,9 +92,13 @@ void StatusLine::ShowNext() {
   }
 }
 
-void StatusLine::ShowDeleted(const std::string& name) {
+void StatusLine::OfferDeleted(const std::string& name) {
   deleted_->SetText("Deleted “" + ShownLine(name), "”.");
   deletedRow_->show();
+}
+
+void StatusLine::ShowDeleted(const std::string& name) {
+  OfferDeleted(name);
   QAccessibleEvent event(deleted_, QAccessible::Alert);
   QAccessible::updateAccessibility(&event);
 }

@@ -20,7 +20,9 @@ class StatusLine final : public QWidget {
   /// Something of the set or the settings has changed. Collected: the line changes once, on the
   /// next turn of the event loop.
   void Refresh();
-  /// Tells what was deleted and offers it back, until HideDeleted.
+  /// Offers what was deleted back, until HideDeleted.
+  void OfferDeleted(const std::string& name);
+  /// The same, and screen readers are told.
   void ShowDeleted(const std::string& name);
   void HideDeleted();
   /// The set is about to go.
