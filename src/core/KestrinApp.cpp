@@ -221,11 +221,11 @@ void KestrinApp::HelpRequested() {
     return;
   }
   ProcessHold();
-  Desktop& desktop = context_.desktop;
-  MessageQueue& queue = context_.queue;
-  const bool started = context_.workers.Start("Help", [&desktop, &queue, path] {
-    desktop.Launch(path);
-    queue.Post(PROCESS_HOLD_DONE);
+  const bool started = context_.workers.Start("Help", [&context = context_, path] {
+    if (!context.desktop.Launch(path))
+      context.notices.ReportCompoundError("Kestrin found no program that shows its help, \"", path,
+                                          "\".  Any web browser does.");
+    context.queue.Post(PROCESS_HOLD_DONE);
   });
   if (!started) ProcessDone();
 }
