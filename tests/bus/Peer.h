@@ -16,7 +16,7 @@ namespace kestrin {
 sd_bus* Connect(const PrivateBus& bus);
 
 /// A connection to the bus. With a name it is the application: it takes every message posted.
-class Peer {
+class Peer : NotCopied {
  public:
   struct Taken {
     uint32_t what;
@@ -25,8 +25,6 @@ class Peer {
 
   explicit Peer(const PrivateBus& bus, const char* name = nullptr);
   ~Peer();
-  Peer(const Peer&) = delete;
-  Peer& operator=(const Peer&) = delete;
 
   /// Serves the connection until `until` holds; false when patience ends first.
   bool WaitUntil(const std::function<bool()>& until);

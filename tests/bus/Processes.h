@@ -27,22 +27,25 @@ std::string ReadFile(const std::string& path);
 /// `mode` 0: as the process makes files.
 void WriteFile(const std::string& path, const std::string& text, mode_t mode = 0);
 
+/// What is made for one place only.
+struct NotCopied {
+  NotCopied() = default;
+  NotCopied(const NotCopied&) = delete;
+  NotCopied& operator=(const NotCopied&) = delete;
+};
+
 /// A folder that goes away with the object.
-struct TemporaryFolder {
+struct TemporaryFolder : NotCopied {
   TemporaryFolder();
   ~TemporaryFolder();
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
   std::string path;
 };
 
 /// A named pipe that other processes write lines to.
-class LinePipe {
+class LinePipe : NotCopied {
  public:
   explicit LinePipe(const std::string& path);
   ~LinePipe();
-  LinePipe(const LinePipe&) = delete;
-  LinePipe& operator=(const LinePipe&) = delete;
   /// The next line without its end, or what has come of it when patience ends.
   std::string NextLine();
   bool NothingWaits() const;
@@ -52,15 +55,13 @@ class LinePipe {
 };
 
 /// A process whose standard error is kept. Killed, if it still runs, with the object.
-class Child {
+class Child : NotCopied {
  public:
   /// `environment`: additions to this process's own; an empty value removes the name.
   explicit Child(std::vector<std::string> arguments,
                  const std::map<std::string, std::string>& environment = {},
                  const std::string& folder = ".");
   ~Child();
-  Child(const Child&) = delete;
-  Child& operator=(const Child&) = delete;
 
   pid_t Id() const { return pid_; }
   void Signal(int number) const;

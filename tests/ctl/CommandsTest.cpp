@@ -88,16 +88,13 @@ TEST_F(CommandsTest, AgendaShowsEveryKindOfDelivery) {
   reminding.PrewarnRepeatTime = 1;
   reminding.PrewarnRepeatType = Hours;
   reminding.NagRepeatTime = 2;
-  EventRecord asleep = DailyAt(0, "asleep");
-  asleep.Active = false;
-  EventRecord deleted = DailyAt(11 * Hour, "once only");
-  deleted.DeleteOnceDelivered = true;
-  MakeSet("set", {reminding, asleep, deleted, OnceAt(Saturday, "gone")});
+  MakeSet("set", {reminding, DailyAt(11 * Hour, "lunch"), OnceAt(Saturday, "gone")});
   const std::string before = ReadFile(Path("set"));
   Zone = "UTC";
-  EXPECT_EQ(Agenda({"--from", Text(Saturday), "--to", Text(Saturday + 5 * Day), "set"}),
-            (Lines{"+1800 prewarning call", "+3600 event once only", "+5400 prewarning call",
-                   "+7200 event call", "+180000 nag call", "+352800 nag call"}));
+  EXPECT_EQ(
+      Agenda({"--from", Text(Saturday), "--to", Text(Saturday + 2 * Day + 2 * Hour + 1), "set"}),
+      (Lines{"+1800 prewarning call", "+3600 event lunch", "+5400 prewarning call",
+             "+7200 event call", "+90000 event lunch", "+176400 event lunch", "+180000 nag call"}));
   const std::string at = Text(Saturday + 1800), behind = Text(Saturday + 1801);
   EXPECT_EQ(Agenda({"--from", Text(Saturday), "--to", at, "set"}), Lines{});
   EXPECT_EQ(Agenda({"--from", Text(Saturday), "--to", behind, "set"}),

@@ -19,6 +19,11 @@ Message Files(const std::vector<std::string>& paths, bool window) {
   return message;
 }
 
+Message WithToken(Message message, const char* token) {
+  message.Set("token", token);
+  return message;
+}
+
 QDBusMessage ToObject(const char* interface, const char* member, const QVariantList& arguments) {
   QDBusMessage call =
       QDBusMessage::createMethodCall(ApplicationBusName, ApplicationObject, interface, member);
@@ -55,9 +60,6 @@ TEST_F(ApplicationBusTest, TakesDeliveriesQuitsAndFilesAndNothingElse) {
   ASSERT_EQ(ArriveFirst(), Arrival::First);
   const QVariantMap none, pointer = {{"Event", 0x7fff12345678LL}},
                           token = {{"activation-token", "t"}};
-  Message activate(ACTIVATE), opened = Files({"/a b", "/c\xff"}, true);
-  activate.Set("token", "t");
-  opened.Set("token", "x11");
   struct {
     const char* what;
     QDBusMessage call;
@@ -80,11 +82,12 @@ TEST_F(ApplicationBusTest, TakesDeliveriesQuitsAndFilesAndNothingElse) {
        {},
        InvalidArgumentsError},
       {"open", Open({"file:///a%20b", "FILE://localhost/c%FF"}, {{"desktop-startup-id", "x11"}}),
-       opened},
+       WithToken(Files({"/a b", "/c\xff"}, true), "x11")},
       {"open unseen", Open({"file:///a"}, {{BackgroundKey, true}}), Files({"/a"}, false)},
       {"open no file", Open({"file:///a", "http://b/c"}), {}, InvalidArgumentsError},
       {"open nothing", Open({}), {}},
-      {"activate", ToObject(ApplicationInterface, "Activate", {token}), activate},
+      {"activate", ToObject(ApplicationInterface, "Activate", {token}),
+       WithToken(Message(ACTIVATE), "t")},
       {"action",
        ToObject(ApplicationInterface, "ActivateAction", {"new", QVariantList(), none}),
        {}},
@@ -109,9 +112,6 @@ TEST_F(ApplicationBusTest, TakesDeliveriesQuitsAndFilesAndNothingElse) {
 TEST_F(ApplicationBusTest, ASecondProcessHandsItsArgumentsOver) {
   ASSERT_EQ(ArriveFirst(), Arrival::First);
   const std::string here = Folder(), strange = "50%#?\xff\n\xc3\xa9 'x'";
-  Message activate(ACTIVATE), withToken = Files({"/a"}, true);
-  activate.Set("token", "t");
-  withToken.Set("token", "t");
   struct {
     std::vector<std::string> arguments;
     const char* token;
@@ -124,8 +124,8 @@ TEST_F(ApplicationBusTest, ASecondProcessHandsItsArgumentsOver) {
       {{"-background", "a", "-backgrounds"},
        "",
        Files({here + "/a", here + "/-backgrounds"}, false)},
-      {{"/a"}, "t", withToken},
-      {{}, "t", activate},
+      {{"/a"}, "t", WithToken(Files({"/a"}, true), "t")},
+      {{}, "t", WithToken(Message(ACTIVATE), "t")},
       {{"-background"}, "t", std::nullopt},
   };
   const auto program = Install("kestrin");
@@ -210,8 +210,7 @@ TEST_F(ApplicationBusTest, WhatComesTooLateGoesToTheNewOwner) {
   Client().asyncCall(Post(QUIT_REQUESTED, {{"Full", true}}));
   Settle();
   EXPECT_TRUE(bus_.Leave());
-  Message opened = Files({"/a\xff"}, false);
-  opened.Set("token", "t");
+  const Message opened = WithToken(Files({"/a\xff"}, false), "t");
   EXPECT_EQ(NextLine(), "application got " + opened.Flatten());
   EXPECT_EQ(NextLine(), "application got " + Message(FULL_QUIT_REQUESTED).Flatten());
   late.waitForFinished();

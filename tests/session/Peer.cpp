@@ -1,12 +1,12 @@
 // The other processes of the tests. What it is depends on the name it is started by; what happens
 // to it goes, a line each, into the pipe that KESTRIN_PEER_LOG names.
-#include <fcntl.h>
 #include <stdlib.h>
 #include <unistd.h>
 
 #include <QtCore/QCoreApplication>
 #include <QtDBus/QDBusArgument>
 #include <filesystem>
+#include <fstream>
 #include <string>
 
 #include "session/ApplicationBus.h"
@@ -19,12 +19,7 @@ namespace {
 
 using namespace kestrin;
 
-void Log(const std::string& line) {
-  const int pipe = open(getenv("KESTRIN_PEER_LOG"), O_WRONLY | O_CLOEXEC);
-  const std::string whole = line + "\n";
-  if (write(pipe, whole.data(), whole.size()) < 0) abort();
-  close(pipe);
-}
+void Log(const std::string& line) { std::ofstream(getenv("KESTRIN_PEER_LOG")) << line + "\n"; }
 
 int FilesBeyondTheFirstThree() {
   int count = 0;

@@ -76,3 +76,9 @@ void SessionBus::Activatable(const std::string& name, const std::string& program
 }
 
 }  // namespace kestrin
+
+int main(int argc, char** argv) {
+  const QCoreApplication application(argc, argv);
+  testing::InitGoogleMock(&argc, argv);
+  return RUN_ALL_TESTS();
+}

@@ -15,7 +15,7 @@
 namespace kestrin {
 
 /// Sets variables of the environment, or removes them, until the end of the scope.
-class ScopedVariables {
+class ScopedVariables : NotCopied {
  public:
   using Values = std::map<std::string, std::optional<std::string>>;
   explicit ScopedVariables(Values values) : values_(std::move(values)) { Exchange(); }
@@ -23,8 +23,6 @@ class ScopedVariables {
     Exchange();
   }
   ~ScopedVariables() { Exchange(); }
-  ScopedVariables(const ScopedVariables&) = delete;
-  ScopedVariables& operator=(const ScopedVariables&) = delete;
 
  private:
   void Exchange();

@@ -119,16 +119,19 @@ TEST_F(PersonTest, FindsTheHelpBesideTheProgram) {
 class ReadAloudTest : public PersonTest {
  protected:
   void Look(const std::string& window, const std::string& part = {}) {
-    size_t read = 0;
-    for (const Control& control : TheReader().Controls(window)) {
-      if (!control.isFocusable || !control.isEnabled) continue;
-      ++read;
+    std::vector<Control> controls;
+    EXPECT_TRUE(Until([&] {
+      controls = TheReader().Controls(window);
+      std::erase_if(controls,
+                    [](const auto& each) { return !each.isFocusable || !each.isEnabled; });
+      return !controls.empty();
+    })) << window;
+    for (const Control& control : controls) {
       // The name of a menu of choices is the choice; what it is for, its label says.
       const bool isTold = control.role == "combo box" ? TheReader().IsLabelled(control.object)
                                                       : !control.name.empty();
       if (!isTold) unnamed_.insert(window + " " + part + ": " + control.role + " " + control.name);
     }
-    EXPECT_GT(read, 0U) << window;
   }
 
   std::set<std::string> unnamed_;

@@ -17,7 +17,7 @@ constexpr uint64_t Enabled = 8, Focusable = 11, Focused = 12, Showing = 25;
 bool Has(uint64_t state, uint64_t bit) { return ((state >> bit) & 1) != 0; }
 
 /// A call's answer; null when the object has gone.
-class Answer {
+class Answer : NotCopied {
  public:
   template <typename... Arguments>
   Answer(sd_bus* bus, const Reader::Object& object, const char* interface, const char* method,
@@ -26,8 +26,6 @@ class Answer {
                        &message_, types, arguments...);
   }
   ~Answer() { sd_bus_message_unref(message_); }
-  Answer(const Answer&) = delete;
-  Answer& operator=(const Answer&) = delete;
 
   template <typename... Places>
   bool Read(const char* types, Places... places) {

@@ -17,7 +17,7 @@ namespace kestrin {
 
 /// Plays the accessibility service and the registry that applications announce themselves to, on
 /// the session's own bus, in a thread of its own since applications wait for the answers.
-class Reader {
+class Reader : NotCopied {
  public:
   struct Object {
     std::string owner, path;
@@ -42,8 +42,6 @@ class Reader {
 
   explicit Reader(const PrivateBus& bus);
   ~Reader();
-  Reader(const Reader&) = delete;
-  Reader& operator=(const Reader&) = delete;
 
   /// The alerts that are open in any application.
   std::vector<Alert> Alerts();

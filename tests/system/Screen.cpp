@@ -17,14 +17,12 @@ constexpr char Wanted[] = "kestrin";  // of WM_CLASS
 
 }  // namespace
 
-struct Screen::Connection {
+struct Screen::Connection : NotCopied {
   Connection() {
     Require(display != nullptr, "the X server does not answer");
     XSetErrorHandler(PassOver);
   }
   ~Connection() { XCloseDisplay(display); }
-  Connection(const Connection&) = delete;
-  Connection& operator=(const Connection&) = delete;
 
   Atom Known(const char* text) { return XInternAtom(display, text, False); }
 

@@ -15,7 +15,7 @@ struct Place {
 };
 
 /// The one that DISPLAY names when the process begins. Throws when it does not answer.
-class Screen {
+class Screen : NotCopied {
  public:
   struct ShownWindow {
     unsigned long id;
@@ -25,8 +25,6 @@ class Screen {
 
   Screen();
   ~Screen();
-  Screen(const Screen&) = delete;
-  Screen& operator=(const Screen&) = delete;
 
   /// What DISPLAY is to say.
   static const std::string& Name();

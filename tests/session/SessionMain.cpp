@@ -1,9 +1,0 @@
-#include <gmock/gmock.h>
-
-#include <QtCore/QCoreApplication>
-
-int main(int argc, char** argv) {
-  const QCoreApplication application(argc, argv);
-  testing::InitGoogleMock(&argc, argv);
-  return RUN_ALL_TESTS();
-}
