@@ -152,6 +152,11 @@ TEST_F(EditViewsTest, AFileIsChosenInThePanelOrDropped) {
   EXPECT_EQ(DataOf<ActOnFileDataHandler>().GetFileName(),
             folder.filePath("a file.txt").toStdString());
   EXPECT_EQ(TextOf("fileName"), "File: " + folder.filePath("a file.txt").toStdString());
+  dragged.setUrls({QUrl("file:///tmp/caf%E9.txt")});
+  EXPECT_TRUE(Drop("editView", dragged));
+  EXPECT_STREQ(DataOf<ActOnFileDataHandler>().GetFileName(), "/tmp/caf\xE9.txt");
+  dragged.setUrls({QUrl::fromLocalFile(folder.filePath("a file.txt"))});
+  EXPECT_TRUE(Drop("editView", dragged));
   Click("selectFile");
   auto& panel = Find<QFileDialog>("filePanel");
   EXPECT_FALSE(panel.isModal()) << "other windows go on";

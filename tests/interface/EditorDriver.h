@@ -109,8 +109,11 @@ struct EditorTest : testing::Test {
     QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &dragged, Qt::LeftButton, {});
     QApplication::sendEvent(&widget, &enter);
     if (!enter.isAccepted()) return false;
-    QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &dragged, Qt::LeftButton, {});
+    QDropEvent drop(QPointF(5, 5), Qt::CopyAction | Qt::MoveAction, &dragged, Qt::LeftButton,
+                    Qt::ShiftModifier);
+    drop.setDropAction(Qt::MoveAction);
     QApplication::sendEvent(&widget, &drop);
+    EXPECT_EQ(drop.dropAction(), Qt::CopyAction) << "who drags it must not delete it";
     return true;
   }
   static void DeleteClosed() {

@@ -7,21 +7,13 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "interface/DroppedFiles.h"
 #include "interface/FilePanels.h"
 #include "interface/ShownText.h"
 #include "interface/handlerviews/PathLabel.h"
 #include "interface/handlerviews/VerifyBox.h"
 
 namespace kestrin {
-
-namespace {
-
-/// The one file of this machine that is dragged, or nothing.
-QString DraggedFile(const QMimeData& data) {
-  return data.urls().size() == 1 ? data.urls().front().toLocalFile() : QString();
-}
-
-}  // namespace
 
 ActOnFileView::ActOnFileView(ActOnFileDataHandler& handler)
     : handler_(handler), file_(new PathLabel("fileName")) {
@@ -70,25 +62,26 @@ void ActOnFileView::OpenPanel() {
     panel_->setDirectory(current.dir());
     if (current.exists()) panel_->selectFile(current.fileName());
   }
-  connect(panel_, &QFileDialog::fileSelected, this, &ActOnFileView::Choose);
+  connect(panel_, &QFileDialog::fileSelected, this, [this](const QString& path) {
+    Choose(QFile::encodeName(QFileInfo(path).absoluteFilePath()).toStdString());
+  });
   panel_->show();
 }
 
-void ActOnFileView::Choose(const QString& path) {
-  if (path.isEmpty()) return;
-  handler_.SetFileName(QFile::encodeName(QFileInfo(path).absoluteFilePath()).constData());
+void ActOnFileView::Choose(const std::string& path) {
+  handler_.SetFileName(path.c_str());
   ShowFile();
 }
 
 void ActOnFileView::dragEnterEvent(QDragEnterEvent* event) {
-  if (!DraggedFile(*event->mimeData()).isEmpty()) event->acceptProposedAction();
+  if (LocalFiles(*event->mimeData()).size() == 1) AcceptAsCopy(*event);
 }
 
 void ActOnFileView::dropEvent(QDropEvent* event) {
-  const QString path = DraggedFile(*event->mimeData());
-  if (path.isEmpty()) return;
-  event->acceptProposedAction();
-  Choose(path);
+  const std::vector<std::string> files = LocalFiles(*event->mimeData());
+  if (files.size() != 1) return;
+  AcceptAsCopy(*event);
+  Choose(files.front());
 }
 
 }  // namespace kestrin

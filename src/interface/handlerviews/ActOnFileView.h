@@ -3,6 +3,7 @@
 
 #include <QPointer>
 #include <QWidget>
+#include <string>
 
 #include "handlers/ActOnFileDataHandler.h"
 
@@ -26,7 +27,7 @@ class ActOnFileView final : public QWidget {
 
  private:
   void OpenPanel();
-  void Choose(const QString& path);
+  void Choose(const std::string& path);
   void ShowFile();
 
   ActOnFileDataHandler& handler_;

@@ -7,6 +7,7 @@
 
 #include "core/EventSet.h"
 #include "core/Notices.h"
+#include "interface/DroppedFiles.h"
 #include "interface/FilePanels.h"
 #include "interface/icons/IconFile.h"
 #include "interface/icons/IconMenu.h"
@@ -19,7 +20,8 @@ namespace {
 
 /// The one file of this machine that is dragged, or nothing.
 QString DraggedFile(const QMimeData& data) {
-  return data.urls().size() == 1 ? data.urls().front().toLocalFile() : QString();
+  const std::vector<std::string> files = LocalFiles(data);
+  return files.size() == 1 ? QFile::decodeName(files.front().c_str()) : QString();
 }
 
 /// A picture of a standard icon has its large form; the small one is a drawing of its own.
@@ -137,13 +139,13 @@ void IconView::Import(const QString& path) {
 
 void IconView::dragEnterEvent(QDragEnterEvent* event) {
   const QMimeData& dragged = *event->mimeData();
-  if (DraggedIcon(dragged) || !DraggedFile(dragged).isEmpty()) event->acceptProposedAction();
+  if (DraggedIcon(dragged) || !DraggedFile(dragged).isEmpty()) AcceptAsCopy(*event);
 }
 
 void IconView::dropEvent(QDropEvent* event) {
   if (!event_) return;
   const QMimeData& dragged = *event->mimeData();
-  event->acceptProposedAction();
+  AcceptAsCopy(*event);
   if (const auto icon = DraggedIcon(dragged))
     Choose(*icon);
   else

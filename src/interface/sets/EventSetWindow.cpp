@@ -11,6 +11,7 @@
 #include "core/DocumentApp.h"
 #include "core/EventSet.h"
 #include "core/MessageCodes.h"
+#include "interface/DroppedFiles.h"
 #include "interface/Frames.h"
 #include "interface/ShownText.h"
 #include "interface/list/ListEventView.h"
@@ -22,26 +23,6 @@
 #include "interface/sets/StatusLine.h"
 
 namespace kestrin {
-
-namespace {
-
-/// Byte for byte: a file's name need not be text.
-std::vector<std::string> LocalFiles(const QMimeData& data) {
-  std::vector<std::string> files;
-  for (const QUrl& url : data.urls())
-    if (url.isLocalFile())
-      files.push_back(
-          QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1()).toStdString());
-  return files;
-}
-
-/// Files are read where they are, whatever was proposed: some sources delete what was moved.
-void AcceptAsCopy(QDropEvent& event) {
-  event.setDropAction(Qt::CopyAction);
-  event.accept();
-}
-
-}  // namespace
 
 EventSetWindow::EventSetWindow(EventSet& set, DocumentApp& application)
     : set_(&set),
