@@ -47,14 +47,14 @@ Rect PlainFrameOf(const QWidget& window) {
   return FrameOf(isPlain ? window.geometry() : window.normalGeometry());
 }
 
-QRect GeometryOnScreen(Rect stored, Rect fallback) {
+QRect GeometryOnScreen(Rect stored, Rect fallback, QSize smallest) {
   const QRect wanted = Rounded(stored);
   QRect room = ScreenFor(wanted)->availableGeometry();
   room.adjust(0, QApplication::style()->pixelMetric(QStyle::PM_TitleBarHeight), 0, 0);
-  const Rect frame = wanted.isValid() ? FrameOf(wanted) : fallback;
-  QRect geometry = Rounded(WindowPositionSet::MovedOntoScreen(frame, FrameOf(room), fallback));
-  geometry.setSize(geometry.size().expandedTo(SmallestWindow));
-  return geometry;
+  QRect frame = wanted.isValid() ? wanted : Rounded(fallback);
+  // Grown afterwards, it might leave the screen again.
+  frame.setSize(frame.size().expandedTo(SmallestWindow).expandedTo(smallest));
+  return Rounded(WindowPositionSet::MovedOntoScreen(FrameOf(frame), FrameOf(room), fallback));
 }
 
 }  // namespace kestrin

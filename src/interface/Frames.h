@@ -14,7 +14,8 @@ Rect FrameOf(const QRect& geometry);
 Rect PlainFrameOf(const QWidget& window);
 
 /// The geometry, without the window manager's frame, of a window that opens at `stored`: on the
-/// screen that shows most of it, with room for a title bar. `fallback` is for frames that are none.
-QRect GeometryOnScreen(Rect stored, Rect fallback);
+/// screen that shows most of it, with room for a title bar. `fallback` is for frames that are none;
+/// below `smallest` the window cannot be shown.
+QRect GeometryOnScreen(Rect stored, Rect fallback, QSize smallest = {});
 
 }  // namespace kestrin

@@ -80,6 +80,21 @@ TEST_F(EventSetWindowTest, TheFrameIsStoredWhenThePersonChangesItAndBecomesTheDe
   EXPECT_EQ(KestrinSettings::NumberOfKeys, 2);
 }
 
+TEST_F(EventSetWindowTest, AFrameTooSmallForItsWindowGrowsIntoTheScreen) {
+  EventSet& set = context.NewSet();
+  set.Layout().WindowFrame = {790, 790, 795, 795};
+  EventRecord record;
+  record.WindowFrame = {780, 795, 790, 799};
+  set.AppendRead(std::make_unique<Event>(set, record));
+  const QWidget& window = context.OpenWindow(set);
+  set.Events()[0]->OpenWindow();
+  const auto* editor = dynamic_cast<EventWindow*>(set.Events()[0]->GetWindow());
+  for (const QWidget* each : {&window, static_cast<const QWidget*>(editor)}) {
+    const QRect screen = each->screen()->availableGeometry(), shown = each->geometry();
+    EXPECT_TRUE(screen.contains(shown)) << shown.right() << " " << shown.bottom();
+  }
+}
+
 TEST_F(EventSetWindowTest, DefaultsStayWhenTheyAreNotToBeRemembered) {
   const Rect before = KestrinSettings::SetWindowPosition.DefaultFrame();
   KestrinSettings::RememberWindowSetupAsDefault = false;

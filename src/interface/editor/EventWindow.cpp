@@ -113,7 +113,8 @@ void EventWindow::ShowComplaint(const QString& last) {
 void EventWindow::OpenAtFrame() {
   layout()->activate();
   setGeometry(GeometryOnScreen(event_->Record().WindowFrame,
-                               KestrinSettings::EventWindowPosition.DefaultFrame()));
+                               KestrinSettings::EventWindowPosition.DefaultFrame(),
+                               minimumSizeHint()));
   opened_ = geometry();
 }
 

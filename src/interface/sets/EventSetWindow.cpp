@@ -91,7 +91,7 @@ void EventSetWindow::OpenAtFrame() {
   const bool isChosen = frame.right - frame.left != InitialSetWindow.right - InitialSetWindow.left;
   const auto needed = static_cast<float>(list_->WidthOfColumns());
   if (!isChosen && frame.right - frame.left < needed) frame.right = frame.left + needed;
-  opened_ = GeometryOnScreen(frame, fallback);
+  opened_ = GeometryOnScreen(frame, fallback, minimumSizeHint());
   setGeometry(opened_);
 }
 

@@ -39,7 +39,8 @@ SettingsWindow::SettingsWindow(DocumentApp& application) : SideWindow(applicatio
   column->addLayout(MakeList(), 1);
   SettingsChanged();
   const AutoLock lock(KestrinSettings::Protect);
-  setGeometry(GeometryOnScreen(KestrinSettings::SettingsWindowFrame, UsualFrame));
+  setGeometry(
+      GeometryOnScreen(KestrinSettings::SettingsWindowFrame, UsualFrame, minimumSizeHint()));
 }
 
 QCheckBox* SettingsWindow::MakeCheckBox(const char* objectName, const QString& label,
