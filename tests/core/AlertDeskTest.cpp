@@ -87,6 +87,8 @@ TEST_F(AlertDeskTest, AReminderIsBroughtUpToDateThoughNoPlaceIsFree) {
   for (int i = 0; i < 23; ++i) desk.Show(Request(std::to_string(i)));
   desk.Show(Request("waits", AlertRole::Nag, 8));
   desk.Show(Request("last"));
+  EXPECT_TRUE(desk.AnyFor(900));
+  EXPECT_FALSE(desk.AnyFor(901));
   context.RunMessages();
   desk.Show(Request("open anew", AlertRole::Nag, 7));
   desk.Show(Request("waits anew", AlertRole::Prewarning, 8));
@@ -106,17 +108,6 @@ TEST_F(AlertDeskTest, AnAnswerCountsOnceAndAnImpossibleOneIsHarmless) {
   desk.Answered(id, 2);
   desk.Answered(id, 0);
   EXPECT_THAT(answers, ElementsAre(Pair("a", 1)));
-}
-
-TEST_F(AlertDeskTest, TellsWhetherASetIsAskedAbout) {
-  desk.Show(Request("a", AlertRole::Nag, 7));
-  for (const bool isOpen : {false, true}) {
-    EXPECT_TRUE(desk.AnyFor(900)) << isOpen;
-    EXPECT_FALSE(desk.AnyFor(901)) << isOpen;
-    context.RunMessages();
-  }
-  ui.CloseFirst();
-  EXPECT_FALSE(desk.AnyFor(900));
 }
 
 TEST_F(AlertDeskTest, WithoutAScreenTheTextGoesToStandardError) {

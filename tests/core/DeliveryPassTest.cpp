@@ -1,8 +1,9 @@
-// Which event is dealt with next, in which order and with which flags, what the deliverer is told,
-// and what replies of alerts do: on messages that go through the queue.
+// Which event is dealt with next, in which order and with which flags, what becomes of it, what the
+// deliverer is told, and what replies of alerts do: on messages that go through the queue.
 #include "core/DeliveryPass.h"
 
 #include "core/Holds.h"
+#include "fakes/PageTable.h"
 #include "fakes/SetTestBase.h"
 
 namespace kestrin {
@@ -43,25 +44,24 @@ TEST_F(DeliveryPassTest, TheSettingSaysWhichSetsDeliver) {
   const struct {
     int32 mode;
     bool expected[4];  ///< of a set that is neither shown nor remembered, shown, remembered, both
-  } rows[] = {{0, {false, true, false, true}},   {1, {false, true, true, true}},
-              {2, {false, false, true, true}},   {3, {false, false, true, false}},
-              {4, {false, false, false, false}}, {-1, {false, false, false, false}}};
-  for (const auto& [mode, expected] : rows) {
-    KestrinSettings::WhichEventsToDeliver = mode;
+  } rows[] = {{0, {false, true, false, true}},
+              {1, {false, true, true, true}},
+              {2, {false, false, true, true}},
+              {3, {false, false, true, false}},
+              {4, {false, false, false, false}}};
+  for (const auto& [mode, expected] : rows)
     for (size_t i = 0; i < 4; ++i) {
+      KestrinSettings::WhichEventsToDeliver = mode;
       EventSet& set = NewSet("/sets/" + std::to_string(i));
       Add(set, OnceAt(Now));
       if (i % 2 == 1) set.OpenWindow();
       if (i < 2) KestrinSettings::ForgetSet(set.GetFileName());
-      Sent.clear();
       Pass.SetCounterForNextEvent(false);
       EXPECT_EQ(Delivered().size(), expected[i] ? 1u : 0u) << "mode " << mode << ", set " << i;
-      EXPECT_EQ(Sent.empty(), expected[i]);
       if (set.GetWindow()) World.Ui.SetWindows[0]->CloseNow();
       OpenSets::Sets.clear();
       World.RunMessages();
     }
-  }
 }
 
 TEST_F(DeliveryPassTest, TheDelivererHearsTheEarliestTimeOrThatThereIsNone) {
@@ -164,23 +164,22 @@ TEST_F(DeliveryPassTest, AReplyActsOnlyOnTheEventAndOccurrenceItIsFor) {
   const struct {
     const char* what;
     uint32 code;
-    int32 actual, status, which = 0;
+    int32 actual, status;
     bool acts = false;
-    int32 eventOff = 0, setOff = 0, daysOff = 0;
+    int32 which = 0, eventOff = 0, setOff = 0, daysOff = 0;
     bool another = false;  ///< set stands before it
   } cases[] = {
-      {"no more prewarnings", PREWARN_ALERT_REPLY, ahead, WaitingForPrewarning, 0, true},
-      {"after the last prewarning", PREWARN_ALERT_REPLY, ahead, WaitingForEvent, 0, true},
+      {"no more prewarnings", PREWARN_ALERT_REPLY, ahead, WaitingForPrewarning, true},
+      {"after the last prewarning", PREWARN_ALERT_REPLY, ahead, WaitingForEvent, true},
       {"the event has come", PREWARN_ALERT_REPLY, past, WaitingForEvent},
       {"it nags already", PREWARN_ALERT_REPLY, past, WaitingToNag},
-      {"no more nagging", NAG_ALERT_REPLY, past, WaitingToNag, 0, true},
+      {"no more nagging", NAG_ALERT_REPLY, past, WaitingToNag, true},
       {"it nags no longer", NAG_ALERT_REPLY, ahead, WaitingForEvent},
-      {"OK", PREWARN_ALERT_REPLY, ahead, WaitingForPrewarning, 1},
-      {"OK", NAG_ALERT_REPLY, past, WaitingToNag, 1},
-      {"event gone", NAG_ALERT_REPLY, past, WaitingToNag, 0, false, 1000},
-      {"set gone", NAG_ALERT_REPLY, past, WaitingToNag, 0, false, 0, 1000},
-      {"moved on", NAG_ALERT_REPLY, past, WaitingToNag, 0, false, 0, 0, 1},
-      {"not the first set", NAG_ALERT_REPLY, past, WaitingToNag, 0, false, 0, 0, 0, true},
+      {"OK", NAG_ALERT_REPLY, past, WaitingToNag, false, 1},
+      {"event gone", NAG_ALERT_REPLY, past, WaitingToNag, false, 0, 1000},
+      {"set gone", NAG_ALERT_REPLY, past, WaitingToNag, false, 0, 0, 1000},
+      {"moved on", NAG_ALERT_REPLY, past, WaitingToNag, false, 0, 0, 0, 1},
+      {"not the first set", NAG_ALERT_REPLY, past, WaitingToNag, false, 0, 0, 0, 0, true},
   };
   for (const auto& each : cases) {
     SCOPED_TRACE(each.what);
@@ -233,6 +232,105 @@ TEST_F(DeliveryPassTest, AnActionOfMoreThanASecondStopsTheProgram) {
   EXPECT_DEATH(pass.SetCounterForNextEvent(false),
                "saved first; Add-ons may not block or take more than one second to deal with an "
                "event");
+}
+
+using Row =
+    std::vector<std::string>;  ///< before, the event, due, found, pass, delivered, after, next
+
+/// "12:30", "+1 9:00" or "none", which is 0.
+int32 TimeOf(const std::string& text) {
+  int day = 0, hour = 0, minute = 0;
+  if (std::sscanf(text.c_str(), "+%d %d:%d", &day, &hour, &minute) != 3) {
+    day = 0;
+    if (std::sscanf(text.c_str(), "%d:%d", &hour, &minute) != 2) return 0;
+  }
+  return Sunday + day * Day + hour * Hour + minute * Minute;
+}
+
+std::string NameOf(int32 status) {
+  return status >= 0 && status <= DoneWithEvent
+             ? std::string(StatusMessages[static_cast<size_t>(status)])
+             : "number " + std::to_string(status);
+}
+
+EventRecord RecordOf(const Row& row) {
+  const auto has = [&row](const char* word) { return row[1].find(word) != std::string::npos; };
+  EventRecord record;
+  record.Name = "Tea";
+  record.PeriodType = has("once") ? Once : Daily;
+  record.ApplyTime = !has("all day");
+  record.TimeToApply = record.ApplyTime ? 12 * Hour : 0;
+  record.ActualEventTime = record.EventTime = Sunday + record.TimeToApply;
+  record.NextEventTime = TimeOf(row[2]);
+  for (record.Status = 0; NameOf(record.Status) != row[0] && record.Status < 10;) ++record.Status;
+  record.ApplyPrewarn = has("prewarn");
+  record.PrewarnTime = 3;
+  record.PrewarnType = Hours;
+  record.ApplyPrewarnRepeat = has("repeat");
+  record.PrewarnRepeatTime = 1;
+  record.PrewarnRepeatType = Hours;
+  record.ApplyNag = has("nag");
+  record.NagRepeatTime = 30;
+  record.NagRepeatType = Minutes;
+  record.DeliverIfMissed = !has("drop");
+  record.DeleteOnceDelivered = has("delete");
+  return record;
+}
+
+TEST_F(DeliveryPassTest, TheTableOfStatesOnThePageHolds) {
+  const std::vector<Row> rows = TableOfPage("delivery.md", "| before |");
+  ASSERT_GT(rows.size(), 30u);
+  World.OnMessage = nullptr;  // one pass at a time
+  for (const Row& row : rows) {
+    ASSERT_EQ(row.size(), 8u);
+    SCOPED_TRACE(testing::PrintToString(row));
+    EventSet& set = NewSet();
+    Event* const event = &Add(set, RecordOf(row));
+    Settle(set);
+    World.Actions.Deliveries.clear();
+    bool locked = false;
+    World.Actions.WhenEvent = [&](Event&) { locked = set.IsLocked(); };
+    World.Time.JumpTo(TimeOf(row[3]));
+
+    Pass.SetCounterForNextEvent(row[4] == "start");
+
+    std::string delivered = "nothing";
+    for (const auto& delivery : World.Actions.Deliveries)
+      delivered = delivery.Kind + (delivery.Missed ? " missed" : "");
+    EXPECT_LE(World.Actions.Deliveries.size(), 1u);
+    EXPECT_EQ(delivered, row[5]);
+    EXPECT_FALSE(locked) << "the set stays locked while the handler acts";
+    EXPECT_FALSE(set.IsLocked());
+    EXPECT_TRUE(set.OnlyDeliveriesChanged());
+    const bool there = set.HasEvent(event);
+    EXPECT_EQ(there ? NameOf(event->GetStatus()) : "deleted", row[6]);
+    EXPECT_EQ(there ? event->GetNextEventTime() : 0, TimeOf(row[7]));
+    Event* next = nullptr;
+    EXPECT_EQ(set.GetNextEventTime(&next), TimeOf(row[7])) << "the set knows it too";
+    EXPECT_TRUE(World.Queue.Holds(EVENT_DEALT_WITH));
+    while (World.Queue.Take()) {
+    }
+    OpenSets::Sets.clear();
+  }
+}
+
+TEST(NagOrPrewarnMessageTest, SaysWhatAndWhen) {
+  const struct {
+    char kind;
+    int32 when;
+    bool timed;
+    const char* text;
+    const char* message;
+  } rows[] = {
+      {0, Sunday + 12 * Hour, false, "Hot.", "The event \"Tea\" will occur today.\n\nHot."},
+      {1, Sunday - 6 * Day + 9 * Hour + 5 * Minute, true, "Late.",
+       "The event \"Tea\" occurred at 9:05 AM on Monday, November 9,  2026.\n\nLate."},
+      {0, Sunday + 13 * Hour, true, "%s", "The event \"Tea\" will occur at 1:00 PM today.\n\n%s"},
+  };
+  for (const auto& row : rows)
+    EXPECT_EQ(GetNagOrPrewarnMessage(row.kind, "Tea", row.when, row.timed, row.text,
+                                     Sunday + 8 * Hour, Zone()),
+              row.message);
 }
 
 }  // namespace

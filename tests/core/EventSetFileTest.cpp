@@ -87,25 +87,19 @@ TEST_F(EventSetFileTest, AFileCutAnywhereIsDamaged) {
 
 TEST_F(EventSetFileTest, AnIconThatIsNotWholeIsLeftOut) {
   const std::string large(LargeIconBytes, 'l'), mini(MiniIconBytes, 'm');
-  const struct {
-    int32 number;
-    IconPair icon;
-    int32 saved;
-  } rows[] = {{-2, {large, mini}, -2},
-              {-2, {large.substr(1), mini}, -1},
-              {-2, {large, mini + "m"}, -1},
-              {3, {large, mini}, 3}};
-  for (const auto& row : rows) {
+  const std::pair<IconPair, int32> rows[] = {
+      {{large, mini}, -2}, {{large.substr(1), mini}, -1}, {{large, mini + "m"}, -1}};
+  for (const auto& [icon, saved] : rows) {
     EventSet& set = NewSet(Path);
     EventRecord record = DailyAt(Sunday);
-    record.IconNumber = row.number;
-    Add(set, record).AdoptIcon(std::make_unique<IconPair>(row.icon));
+    record.IconNumber = -2;
+    Add(set, record).AdoptIcon(std::make_unique<IconPair>(icon));
     ASSERT_TRUE(set.SaveData());
     OpenSets::Sets.clear();
     const auto again = Read();
     ASSERT_EQ(Result, ConstructorResult::Success) << Report.Fault;
-    EXPECT_EQ(again->Events()[0]->Record().IconNumber, row.saved);
-    EXPECT_EQ(again->Events()[0]->GetOwnIcon() != nullptr, row.saved == -2);
+    EXPECT_EQ(again->Events()[0]->Record().IconNumber, saved);
+    EXPECT_EQ(again->Events()[0]->GetOwnIcon() != nullptr, saved == -2);
   }
 }
 

@@ -1,12 +1,9 @@
-// What holds for any rule: against a slow reckoning that takes one step after another with the C
-// library's calendar in UTC, and by itself in zones whose clocks change.
+// What holds for any rule: in UTC against a slow reckoning that takes one step after another with
+// the C library's calendar, and of any bytes at all.
 #include <gtest/gtest.h>
 
 #include <ctime>
 #include <random>
-#include <sstream>
-#include <string>
-#include <vector>
 
 #include "core/EventTiming.h"
 
@@ -14,16 +11,6 @@ namespace kestrin {
 namespace {
 
 constexpr int64 Day = 86400;
-
-std::string Told(const TimingRule& r) {
-  std::ostringstream text;
-  text << "kind " << r.PeriodType << " by " << r.TimingType << " every " << r.Multiple << " event "
-       << r.EventTime << " start " << r.MultiStartTime << " day " << int{r.DayOfMonth} << " week "
-       << int{r.WeekOfMonth} << " weekday " << int{r.DayOfWeek} << " month " << int{r.Month}
-       << " at " << (r.ApplyTime ? r.TimeToApply : -1) << " unit " << r.SubIntType << " stop "
-       << (r.ApplyStop ? r.StopTime : -1);
-  return text.str();
-}
 
 class StepByStep {
  public:
@@ -191,6 +178,7 @@ TEST(EventTimingProperty, AgreesWithStepByStepReckoningInUtc) {
   RandomRules random(2026);
   for (int32 kind = 0; kind < NumberOfPeriodTypes; ++kind) {
     for (int i = 0; i < 3000; ++i) {
+      SCOPED_TRACE(testing::Message() << "kind " << kind << ", rule " << i);
       const TimingRule rule = random.Sane(kind);
       // At any moment, then a second before the occurrence and at it.
       int64 now = random.Now();
@@ -198,54 +186,13 @@ TEST(EventTimingProperty, AgreesWithStepByStepReckoningInUtc) {
         const int64 expected = StepByStep(rule, now).Actual();
         const EventTimes times = ComputeEventTimes(rule, now, Zone());
         if (expected > INT32_MAX || (kind == Once && expected <= now)) {
-          ASSERT_EQ(times.Status, DoneWithEvent) << Told(rule) << " now " << now;
+          ASSERT_EQ(times.Status, DoneWithEvent);
         } else {
-          ASSERT_EQ(times.NextEventTime, expected) << Told(rule) << " now " << now;
+          ASSERT_EQ(times.NextEventTime, expected);
         }
         now = std::min<int64>(expected, INT32_MAX) - ahead;
       }
     }
-  }
-}
-
-TEST(EventTimingProperty, EveryOccurrenceLiesAheadAndAtItsTimeOfDay) {
-  RandomRules random(1117);
-  std::vector<Zone> zones;
-  for (const char* name :
-       {"Europe/Berlin", "America/New_York", "Australia/Lord_Howe", "Pacific/Apia",
-        "America/St_Johns", "America/Sao_Paulo", "Africa/Casablanca", "Pacific/Kwajalein"})
-    zones.push_back(*Zone::Load(name));
-  for (int32 kind = Annually; kind <= SubDaily; ++kind) {
-    int skipped = 0, finished = 0;
-    for (int i = 0; i < 5000; ++i) {
-      const Zone& zone = zones[static_cast<size_t>(i) % zones.size()];
-      const TimingRule rule = random.Sane(kind);
-      const bool asksForATime = kind != SubDaily && !((kind == Annually || kind == MultiAnnually) &&
-                                                      rule.TimingType == ByDate);
-      const int32 timeOfDay = rule.ApplyTime ? rule.TimeToApply : 0;
-      int64 now = random.Now();
-      for (int again = 0; again < 3; ++again) {
-        const EventTimes times = ComputeEventTimes(rule, now, zone);
-        if (times.Status == DoneWithEvent) {
-          ++finished;
-          break;
-        }
-        ASSERT_GT(times.NextEventTime, now) << zone.Name() << " " << Told(rule);
-        now = times.NextEventTime;
-        if (!asksForATime || SecondsIntoDay(zone.AtMoment(now)) == timeOfDay) continue;
-        // Days may have been skipped whole, so the day asked for is not always that before.
-        bool isSkipped = false;
-        for (int64 at = MidnightOf(zone.AtMoment(now - 1)).seconds + timeOfDay;
-             at < zone.AtMoment(now).seconds; at += Day) {
-          const Zone::Resolved resolved = zone.Resolve({at});
-          isSkipped |= resolved.answer == Zone::Answer::Skipped && resolved.moment == now;
-        }
-        ASSERT_TRUE(isSkipped) << zone.Name() << " " << Told(rule) << " " << now;
-        ++skipped;
-      }
-    }
-    EXPECT_LT(finished, 2500) << kind;
-    EXPECT_LT(skipped, 100) << kind;
   }
 }
 
@@ -254,6 +201,7 @@ TEST(EventTimingProperty, AnyBytesEnd) {
   const Zone zones[] = {Zone(), *Zone::Load("America/St_Johns"), *Zone::Load("Pacific/Apia")};
   const int64 odd[] = {INT64_MIN, INT64_MAX, INT32_MIN, INT32_MAX, -1, 0};
   for (int i = 0; i < 60000; ++i) {
+    SCOPED_TRACE(i);
     TimingRule rule = random.Sane(i % NumberOfPeriodTypes);
     // Each field keeps its sane value, or takes an extreme one, or any bytes at all.
     const auto spoil = [&](auto& field) {
@@ -278,12 +226,12 @@ TEST(EventTimingProperty, AnyBytesEnd) {
 
     const EventTimes times = ComputeEventTimes(rule, now, zone);
     const bool done = times.Status == DoneWithEvent;
-    ASSERT_TRUE(done ? times.NextEventTime == 0 : times.ActualEventTime > now) << Told(rule);
-    ASSERT_TRUE(done || times.NextEventTime >= now) << Told(rule);
-    ASSERT_TRUE(done || times.NextEventTime <= times.ActualEventTime) << Told(rule);
+    ASSERT_TRUE(done ? times.NextEventTime == 0 : times.ActualEventTime > now);
+    ASSERT_TRUE(done || times.NextEventTime >= now);
+    ASSERT_TRUE(done || times.NextEventTime <= times.ActualEventTime);
     ASSERT_NE(times.Status, WaitingToNag);
     const EventTimes nag = NextNag(rule, now, zone);
-    ASSERT_TRUE(nag.Status == DoneWithEvent || nag.NextEventTime > now) << Told(rule);
+    ASSERT_TRUE(nag.Status == DoneWithEvent || nag.NextEventTime > now);
     const EventTimes warning = NextPrewarning(rule, now, zone);
     ASSERT_TRUE(warning.NextEventTime > now || warning.NextEventTime == rule.ActualEventTime);
   }

