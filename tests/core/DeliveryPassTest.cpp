@@ -118,26 +118,6 @@ TEST_F(DeliveryPassTest, WhatIsDueIsWorkedOffInOrderAndTheDelivererHearsOnce) {
   EXPECT_TRUE(DeliverOnly);
 }
 
-TEST_F(DeliveryPassTest, OnlyPassesAfterAStartOrAnOpeningAskWhatWasMissed) {
-  EventSet& set = NewSet();
-  const auto addPast = [&](const char* name) { Add(set, DailyAt(Now - Hour, name)); };
-  addPast("woken");
-  Run(Message(DELIVER_EVENTS));
-  EXPECT_THAT(Delivered(), ElementsAre("woken"));
-  addPast("opened");
-  Pass.PassWithStartupFlag();
-  EXPECT_THAT(Delivered(), ElementsAre("opened missed"));
-  EXPECT_TRUE(Pass.IsDealing());
-  addPast("while dealing");
-  Pass.PassWithStartupFlag();
-  EXPECT_THAT(Delivered(), IsEmpty()) << "one at a time";
-  World.RunMessages();
-  EXPECT_THAT(Delivered(), ElementsAre("while dealing missed"));
-  addPast("changed");
-  Run(Message(EVENT_SETS_CHANGED));
-  EXPECT_THAT(Delivered(), ElementsAre("changed"));
-}
-
 TEST_F(DeliveryPassTest, WithoutAScreenWhatNeedsOneIsAskedForAMinuteLater) {
   World.Ui.Screen = false;
   World.Actions.Able = false;
@@ -165,21 +145,22 @@ TEST_F(DeliveryPassTest, AReplyActsOnlyOnTheEventAndOccurrenceItIsFor) {
     const char* what;
     uint32 code;
     int32 actual, status;
-    bool acts = false;
-    int32 which = 0, eventOff = 0, setOff = 0, daysOff = 0;
+    bool acts;
+    const char* field = "";  ///< of the reply, which is off
+    int64 off = 0;
     bool another = false;  ///< set stands before it
   } cases[] = {
       {"no more prewarnings", PREWARN_ALERT_REPLY, ahead, WaitingForPrewarning, true},
       {"after the last prewarning", PREWARN_ALERT_REPLY, ahead, WaitingForEvent, true},
-      {"the event has come", PREWARN_ALERT_REPLY, past, WaitingForEvent},
-      {"it nags already", PREWARN_ALERT_REPLY, past, WaitingToNag},
+      {"the event has come", PREWARN_ALERT_REPLY, past, WaitingForEvent, false},
+      {"it nags already", PREWARN_ALERT_REPLY, past, WaitingToNag, false},
       {"no more nagging", NAG_ALERT_REPLY, past, WaitingToNag, true},
-      {"it nags no longer", NAG_ALERT_REPLY, ahead, WaitingForEvent},
-      {"OK", NAG_ALERT_REPLY, past, WaitingToNag, false, 1},
-      {"event gone", NAG_ALERT_REPLY, past, WaitingToNag, false, 0, 1000},
-      {"set gone", NAG_ALERT_REPLY, past, WaitingToNag, false, 0, 0, 1000},
-      {"moved on", NAG_ALERT_REPLY, past, WaitingToNag, false, 0, 0, 0, 1},
-      {"not the first set", NAG_ALERT_REPLY, past, WaitingToNag, false, 0, 0, 0, 0, true},
+      {"it nags no longer", NAG_ALERT_REPLY, ahead, WaitingForEvent, false},
+      {"OK", NAG_ALERT_REPLY, past, WaitingToNag, false, "which", 1},
+      {"event gone", NAG_ALERT_REPLY, past, WaitingToNag, false, "Event", 1000},
+      {"set gone", NAG_ALERT_REPLY, past, WaitingToNag, false, "EventSet", 1000},
+      {"moved on", NAG_ALERT_REPLY, past, WaitingToNag, false, "Occurrence", -Day},
+      {"not the first set", NAG_ALERT_REPLY, past, WaitingToNag, false, "", 0, true},
   };
   for (const auto& each : cases) {
     SCOPED_TRACE(each.what);
@@ -194,18 +175,19 @@ TEST_F(DeliveryPassTest, AReplyActsOnlyOnTheEventAndOccurrenceItIsFor) {
     Settle(set);
     World.Holding.ProcessHold(set.GetHandle());
     Message reply(each.code);
-    reply.Set("which", each.which);
-    reply.Set("Event", static_cast<int64>(event.GetHandle()) + each.eventOff);
-    reply.Set("EventSet", static_cast<int64>(set.GetHandle()) + each.setOff);
-    reply.Set("Occurrence", each.actual - each.daysOff * Day);
+    const auto off = [&](const char* name) {
+      return name == std::string(each.field) ? each.off : 0;
+    };
+    reply.Set("which", static_cast<int32>(off("which")));
+    reply.Set("Event", static_cast<int64>(event.GetHandle()) + off("Event"));
+    reply.Set("EventSet", static_cast<int64>(set.GetHandle()) + off("EventSet"));
+    reply.Set("Occurrence", static_cast<int32>(each.actual + off("Occurrence")));
     Pass.MessageReceived(reply);
     const bool nag = each.code == NAG_ALERT_REPLY;
     EXPECT_EQ(event.GetStatus(), !each.acts ? each.status
                                  : nag      ? WaitingForPrewarning
                                             : WaitingForEvent);
-    if (each.acts && !nag) {
-      EXPECT_EQ(event.GetNextEventTime(), ahead);
-    }
+    EXPECT_EQ(event.GetNextEventTime() == ahead, each.acts && !nag);
     EXPECT_EQ(set.OnlyDeliveriesChanged(), each.acts);
     EXPECT_EQ(World.Holding.Count(), 0) << "the hold is given back in any case";
     while (World.Queue.Take()) {

@@ -29,31 +29,27 @@ TEST_F(EventTest, ANewEventComesTomorrowAtMidnight) {
 
 TEST_F(EventTest, SettersRecomputeMarkAndTell) {
   enum Effect { Nothing, Marks, Tells, Recomputes };
-  struct Case {
-    const char* name;
-    Effect effect;
-    void (*set)(Event&);
+  const std::pair<Effect, void (*)(Event&)> cases[] = {
+      {Tells, [](Event& e) { e.SetName("x"); }},
+      {Recomputes, [](Event& e) { e.SetPeriodType(Weekdays); }},
+      {Recomputes, [](Event& e) { e.SetStopTime(3); }},
+      {Marks, [](Event& e) { e.SetPrewarnMessage("x"); }},
+      {Marks, [](Event& e) { e.SetDeliverIfMissed(false); }},
+      {Nothing, [](Event& e) { e.SetSkipPrewarn(true); }},
+      {Nothing, [](Event& e) { e.SetSelectedHandler(99); }},
+      {Nothing, [](Event& e) { e.SetIcon(-2, nullptr); }},
   };
-  const Case cases[] = {
-      {"Name", Tells, [](Event& e) { e.SetName("x"); }},
-      {"PeriodType", Recomputes, [](Event& e) { e.SetPeriodType(Weekdays); }},
-      {"StopTime", Recomputes, [](Event& e) { e.SetStopTime(3); }},
-      {"PrewarnMessage", Marks, [](Event& e) { e.SetPrewarnMessage("x"); }},
-      {"SkipPrewarn", Nothing, [](Event& e) { e.SetSkipPrewarn(true); }},
-      {"a handler out of the table", Nothing, [](Event& e) { e.SetSelectedHandler(99); }},
-      {"own icon without bitmaps", Nothing, [](Event& e) { e.SetIcon(-2, nullptr); }},
-  };
-  for (const Case& each : cases) {
-    SCOPED_TRACE(each.name);
+  for (const auto& [effect, set] : cases) {
+    SCOPED_TRACE(effect);
     EventRecord record = DailyAt(Sunday + 12 * Hour);
     record.NextEventTime = Sunday + 11 * Hour;  // no computation yields this
     Event& event = Add(Set, record);
     Settle(Set);
-    each.set(event);
-    EXPECT_EQ(event.GetNextEventTime() != Sunday + 11 * Hour, each.effect == Recomputes);
-    EXPECT_EQ(Set.HasBeenModified(), each.effect != Nothing);
+    set(event);
+    EXPECT_EQ(event.GetNextEventTime() != Sunday + 11 * Hour, effect == Recomputes);
+    EXPECT_EQ(Set.HasBeenModified(), effect != Nothing);
     World.RunMessages();
-    EXPECT_EQ(World.CountMessages(EVENT_SETS_CHANGED), each.effect >= Tells ? 1 : 0);
+    EXPECT_EQ(World.CountMessages(EVENT_SETS_CHANGED), effect >= Tells ? 1 : 0);
     Set.RemoveEvent(&event);
   }
 }
@@ -89,15 +85,14 @@ TEST_F(EventTest, SwitchingRecomputesOnlyWhatHasPassed) {
 TEST_F(EventTest, APeriodTypeBringsATimingTypeThatItAdmits) {
   const struct {
     PeriodicityType to;
-    TimingType timing, remembered, newTiming, newRemembered;
+    int32 timing, remembered, newTiming, newRemembered;
   } rows[] = {
       {Once, ByDayOfWeek, ByDate, ByDate, ByDate},
       {Monthly, ByDate, ByDate, ByDayOfWeek, ByDate},
       {Monthly, ByDate, ByDayOfMonth, ByDayOfMonth, ByDayOfMonth},
       {MultiWeekly, ByDayOfMonth, ByDate, ByDayOfWeek, ByDayOfMonth},
       {Daily, ByDayOfMonth, ByDate, ByDayOfMonth, ByDate},
-      {Annually, static_cast<TimingType>(9), static_cast<TimingType>(-1), ByDayOfWeek,
-       static_cast<TimingType>(9)},
+      {Annually, 9, -1, ByDayOfWeek, 9},
   };
   for (const auto& row : rows) {
     EventRecord record = DailyAt(Sunday);

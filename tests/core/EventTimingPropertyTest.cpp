@@ -17,58 +17,38 @@ class StepByStep {
   StepByStep(const TimingRule& rule, int64 now) : r_(rule), now_(now) {}
 
   int64 Actual() {
-    tm today = Broken(now_ - now_ % Day);
-    tm start = Broken(r_.MultiStartTime - r_.MultiStartTime % Day);
-    const bool byDay = r_.TimingType == ByDayOfMonth;
+    const bool multi = r_.PeriodType >= MultiAnnually;
+    const int64 from = multi ? r_.MultiStartTime : now_;
+    const int steps = multi ? static_cast<int>(r_.Multiple) : 1;
+    tm t = Broken(from - from % Day);
     switch (r_.PeriodType) {
       case Once:
         return r_.EventTime;
       case Annually:
-        if (r_.TimingType == ByDate) return ByDateFrom(1, INT64_MIN);
-        today.tm_mon = static_cast<int>(r_.Month);
-        while (Eval(today, byDay) <= now_) ++today.tm_year;
-        return a_;
-      case Monthly:
-        while (Eval(today, byDay) <= now_) ++today.tm_mon;
-        return a_;
-      case Weekly: {
-        const int d = static_cast<int>(r_.DayOfWeek), w = today.tm_wday;
-        today.tm_mday += w < d ? d - w : w > d ? d - w + 7 : 0;
-        if (w == d && !(r_.ApplyTime && r_.TimeToApply > now_ % Day)) today.tm_mday += 7;
-        return timegm(&today) + Tod();
-      }
-      case Daily:
-      case Weekdays:
-      case Weekends: {
-        const int64 a = TodayOrTomorrow(now_);
-        const int w = Broken(a).tm_wday;
-        if (r_.PeriodType == Weekdays) return a + (w == 0 ? Day : w == 6 ? 2 * Day : 0);
-        return a + (r_.PeriodType == Weekends && w >= 1 && w <= 5 ? (6 - w) * Day : 0);
-      }
       case MultiAnnually:
-        if (r_.TimingType == ByDate) return ByDateFrom(r_.Multiple, r_.MultiStartTime);
-        start.tm_mon = static_cast<int>(r_.Month);
-        while (Eval(start, byDay) <= r_.MultiStartTime) ++start.tm_year;
-        while (a_ <= now_) start.tm_year += r_.Multiple, Eval(start, byDay);
-        return a_;
+        if (r_.TimingType == ByDate) return ByDateFrom(steps, multi ? from : INT64_MIN);
+        t.tm_mon = r_.Month;
+        return Stepped(t, t.tm_year, from, steps);
+      case Monthly:
       case MultiMonthly:
-        while (Eval(start, byDay) <= r_.MultiStartTime) ++start.tm_mon;
-        while (a_ <= now_) start.tm_mon += r_.Multiple, Eval(start, byDay);
-        return a_;
+        return Stepped(t, t.tm_mon, from, steps);
+      case Weekly:
       case MultiWeekly: {
-        const int d = static_cast<int>(r_.DayOfWeek), w = start.tm_wday;
-        start.tm_mday += w < d ? d - w : w > d ? d - w + 7 : 0;
-        if (w == d && r_.ApplyTime && r_.TimeToApply <= r_.MultiStartTime % Day) start.tm_mday += 7;
-        a_ = timegm(&start) + Tod();
-        while (a_ <= now_) a_ += 7 * Day * r_.Multiple;
+        const int ahead = (r_.DayOfWeek - t.tm_wday + 7) % 7;
+        t.tm_mday += ahead || !r_.ApplyTime || r_.TimeToApply > from % Day ? ahead : 7;
+        for (a_ = timegm(&t) + Tod(); a_ <= now_;) a_ += 7 * Day * steps;
         return a_;
       }
-      case MultiDaily:
-        a_ = TodayOrTomorrow(r_.MultiStartTime);
-        while (a_ <= now_) a_ += Day * r_.Multiple;
-        return a_;
-      default:
+      case SubDaily:
         return WithinTheDay();
+      default: {
+        a_ = from - from % Day + Tod();
+        if (a_ <= from) a_ += Day;
+        while (a_ <= now_) a_ += Day * steps;
+        const int w = Broken(a_).tm_wday;
+        if (r_.PeriodType == Weekdays) return a_ + (w == 0 ? Day : w == 6 ? 2 * Day : 0);
+        return a_ + (r_.PeriodType == Weekends && w >= 1 && w <= 5 ? (6 - w) * Day : 0);
+      }
     }
   }
 
@@ -79,14 +59,15 @@ class StepByStep {
     return fields;
   }
   int64 Tod() const { return r_.ApplyTime ? r_.TimeToApply : 0; }
-  int64 TodayOrTomorrow(int64 t) const {
-    const int64 a = t - t % Day + Tod();
-    return a <= t ? a + Day : a;
-  }
-  int64 ByDateFrom(uint32 years, int64 start) {
+  int64 ByDateFrom(int years, int64 start) {
     tm t = Broken(r_.EventTime);
     for (a_ = r_.EventTime; a_ < start; a_ = timegm(&t)) ++t.tm_year;
-    for (; a_ <= now_; a_ = timegm(&t)) t.tm_year += static_cast<int>(years);
+    for (; a_ <= now_; a_ = timegm(&t)) t.tm_year += years;
+    return a_;
+  }
+  int64 Stepped(tm& t, int& unit, int64 from, int steps) {
+    while (Eval(t, r_.TimingType == ByDayOfMonth) <= from) ++unit;
+    for (; a_ <= now_; Eval(t, r_.TimingType == ByDayOfMonth)) unit += steps;
     return a_;
   }
   int64 Eval(tm& t, bool byDay) {
@@ -98,16 +79,10 @@ class StepByStep {
     } else {
       t.tm_mday = r_.WeekOfMonth <= 3 ? 1 : length;
       t = Broken(timegm(&t));
-      int w = t.tm_wday;
-      if (r_.WeekOfMonth <= 3) {
-        t.tm_mday += (w < r_.DayOfWeek   ? r_.DayOfWeek - w
-                      : w > r_.DayOfWeek ? r_.DayOfWeek - w + 7
-                                         : 0) +
-                     7 * r_.WeekOfMonth;
-      } else {
-        if (w < r_.DayOfWeek) w += 7;
-        t.tm_mday -= w - r_.DayOfWeek + 7 * (r_.WeekOfMonth - 4);
-      }
+      if (r_.WeekOfMonth <= 3)
+        t.tm_mday += (r_.DayOfWeek - t.tm_wday + 7) % 7 + 7 * r_.WeekOfMonth;
+      else
+        t.tm_mday -= (t.tm_wday - r_.DayOfWeek + 7) % 7 + 7 * (r_.WeekOfMonth - 4);
     }
     return a_ = timegm(&t) + Tod();
   }
@@ -138,34 +113,30 @@ class StepByStep {
 class RandomRules {
  public:
   explicit RandomRules(uint32 seed) : random_(seed) {}
-  int64 Pick(int64 least, int64 most) {
-    return std::uniform_int_distribution<int64>(least, most)(random_);
+  template <typename Number = int64>
+  Number Pick(int64 least, int64 most) {
+    return static_cast<Number>(std::uniform_int_distribution<int64>(least, most)(random_));
   }
   /// A rule that an editor would let pass, with times from 1971 to 2030.
   TimingRule Sane(int32 kind) {
-    const auto small = [&](int64 least, int64 most) {
-      return static_cast<int8>(Pick(least, most));
-    };
-    const auto number = [&](int64 least, int64 most) {
-      return static_cast<int32>(Pick(least, most));
-    };
     TimingRule rule;
     rule.PeriodType = kind;
-    do rule.TimingType = number(0, 2);
+    do rule.TimingType = Pick<int32>(0, 2);
     while (!AllowableTypeCombination[kind][rule.TimingType]);
-    rule.Multiple = static_cast<uint32>(Pick(1, Pick(0, 1) ? 3 : 50));
-    rule.EventTime = number(31536000, 1900000000);
-    rule.MultiStartTime = number(31536000, 1900000000);
+    rule.Multiple = Pick<uint32>(1, Pick(0, 1) ? 3 : 50);
+    rule.EventTime = Pick<int32>(31536000, 1900000000);
+    rule.MultiStartTime = Pick<int32>(31536000, 1900000000);
     if (Pick(0, 1)) rule.MultiStartTime -= rule.MultiStartTime % static_cast<int32>(Day);
-    rule.DayOfMonth = small(1, 59);
-    rule.WeekOfMonth = small(0, 7);
-    rule.DayOfWeek = small(0, 6);
-    rule.Month = small(0, 11);
+    rule.DayOfMonth = Pick<int8>(1, 59);
+    rule.WeekOfMonth = Pick<int8>(0, 7);
+    rule.DayOfWeek = Pick<int8>(0, 6);
+    rule.Month = Pick<int8>(0, 11);
     rule.ApplyTime = Pick(0, 3) > 0;
-    rule.TimeToApply = Pick(0, 1) ? number(0, 86399) : number(0, 95) * 900;
-    rule.SubIntType = number(3, 4);
+    rule.TimeToApply = Pick(0, 1) ? Pick<int32>(0, 86399) : Pick<int32>(0, 95) * 900;
+    rule.SubIntType = Pick<int32>(3, 4);
     rule.ApplyStop = Pick(0, 1);
-    rule.StopTime = Pick(0, 4) ? number(0, 86399) : rule.MultiStartTime % static_cast<int32>(Day);
+    rule.StopTime =
+        Pick(0, 4) ? Pick<int32>(0, 86399) : rule.MultiStartTime % static_cast<int32>(Day);
     return rule;
   }
   int64 Now() { return Pick(31536000, 2000000000); }
@@ -216,10 +187,9 @@ TEST(EventTimingProperty, AnyBytesEnd) {
     spoil(rule.TimeToApply), spoil(rule.StopTime), spoil(rule.PrewarnTime);
     spoil(rule.PrewarnRepeatTime), spoil(rule.NagRepeatTime);
     if (random.Pick(0, 9) == 0) spoil(rule.PeriodType), spoil(rule.TimingType);
-    rule.SubIntType = static_cast<int32>(random.Pick(-1, 5));
-    rule.PrewarnType = static_cast<int32>(random.Pick(-1, 5));
-    rule.PrewarnRepeatType = static_cast<int32>(random.Pick(-1, 5));
-    rule.NagRepeatType = static_cast<int32>(random.Pick(-1, 5));
+    for (int32* unit :
+         {&rule.SubIntType, &rule.PrewarnType, &rule.PrewarnRepeatType, &rule.NagRepeatType})
+      *unit = random.Pick<int32>(-1, 5);
     rule.ApplyPrewarn = random.Pick(0, 1), rule.ApplyPrewarnRepeat = random.Pick(0, 1);
     const int64 now = random.Pick(0, 3) ? random.Now() : odd[random.Pick(0, 5)];
     const Zone& zone = zones[i % 3];

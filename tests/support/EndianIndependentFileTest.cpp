@@ -53,12 +53,7 @@ TEST_F(EndianIndependentFileTest, KeepsTheOrderThatTheMarkerNames) {
 }
 
 TEST_F(EndianIndependentFileTest, TakesTheMarkerOrGivesOne) {
-  struct {
-    std::string before;
-    uint32 mode;
-    status_t status;
-    std::string after;
-  } const cases[] = {
+  const std::tuple<std::string, uint32, status_t, std::string> cases[] = {
       {"", OpenReadOnly, StatusFileError, ""},
       {"", OpenReadWrite, StatusOk, "\0"s},
       {"\1ab", OpenReadWrite, StatusOk, "\1ab"},
@@ -66,14 +61,13 @@ TEST_F(EndianIndependentFileTest, TakesTheMarkerOrGivesOne) {
       {"\1ab", OpenWriteOnly, StatusOk, "\0ab"s},
       // Opened at the end, the size is reported; write-only, the marker cannot be read first.
       {"\1ab", OpenReadWrite | OpenAtEnd, 3, "\1ab"},
-      {"\1ab", OpenWriteOnly | OpenAtEnd, 3, "\0ab"s},
-  };
-  for (const auto& each : cases) {
-    disk.Put(path, each.before);
-    auto file = Open(each.mode);
-    EXPECT_EQ(file.InitCheck(), each.status) << each.before << " " << each.mode;
+      {"\1ab", OpenWriteOnly | OpenAtEnd, 3, "\0ab"s}};
+  for (const auto& [before, mode, status, after] : cases) {
+    disk.Put(path, before);
+    auto file = Open(mode);
+    EXPECT_EQ(file.InitCheck(), status) << before << " " << mode;
     file.FlushBuffer();
-    EXPECT_EQ(disk.Bytes(path), each.after) << each.before << " " << each.mode;
+    EXPECT_EQ(disk.Bytes(path), after) << before << " " << mode;
   }
   disk.Put(path, "\x07\0\0\0\1"s);
   auto strange = Open(OpenReadOnly);
@@ -84,31 +78,24 @@ TEST_F(EndianIndependentFileTest, TakesTheMarkerOrGivesOne) {
 }
 
 TEST_F(EndianIndependentFileTest, ReadsStringsUpToTheirNulAndNoFurtherThanAllowed) {
-  const std::string thirty(30, 'x');
-  struct {
-    std::string bytes;
-    int32 max;
-    status_t status;
-    std::string text, rest;
-  } const cases[] = {
-      {"1.2\0rest"s, 30, StatusOk, "1.2", "rest"},
+  const std::string thirty(30, 'x'), fits(29, 'x');
+  const std::tuple<std::string, int32, status_t, std::string, std::string> cases[] = {
       {"\0rest"s, 30, StatusOk, "", "rest"},
-      {thirty + "rest", 30, StatusError, thirty.substr(1), "rest"},
-      {thirty.substr(1) + "\0rest"s, 30, StatusOk, thirty.substr(1), "rest"},
+      {thirty + "rest", 30, StatusError, fits, "rest"},
+      {fits + "\0rest"s, 30, StatusOk, fits, "rest"},
       {"cut", 30, StatusFileError, "cut", ""},
-      {"ab", 1, StatusError, "", "b"},
-  };
-  for (const auto& each : cases)
+      {"ab", 1, StatusError, "", "b"}};
+  for (const auto& [bytes, max, status, expected, after] : cases)
     for (const int32 bufferSize : {1, 5, 31}) {
-      SCOPED_TRACE(testing::Message() << testing::PrintToString(each.bytes) << " " << bufferSize);
-      disk.Put(path, "\0"s + each.bytes);
+      SCOPED_TRACE(testing::Message() << testing::PrintToString(bytes) << " " << bufferSize);
+      disk.Put(path, "\0"s + bytes);
       auto file = Open(OpenReadOnly, bufferSize);
       std::string text(31, '#'), rest(31, '#');
-      EXPECT_EQ(file.ReadString(text.data(), each.max), each.status);
-      EXPECT_STREQ(text.c_str(), each.text.c_str());
+      EXPECT_EQ(file.ReadString(text.data(), max), status);
+      EXPECT_STREQ(text.c_str(), expected.c_str());
       EXPECT_EQ(text.back(), '#');
       rest.resize(static_cast<size_t>(file.ReadRaw(rest.data(), 31)));
-      EXPECT_EQ(rest, each.rest);
+      EXPECT_EQ(rest, after);
     }
 }
 
@@ -131,21 +118,6 @@ TEST_F(EndianIndependentFileTest, HidesTheMarkerInPositionsAndSizes) {
   EXPECT_EQ(file.Seek(-1, SEEK_CUR), 3);
 }
 
-TEST(MemoryFile, IsAFileWithoutAPath) {
-  EndianIndependentFile file(std::make_unique<MemoryFile>(), OpenReadWrite | OpenErase, 16);
-  ASSERT_EQ(file.InitCheck(), StatusOk);
-  const std::string text(100, 'x');
-  EXPECT_EQ(file.WriteRaw(text.data(), text.size()), 100);
-  EXPECT_EQ(file.Seek(0, SEEK_SET), 0);
-  std::string read(200, '\0');
-  EXPECT_EQ(file.ReadRaw(read.data(), 200), 100);
-  EXPECT_EQ(read.substr(0, 100), text);
-  EXPECT_EQ(file.SetSize(4), StatusOk);
-  EXPECT_EQ(file.Seek(4, SEEK_SET), 4);
-  EXPECT_EQ(file.BytesLeft(), 0);
-  EXPECT_EQ(file.SetTo("/any/path", OpenReadOnly), StatusFileError) << "there is no door";
-}
-
 TEST(MemoryFile, PlacesAndSizesOutOfReachAreRefused) {
   MemoryFile file;
   char byte = 'a';
@@ -158,12 +130,15 @@ TEST(MemoryFile, PlacesAndSizesOutOfReachAreRefused) {
   EXPECT_EQ(file.WriteAt(MemoryFile::LargestSize, &byte, 1), -EFBIG);
   EXPECT_EQ(file.WriteAt(1, &byte, SIZE_MAX), -EFBIG);
   EXPECT_EQ(file.SetSize(MemoryFile::LargestSize + 1), -EFBIG);
+  EXPECT_EQ(file.SetSize(4), StatusOk);
   EXPECT_EQ(file.Seek(-1, SEEK_SET), -EINVAL);
   EXPECT_EQ(file.Seek(INT64_MAX, SEEK_SET), INT64_MAX);
   EXPECT_EQ(file.Seek(1, SEEK_CUR), -EINVAL);
   EXPECT_EQ(file.Read(&byte, 1), 0);
   EXPECT_EQ(file.Write(&byte, 1), -EFBIG);
   EXPECT_EQ(file.Size(), 4);
+  EndianIndependentFile pathless(std::make_unique<MemoryFile>(), OpenReadWrite | OpenErase, 16);
+  EXPECT_EQ(pathless.SetTo("/any/path", OpenReadOnly), StatusFileError) << "there is no door";
 }
 
 }  // namespace

@@ -4,7 +4,7 @@
 
 #include <bit>
 #include <limits>
-
+#include <random>
 
 namespace kestrin {
 namespace {
@@ -95,6 +95,18 @@ TEST(Message, RefusesWhatWouldTakeFarMoreRoomThanItsText) {
   EXPECT_TRUE(Message::Unflatten(spacious));
   spacious.resize(size_t{161} << 20, ' ');
   EXPECT_FALSE(Message::Unflatten(spacious));
+}
+
+TEST(Message, DamagedTextIsRefusedOrAMessage) {
+  const std::string whole = Field("raw", R"({"code":1,"bytes":"00ff"})");
+  std::mt19937 random(3);
+  for (int i = 0; i < 20000; ++i) {
+    std::string damaged = whole;
+    for (auto n = 1 + random() % 3; n > 0; --n)
+      damaged[random() % damaged.size()] = "{}[]\",:0-e\x80"[random() % 11];
+    const auto read = Message::Unflatten(damaged);
+    ASSERT_TRUE(!read || Message::Unflatten(read->Flatten()) == read) << damaged;
+  }
 }
 
 }  // namespace

@@ -81,17 +81,6 @@ TEST(ReplaceFile, ALongNameStillHasRoomForATemporaryOne) {
   EXPECT_EQ(disk.Bytes(name), "");
 }
 
-TEST(WholeFile, SaysWhyItCouldNotBeWritten) {
-  MemoryFileDoor disk;
-  disk.Put(path, "earlier");
-  for (int n = 1;; ++n) {
-    FailingFileDoor door(disk, n, -ENOSPC);
-    const status_t status = WriteWholeFile(door, path, "new");
-    if (!door.HasFailed()) break;
-    EXPECT_EQ(status, -ENOSPC) << door.Failed;
-  }
-}
-
 TEST(WholeFile, ReadsNoMoreThanTheLimit) {
   MemoryFileDoor disk;
   disk.Put(path, std::string(1000, 'x'));
