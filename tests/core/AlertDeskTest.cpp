@@ -1,8 +1,10 @@
+// Alerts that wait, stand open and are answered, and the notices that become alerts.
 #include "core/AlertDesk.h"
 
 #include <gmock/gmock.h>
 
 #include <atomic>
+#include <future>
 #include <set>
 #include <thread>
 
@@ -123,24 +125,6 @@ TEST_F(AlertDeskTest, AForcedEndAnswersEverythingHarmlesslyAndHandsItOver) {
   EXPECT_THAT(answers.back(), Pair("after all", 1));
 }
 
-TEST_F(AlertDeskTest, ThreadsMayAskWhileAlertsOpenAndClose) {
-  std::atomic<int> done = 0, running = 4;
-  std::vector<std::thread> askers;
-  for (int thread = 0; thread < 4; ++thread)
-    askers.emplace_back([&] {
-      for (uint64 i = 0; i < 50; ++i) {
-        AlertRequest request = Request("", AlertRole::Nag, 1 + i % 7);
-        request.Done = [&done](int) { ++done; };
-        desk.Show(request);
-      }
-      --running;
-    });
-  while (running > 0) context.RunMessages(), ui.CloseFirst();
-  for (std::thread& asker : askers) asker.join();
-  for (context.RunMessages(); ui.CloseFirst();) context.RunMessages();
-  EXPECT_EQ(done, 200);
-}
-
 TEST_F(AlertDeskTest, APromptWaitsForNobodyAndIsRaisedWhenItIsAskedForAgain) {
   for (int i = 0; i < AlertDesk::MaxOpenAlerts + 5; ++i) desk.Show(Request("reminder"));
   context.RunMessages();
@@ -164,6 +148,58 @@ TEST_F(AlertDeskTest, APromptWaitsForNobodyAndIsRaisedWhenItIsAskedForAgain) {
   EXPECT_EQ(ui.Alerts.size(), 24u);
   while (ui.CloseFirst()) context.RunMessages();
   EXPECT_EQ(answers.size(), 31u);
+}
+
+TEST(NoticesTest, EachKindHasItsTitleAndButtonAndHoldsTheApplication) {
+  TestContext context;
+  context.Notes.ReportCompoundError("Could not open \"", "a", "\".");
+  context.Notes.InformUser("Good.");
+  context.Notes.Inform("Help file error", "None.", "Cancel");
+  EXPECT_EQ(context.Holding.Count(), 3);
+  context.RunMessages();
+  std::vector<std::string> said;
+  for (const auto& [id, request, place] : context.Ui.Alerts)
+    said.push_back(request.Title + ": " + request.Text + " [" + request.Buttons.at(0) + "]");
+  EXPECT_THAT(said, ElementsAre("Kestrin recoverable error: Could not open \"a\". [Continue]",
+                                "Kestrin: Good. [OK]", "Help file error: None. [Cancel]"));
+  while (context.Ui.CloseFirst()) continue;
+  EXPECT_EQ(context.Holding.Count(), 0);
+  EXPECT_TRUE(context.Queue.Holds(QUIT_REQUESTED));
+}
+
+TEST(WorkerNoticesTest, AWorkerWaitsForTheButtonOrAForcedEnd) {
+  for (const bool byForce : {false, true}) {
+    TestContext context;
+    std::promise<void> asked;
+    std::atomic<bool> returned = false;
+    context.Queue.SetWakeUp([&asked] { asked.set_value(); });
+    std::thread worker([&] {
+      context.Notes.ReportError("From a worker.");
+      returned = true;
+    });
+    asked.get_future().wait();
+    context.Queue.SetWakeUp(nullptr);
+    context.RunMessages();
+    EXPECT_EQ(context.Holding.Count(), 1);
+    EXPECT_FALSE(returned);
+    EXPECT_TRUE(byForce ? context.Alerts.EndByForce().size() == 1
+                        : context.Ui.AnswerText("From a worker.", 0));
+    worker.join();
+    if (byForce) std::thread([&] { context.Notes.InformUser("Too late: not waited for."); }).join();
+    EXPECT_EQ(context.Holding.Count(), 0);
+  }
+}
+
+TEST(NoticesDeathTest, AFatalErrorEndsTheProcessWithoutItsCleaningUp) {
+  for (const bool screen : {true, false})
+    EXPECT_EXIT(
+        {
+          std::atexit([] { std::_Exit(9); });
+          TestContext context;
+          context.Ui.Screen = screen;
+          std::thread([&context] { context.Notes.HandleErrorAndExit("It is over."); }).join();
+        },
+        testing::ExitedWithCode(0), "Kestrin error: It is over\\.");
 }
 
 }  // namespace

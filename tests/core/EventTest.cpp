@@ -1,8 +1,5 @@
-// What the setters of an event do beyond storing, how its handler is chosen, and how events
-// compare.
+// What the setters of an event do beyond storing, and how its handler is chosen.
 #include "core/Event.h"
-
-#include <climits>
 
 #include "fakes/SetTestBase.h"
 
@@ -152,23 +149,6 @@ TEST_F(EventTest, AHandlerKeepsItsDataWhileAnotherIsSelected) {
   event.AdoptAddOnData(UnknownHandler, std::make_unique<FakeUnknownData>(&event));
   event.SetSelectedHandler(1);
   EXPECT_TRUE(event.SetSelectedHandler(UnknownHandler)) << "it holds such data";
-}
-
-TEST_F(EventTest, EventsCompareByColumn) {
-  EventRecord first = DailyAt(1000, "tea"), second = DailyAt(INT_MIN, "Toast");
-  second.NextEventTime = INT_MAX;
-  second.Status = DoneWithEvent;
-  first.Active = false;
-  Event &a = Add(Set, first), &b = Add(Set, second);
-  b.SetSelectedHandler(1);
-  const auto sign = [](int64 difference) { return (difference > 0) - (difference < 0); };
-  const std::pair<int32, int> rows[] = {{0, 0}, {1, -1}, {2, 1}, {3, -1}, {4, 1}, {5, 1}, {6, 0}};
-  for (const auto& [column, expected] : rows) {
-    EXPECT_EQ(sign(Event::Compare(a, b, column)), expected) << column;
-    EXPECT_EQ(sign(Event::Compare(b, a, column)), -expected) << column;
-  }
-  b.SetName("TEA");
-  EXPECT_EQ(Event::Compare(a, b, 1), 0) << "case does not count";
 }
 
 }  // namespace

@@ -190,17 +190,10 @@ TEST_F(KestrinAppTest, AnotherZoneRecomputesAllButTheOverdueAndTheNagging) {
 }
 
 TEST_F(KestrinAppTest, TheDelivererIsStartedAndItsFailuresAreToldOnce) {
-  const std::string missing =
-      "Kestrin was unable to locate its background executable (the file should be named "
-      "\"KestrinBackground\", and should have the signature "
-      "\"application/x-vnd.ZR-KestrinBackground\").  Normally, it should be in the same folder as "
-      "Kestrin.  Without it, Kestrin will be unable to inform you when events occur, although you "
-      "can still edit event sets and the events they contain.";
-  const std::string works =
-      "Kestrin successfully started its background executable, and can now deliver events "
-      "normally.";
-  const std::string trash =
-      "Please remove KestrinBackground from the trash, the system refuses to launch it from there.";
+  // Only their beginnings.
+  const std::string missing = "Kestrin was unable to locate its background executable (the file";
+  const std::string works = "Kestrin successfully started its background executable, and can now";
+  const std::string trash = "Please remove KestrinBackground from the trash, the system refuses";
   const std::string file = "file /opt/KestrinBackground", known = "register /opt/KestrinBackground";
   using enum LaunchResult;
   using Texts = std::vector<std::string>;
@@ -224,11 +217,13 @@ TEST_F(KestrinAppTest, TheDelivererIsStartedAndItsFailuresAreToldOnce) {
     AlreadyToldUser = row.told;
     It->App.LaunchBackgroundApp(nullptr);
     Run();
-    EXPECT_EQ(Alerts(), row.texts);
+    ASSERT_EQ(Alerts().size(), row.texts.size());
+    for (const std::string& text : row.texts) {
+      EXPECT_THAT(Alerts()[0], testing::StartsWith(text));
+      Answer(0);
+    }
     EXPECT_EQ(It->Background.Calls, row.calls);
     EXPECT_EQ(AlreadyToldUser, row.toldThen);
-    while (Answer(0)) {
-    }
   }
   It->Background.OfName = It->Background.OfFile = Failed;
   CloseWindow();

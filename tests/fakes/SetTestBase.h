@@ -9,6 +9,7 @@
 
 #include "core/AppState.h"
 #include "core/EventSet.h"
+#include "core/EventSetFile.h"
 #include "core/KestrinSettings.h"
 #include "core/OpenSets.h"
 #include "fakes/FailingFileDoor.h"
@@ -59,6 +60,13 @@ class SetTestBase : public testing::Test {
     record.PeriodType = Once;
     return record;
   }
+  /// The set as a process that starts now would read it; null when its file is refused.
+  std::unique_ptr<EventSet> Read(const std::string& path) {
+    bool versionOK = true;
+    Report = {};
+    auto set = std::make_unique<EventSet>(World.Core, path, &Result, &versionOK, &Report);
+    return Result == ConstructorResult::Success && versionOK ? std::move(set) : nullptr;
+  }
   /// Saved, and no message waits.
   void Settle(EventSet& set) {
     World.RunMessages();
@@ -69,6 +77,8 @@ class SetTestBase : public testing::Test {
   MemoryFileDoor Disk;
   FailingFileDoor Door{Disk};
   TestContext World{&Door};
+  ConstructorResult Result = ConstructorResult::Success;  ///< of the last Read
+  SetFileReport Report;                                   ///< likewise
 };
 
 }  // namespace kestrin

@@ -5,7 +5,6 @@
 
 #include "HandlerTestBase.h"
 #include "core/EventMessage.h"
-#include "core/EventSetFile.h"
 #include "fakes/PageTable.h"
 #include "support/OwnedText.h"
 
@@ -228,14 +227,11 @@ TEST_F(EventMessageTest, WhateverIsTakenCanBeSavedAndReadAgain) {
   ASSERT_GT(taken.size(), 100u);
   Other.SetFileName("/sets/other");
   ASSERT_TRUE(Other.SaveData());
-  ConstructorResult result = ConstructorResult::Success;
-  bool versionOK = true;
-  SetFileReport report;
-  const EventSet again(World.Core, "/sets/other", &result, &versionOK, &report);
-  ASSERT_EQ(again.Events().size(), taken.size());
+  const auto again = Read("/sets/other");
+  ASSERT_EQ(again->Events().size(), taken.size());
   for (size_t i = 0; i < taken.size(); ++i) {
     Message message;
-    ASSERT_TRUE(again.Events()[i]->GenerateMessageForEvent(&message));
+    ASSERT_TRUE(again->Events()[i]->GenerateMessageForEvent(&message));
     ASSERT_EQ(message.Flatten(), taken[i].Flatten());
   }
 }
