@@ -197,21 +197,13 @@ TEST_F(EventMessageTest, TextsAreCutAndTheUserIsToldButHandlerNamesAndIconsMustF
 TEST_F(EventMessageTest, WhateverIsTakenCanBeSavedAndReadAgain) {
   FillSubject();
   const Message usual = Generated();
-  const Message::Value values[] = {true,
-                                   int8{-128},
-                                   INT32_MIN,
-                                   INT32_MAX,
-                                   -2,
-                                   int64{0},
-                                   std::string(5000, '\xE9'),
-                                   "\0"s,
-                                   ""s,
-                                   "Command"s,
-                                   "Act on file"s,
-                                   "Chime"s,
-                                   Rect{NAN, -1e30f, 1e30f, 0},
-                                   RawData{FourCharCode("hDat"), "\1"s},
-                                   RawData{FourCharCode("iBit"), std::string(MiniIconBytes, 'x')}};
+  const RawData data{FourCharCode("hDat"), "\1"s};
+  const RawData icon{FourCharCode("iBit"), std::string(MiniIconBytes, 'x')};
+  const std::string tooLong(5000, '\xE9');
+  const Rect strange{NAN, -1e30f, 1e30f, 0};
+  const std::vector<Message::Value> values{true,     int8{-128}, INT32_MIN, INT32_MAX,  -2,
+                                           int64{0}, tooLong,    "\0"s,     "Command"s, "Chime"s,
+                                           strange,  data,       icon};
   std::mt19937 random(20261121);
   std::vector<Message> taken;
   for (int i = 0; i < 3000; ++i) {

@@ -51,6 +51,14 @@ TEST(Civil, AgreesWithTheCLibrary) {
   }
 }
 
+TEST(Zone, AMomentOutOfReachStaysAtItsEnd) {
+  for (const int64 silly : {INT64_MIN, INT64_MAX})
+    for (const Zone& zone : {Zone(), *Zone::Load("Europe/Berlin")}) {
+      EXPECT_EQ(zone.AtMoment(silly).seconds < 0, silly < 0);
+      EXPECT_EQ(zone.ToMoment({silly}) < 0, silly < 0);
+    }
+}
+
 TEST(Zone, SystemFollowsTheEnvironment) {
   const char* const before = getenv("TZ");
   const std::optional<std::string> kept = before ? std::optional(before) : std::nullopt;

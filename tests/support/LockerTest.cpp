@@ -35,12 +35,14 @@ TEST(Locker, KeepsOthersOut) {
   int64 counter = 0;
   const auto work = [&] {
     for (int i = 0; i < 20000; ++i) {
-      AutoLock outer(lock), inner(lock);
+      AutoLock outer(lock);
+      AutoLock inner(lock);
       ++counter;
     }
   };
   std::thread first(work), second(work);
-  first.join(), second.join();
+  first.join();
+  second.join();
   EXPECT_EQ(counter, 40000);
 }
 
