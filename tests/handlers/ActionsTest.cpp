@@ -215,6 +215,11 @@ TEST_F(ActionsTest, WithoutAScreenOnlyWhatNeedsNoneIsDelivered) {
       file->SetFileName(row.Text), file->SetVerify(row.Verify);
     EXPECT_EQ(actions.CanDeliver(*Subject), row.Able);
   }
+  EventRecord record = DailyAt(due);
+  record.Status = WaitingToNag;
+  Event& nagging = Add(*Set, record);
+  nagging.SetSelectedHandler(FindHandler("Do nothing"));
+  EXPECT_FALSE(actions.CanDeliver(nagging)) << "a nag is an alert whatever the handler does";
   Subject->SetSelectedHandler(FindHandler("Do nothing"));
   Subject->SetApplyPrewarn(true);
   Subject->SetPrewarnType(Minutes);

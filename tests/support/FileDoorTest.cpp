@@ -206,13 +206,14 @@ TEST(ReplaceFile, WhateverCallFailsTheEarlierOrTheNewFileIsWholeAndNothingElseLe
 }
 
 TEST(ReplaceFile, APowerCutAtAnyCallLeavesTheEarlierOrTheNewFileWhole) {
-  for (const bool namesKept : {false, true})
+  for (const auto& [namesKept, whole] :
+       {std::pair(false, false), {false, true}, {true, false}, {true, true}})
     for (int n = 1;; ++n) {
       MemoryFileDoor disk;
       disk.Put(path, "earlier");
       FailingFileDoor door(disk, n);
       door.FailFromThen = true;
-      const status_t status = Save(door, newText);
+      const status_t status = whole ? WriteWholeFile(door, path, newBytes) : Save(door, newText);
       disk.CutPower(namesKept);
       if (!door.HasFailed()) {
         EXPECT_EQ(status, StatusOk);
