@@ -41,12 +41,13 @@ TEST_F(SavingTest, AnUntitledSetGetsThePanel) {
   EXPECT_FALSE(Find<QCheckBox>("rememberForDelivery")->isChecked());
   EXPECT_TRUE(Panel()->isModal()) << "for its window";
   Panel()->setDirectory(QString::fromStdString(Path("")));
-  Accept("Garden", false);
+  Accept("The \"&Garden\" %1\n", false);
   EXPECT_FALSE(Panel());
-  EXPECT_EQ(set.GetFileName(), Path("Garden.kestrin")) << "the suffix was added";
-  EXPECT_EQ(window.windowTitle(), "Garden.kestrin[*]");
+  const std::string leaf = "The \"&Garden\" %1\n.kestrin";
+  EXPECT_EQ(set.GetFileName(), Path(leaf)) << "the suffix was added";
+  EXPECT_EQ(window.windowTitle(), "The \"&Garden\" %1 .kestrin[*]");
   EXPECT_FALSE(set.IsUntitled() || set.HasBeenModified());
-  EXPECT_TRUE(Exists(Path("Garden.kestrin")));
+  EXPECT_TRUE(Exists(Path(leaf)));
   EXPECT_THAT(Remembered(), IsEmpty());
 }
 

@@ -3,6 +3,7 @@
 #include <QCheckBox>
 #include <QFileInfo>
 #include <QGridLayout>
+#include <QLineEdit>
 #include <QStandardPaths>
 
 #include "interface/FilePanels.h"
@@ -40,14 +41,23 @@ SetFilePanel::SetFilePanel(QWidget& window, const QString& file, bool remember)
 
 bool SetFilePanel::Remember() const { return remember_->isChecked(); }
 
+/// The toolkit takes quotation marks for the bounds of several names; here there is one.
+QString SetFilePanel::ChosenFile() const {
+  const auto* edit = findChild<QLineEdit*>("fileNameEdit");
+  const QString typed = edit ? edit->text() : QString();
+  if (!typed.contains(u'"')) return selectedFiles().value(0);
+  const bool hasSuffix = QFileInfo(typed).fileName().contains(u'.');
+  return directory().absoluteFilePath(hasSuffix ? typed : typed + u'.' + defaultSuffix());
+}
+
 void SetFilePanel::accept() {
-  const QStringList files = selectedFiles();
-  if (files.isEmpty() || files.first().isEmpty()) return;
-  if (QFileInfo(files.first()).isDir()) {
+  const QString file = ChosenFile();
+  if (file.isEmpty()) return;
+  if (QFileInfo(file).isDir()) {
     QFileDialog::accept();  // goes there
     return;
   }
-  emit NameChosen(files.first());
+  emit NameChosen(file);
 }
 
 void SetFilePanel::CloseAccepted() { done(Accepted); }

@@ -24,6 +24,8 @@ class SetFilePanel final : public QFileDialog {
   void NameChosen(const QString& path);
 
  private:
+  QString ChosenFile() const;
+
   QCheckBox* remember_;
 };
 
