@@ -61,8 +61,9 @@ TEST_F(KestrinAppTest, StartUpOnlyHandsTheTimeOverAndLeaves) {
 
 TEST_F(KestrinAppTest, RememberedFilesAreForgottenOnlyIfTheyAreGone) {
   WriteSet(Work, {});
-  Disk.Put("/sets/Bad", std::string("\0001.2\0\0\0", 8));
-  Disk.Put("/sets/New", std::string("\0009.9\0\0\0", 8));
+  const std::string damaged("\0001.2\0\0\0", 8), newer("\0009.9\0\0\0", 8);
+  Disk.Put("/sets/Bad", damaged);
+  Disk.Put("/sets/New", newer);
   Remember({"/sets/Gone", Work, "/sets/Bad", "/mnt/disk/Away", "/sets/New"});
   Start();
   EXPECT_THAT(KestrinSettings::SetFileNames, ElementsAre(Work, "/mnt/disk/Away"));
@@ -82,6 +83,8 @@ TEST_F(KestrinAppTest, RememberedFilesAreForgottenOnlyIfTheyAreGone) {
   Start();
   EXPECT_THAT(Alerts(), ElementsAre("Kestrin: Attempt to open event set /mnt/disk/Away failed."))
       << "the settings were written";
+  EXPECT_EQ(Disk.Bytes("/sets/Bad"), damaged);
+  EXPECT_EQ(Disk.Bytes("/sets/New"), newer);
 }
 
 TEST_F(KestrinAppTest, OneFileIsOneSetHoweverItIsNamed) {
