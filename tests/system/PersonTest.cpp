@@ -84,9 +84,10 @@ TEST_F(PersonTest, AnswersAlertsWhilePanelsAndQuestionsStandOpen) {
   }
   const auto application = StartWithWindow({set}, "Busy.kestrin");
   PressKeys("Busy.kestrin", "ctrl+o");
-  WaitForWindow("Open event sets");
+  InFront("Open event sets");
+  ASSERT_TRUE(HasFocus("Open event sets", "File name:")) << "or it would get in front again";
   PressKeys("Busy.kestrin", "alt+f a");
-  WaitForWindow("Save event set");
+  InFront("Save event set");
   ClickAway(WaitForAlert("One"));
   WaitForWindow("Open event sets");
   PressKeys("Save event set", "Escape");
