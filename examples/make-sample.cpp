@@ -1,9 +1,10 @@
 // Makes the sample event set: one event of every period type, every built-in handler among them.
 //
-//   make-sample OUT.kestrin [--now TIME] [--soon SECONDS]
+//   make-sample OUT.kestrin [--now TIME] [--soon SECONDS] [--copies N] [--alerts SECONDS]
 //
 // Times are reckoned from TIME (seconds since 1970; now by default). With --soon, the first event
-// is a reminder due that many seconds later.
+// is a reminder due that many seconds later. With --alerts, the set holds something else: a
+// prewarning, a nag and a question, which come that many seconds later and apart.
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -36,6 +37,29 @@ class Sample {
     Event& event = Add(Bell, "Welcome to Kestrin", Once, -1);
     event.SetEventTime(static_cast<int32>(engine_.clock.Time) + seconds, true);
     Say(event, "This is what a reminder looks like. Press Ok, and have a look at the list.");
+  }
+
+  void AddAlerts(int32 apart) {
+    const auto now = static_cast<int32>(engine_.clock.Time);
+    Event& birthday = Add(Cake, "Ada's birthday", Once, -1);
+    birthday.SetEventTime(now + apart + Minute, true);
+    birthday.SetApplyPrewarn(true);
+    birthday.SetPrewarnTime(1);
+    birthday.SetPrewarnType(Minutes);
+    birthday.SetPrewarnMessage("Time to find a present.");
+
+    Event& rent = Add(Money, "Pay the rent", Once, -1);
+    rent.SetDeliverIfMissed(false);
+    rent.SetApplyNag(true);
+    rent.SetNagRepeatTime(2);
+    rent.SetNagRepeatType(Minutes);
+    rent.SetNagMessage("It is still not paid.");
+    engine_.clock.Time -= Hour;  // its time has gone by when the set is opened
+    rent.SetEventTime(now + 2 * apart - 2 * Minute, true);
+    engine_.clock.Time += Hour;
+
+    Event& backup = AddBackup(Once, -1);
+    backup.SetEventTime(now + 3 * apart, true);
   }
 
   void AddYearly() {
@@ -91,11 +115,7 @@ class Sample {
   }
 
   void AddDaily() {
-    Event& backup = Add(Disk, "Back the documents up", Daily, 22 * Hour);
-    backup.SetSelectedHandler(CommandRow);
-    auto* command = dynamic_cast<CommandDataHandler*>(backup.GetAddOnData());
-    command->SetCommand("rsync -a ~/Documents/ ~/Backup/");
-    command->SetVerify(true);
+    AddBackup(Daily, 22 * Hour);
 
     Event& timesheet = Add(Clock, "Fill the time sheet in", Weekdays, 16 * Hour + 45 * Minute);
     timesheet.SetSelectedHandler(ActOnFileRow);
@@ -135,6 +155,15 @@ class Sample {
     return event;
   }
 
+  Event& AddBackup(PeriodicityType type, int32 secondsIntoDay) {
+    Event& backup = Add(Disk, "Back the documents up", type, secondsIntoDay);
+    backup.SetSelectedHandler(CommandRow);
+    auto* command = dynamic_cast<CommandDataHandler*>(backup.GetAddOnData());
+    command->SetCommand("rsync -a ~/Documents/ ~/Backup/");
+    command->SetVerify(true);
+    return backup;
+  }
+
   int32 Today(int32 secondsIntoDay) const {
     const Zone& zone = engine_.context.zone;
     Civil time = MidnightOf(zone.AtMoment(engine_.clock.Time));
@@ -151,15 +180,21 @@ class Sample {
   EventSet set_;
 };
 
-int Make(const char* path, int64 now, int32 soon, int32 copies) {
+struct Wishes {
+  int64 now = SystemClock().Now();
+  int32 soon = 0, copies = 1, alerts = 0;
+};
+
+int Make(const char* path, const Wishes& wishes) {
   VirtualEngine engine;
-  engine.clock.Time = now;
+  engine.clock.Time = wishes.now;
   LoadBuiltInHandlers(engine.context);
   bool saved = false;
   {
     Sample sample(engine);
-    for (int32 copy = 0; copy < copies; ++copy) {
-      sample.AddSoon(soon > 0 ? soon : 24 * Hour);
+    if (wishes.alerts > 0) sample.AddAlerts(wishes.alerts);
+    for (int32 copy = 0; wishes.alerts == 0 && copy < wishes.copies; ++copy) {
+      sample.AddSoon(wishes.soon > 0 ? wishes.soon : 24 * Hour);
       sample.AddYearly();
       sample.AddMonthly();
       sample.AddWeekly();
@@ -180,25 +215,27 @@ int Make(const char* path, int64 now, int32 soon, int32 copies) {
 }  // namespace kestrin
 
 int main(int argc, char** argv) {
-  kestrin::int64 now = kestrin::SystemClock().Now();
-  kestrin::int32 soon = 0;
-  kestrin::int32 copies = 1;
+  kestrin::Wishes wishes;
   const char* path = argc > 1 ? argv[1] : nullptr;
   bool usable = path != nullptr && argc % 2 == 0;
   for (int i = 2; usable && i + 1 < argc; i += 2) {
     if (std::strcmp(argv[i], "--now") == 0)
-      now = std::strtoll(argv[i + 1], nullptr, 10);
+      wishes.now = std::strtoll(argv[i + 1], nullptr, 10);
     else if (std::strcmp(argv[i], "--soon") == 0)
-      soon = std::atoi(argv[i + 1]);
+      wishes.soon = std::atoi(argv[i + 1]);
     else if (std::strcmp(argv[i], "--copies") == 0)
-      copies = std::atoi(argv[i + 1]);
+      wishes.copies = std::atoi(argv[i + 1]);
+    else if (std::strcmp(argv[i], "--alerts") == 0)
+      wishes.alerts = std::atoi(argv[i + 1]);
     else
       usable = false;
   }
   if (!usable) {
-    std::fputs("usage: make-sample OUT.kestrin [--now TIME] [--soon SECONDS] [--copies N]\n",
-               stderr);
+    std::fputs(
+        "usage: make-sample OUT.kestrin [--now TIME] [--soon SECONDS] [--copies N]\n"
+        "                   [--alerts SECONDS]\n",
+        stderr);
     return 1;
   }
-  return kestrin::Make(path, now, soon, copies);
+  return kestrin::Make(path, wishes);
 }
