@@ -3,6 +3,7 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QPointer>
+#include <QWheelEvent>
 
 #include "interface/SavingOnScreen.h"
 
@@ -82,6 +83,23 @@ TEST_F(AddOnViewTest, ItIsTypedIntoSavedAndReadAgain) {
   OpenEditor(*Set("Work.kestrin"));
   ASSERT_TRUE(Note());
   EXPECT_EQ(Note()->text(), "Milk first, please!");
+}
+
+TEST_F(AddOnViewTest, TheWheelChoosesOnlyWhereTheFocusIs) {
+  EventSet& set = OpenSet();
+  OpenEditor(set);
+  auto* menu = Find<QComboBox>("handler");
+  const auto turn = [menu] {
+    const QPointF at = menu->rect().center();
+    QWheelEvent down(at, menu->mapToGlobal(at), {}, {0, -120}, {}, {}, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(menu, &down);
+  };
+  Find<QLineEdit>("eventName")->setFocus();
+  turn();
+  EXPECT_EQ(First(set).GetHandlerName(), "Message");
+  menu->setFocus();
+  turn();
+  EXPECT_NE(First(set).GetHandlerName(), "Message");
 }
 
 TEST_F(AddOnViewTest, OneThatThrowsIsReported) {

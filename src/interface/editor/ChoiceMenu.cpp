@@ -7,7 +7,7 @@ namespace kestrin {
 
 ChoiceMenu::ChoiceMenu(const char* objectName, const QString& accessibleName, Setter set,
                        QWidget* parent)
-    : QComboBox(parent) {
+    : DropDown(parent) {
   setObjectName(objectName);
   // Screen readers are given the choice as the name of such a menu.
   setAccessibleName(accessibleName);

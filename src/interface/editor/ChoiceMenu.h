@@ -1,15 +1,15 @@
 // A pop-up menu of numbers that stand for something.
 #pragma once
 
-#include <QComboBox>
 #include <functional>
 
+#include "interface/DropDown.h"
 #include "kestrin/Types.h"
 
 namespace kestrin {
 
 /// What a person chooses is handed over at once, a choice of the same again too.
-class ChoiceMenu final : public QComboBox {
+class ChoiceMenu final : public DropDown {
   Q_OBJECT
 
  public:

@@ -1,12 +1,12 @@
 #include "interface/settings/SettingsWindow.h"
 
 #include <QCheckBox>
-#include <QComboBox>
 #include <QFormLayout>
 #include <QLabel>
 #include <QPushButton>
 
 #include "core/KestrinSettings.h"
+#include "interface/DropDown.h"
 #include "interface/Frames.h"
 #include "interface/settings/SelectedSetsView.h"
 
@@ -58,7 +58,7 @@ QCheckBox* SettingsWindow::MakeCheckBox(const char* objectName, const QString& l
 
 void SettingsWindow::AddMenu(QFormLayout& form, const char* objectName, const QString& label,
                              const QStringList& items, int32& setting) {
-  auto* menu = new QComboBox;
+  auto* menu = new DropDown;
   menu->setObjectName(objectName);
   menu->addItems(items);
   form.addRow(label, menu);
