@@ -99,6 +99,26 @@ struct EditorTest : testing::Test {
     QTest::keyClick(view, reached ? Qt::Key_Return : Qt::Key_Escape);
     return reached;
   }
+  /// One act of a person: "enter date tomorrow", "write comment why" (into a text, which is left
+  /// then), "choose month May", "click useTime"; false when there is no such choice.
+  bool Do(const std::string& act) const {
+    const QStringList words = QString::fromStdString(act).split(' ');
+    const std::string control = words[1].toStdString(), what = words.mid(2).join(' ').toStdString();
+    if (words[0] == "choose") return Choose(control.c_str(), what.c_str());
+    if (words[0] == "click") {
+      Click(control.c_str());
+      return true;
+    }
+    words[0] == "enter" ? Enter(control.c_str(), what.c_str())
+                        : Type(control.c_str(), what.c_str());
+    Find("tabs").setFocus();
+    return true;
+  }
+  void ShowPage(int tab) const { Find<QTabWidget>("tabs").setCurrentIndex(tab); }
+  void SaveSet() {
+    context.Files.PutFolder("/sets");
+    ASSERT_TRUE(set->SaveData());
+  }
   void Click(const char* name) const {
     QWidget& widget = Find(name);
     QTest::mouseClick(&widget, Qt::LeftButton, {}, QPoint(8, widget.height() / 2));

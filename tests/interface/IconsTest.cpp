@@ -36,12 +36,6 @@ double ShareThatDiffers(const QImage& a, const QImage& b) {
   return 1.0 * different / (a.width() * a.height());
 }
 
-IconPair Striped(char colour) {
-  IconPair icon{std::string(LargeIconBytes, colour), std::string(MiniIconBytes, colour)};
-  icon.large.replace(0, 512, 512, static_cast<char>(TransparentPixel));
-  return icon;
-}
-
 TEST(StandardIconsTest, CanBeToldApartAndSeenOnEveryBackground) {
   const QColor backgrounds[] = {Qt::white, QColor(0x23, 0x26, 0x29), QColor(0x3d, 0xae, 0xe9)};
   for (const int size : {MiniIconSize, LargeIconSize})
@@ -65,9 +59,7 @@ TEST(StandardIconsTest, AreDrawnAnewForDenseScreens) {
     EXPECT_GT(ShareThatDiffers(dense, plain.scaled(48, 48)), 0.02) << "blown up, not drawn";
   }
   EXPECT_EQ(StandardIcon(0).pixmap(QSize(16, 16), 2).size(), QSize(32, 32));
-  EXPECT_TRUE(StandardIcon(11).isNull());
-  EXPECT_TRUE(StandardIcon(-1).isNull());
-  EXPECT_TRUE(StandardIcon(INT32_MAX).isNull());
+  for (const int32 none : {-1, 11, INT32_MAX}) EXPECT_TRUE(StandardIcon(none).isNull());
 }
 
 TEST(StandardIconsTest, AreKnownByTheirBitmaps) {
@@ -87,13 +79,14 @@ struct EventIconTest : testing::Test {
 };
 
 TEST_F(EventIconTest, IsTheStandardOneTheEventsOwnOrNone) {
-  EXPECT_FALSE(EventIcon(event).isNull()) << "number 0";
-  event.SetIcon(NoIconNumber, nullptr);
-  EXPECT_TRUE(EventIcon(event).isNull());
-  event.SetIcon(4711, nullptr);
-  EXPECT_TRUE(EventIcon(event).isNull());
+  for (const int32 number : {0, NoIconNumber, 4711}) {
+    event.SetIcon(number, nullptr);
+    EXPECT_EQ(EventIcon(event).isNull(), number != 0) << number;
+  }
   const auto red = static_cast<char>(IndexOfColour({255, 0, 0, 255}));
-  event.SetIcon(OwnIconNumber, std::make_unique<IconPair>(Striped(red)));
+  IconPair striped{std::string(LargeIconBytes, red), std::string(MiniIconBytes, red)};
+  striped.large.replace(0, 512, 512, static_cast<char>(TransparentPixel));
+  event.SetIcon(OwnIconNumber, std::make_unique<IconPair>(striped));
   const QImage large = Picture(EventIcon(event), LargeIconSize, Qt::green);
   EXPECT_EQ(large.pixelColor(5, 5), QColor(Qt::green)) << "transparent";
   EXPECT_EQ(large.pixelColor(5, 25), QColor(Qt::red));
@@ -105,14 +98,16 @@ TEST_F(EventIconTest, IsTheStandardOneTheEventsOwnOrNone) {
 TEST_F(EventIconTest, StandsInTheList) {
   AppendEvent(set, "Coffee").SetIcon(NoIconNumber, nullptr);
   EventSetWindow& window = context.OpenWindow(set);
-  auto* list = window.findChild<ListEventView*>();
-  const QModelIndex tea = list->model()->index(0, 0);
-  EXPECT_EQ(tea.data(Qt::AccessibleTextRole), "Bell");
-  EXPECT_EQ(tea.siblingAtRow(1).data(Qt::AccessibleTextRole), "No icon");
   ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
-  const QRect place = list->visualRect(tea), below = list->visualRect(tea.siblingAtRow(1));
-  const QImage shown = list->viewport()->grab().toImage();
-  EXPECT_NE(shown.copy(place), shown.copy(below));
+  ListEventView& list = *window.GetEventsView();
+  const auto shown = [&list](int row) {
+    const QModelIndex cell = list.model()->index(row, 0);
+    const QImage picture = list.viewport()->grab(list.visualRect(cell)).toImage();
+    return std::pair(cell.data(Qt::AccessibleTextRole).toString(), picture);
+  };
+  EXPECT_EQ(shown(0).first, "Bell");
+  EXPECT_EQ(shown(1).first, "No icon");
+  EXPECT_NE(shown(0).second, shown(1).second);
 }
 
 struct IconViewTest : EditorTest {
@@ -134,8 +129,8 @@ struct IconViewTest : EditorTest {
     return Drop("eventIcon", dragged);
   }
   /// A menu of icons that stands open, with the given icon under the pointer.
-  void ClickIcon(const char* window_, int row) const {
-    auto* grid = Find(window_).findChild<IconGrid*>();
+  void ClickIcon(const char* shownIn, int row) const {
+    auto* grid = Find(shownIn).findChild<IconGrid*>();
     QTest::mouseClick(grid->viewport(), Qt::LeftButton, {},
                       grid->visualItemRect(grid->item(row)).center());
   }
@@ -149,30 +144,30 @@ struct IconViewTest : EditorTest {
 
 TEST_F(IconViewTest, AnIconIsChosenByMouseAndByKeys) {
   OpenNew(ActionTab);
-  EXPECT_EQ(Find("eventIcon").accessibleName(), "Icon: Bell");
+  QWidget& button = Find("eventIcon");
   Click("eventIcon");
   ClickIcon("iconMenu", 6);
   EXPECT_EQ(Record().IconNumber, 6);
-  EXPECT_EQ(Find("eventIcon").accessibleName(), "Icon: Heart");
+  EXPECT_EQ(button.accessibleName(), "Icon: Heart");
   EXPECT_FALSE(Find("iconMenu").isVisible());
   DeleteClosed();
-  Find("eventIcon").setFocus();
-  QTest::keyClick(&Find("eventIcon"), Qt::Key_Space);
+  button.setFocus();
+  QTest::keyClick(&button, Qt::Key_Space);
   auto& icons = *Find("iconMenu").findChild<IconGrid*>();
   EXPECT_EQ(icons.currentItem()->data(Qt::AccessibleTextRole), "Heart") << "where it is now";
   QTest::keyClick(&icons, Qt::Key_Right);
   QTest::keyClick(&icons, Qt::Key_Return);
   EXPECT_EQ(Record().IconNumber, 7);
   DeleteClosed();
-  QTest::keyClick(&Find("eventIcon"), Qt::Key_Return);
+  QTest::keyClick(&button, Qt::Key_Return);
   Click("noIcon");
   EXPECT_EQ(Record().IconNumber, NoIconNumber);
   DeleteClosed();
-  const QImage without = Find("eventIcon").grab(QRect(6, 6, 22, 22)).toImage();
+  const QImage without = button.grab(QRect(6, 6, 22, 22)).toImage();
   QImage nothing = without;
   nothing.fill(without.pixel(0, 0));
   EXPECT_NE(without, nothing) << "there is something to click at";
-  QTest::keyClick(&Find("eventIcon"), Qt::Key_Down);
+  QTest::keyClick(&button, Qt::Key_Down);
   QTest::keyClick(&Find("iconMenu"), Qt::Key_Escape);
   EXPECT_FALSE(Find("iconMenu").isVisible());
   EXPECT_TRUE(window->isVisible()) << "only the menu closes";
@@ -180,7 +175,6 @@ TEST_F(IconViewTest, AnIconIsChosenByMouseAndByKeys) {
 
 TEST_F(IconViewTest, AnImageBecomesTheEventsOwnIconAndOneOfTheUsers) {
   OpenNew(ActionTab);
-  context.Files.PutFolder("/sets");
   ASSERT_TRUE(DropFile(Put("wide.png", HalfRed(300, 150))));
   ASSERT_EQ(Record().IconNumber, OwnIconNumber);
   const QImage large = Picture(EventIcon(*event), LargeIconSize, Qt::green);
@@ -216,20 +210,18 @@ TEST_F(IconViewTest, AnImageLikeAStandardIconIsThatIcon) {
 
 TEST_F(IconViewTest, AFileThatGivesNoIconChangesNothingAndIsNamed) {
   OpenNew(ActionTab);
-  context.Files.PutFolder("/sets");
-  ASSERT_TRUE(set->SaveData());
+  SaveSet();
   QImage blank(64, 64, QImage::Format_ARGB32);
   blank.fill(Qt::transparent);
   QByteArray png;
   QBuffer buffer(&png);
   HalfRed(64, 64).save(&buffer, "PNG");
-  QByteArray vast = "P6 16000 16000 255\n";
   ASSERT_EQ(mkfifo(Path("pipe.png").c_str(), 0600), 0);
   const std::pair<QString, const char*> cases[] = {
       {Put("text.png", QByteArray("no image at all")), "no image of a kind that is known"},
       {Put("empty.png", QByteArray()), "no image of a kind that is known"},
       {Put("cut.png", png.left(png.size() / 3)), "damaged"},
-      {Put("vast.ppm", vast), "too large"},
+      {Put("vast.ppm", QByteArray("P6 16000 16000 255\n")), "too large"},
       {Put("wider.ppm", QByteArray("P6 40000 1 255\n")), "too large"},
       {Put("blank.png", blank), "nothing of it can be seen"},
       {folder.filePath("pipe.png"), "not a file"},

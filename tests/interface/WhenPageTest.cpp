@@ -24,7 +24,8 @@ struct WhenPageTest : EditorTest {
       const QWidget& control = Find(name);
       if (!control.isVisible()) continue;
       const QPoint middle = control.mapTo(page, control.rect().center());
-      rows[middle.y() / 10][middle.x()] = name;
+      rows[middle.y() / 10][middle.x()] =
+          name == std::string("intervalUnitLabel") ? TextOf(name) : name;
     }
     std::string text;
     int last = 0, step = 0;
@@ -40,31 +41,29 @@ struct WhenPageTest : EditorTest {
 };
 
 TEST_F(WhenPageTest, EachRuleShowsItsRowsWithoutGaps) {
-  const std::string every = " | interval intervalUnitLabel", type = " | timingType";
-  const std::string date = " | date", start = " | startDate";
-  const std::string dayOfYear = " | dayOfMonth month",
-                    weekdayOfYear = " | weekOfMonth weekday month";
-  const std::string dayOfMonth = " | dayOfMonth ofTheMonth";
-  const std::string weekdayOfMonth = " | weekOfMonth weekday ofTheMonth", weekday = " | weekday";
-  struct {
+  const std::string every = " | interval ", type = " | timingType", start = " | startDate";
+  const std::string date = type + " | date";
+  const std::string day = type + " | dayOfMonth", weekday = type + " | weekOfMonth weekday";
+  const struct {
     const char* period;
     std::array<std::string, 3> rows;  // by timing type; empty where the menu does not offer it
-  } const cases[] = {
-      {"Annually", {type + date, type + dayOfYear, type + weekdayOfYear}},
-      {"Once", {date, "", ""}},
-      {"Monthly", {"", type + dayOfMonth, type + weekdayOfMonth}},
-      {"Weekly", {"", "", weekday}},
-      {"SubDaily", {" | interval intervalUnit" + start + " | useStop", "", ""}},
+  } cases[] = {
+      {"Annually", {date, day + " month", weekday + " month"}},
+      {"Once", {" | date", "", ""}},
+      {"Monthly", {"", day + " ofTheMonth", weekday + " ofTheMonth"}},
+      {"Weekly", {"", "", " | weekday"}},
+      {"SubDaily", {every + "intervalUnit" + start + " | useStop", "", ""}},
       {"Daily", {"none", "", ""}},
       {"MultiAnnually",
-       {every + type + date + start, every + type + dayOfYear + start,
-        every + type + weekdayOfYear + start}},
+       {every + "years" + date + start, every + "years" + day + " month" + start,
+        every + "years" + weekday + " month" + start}},
       {"Weekdays", {"none", "", ""}},
       {"MultiMonthly",
-       {"", every + type + dayOfMonth + start, every + type + weekdayOfMonth + start}},
-      {"MultiWeekly", {"", "", every + weekday + start}},
+       {"", every + "months" + day + " ofTheMonth" + start,
+        every + "months" + weekday + " ofTheMonth" + start}},
+      {"MultiWeekly", {"", "", every + "weeks | weekday" + start}},
       {"Weekends", {"none", "", ""}},
-      {"MultiDaily", {every + start, "", ""}},
+      {"MultiDaily", {every + "days" + start, "", ""}},
   };
   OpenNew();
   const QSize size = window->size();
@@ -83,76 +82,53 @@ TEST_F(WhenPageTest, EachRuleShowsItsRowsWithoutGaps) {
   }
 }
 
-TEST_F(WhenPageTest, TheIntervalHasTheUnitOfItsPeriod) {
-  OpenNew();
-  for (const auto& [period, unit] : {std::pair{"MultiAnnually", "years"},
-                                     {"MultiMonthly", "months"},
-                                     {"MultiWeekly", "weeks"},
-                                     {"SubDaily", ""},
-                                     {"MultiDaily", "days"}}) {
-    Choose("periodType", period);
-    EXPECT_EQ(TextOf("intervalUnitLabel"), unit);
-  }
-  Choose("periodType", "SubDaily");
-  auto& units = Find<QComboBox>("intervalUnit");
-  EXPECT_EQ(units.count(), 2);
-  EXPECT_TRUE(Choose("intervalUnit", "minutes"));
-  EXPECT_EQ(Record().SubIntType, Minutes);
-}
-
 TEST_F(WhenPageTest, EveryControlWritesItsFieldAtOnce) {
   EventRecord record;
   record.PeriodType = MultiAnnually;
   record.EventTime = record.MultiStartTime = Monday + 8 * Hour;
   OpenRecord(record);
-  struct {
-    const char* period;
-    const char* type;  // null: as it is
-    std::function<void()> act;
+  const struct {
+    const char* act;
     std::function<bool(const EventRecord&)> holds;
-  } const cases[] = {
-      {"MultiAnnually", "By date", [this] { Enter("interval", "3"); },
-       [](const EventRecord& r) { return r.Multiple == 3; }},
-      {"MultiAnnually", "By date", [this] { Enter("date", "Dec 24 2026"); },
-       [](const EventRecord& r) { return r.EventTime == Monday + 38 * Day && !r.ApplyTime; }},
-      {"MultiAnnually", "By date", [this] { Enter("date", "Dec 24 2026, 6 pm"); },
-       [](const EventRecord& r) {
+  } cases[] = {
+      {"enter interval 3", [](const auto& r) { return r.Multiple == 3; }},
+      {"enter date Dec 24 2026",
+       [](const auto& r) { return r.EventTime == Monday + 38 * Day && !r.ApplyTime; }},
+      {"enter date Dec 24 2026, 6 pm",
+       [](const auto& r) {
          return r.EventTime == Monday + 38 * Day + 18 * Hour && r.ApplyTime &&
                 r.TimeToApply == 18 * Hour;
        }},
-      {"MultiAnnually", "By day of month", [this] { Choose("dayOfMonth", "2nd to last"); },
-       [](const EventRecord& r) { return r.DayOfMonth == 33 && r.TimingType == ByDayOfMonth; }},
-      {"MultiAnnually", nullptr, [this] { Choose("month", "December"); },
-       [](const EventRecord& r) { return r.Month == 11; }},
-      {"MultiMonthly", "By day of week", [this] { Choose("weekOfMonth", "Last"); },
-       [](const EventRecord& r) { return r.WeekOfMonth == 4 && r.TimingType == ByDayOfWeek; }},
-      {"MultiMonthly", nullptr, [this] { Choose("weekday", "Saturday"); },
-       [](const EventRecord& r) { return r.DayOfWeek == 6; }},
-      {"SubDaily", nullptr, [this] { Enter("startDate", "Nov 20 2026, 07:30"); },
-       [](const EventRecord& r) { return r.MultiStartTime == Monday + 4 * Day + 27000; }},
-      {"SubDaily", nullptr, [this] { Enter("startDate", "Nov 21 2026"); },
-       [](const EventRecord& r) { return r.MultiStartTime == Monday + 5 * Day + 27000; }},
-      {"SubDaily", nullptr, [this] { Click("useStop"); },
-       [](const EventRecord& r) { return r.ApplyStop; }},
-      {"SubDaily", nullptr, [this] { Enter("stopTime", "5:15 pm"); },
-       [](const EventRecord& r) { return r.StopTime == 62100; }},
-      {"Daily", nullptr, [this] { Click("useTime"); },
-       [](const EventRecord& r) { return !r.ApplyTime; }},
-      {"Daily", nullptr, [this] { Click("useTime"); },
-       [](const EventRecord& r) { return r.ApplyTime; }},
-      {"Daily", nullptr, [this] { Enter("time", "noon"); },
-       [](const EventRecord& r) { return r.TimeToApply == 12 * Hour; }},
+      {"choose timingType By day of month",
+       [](const auto& r) { return r.TimingType == ByDayOfMonth; }},
+      {"choose dayOfMonth 2nd to last", [](const auto& r) { return r.DayOfMonth == 33; }},
+      {"choose month December", [](const auto& r) { return r.Month == 11; }},
+      {"choose periodType MultiMonthly",
+       [](const auto& r) { return r.PeriodType == MultiMonthly; }},
+      {"choose timingType By day of week",
+       [](const auto& r) { return r.TimingType == ByDayOfWeek; }},
+      {"choose weekOfMonth Last", [](const auto& r) { return r.WeekOfMonth == 4; }},
+      {"choose weekday Saturday", [](const auto& r) { return r.DayOfWeek == 6; }},
+      {"choose periodType SubDaily", [](const auto& r) { return r.PeriodType == SubDaily; }},
+      {"choose intervalUnit minutes", [](const auto& r) { return r.SubIntType == Minutes; }},
+      {"enter startDate Nov 20 2026, 07:30",
+       [](const auto& r) { return r.MultiStartTime == Monday + 4 * Day + 27000; }},
+      {"enter startDate Nov 21 2026",
+       [](const auto& r) { return r.MultiStartTime == Monday + 5 * Day + 27000; }},
+      {"click useStop", [](const auto& r) { return r.ApplyStop; }},
+      {"enter stopTime 5:15 pm", [](const auto& r) { return r.StopTime == 62100; }},
+      {"choose periodType Daily", [](const auto& r) { return r.PeriodType == Daily; }},
+      {"click useTime", [](const auto& r) { return !r.ApplyTime; }},
+      {"click useTime", [](const auto& r) { return r.ApplyTime; }},
+      {"enter time noon", [](const auto& r) { return r.TimeToApply == 12 * Hour; }},
   };
-  int row = 0;
-  for (const auto& c : cases) {
-    Choose("periodType", c.period);
-    if (c.type) Choose("timingType", c.type);
-    c.act();
-    EXPECT_TRUE(c.holds(Record())) << "case " << row << ": " << Complaint();
+  for (const auto& [act, holds] : cases) {
+    EXPECT_TRUE(Do(act)) << act;
+    EXPECT_TRUE(holds(Record())) << act << ": " << Complaint();
     EXPECT_THAT(Complaint(), IsEmpty());
-    ++row;
   }
   EXPECT_TRUE(set->HasBeenModified());
+  EXPECT_EQ(Find<QComboBox>("intervalUnit").count(), 2);
 }
 
 TEST_F(WhenPageTest, ADayIsRefusedThatHasNoRoomForItsTimeOfDay) {
@@ -161,13 +137,10 @@ TEST_F(WhenPageTest, ADayIsRefusedThatHasNoRoomForItsTimeOfDay) {
   Enter("startDate", "Nov 20 2026, 07:30");
   Enter("startDate", "Jan 19 2038");
   EXPECT_THAT(Complaint(), HasSubstr("January 18, 2038"));
-  EXPECT_EQ(FieldText("startDate"), "Jan 19 2038");
   EXPECT_EQ(Record().MultiStartTime, Monday + 4 * Day + 27000);
-  Enter("startDate", "Jan 19 2038, 03:00");
-  EXPECT_THAT(Complaint(), IsEmpty());
-  EXPECT_EQ(Record().MultiStartTime, 2147472000 + 10800);
   ASSERT_TRUE(Choose("periodType", "Once"));
   Enter("date", "Jan 19 2038, 03:00");
+  EXPECT_THAT(Complaint(), IsEmpty());
   Enter("time", "4 am");
   EXPECT_THAT(Complaint(), HasSubstr("January 18, 2038"));
   EXPECT_EQ(Record().TimeToApply, 10800);
@@ -188,14 +161,12 @@ TEST_F(WhenPageTest, DatesAreReadAsTypedAndShownInFullInTheZone) {
       {"next friday", "Fri, Nov 20 2026", wall(20, 0)},
       {"Fri, Nov 21 2026", "Sat, Nov 21 2026", wall(21, 0)},  // the weekday was left as shown
       {"Mon, Nov 22 2026", "", 0},
-      {"11/29/2026", "Sun, Nov 29 2026", wall(29, 0)},
       {"soon", "", 0},
       {"", "", 0},
       {"Jan 20 2038", "", 0},
       {"Dec 31 1969", "", 0},
       {"Nov 27 2026 6 pm", "", 0},
       {"Nov 27 2026, 6 pm", "Fri, Nov 27 2026, 06:00:00 PM", wall(27, 18)},
-      {"Fri, Nov 28 2026, 06:00:00 PM", "Sat, Nov 28 2026, 06:00:00 PM", wall(28, 18)},
       {"29 Nov 2026", "Sun, Nov 29 2026, 06:00:00 PM", wall(29, 18)},
       {"Nov 30 2026, Midnight", "Mon, Nov 30 2026, 12:00:00 AM", wall(30, 0)},
       {"today 6 pm", "Sun, Nov 15 2026, 06:00:00 PM", wall(15, 18)},
@@ -225,36 +196,29 @@ TEST_F(WhenPageTest, TheCalendarPicksADayAndKeepsTheTimeOfDay) {
   record.MultiStartTime = Monday + 8 * Hour + 61;
   OpenRecord(record);
   auto& field = Find<TypedField>("startDate");
-  const auto calendar = [this] {
-    return Find("startDate").parent()->findChild<QCalendarWidget*>();
+  const auto days = [&field]() -> QTableView& {
+    if (auto* calendar = field.parent()->findChild<QCalendarWidget*>())
+      return *calendar->findChild<QTableView*>();
+    throw std::runtime_error("no calendar");
   };
   Type("startDate", "no date");
   QTest::keyClick(&field, Qt::Key_Down, Qt::AltModifier);
-  ASSERT_TRUE(calendar());
-  QWidget* days = calendar()->findChild<QTableView*>();
-  QTest::keyClick(days, Qt::Key_Right);
-  QTest::keyClick(days, Qt::Key_Return);
+  QTest::keyClick(&days(), Qt::Key_Right);
+  QTest::keyClick(&days(), Qt::Key_Return);
   EXPECT_EQ(Record().MultiStartTime, Monday + Day + 8 * Hour + 61);
   EXPECT_EQ(FieldText("startDate"), "Tue, Nov 17 2026, 08:01:01 AM");
   EXPECT_THAT(Complaint(), IsEmpty()) << "the pick takes the place of what could not be read";
 
   DeleteClosed();
   QTest::mouseClick(&Find("startDateCalendar"), Qt::LeftButton);
-  ASSERT_TRUE(calendar());
-  auto* month = calendar()->findChild<QTableView*>();
-  for (int cell = 0; cell < 7; ++cell) {  // the row below that of the day shown
-    const QModelIndex below = month->currentIndex().siblingAtColumn(cell);
-    const QModelIndex day = below.siblingAtRow(below.row() + 1);
-    if (day.data().toInt() == 25)
-      QTest::mouseClick(month->viewport(), Qt::LeftButton, {}, month->visualRect(day).center());
-  }
-  EXPECT_EQ(Record().MultiStartTime, Monday + 9 * Day + 8 * Hour + 61);
+  const QModelIndex shown = days().currentIndex(), below = shown.siblingAtRow(shown.row() + 1);
+  QTest::mouseClick(days().viewport(), Qt::LeftButton, {}, days().visualRect(below).center());
+  EXPECT_EQ(Record().MultiStartTime, Monday + 8 * Day + 8 * Hour + 61);
 
   DeleteClosed();
   QTest::keyClick(&field, Qt::Key_F4);
-  ASSERT_TRUE(calendar());
-  QTest::keyClick(calendar()->findChild<QTableView*>(), Qt::Key_Escape);
-  EXPECT_EQ(Record().MultiStartTime, Monday + 9 * Day + 8 * Hour + 61);
+  QTest::keyClick(&days(), Qt::Key_Escape);
+  EXPECT_EQ(Record().MultiStartTime, Monday + 8 * Day + 8 * Hour + 61);
   EXPECT_TRUE(window->isVisible());
 }
 
@@ -263,10 +227,8 @@ TEST_F(WhenPageTest, WhatNobodyTypedKeepsItsSeconds) {
   record.PeriodType = SubDaily;
   record.ApplyStop = record.ApplyTime = true;
   record.StopTime = 17 * Hour + 59;
-  record.MultiStartTime = Monday + 59;
   OpenRecord(record);
-  EXPECT_EQ(FieldText("stopTime"), "05:00 PM");
-  Enter("stopTime", "05:00 PM");
+  Enter("stopTime", "05:00 PM");  // as it was shown
   EXPECT_EQ(Record().StopTime, 17 * Hour + 59);
   EXPECT_FALSE(set->HasBeenModified());
   Enter("stopTime", "5:01 pm");
@@ -275,33 +237,23 @@ TEST_F(WhenPageTest, WhatNobodyTypedKeepsItsSeconds) {
   EXPECT_THAT(Complaint(), HasSubstr("25:00"));
   Click("useStop");
   EXPECT_THAT(Complaint(), IsEmpty()) << "nobody could correct it";
+  EXPECT_EQ(FieldText("stopTime"), "05:01 PM");
 }
 
 TEST_F(WhenPageTest, TheLineSaysWhatStandsInTheWay) {
   OpenNew();
   Choose("periodType", "SubDaily");
   Enter("startDate", "someday");
-  Enter("interval", "few");
-  EXPECT_THAT(Complaint(), HasSubstr("few"));
+  Enter("interval", "0");
+  EXPECT_THAT(Complaint(), HasSubstr("never comes round"));
+  EXPECT_EQ(Record().Multiple, 2U);
   Find("startDate").setFocus();
   EXPECT_THAT(Complaint(), HasSubstr("someday")) << "the field that the person is in";
   Enter("startDate", "Nov 20 2026");
-  EXPECT_THAT(Complaint(), HasSubstr("few")) << "is not settled";
-  Enter("interval", "4");
-  EXPECT_THAT(Complaint(), IsEmpty());
-}
-
-TEST_F(WhenPageTest, StepsThatNeverComeRoundAreRefused) {
-  OpenNew();
-  for (const char* period : {"MultiAnnually", "MultiWeekly", "SubDaily"}) {
-    Choose("periodType", period);
-    Enter("interval", "0");
-    EXPECT_THAT(Complaint(), HasSubstr("never comes round")) << period;
-    EXPECT_EQ(Record().Multiple, 2U);
-    Choose("periodType", "Daily");
-    EXPECT_THAT(Complaint(), IsEmpty()) << "the row is hidden, and its fault with it";
-    EXPECT_EQ(FieldText("interval"), "2");
-  }
+  EXPECT_THAT(Complaint(), HasSubstr("never comes round")) << "is not settled";
+  Choose("periodType", "Daily");
+  EXPECT_THAT(Complaint(), IsEmpty()) << "the row is hidden, and its fault with it";
+  EXPECT_EQ(FieldText("interval"), "2");
 }
 
 TEST_F(WhenPageTest, OddValuesOfFilesAreShownAndKept) {
@@ -312,9 +264,9 @@ TEST_F(WhenPageTest, OddValuesOfFilesAreShownAndKept) {
   record.Month = -7;
   record.EventTime = INT32_MIN;
   OpenRecord(record);
-  EXPECT_FALSE(set->HasBeenModified());
   EXPECT_EQ(Find<QComboBox>("dayOfMonth").currentText(), "14th to last");
   EXPECT_EQ(Find<QComboBox>("month").currentText(), "Unknown (-7)");
+  EXPECT_FALSE(set->HasBeenModified());
   Enter("interval", "5");
   EXPECT_THAT(Complaint(), IsEmpty()) << "the month is another matter";
   EXPECT_EQ(Record().Multiple, 5U);
@@ -324,7 +276,6 @@ TEST_F(WhenPageTest, OddValuesOfFilesAreShownAndKept) {
   EXPECT_EQ(Find<QComboBox>("dayOfMonth").findText("14th to last"), -1);
 
   record.PeriodType = 99;
-  record.TimingType = -5;
   OpenRecord(record);
   EXPECT_EQ(Shown(), "periodType | useTime");
   EXPECT_EQ(Find<QComboBox>("periodType").currentText(), "Unknown (99)");
@@ -334,22 +285,15 @@ TEST_F(WhenPageTest, OddValuesOfFilesAreShownAndKept) {
 
 TEST_F(WhenPageTest, MenusNameTheCodesOfARule) {
   OpenNew();
-  struct {
-    const char* menu;
-    int code;
-    const char* label;
-  } const cases[] = {
-      {"dayOfMonth", 1, "1st"},          {"dayOfMonth", 11, "11th"},
-      {"dayOfMonth", 12, "12th"},        {"dayOfMonth", 13, "13th"},
-      {"dayOfMonth", 22, "22nd"},        {"dayOfMonth", 23, "23rd"},
-      {"dayOfMonth", 30, "30th"},        {"dayOfMonth", 32, "Last"},
-      {"dayOfMonth", 33, "2nd to last"}, {"dayOfMonth", 34, "3rd to last"},
-      {"weekOfMonth", 0, "1st"},         {"weekOfMonth", 3, "4th"},
-      {"weekOfMonth", 4, "Last"},        {"weekOfMonth", 5, "2nd to last"},
+  const std::tuple<const char*, int, const char*> cases[] = {
+      {"dayOfMonth", 1, "1st"},   {"dayOfMonth", 11, "11th"}, {"dayOfMonth", 12, "12th"},
+      {"dayOfMonth", 13, "13th"}, {"dayOfMonth", 22, "22nd"}, {"dayOfMonth", 23, "23rd"},
+      {"dayOfMonth", 30, "30th"}, {"dayOfMonth", 32, "Last"}, {"dayOfMonth", 34, "3rd to last"},
+      {"weekOfMonth", 0, "1st"},  {"weekOfMonth", 3, "4th"},  {"weekOfMonth", 5, "2nd to last"},
   };
-  for (const auto& c : cases) {
-    const auto& menu = Find<QComboBox>(c.menu);
-    EXPECT_EQ(menu.itemText(menu.findData(c.code)), c.label) << c.menu << c.code;
+  for (const auto& [name, code, label] : cases) {
+    const auto& menu = Find<QComboBox>(name);
+    EXPECT_EQ(menu.itemText(menu.findData(code)), label) << name << code;
   }
 }
 
