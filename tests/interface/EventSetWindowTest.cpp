@@ -8,9 +8,7 @@
 namespace kestrin {
 namespace {
 
-using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::SizeIs;
 
 struct EventSetWindowTest : testing::Test {
   ScreenContext context;
@@ -33,22 +31,6 @@ TEST_F(EventSetWindowTest, AWindowHoldsTheApplicationUntilItCloses) {
   EXPECT_FALSE(window);
 }
 
-TEST_F(EventSetWindowTest, CommandsReachTheWindowAndTheApplication) {
-  EventSet& set = context.NewSet();
-  EventSetWindow& window = context.OpenWindow(set);
-  window.activateWindow();
-  ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
-  context.RunMessages();
-  QTest::keyClick(&window, Qt::Key_Q, Qt::ControlModifier);
-  QTest::keyClick(&window, Qt::Key_Q, Qt::ControlModifier | Qt::ShiftModifier);
-  EXPECT_THAT(context.RunMessages(),
-              ElementsAre(uint32{QUIT_REQUESTED}, uint32{FULL_QUIT_REQUESTED}));
-  EXPECT_TRUE(window.isVisible());
-  QTest::keyClick(&window, Qt::Key_W, Qt::ControlModifier);
-  EXPECT_FALSE(window.isVisible());
-  EXPECT_THAT(OpenSets::Sets, IsEmpty());
-}
-
 TEST_F(EventSetWindowTest, ASetThatGoesTakesItsWindowAlong) {
   EventSet& set = context.NewSet();
   for (int i = 0; i < 5; ++i) AppendEvent(set, "x");
@@ -61,7 +43,7 @@ TEST_F(EventSetWindowTest, ASetThatGoesTakesItsWindowAlong) {
   EXPECT_FALSE(window);
 }
 
-TEST_F(EventSetWindowTest, TheFrameIsStoredWhenThePersonChangesItAndBecomesTheDefault) {
+TEST_F(EventSetWindowTest, TheFrameIsStoredWhenThePersonChangesItAndBecomesTheDefaultIfWanted) {
   EventSet& set = context.NewSet();
   set.Layout().WindowFrame = {100, 120, 499, 419};
   EventSetWindow& window = context.OpenWindow(set);
@@ -78,6 +60,14 @@ TEST_F(EventSetWindowTest, TheFrameIsStoredWhenThePersonChangesItAndBecomesTheDe
   EXPECT_EQ(KestrinSettings::SetWindowPosition.DefaultFrame(), (Rect{50, 60, 549, 409}))
       << "not the whole screen";
   EXPECT_EQ(KestrinSettings::NumberOfKeys, 2);
+
+  KestrinSettings::RememberWindowSetupAsDefault = false;
+  EventSet& forgotten = context.NewSet();
+  forgotten.Layout().NumberOfKeys = 3;
+  forgotten.Layout().WindowFrame = {10, 20, 499, 419};
+  context.OpenWindow(forgotten).CloseNow();
+  EXPECT_EQ(KestrinSettings::SetWindowPosition.DefaultFrame(), (Rect{50, 60, 549, 409}));
+  EXPECT_EQ(KestrinSettings::NumberOfKeys, 2);
 }
 
 TEST_F(EventSetWindowTest, AFrameTooSmallForItsWindowGrowsIntoTheScreen) {
@@ -93,16 +83,6 @@ TEST_F(EventSetWindowTest, AFrameTooSmallForItsWindowGrowsIntoTheScreen) {
     const QRect screen = each->screen()->availableGeometry(), shown = each->geometry();
     EXPECT_TRUE(screen.contains(shown)) << shown.right() << " " << shown.bottom();
   }
-}
-
-TEST_F(EventSetWindowTest, DefaultsStayWhenTheyAreNotToBeRemembered) {
-  const Rect before = KestrinSettings::SetWindowPosition.DefaultFrame();
-  KestrinSettings::RememberWindowSetupAsDefault = false;
-  EventSet& set = context.NewSet();
-  set.Layout().NumberOfKeys = 3;
-  context.OpenWindow(set).CloseNow();
-  EXPECT_EQ(KestrinSettings::SetWindowPosition.DefaultFrame(), before);
-  EXPECT_EQ(KestrinSettings::NumberOfKeys, 1);
 }
 
 }  // namespace
