@@ -12,34 +12,21 @@ using testing::IsEmpty;
 
 struct EventSetWindowTest : testing::Test {
   ScreenContext context;
-
-  static void DeleteClosed() {
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-  }
 };
 
 TEST_F(EventSetWindowTest, AWindowHoldsTheApplicationUntilItCloses) {
   EventSet& set = context.NewSet("/sets/a[*]b.kestrin");
+  Event& event = AppendEvent(set, "x");
   QPointer<EventSetWindow> window = &context.OpenWindow(set);
   EXPECT_EQ(window->windowTitle(), "a[*][*]b.kestrin[*]") << "shown as a[*]b.kestrin";
   EXPECT_EQ(context.Holding.Count(), 1);
   KestrinSettings::WhichEventsToDeliver = DeliverShown;
-  window->close();
+  event.SetName("changed, and not yet shown");
+  window->CloseNow();
   EXPECT_THAT(OpenSets::Sets, IsEmpty()) << "the set goes with its window";
   EXPECT_EQ(context.Holding.Count(), 0);
-  DeleteClosed();
-  EXPECT_FALSE(window);
-}
-
-TEST_F(EventSetWindowTest, ASetThatGoesTakesItsWindowAlong) {
-  EventSet& set = context.NewSet();
-  for (int i = 0; i < 5; ++i) AppendEvent(set, "x");
-  QPointer<EventSetWindow> window = &context.OpenWindow(set);
-  set.Events()[2]->SetName("changed, and not yet shown");
-  set.GetWindow()->CloseNow();
-  OpenSets::Sets.clear();
   QCoreApplication::processEvents();
-  DeleteClosed();
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
   EXPECT_FALSE(window);
 }
 

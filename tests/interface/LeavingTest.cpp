@@ -42,7 +42,7 @@ class LeavingTest : public SavingOnScreen, public testing::WithParamInterface<co
 INSTANTIATE_TEST_SUITE_P(All, LeavingTest,
                          testing::Values("Close", "Quit to background", "Full quit"));
 
-TEST_P(LeavingTest, TheQuestionIsAskedOnceAndTakesTheFocus) {
+TEST_P(LeavingTest, TheQuestionIsAskedOnceTakesTheFocusAndAfterSaveItLeaves) {
   EventSet& set = Only();
   Change(set);
   Leave(set);
@@ -60,11 +60,6 @@ TEST_P(LeavingTest, TheQuestionIsAskedOnceAndTakesTheFocus) {
   ExpectStays();
   EXPECT_TRUE(WindowOf(set).isVisible());
   EXPECT_TRUE(set.HasBeenModified());
-}
-
-TEST_P(LeavingTest, SaveSavesAndLeaves) {
-  EventSet& set = Only();
-  Change(set);
   Leave(set);
   Change(set, "changed while asked");
   ASSERT_TRUE(Answer(Question, "Save"));
@@ -181,7 +176,6 @@ TEST_F(LeavingAllTest, ASetThatIsShownAgainBeforeItsChangesAreThrownAwayShowsThe
   NewSet();
   Change(set, "discarded");
   WindowOf(set).close();
-  It->Queue.Post(ALERTS_WAITING);
   Run();
   Message open(OPEN_FILES);
   open.Set("0", Path("Work.kestrin"));

@@ -13,19 +13,7 @@ using testing::IsEmpty;
 
 using SavingTest = SavingOnScreen;
 
-TEST_F(SavingTest, SaveWritesTheFileAndTheTitleSaysWhetherItIsNeeded) {
-  EventSet& set = OpenSet();
-  EventSetWindow& window = WindowOf(set);
-  EXPECT_FALSE(window.isWindowModified());
-  Change(set);
-  EXPECT_TRUE(window.isWindowModified());
-  Choose(window, "Save");
-  EXPECT_FALSE(window.isWindowModified());
-  EXPECT_THAT(Bytes(Path("Work.kestrin")), HasSubstr("changed"));
-  EXPECT_FALSE(Panel());
-}
-
-TEST_F(SavingTest, AnUntitledSetGetsThePanel) {
+TEST_F(SavingTest, AnUntitledSetGetsThePanelAndIsThenSavedIntoItsFile) {
   EventSet& set = NewSet();
   set.AddEvent(nullptr)->SetName("Tea");
   EventSetWindow& window = WindowOf(set);
@@ -36,22 +24,26 @@ TEST_F(SavingTest, AnUntitledSetGetsThePanel) {
   Panel()->setDirectory(QString::fromStdString(Path("")));
   Accept("The \"&Garden\" %1\n", false);
   EXPECT_FALSE(Panel());
-  const std::string leaf = "The \"&Garden\" %1\n.kestrin";
-  EXPECT_EQ(set.GetFileName(), Path(leaf)) << "the suffix was added";
+  const std::string file = Path("The \"&Garden\" %1\n.kestrin");
+  EXPECT_EQ(set.GetFileName(), file) << "the suffix was added";
   EXPECT_EQ(window.windowTitle(), "The \"&Garden\" %1 .kestrin[*]");
   EXPECT_FALSE(set.IsUntitled() || set.HasBeenModified());
-  EXPECT_TRUE(Exists(Path(leaf)));
   EXPECT_THAT(Remembered(), IsEmpty());
+
+  Change(set);
+  EXPECT_TRUE(window.isWindowModified());
+  Choose(window, "Save");
+  EXPECT_FALSE(window.isWindowModified() || Panel());
+  EXPECT_THAT(Bytes(file), HasSubstr("changed"));
 }
 
 TEST_F(SavingTest, RememberForDeliveryRemembersAndTheStatusLineSaysSo) {
-  const EventSetWindow& window = WindowOf(OpenSet());
-  Choose(WindowOf(*Set("Work.kestrin")), "Remember for delivery");
+  EventSetWindow& window = WindowOf(OpenSet());
+  Choose(window, "Remember for delivery");
   EXPECT_THAT(Remembered(), ElementsAre(Path("Work.kestrin")));
   EXPECT_EQ(window.findChild<QWidget*>("ringing")->accessibleName(),
             "Rings, also when this window is closed");
-  EventSet& untitled = NewSet();
-  Choose(WindowOf(untitled), "Remember for delivery");
+  Choose(WindowOf(NewSet()), "Remember for delivery");
   EXPECT_TRUE(Find<QCheckBox>("rememberForDelivery")->isChecked());
   Panel()->setDirectory(QString::fromStdString(Path("")));
   Accept("Garden", true);

@@ -134,17 +134,15 @@ TEST_F(SetMenusTest, EveryItemIsAsTheTableSays) {
 
 TEST_F(SetMenusTest, ASelectedEventEnablesWhatWorksOnIt) {
   set.AddEvent(nullptr);
-  const auto enabled = [this] {
-    std::vector<std::string> texts;
+  for (const bool selected : {true, false}) {
+    if (selected)
+      window->GetEventsView()->SelectEvent(set.Events()[0].get());
+    else
+      window->GetEventsView()->clearSelection();
     for (const Row& row : Table)
-      if (row.state == WithSelection && Item(row.text)->isEnabled()) texts.emplace_back(row.text);
-    return texts;
-  };
-  EXPECT_THAT(enabled(), IsEmpty());
-  window->GetEventsView()->SelectEvent(set.Events()[0].get());
-  EXPECT_THAT(enabled(), ElementsAre("Cut", "Copy", "Edit event…", "Delete event"));
-  window->GetEventsView()->clearSelection();
-  EXPECT_THAT(enabled(), IsEmpty());
+      EXPECT_TRUE(row.state != WithSelection || Item(row.text)->isEnabled() == selected)
+          << row.text;
+  }
 }
 
 TEST_F(SetMenusTest, DisplayItemsFlipTheirColumnsAndTheSetRemembersThem) {

@@ -72,7 +72,7 @@ TEST_F(UndoTest, ANewEventIsSelectedAndItsEditorOpens) {
   EXPECT_TRUE(First(set).GetWindow());
 }
 
-TEST_F(UndoTest, ADeletedEventComesBackAsAndWhereItWas) {
+TEST_F(UndoTest, DeletedEventsComeBackAsAndWhereTheyWereTheLastOneFirst) {
   EventSet& set = TwoEvents();
   Select(set, "Tea");
   const uint64 handle = First(set).GetHandle();
@@ -82,22 +82,7 @@ TEST_F(UndoTest, ADeletedEventComesBackAsAndWhereItWas) {
   EXPECT_EQ(Selected(set), "Cake") << "the next row";
   EXPECT_EQ(Line(set, "deleted"), "Deleted “Tea”.");
   EXPECT_EQ(Line(set, "nextEvent"), "Next: Cake, Sun, Nov 15 2026");
-  Key(set, Qt::Key_Z, Qt::ControlModifier);
-  EXPECT_THAT(Names(set), ElementsAre("Tea", "Cake"));
-  EXPECT_EQ(First(set).GetHandle(), handle);
-  EXPECT_EQ(First(set).GetNextEventTime(), Sunday + 9 * Hour);
-  EXPECT_FALSE(First(set).GetWindow()) << "the editor stays closed";
-  EXPECT_EQ(Selected(set), "Tea");
-  EXPECT_EQ(Line(set, "deleted"), "");
-  EXPECT_FALSE(Item(WindowOf(set), "Undo delete")->isEnabled());
-}
-
-TEST_F(UndoTest, SeveralComeBackLastFirstAlsoByTheButton) {
-  EventSet& set = TwoEvents();
-  for (const char* name : {"Tea", "Cake"}) {
-    Select(set, name);
-    Choose(WindowOf(set), "Delete event");
-  }
+  Choose(WindowOf(set), "Delete event");
   EXPECT_EQ(Line(set, "nextEvent"), "No events yet");
   EXPECT_EQ(Selected(set), "");
   auto* button = WindowOf(set).findChild<QPushButton*>("undoDelete");
@@ -106,8 +91,14 @@ TEST_F(UndoTest, SeveralComeBackLastFirstAlsoByTheButton) {
   Run();
   EXPECT_THAT(Names(set), ElementsAre("Cake"));
   EXPECT_EQ(Line(set, "deleted"), "Deleted “Tea”.") << "what can still come back";
-  Choose(WindowOf(set), "Undo delete");
+  Key(set, Qt::Key_Z, Qt::ControlModifier);
   EXPECT_THAT(Names(set), ElementsAre("Tea", "Cake"));
+  EXPECT_EQ(First(set).GetHandle(), handle);
+  EXPECT_EQ(First(set).GetNextEventTime(), Sunday + 9 * Hour);
+  EXPECT_FALSE(First(set).GetWindow()) << "the editor stays closed";
+  EXPECT_EQ(Selected(set), "Tea");
+  EXPECT_EQ(Line(set, "deleted"), "");
+  EXPECT_FALSE(Item(WindowOf(set), "Undo delete")->isEnabled());
 }
 
 TEST_F(UndoTest, WhatCameDueWhileItWasDeletedCountsAsMissed) {
@@ -126,16 +117,6 @@ TEST_F(UndoTest, WhatCameDueWhileItWasDeletedCountsAsMissed) {
     EXPECT_EQ(Answer("The event was missed.", "Ok"), deliverIfMissed);
     EXPECT_EQ(First(set).GetNextEventTime(), Sunday + Day + 9 * Hour);
   }
-}
-
-TEST_F(UndoTest, AnEventThatDeliveryDeletedIsNotOffered) {
-  EventSet& set = OpenSet();
-  First(set).SetDeleteOnceDelivered(true);
-  It->Time.JumpTo(Sunday + 9 * Hour);
-  Post(Message(DELIVER_EVENTS));
-  EXPECT_EQ(set.CountEvents(), 0);
-  EXPECT_FALSE(Item(WindowOf(set), "Undo delete")->isEnabled());
-  EXPECT_EQ(Line(set, "deleted"), "");
 }
 
 TEST_F(UndoTest, CutAndPasteMoveAnEventToAnotherSet) {
