@@ -87,7 +87,7 @@ TEST_F(EditViewsTest, AMessageIsTypedWhereItIsShown) {
   EXPECT_EQ(Find<QPlainTextEdit>("messageText").toPlainText(), "Not too much!");
 }
 
-TEST_F(EditViewsTest, ACommandIsStoredOnReturnAndOnLeaving) {
+TEST_F(EditViewsTest, ACommandIsStoredOnReturnOnLeavingAndWhenTheWindowCommits) {
   OpenNew(ActionTab);
   ASSERT_TRUE(Choose("handler", "Command"));
   Enter("command", "beep");
@@ -97,8 +97,9 @@ TEST_F(EditViewsTest, ACommandIsStoredOnReturnAndOnLeaving) {
   EXPECT_STREQ(DataOf<CommandDataHandler>().GetCommand(), "beep -l");
   EXPECT_TRUE(Find("verifyCommand").hasFocus());
   Type("command", "beep -f 440");
-  window->close();
+  window->CommitEdits();
   EXPECT_STREQ(DataOf<CommandDataHandler>().GetCommand(), "beep -f 440");
+  window->close();
   Open(*event, ActionTab);
   EXPECT_EQ(FieldText("command"), "beep -f 440");
   Find<QLineEdit>("command").setFocus();
