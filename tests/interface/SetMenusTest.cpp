@@ -11,8 +11,6 @@ namespace kestrin {
 namespace {
 
 using testing::ElementsAre;
-using testing::ElementsAreArray;
-using testing::IsEmpty;
 
 enum Goes { Nowhere, ToWindow, ToApplication };
 enum State { Disabled, Enabled, WithSelection, Ticked, Unticked };

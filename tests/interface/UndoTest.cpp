@@ -1,4 +1,4 @@
-// Events made, edited, copied, deleted and brought back, also while they ring.
+// Events made, edited, copied, deleted and brought back, also when they came due meanwhile.
 #include <QClipboard>
 
 #include "core/UserInterface.h"
@@ -9,7 +9,6 @@ namespace kestrin {
 namespace {
 
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
