@@ -118,6 +118,16 @@ TEST_F(UndoTest, WhatCameDueWhileItWasDeletedCountsAsMissed) {
   }
 }
 
+TEST_F(UndoTest, AnEventThatDeliveryDeletedIsNotOffered) {
+  EventSet& set = OpenSet();
+  First(set).SetDeleteOnceDelivered(true);
+  It->Time.JumpTo(Sunday + 9 * Hour);
+  Post(Message(DELIVER_EVENTS));
+  EXPECT_EQ(set.CountEvents(), 0);
+  EXPECT_FALSE(Item(WindowOf(set), "Undo delete")->isEnabled());
+  EXPECT_EQ(Line(set, "deleted"), "");
+}
+
 TEST_F(UndoTest, CutAndPasteMoveAnEventToAnotherSet) {
   EventSet& from = TwoEvents();
   EventSet& to = NewSet();
