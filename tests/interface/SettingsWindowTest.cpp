@@ -14,6 +14,7 @@
 #include "core/SettingsFile.h"
 #include "core/SettingsStore.h"
 #include "interface/ScreenContext.h"
+#include "interface/sets/ElidedLabel.h"
 #include "interface/settings/AboutWindow.h"
 
 namespace kestrin {
@@ -32,6 +33,14 @@ Window* OpenOne() {
     }
   return found;
 }
+
+struct PaintCounter : QObject {
+  int paints = 0;
+  bool eventFilter(QObject*, QEvent* event) override {
+    paints += event->type() == QEvent::Paint;
+    return false;
+  }
+};
 
 struct SettingsWindowTest : testing::Test {
   ScreenContext context;
@@ -182,6 +191,26 @@ TEST_F(SettingsWindowTest, TheListFollowsWhatIsRememberedAndForgetsTheSelectedBy
   QTest::keyClick(&list, Qt::Key_Delete);
   EXPECT_FALSE(forget.isEnabled());
   EXPECT_THAT(Listed(Find<QListWidget>(Reopen(), "rememberedSets")), IsEmpty());
+}
+
+TEST_F(SettingsWindowTest, TheClockRedrawsTheListAtOnce) {
+  EventSet& set = context.NewSet();
+  EventRecord tea;
+  tea.NextEventTime = tea.ActualEventTime = 1794751200;  // 14:00
+  tea.ApplyTime = true;
+  set.AppendRead(std::make_unique<Event>(set, tea));
+  const EventSetWindow& sets = context.OpenWindow(set);
+  SettingsWindow& window = Open();
+  QApplication::processEvents();
+  const auto next = [&sets] { return sets.findChild<ElidedLabel*>("nextEvent")->Text(); };
+  EXPECT_TRUE(next().contains("02:00:00 PM")) << next().toStdString();
+  PaintCounter counter;
+  sets.GetEventsView()->viewport()->installEventFilter(&counter);
+  QTest::keyClick(&Find<QCheckBox>(window, "clock24"), Qt::Key_Space);
+  EXPECT_EQ(counter.paints, 0);
+  RunMessages();
+  EXPECT_TRUE(QTest::qWaitFor([&] { return counter.paints > 0 && next().contains("14:00"); }))
+      << next().toStdString();
 }
 
 TEST_F(SettingsWindowTest, ThereIsOneWindowThatHoldsTheApplicationAndComesBackWhereItWas) {
