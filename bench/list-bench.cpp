@@ -21,12 +21,12 @@
 #include <functional>
 #include <limits>
 
-#include "core/AppState.h"
-#include "core/DocumentApp.h"
-#include "core/EventSet.h"
-#include "core/EventSetFile.h"
-#include "core/OpenSets.h"
-#include "core/VirtualEngine.h"
+#include "core/app/AppState.h"
+#include "core/app/DocumentApp.h"
+#include "core/delivery/VirtualEngine.h"
+#include "core/events/EventSet.h"
+#include "core/events/OpenSets.h"
+#include "core/files/EventSetFile.h"
 #include "handlers/LoadEventHandlers.h"
 #include "interface/QtUserInterface.h"
 #include "interface/list/ListEventView.h"

@@ -10,10 +10,10 @@
 #include <cstdlib>
 #include <limits>
 
-#include "core/AppState.h"
-#include "core/EventSet.h"
-#include "core/EventSetFile.h"
-#include "core/VirtualEngine.h"
+#include "core/app/AppState.h"
+#include "core/delivery/VirtualEngine.h"
+#include "core/events/EventSet.h"
+#include "core/files/EventSetFile.h"
 #include "handlers/LoadEventHandlers.h"
 
 namespace kestrin {

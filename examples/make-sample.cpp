@@ -10,9 +10,9 @@
 #include <cstring>
 #include <string>
 
-#include "core/AppState.h"
-#include "core/EventSet.h"
-#include "core/VirtualEngine.h"
+#include "core/app/AppState.h"
+#include "core/delivery/VirtualEngine.h"
+#include "core/events/EventSet.h"
 #include "handlers/ActOnFileDataHandler.h"
 #include "handlers/CommandDataHandler.h"
 #include "handlers/LoadEventHandlers.h"

@@ -3,11 +3,11 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "core/AppState.h"
-#include "core/Event.h"
-#include "core/EventSet.h"
-#include "core/EventSetFile.h"
-#include "core/HandlerTable.h"
+#include "core/app/AppState.h"
+#include "core/events/Event.h"
+#include "core/events/EventSet.h"
+#include "core/events/HandlerTable.h"
+#include "core/files/EventSetFile.h"
 #include "fakes/MemoryFileDoor.h"
 #include "fakes/TestContext.h"
 #include "handlers/LoadEventHandlers.h"

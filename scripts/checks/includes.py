@@ -25,6 +25,19 @@ BELOW = {
     "interface": ["handlers", "core", "support"],
     "programs": ["interface", "session", "handlers", "core", "support"],
 }
+# The rooms within a folder of src, and those of the same folder that each may include.
+INNER = {
+    "core": {
+        "timing": [],
+        "ports": [],
+        "loop": ["timing", "ports"],
+        "settings": ["loop", "timing", "ports"],
+        "events": ["settings", "loop", "timing", "ports"],
+        "files": ["events", "settings", "loop", "timing", "ports"],
+        "delivery": ["events", "settings", "loop", "timing", "ports"],
+        "app": ["files", "delivery", "events", "settings", "loop", "timing", "ports"],
+    },
+}
 PLAIN = ["include/kestrin", "src/support", "src/core", "src/handlers", "src/programs/background",
          "src/programs/ctl"]
 INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[ \t]*([<"])([^>"\n]+)[>"]', re.MULTILINE)
@@ -85,19 +98,28 @@ def home_of(path):
     return "addons" if parts[0] == "addons" else "public"
 
 
+def inner_room_of(path):
+    parts = path.split("/")
+    return parts[2] if len(parts) > 3 else None
+
+
 def may_include(path, target):
     home, other = home_of(path), home_of(target)
     if other == "public":
         return True
     if home == "addons":
         return other == "addons"
+    if home == other and home in INNER:
+        room, beside = inner_room_of(path), inner_room_of(target)
+        return room == beside or beside in INNER[home].get(room, [])
     return home == other or other in BELOW.get(home, [])
 
 
 def check_file(tree, path):
     for name, target in tree.read(path):
         if target and not may_include(path, target):
-            tree.fault(path, f'includes "{name}", which {home_of(path)} must not know')
+            home = "/".join(filter(None, (home_of(path), inner_room_of(path))))
+            tree.fault(path, f'includes "{name}", which {home} must not know')
     outside = tree.reached(path)
     qt = sorted(name for name in outside if QT_HEADER.match(name))
     glib = sorted(name for name in outside if GLIB_HEADER.match(name))
@@ -144,6 +166,8 @@ def check(root, commands=None):
         parts = path.split("/")
         if parts[0] == "src" and (len(parts) < 3 or parts[1] not in BELOW):
             tree.fault(path, "stands in no room that scripts/checks/includes.py knows")
+        elif parts[0] == "src" and parts[1] in INNER and inner_room_of(path) not in INNER[parts[1]]:
+            tree.fault(path, f"stands in no room of {parts[1]} that scripts/checks/includes.py knows")
         check_file(tree, path)
     if not files:
         tree.fault(root, "holds no sources")

@@ -3,8 +3,8 @@
 #include <memory>
 #include <utility>
 
-#include "core/Desktop.h"
-#include "core/EventSet.h"
+#include "core/events/EventSet.h"
+#include "core/ports/Desktop.h"
 #include "handlers/DeliveryWork.h"
 
 namespace kestrin {

@@ -1,7 +1,7 @@
 #include "handlers/BuiltInData.h"
 
-#include "core/EventSet.h"
-#include "core/UserInterface.h"
+#include "core/events/EventSet.h"
+#include "core/ports/UserInterface.h"
 
 namespace kestrin {
 

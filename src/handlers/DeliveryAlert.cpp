@@ -3,10 +3,10 @@
 #include <cstdio>
 #include <utility>
 
-#include "core/AlertDesk.h"
-#include "core/EventSet.h"
-#include "core/EventTypes.h"
-#include "core/Holds.h"
+#include "core/events/EventSet.h"
+#include "core/loop/AlertDesk.h"
+#include "core/loop/Holds.h"
+#include "core/timing/EventTypes.h"
 
 namespace kestrin {
 

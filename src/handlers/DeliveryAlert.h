@@ -4,8 +4,8 @@
 #include <initializer_list>
 #include <string>
 
-#include "core/Alert.h"
-#include "core/Context.h"
+#include "core/events/Context.h"
+#include "core/ports/Alert.h"
 
 namespace kestrin {
 

@@ -3,11 +3,11 @@
 #include <memory>
 #include <utility>
 
-#include "core/AlertDesk.h"
-#include "core/Desktop.h"
-#include "core/EventSet.h"
-#include "core/Holds.h"
-#include "core/Workers.h"
+#include "core/events/EventSet.h"
+#include "core/loop/AlertDesk.h"
+#include "core/loop/Holds.h"
+#include "core/ports/Desktop.h"
+#include "core/ports/Workers.h"
 
 namespace kestrin {
 

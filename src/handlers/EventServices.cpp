@@ -4,11 +4,11 @@
 #include <atomic>
 #include <string>
 
-#include "core/EventSet.h"
-#include "core/HandlerTable.h"
-#include "core/KestrinSettings.h"
-#include "core/Notices.h"
-#include "core/SettingsStore.h"
+#include "core/events/EventSet.h"
+#include "core/events/HandlerTable.h"
+#include "core/loop/Notices.h"
+#include "core/settings/KestrinSettings.h"
+#include "core/settings/SettingsStore.h"
 #include "handlers/DeliveryAlert.h"
 #include "handlers/LoadEventHandlers.h"
 

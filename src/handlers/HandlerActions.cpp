@@ -2,11 +2,11 @@
 
 #include <utility>
 
-#include "core/AlertDesk.h"
-#include "core/EventSet.h"
-#include "core/HandlerTable.h"
-#include "core/Holds.h"
-#include "core/Notices.h"
+#include "core/events/EventSet.h"
+#include "core/events/HandlerTable.h"
+#include "core/loop/AlertDesk.h"
+#include "core/loop/Holds.h"
+#include "core/loop/Notices.h"
 #include "handlers/DeliveryAlert.h"
 
 namespace kestrin {

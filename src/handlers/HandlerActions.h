@@ -2,7 +2,7 @@
 // the event itself.
 #pragma once
 
-#include "core/EventActions.h"
+#include "core/ports/EventActions.h"
 
 namespace kestrin {
 

@@ -8,9 +8,9 @@
 #include <exception>
 #include <vector>
 
-#include "core/Context.h"
-#include "core/HandlerTable.h"
-#include "core/Notices.h"
+#include "core/events/Context.h"
+#include "core/events/HandlerTable.h"
+#include "core/loop/Notices.h"
 #include "handlers/ActOnFileDataHandler.h"
 #include "handlers/CommandDataHandler.h"
 #include "handlers/DoNothingDataHandler.h"

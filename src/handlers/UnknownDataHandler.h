@@ -4,7 +4,7 @@
 #include <string>
 #include <utility>
 
-#include "core/HandlerTable.h"
+#include "core/events/HandlerTable.h"
 #include "handlers/BuiltInData.h"
 
 namespace kestrin {

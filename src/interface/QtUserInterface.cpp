@@ -4,12 +4,12 @@
 #include <QEventLoop>
 #include <QScreen>
 
-#include "core/AlertDesk.h"
-#include "core/Context.h"
-#include "interface/ApplicationIcon.h"
+#include "core/events/Context.h"
+#include "core/loop/AlertDesk.h"
 #include "interface/alerts/AlertAccessible.h"
 #include "interface/alerts/AlertCascade.h"
 #include "interface/alerts/AlertWindow.h"
+#include "interface/common/ApplicationIcon.h"
 #include "interface/editor/EventWindow.h"
 #include "interface/handlerviews/HandlerViews.h"
 #include "interface/sets/EventSetWindow.h"

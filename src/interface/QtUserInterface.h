@@ -7,7 +7,7 @@
 #include <map>
 #include <memory>
 
-#include "core/UserInterface.h"
+#include "core/ports/UserInterface.h"
 
 namespace kestrin {
 

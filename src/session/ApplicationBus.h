@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "core/BusPresence.h"
+#include "core/ports/BusPresence.h"
 #include "session/BusReceiver.h"
 
 namespace kestrin {

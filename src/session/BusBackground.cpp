@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "core/MessageCodes.h"
+#include "core/loop/MessageCodes.h"
 #include "session/ActivationFile.h"
 #include "session/BusMessages.h"
 #include "session/BusNames.h"

@@ -5,7 +5,7 @@
 #include <chrono>
 #include <optional>
 
-#include "core/BackgroundMessenger.h"
+#include "core/ports/BackgroundMessenger.h"
 #include "session/DetachedProgram.h"
 #include "support/FileDoor.h"
 

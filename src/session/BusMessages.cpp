@@ -2,7 +2,7 @@
 
 #include <QtDBus/QDBusArgument>
 
-#include "core/MessageCodes.h"
+#include "core/loop/MessageCodes.h"
 #include "session/BusNames.h"
 #include "session/FileUri.h"
 

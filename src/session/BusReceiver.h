@@ -7,7 +7,7 @@
 #include <functional>
 #include <vector>
 
-#include "core/MessageQueue.h"
+#include "core/loop/MessageQueue.h"
 
 namespace kestrin {
 

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "core/Desktop.h"
+#include "core/ports/Desktop.h"
 
 namespace kestrin {
 

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "core/Workers.h"
+#include "core/ports/Workers.h"
 #include "session/Spawn.h"
 
 namespace kestrin {

@@ -6,7 +6,7 @@
 #include <functional>
 #include <memory>
 
-#include "core/MessageQueue.h"
+#include "core/loop/MessageQueue.h"
 
 namespace kestrin {
 

@@ -1,7 +1,7 @@
 // The desktop port over the system's own.
 #pragma once
 
-#include "core/Desktop.h"
+#include "core/ports/Desktop.h"
 #include "session/DesktopFiles.h"
 #include "session/ShellCommand.h"
 

@@ -4,7 +4,7 @@
 #include <QtCore/QSocketNotifier>
 #include <memory>
 
-#include "core/MessageQueue.h"
+#include "core/loop/MessageQueue.h"
 
 namespace kestrin {
 

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include "core/AppState.h"
-#include "core/EventSet.h"
-#include "core/HandlerTable.h"
-#include "core/VirtualEngine.h"
+#include "core/app/AppState.h"
+#include "core/delivery/VirtualEngine.h"
+#include "core/events/EventSet.h"
+#include "core/events/HandlerTable.h"
 #include "handlers/LoadEventHandlers.h"
 
 namespace kestrin {

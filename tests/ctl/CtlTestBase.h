@@ -5,8 +5,8 @@
 
 #include <nlohmann/json.hpp>
 
-#include "bus/Processes.h"
-#include "core/EventRecord.h"
+#include "core/timing/EventRecord.h"
+#include "harness/bus/Processes.h"
 
 namespace kestrin {
 

@@ -1,8 +1,8 @@
 // Alerts that stood open at a forced end, in the whole application with its true handlers.
-#include "fakes/AppTestBase.h"
 #include "handlers/CommandDataHandler.h"
 #include "handlers/HandlerActions.h"
 #include "handlers/LoadEventHandlers.h"
+#include "harness/AppTestBase.h"
 
 namespace kestrin {
 namespace {

@@ -4,8 +4,8 @@
 #include <random>
 
 #include "HandlerTestBase.h"
-#include "core/EventMessage.h"
-#include "fakes/PageTable.h"
+#include "core/files/EventMessage.h"
+#include "harness/PageTable.h"
 #include "support/OwnedText.h"
 
 namespace kestrin {

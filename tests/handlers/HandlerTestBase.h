@@ -4,13 +4,13 @@
 #include <memory>
 #include <string>
 
-#include "core/HandlerTable.h"
-#include "fakes/SetTestBase.h"
+#include "core/events/HandlerTable.h"
 #include "handlers/ActOnFileDataHandler.h"
 #include "handlers/CommandDataHandler.h"
 #include "handlers/HandlerActions.h"
 #include "handlers/LoadEventHandlers.h"
 #include "handlers/MessageDataHandler.h"
+#include "harness/SetTestBase.h"
 
 namespace kestrin {
 

@@ -6,8 +6,8 @@
 #include <fstream>
 
 #include "HandlerTestBase.h"
-#include "core/BuiltInPrefs.h"
-#include "core/SettingsStore.h"
+#include "core/settings/BuiltInPrefs.h"
+#include "core/settings/SettingsStore.h"
 
 namespace kestrin {
 namespace {

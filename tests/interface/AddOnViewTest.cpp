@@ -5,7 +5,7 @@
 #include <QPointer>
 #include <QWheelEvent>
 
-#include "interface/SavingOnScreen.h"
+#include "harness/SavingOnScreen.h"
 
 namespace kestrin {
 namespace {

@@ -12,7 +12,7 @@
 #include <QtTest/QTest>
 #include <set>
 
-#include "interface/ScreenContext.h"
+#include "harness/ScreenContext.h"
 #include "interface/alerts/AlertCascade.h"
 
 namespace kestrin {

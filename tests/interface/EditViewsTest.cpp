@@ -9,13 +9,13 @@
 #include <QTemporaryDir>
 #include <QVBoxLayout>
 
-#include "core/EventMessage.h"
-#include "core/HandlerTable.h"
+#include "core/events/HandlerTable.h"
+#include "core/files/EventMessage.h"
 #include "handlers/ActOnFileDataHandler.h"
 #include "handlers/CommandDataHandler.h"
 #include "handlers/MessageDataHandler.h"
 #include "handlers/UnknownDataHandler.h"
-#include "interface/EditorDriver.h"
+#include "harness/EditorDriver.h"
 
 namespace kestrin {
 namespace {

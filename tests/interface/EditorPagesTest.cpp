@@ -2,8 +2,8 @@
 #include <QCheckBox>
 #include <QClipboard>
 
-#include "interface/EditorDriver.h"
-#include "interface/editor/WrappingTextView.h"
+#include "harness/EditorDriver.h"
+#include "interface/fields/WrappingTextView.h"
 
 namespace kestrin {
 namespace {

@@ -4,8 +4,8 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
-#include "core/DateTimeText.h"
-#include "interface/EditorDriver.h"
+#include "core/timing/DateTimeText.h"
+#include "harness/EditorDriver.h"
 
 namespace kestrin {
 namespace {

@@ -6,7 +6,7 @@
 #include <QMimeData>
 
 #include "handlers/MessageDataHandler.h"
-#include "interface/ScreenContext.h"
+#include "harness/ScreenContext.h"
 
 namespace kestrin {
 namespace {

@@ -1,7 +1,7 @@
 #include <QAccessible>
 #include <QCheckBox>
 
-#include "interface/EditorDriver.h"
+#include "harness/EditorDriver.h"
 
 namespace kestrin {
 namespace {

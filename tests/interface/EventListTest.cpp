@@ -10,7 +10,7 @@
 #include <limits>
 #include <random>
 
-#include "interface/ScreenContext.h"
+#include "harness/ScreenContext.h"
 
 namespace kestrin {
 namespace {

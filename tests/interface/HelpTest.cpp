@@ -1,4 +1,4 @@
-#include "interface/AppOnScreen.h"
+#include "harness/AppOnScreen.h"
 
 namespace kestrin {
 namespace {

@@ -5,7 +5,7 @@
 #include <QPointer>
 #include <QTemporaryDir>
 
-#include "interface/EditorDriver.h"
+#include "harness/EditorDriver.h"
 #include "interface/alerts/AlertWindow.h"
 #include "interface/icons/ColourMapped.h"
 #include "interface/icons/IconPanel.h"

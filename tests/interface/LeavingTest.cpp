@@ -1,7 +1,7 @@
 // The question before a window closes, in every way of leaving, and what goes on afterwards.
 #include <QFile>
 
-#include "interface/SavingOnScreen.h"
+#include "harness/SavingOnScreen.h"
 
 namespace kestrin {
 namespace {

@@ -7,8 +7,8 @@
 #include <map>
 #include <tuple>
 
-#include "core/UserInterface.h"
-#include "interface/AppOnScreen.h"
+#include "core/ports/UserInterface.h"
+#include "harness/AppOnScreen.h"
 #include "kestrin/EndianIndependentFile.h"
 #include "kestrin/EventServices.h"
 

@@ -2,7 +2,7 @@
 #include <QDropEvent>
 #include <QMimeData>
 
-#include "interface/SavingOnScreen.h"
+#include "harness/SavingOnScreen.h"
 
 namespace kestrin {
 namespace {

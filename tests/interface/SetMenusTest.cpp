@@ -4,7 +4,7 @@
 #include <QMenu>
 #include <set>
 
-#include "interface/AppOnScreen.h"
+#include "harness/AppOnScreen.h"
 #include "interface/sets/EventSetMenus.h"
 
 namespace kestrin {

@@ -10,10 +10,10 @@
 #include <QPushButton>
 #include <QtTest/QTest>
 
-#include "core/BuiltInPrefs.h"
-#include "core/SettingsFile.h"
-#include "core/SettingsStore.h"
-#include "interface/ScreenContext.h"
+#include "core/settings/BuiltInPrefs.h"
+#include "core/settings/SettingsFile.h"
+#include "core/settings/SettingsStore.h"
+#include "harness/ScreenContext.h"
 #include "interface/sets/ElidedLabel.h"
 #include "interface/settings/AboutWindow.h"
 

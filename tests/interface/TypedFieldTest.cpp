@@ -6,7 +6,7 @@
 #include <QtTest/QTest>
 #include <memory>
 
-#include "interface/editor/NumberField.h"
+#include "interface/fields/NumberField.h"
 
 namespace kestrin {
 namespace {

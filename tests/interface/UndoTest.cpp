@@ -1,8 +1,8 @@
 // Events made, edited, copied, deleted and brought back, also when they came due meanwhile.
 #include <QClipboard>
 
-#include "core/UserInterface.h"
-#include "interface/AppOnScreen.h"
+#include "core/ports/UserInterface.h"
+#include "harness/AppOnScreen.h"
 #include "interface/sets/EventClipboard.h"
 
 namespace kestrin {

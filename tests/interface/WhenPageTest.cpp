@@ -1,7 +1,7 @@
 #include <QCalendarWidget>
 #include <QTableView>
 
-#include "interface/EditorDriver.h"
+#include "harness/EditorDriver.h"
 
 namespace kestrin {
 namespace {

@@ -1,11 +1,11 @@
-#include "core/PrefsLibrary.h"
+#include "core/settings/PrefsLibrary.h"
 
 #include <dlfcn.h>
 #include <gmock/gmock.h>
 
-#include "core/BuiltInPrefs.h"
-#include "core/SettingsStore.h"
-#include "fakes/MemoryFileDoor.h"
+#include "core/settings/BuiltInPrefs.h"
+#include "core/settings/SettingsStore.h"
+#include "harness/MemoryFileDoor.h"
 #include "support/Message.h"
 
 namespace kestrin {

@@ -5,7 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "core/MessageCodes.h"
+#include "core/loop/MessageCodes.h"
 #include "session/ActivationFile.h"
 #include "session/BusNames.h"
 #include "session/SessionBus.h"

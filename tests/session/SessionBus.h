@@ -10,7 +10,7 @@
 #include <memory>
 #include <optional>
 
-#include "bus/PrivateBus.h"
+#include "harness/bus/PrivateBus.h"
 
 namespace kestrin {
 

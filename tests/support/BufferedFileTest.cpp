@@ -4,8 +4,8 @@
 
 #include <random>
 
-#include "fakes/FailingFileDoor.h"
-#include "fakes/MemoryFileDoor.h"
+#include "harness/FailingFileDoor.h"
+#include "harness/MemoryFileDoor.h"
 
 namespace kestrin {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "fakes/MemoryFileDoor.h"
+#include "harness/MemoryFileDoor.h"
 #include "support/MemoryFile.h"
 
 namespace kestrin {

@@ -7,8 +7,8 @@
 
 #include <filesystem>
 
-#include "fakes/FailingFileDoor.h"
-#include "fakes/MemoryFileDoor.h"
+#include "harness/FailingFileDoor.h"
+#include "harness/MemoryFileDoor.h"
 #include "kestrin/EndianIndependentFile.h"
 #include "support/WholeFile.h"
 

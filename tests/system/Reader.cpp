@@ -1,6 +1,6 @@
 #include "Reader.h"
 
-#include "bus/Peer.h"
+#include "harness/bus/Peer.h"
 
 namespace kestrin {
 

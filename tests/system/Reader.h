@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "Screen.h"
-#include "bus/PrivateBus.h"
+#include "harness/bus/PrivateBus.h"
 
 namespace kestrin {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "bus/Processes.h"
+#include "harness/bus/Processes.h"
 
 namespace kestrin {
 

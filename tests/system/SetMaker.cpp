@@ -2,13 +2,13 @@
 
 #include <stdexcept>
 
-#include "bus/Processes.h"
-#include "core/AppState.h"
-#include "core/HandlerTable.h"
+#include "core/app/AppState.h"
+#include "core/events/HandlerTable.h"
 #include "handlers/ActOnFileDataHandler.h"
 #include "handlers/CommandDataHandler.h"
 #include "handlers/LoadEventHandlers.h"
 #include "handlers/MessageDataHandler.h"
+#include "harness/bus/Processes.h"
 
 namespace kestrin {
 

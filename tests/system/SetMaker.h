@@ -4,8 +4,8 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "core/EventSet.h"
-#include "core/VirtualEngine.h"
+#include "core/delivery/VirtualEngine.h"
+#include "core/events/EventSet.h"
 
 namespace kestrin {
 

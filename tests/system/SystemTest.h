@@ -5,7 +5,7 @@
 
 #include "Reader.h"
 #include "SetMaker.h"
-#include "bus/Peer.h"
+#include "harness/bus/Peer.h"
 
 namespace kestrin {
 

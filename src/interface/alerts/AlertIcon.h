@@ -3,7 +3,7 @@
 
 #include <QPixmap>
 
-#include "core/Alert.h"
+#include "core/ports/Alert.h"
 
 class QWidget;
 

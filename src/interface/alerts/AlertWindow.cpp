@@ -10,10 +10,10 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
-#include "interface/ShownText.h"
 #include "interface/alerts/AlertCascade.h"
 #include "interface/alerts/AlertIcon.h"
 #include "interface/alerts/AlertText.h"
+#include "interface/common/ShownText.h"
 
 namespace kestrin {
 

@@ -4,7 +4,7 @@
 #include <QDialog>
 #include <vector>
 
-#include "core/Alert.h"
+#include "core/ports/Alert.h"
 
 class QHBoxLayout;
 class QLabel;

@@ -1,8 +1,8 @@
 #include "interface/editor/EditorPage.h"
 
-#include "core/EventSet.h"
-#include "interface/editor/TypedField.h"
-#include "interface/editor/WrappingTextView.h"
+#include "core/events/EventSet.h"
+#include "interface/fields/TypedField.h"
+#include "interface/fields/WrappingTextView.h"
 
 namespace kestrin {
 

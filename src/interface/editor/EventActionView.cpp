@@ -6,13 +6,13 @@
 #include <QVBoxLayout>
 #include <utility>
 
-#include "core/EventSet.h"
-#include "core/HandlerTable.h"
-#include "core/Notices.h"
-#include "interface/Frames.h"
-#include "interface/ShownText.h"
-#include "interface/editor/ChoiceMenu.h"
-#include "interface/handlerviews/CommitsEdits.h"
+#include "core/events/EventSet.h"
+#include "core/events/HandlerTable.h"
+#include "core/loop/Notices.h"
+#include "interface/common/CommitsEdits.h"
+#include "interface/common/Frames.h"
+#include "interface/common/ShownText.h"
+#include "interface/fields/ChoiceMenu.h"
 
 namespace kestrin {
 

@@ -4,11 +4,11 @@
 #include <QLabel>
 #include <utility>
 
-#include "core/Event.h"
-#include "core/EventRuleCheck.h"
-#include "interface/editor/ChoiceMenu.h"
-#include "interface/editor/NumberField.h"
+#include "core/events/Event.h"
+#include "core/timing/EventRuleCheck.h"
 #include "interface/editor/WhenLabels.h"
+#include "interface/fields/ChoiceMenu.h"
+#include "interface/fields/NumberField.h"
 
 namespace kestrin {
 

@@ -4,11 +4,11 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
-#include "core/Event.h"
+#include "core/events/Event.h"
 #include "interface/editor/EventIntervalView.h"
 #include "interface/editor/EventTextViews.h"
-#include "interface/editor/NumberField.h"
 #include "interface/editor/PageParts.h"
+#include "interface/fields/NumberField.h"
 
 namespace kestrin {
 

@@ -2,7 +2,7 @@
 
 #include <QShortcut>
 
-#include "core/EventSet.h"
+#include "core/events/EventSet.h"
 #include "interface/editor/EventActionView.h"
 #include "interface/editor/EventCommentView.h"
 #include "interface/editor/EventNagView.h"

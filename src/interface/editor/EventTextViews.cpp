@@ -1,6 +1,6 @@
 #include "interface/editor/EventTextViews.h"
 
-#include "core/EventSet.h"
+#include "core/events/EventSet.h"
 
 namespace kestrin {
 

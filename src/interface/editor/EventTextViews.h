@@ -1,7 +1,7 @@
 // The texts of an event that its pages edit.
 #pragma once
 
-#include "interface/editor/WrappingTextView.h"
+#include "interface/fields/WrappingTextView.h"
 
 namespace kestrin {
 

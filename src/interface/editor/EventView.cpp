@@ -4,10 +4,10 @@
 #include <QGridLayout>
 #include <QLabel>
 
-#include "core/DateTimeText.h"
-#include "core/EventSet.h"
-#include "interface/ShownText.h"
-#include "interface/editor/TypedField.h"
+#include "core/events/EventSet.h"
+#include "core/timing/DateTimeText.h"
+#include "interface/common/ShownText.h"
+#include "interface/fields/TypedField.h"
 #include "interface/icons/IconView.h"
 #include "interface/list/EventCells.h"
 #include "interface/list/EventOrder.h"

@@ -5,14 +5,14 @@
 #include <QLabel>
 #include <optional>
 
-#include "core/EventSet.h"
-#include "interface/editor/ChoiceMenu.h"
-#include "interface/editor/DateField.h"
-#include "interface/editor/NumberField.h"
+#include "core/events/EventSet.h"
 #include "interface/editor/PeriodicityIntervalView.h"
-#include "interface/editor/TimeField.h"
 #include "interface/editor/WhenLabels.h"
 #include "interface/editor/WhenSelectorsView.h"
+#include "interface/fields/ChoiceMenu.h"
+#include "interface/fields/DateField.h"
+#include "interface/fields/NumberField.h"
+#include "interface/fields/TimeField.h"
 
 namespace kestrin {
 

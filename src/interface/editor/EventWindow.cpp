@@ -11,9 +11,9 @@
 #include <QVBoxLayout>
 #include <utility>
 
-#include "core/EventSet.h"
-#include "interface/Frames.h"
-#include "interface/ShownText.h"
+#include "core/events/EventSet.h"
+#include "interface/common/Frames.h"
+#include "interface/common/ShownText.h"
 #include "interface/editor/EventTabView.h"
 #include "interface/editor/EventView.h"
 

@@ -6,7 +6,7 @@
 #include <QWidget>
 #include <vector>
 
-#include "core/UserInterface.h"
+#include "core/ports/UserInterface.h"
 
 class QLabel;
 

@@ -3,7 +3,7 @@
 
 #include <QWidget>
 
-#include "core/EventTypes.h"
+#include "core/timing/EventTypes.h"
 #include "interface/editor/EditorPage.h"
 
 class QLabel;

@@ -3,7 +3,7 @@
 
 #include <QString>
 
-#include "core/EventTypes.h"
+#include "core/timing/EventTypes.h"
 
 namespace kestrin {
 

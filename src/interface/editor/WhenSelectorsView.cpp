@@ -5,11 +5,11 @@
 #include <algorithm>
 #include <utility>
 
-#include "core/EventSet.h"
-#include "interface/editor/ChoiceMenu.h"
-#include "interface/editor/DateField.h"
-#include "interface/editor/TypedField.h"
+#include "core/events/EventSet.h"
 #include "interface/editor/WhenLabels.h"
+#include "interface/fields/ChoiceMenu.h"
+#include "interface/fields/DateField.h"
+#include "interface/fields/TypedField.h"
 
 namespace kestrin {
 

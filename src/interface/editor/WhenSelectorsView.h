@@ -4,7 +4,7 @@
 #include <QWidget>
 #include <array>
 
-#include "core/EventTypes.h"
+#include "core/timing/EventTypes.h"
 #include "interface/editor/EditorPage.h"
 
 class QLabel;

@@ -7,9 +7,9 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "interface/DroppedFiles.h"
-#include "interface/FilePanels.h"
-#include "interface/ShownText.h"
+#include "interface/common/DroppedFiles.h"
+#include "interface/common/FilePanels.h"
+#include "interface/common/ShownText.h"
 #include "interface/handlerviews/PathLabel.h"
 #include "interface/handlerviews/VerifyBox.h"
 

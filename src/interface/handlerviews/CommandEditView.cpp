@@ -3,8 +3,8 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
-#include "interface/ShownText.h"
-#include "interface/editor/TypedField.h"
+#include "interface/common/ShownText.h"
+#include "interface/fields/TypedField.h"
 #include "interface/handlerviews/VerifyBox.h"
 
 namespace kestrin {

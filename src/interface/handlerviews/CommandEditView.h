@@ -4,7 +4,7 @@
 #include <QWidget>
 
 #include "handlers/CommandDataHandler.h"
-#include "interface/handlerviews/CommitsEdits.h"
+#include "interface/common/CommitsEdits.h"
 
 namespace kestrin {
 

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "handlers/MessageDataHandler.h"
-#include "interface/editor/WrappingTextView.h"
-#include "interface/handlerviews/CommitsEdits.h"
+#include "interface/common/CommitsEdits.h"
+#include "interface/fields/WrappingTextView.h"
 
 namespace kestrin {
 

@@ -1,6 +1,6 @@
 #include "interface/handlerviews/UnknownDataHandlerView.h"
 
-#include "interface/ShownText.h"
+#include "interface/common/ShownText.h"
 
 namespace kestrin {
 

@@ -3,7 +3,7 @@
 
 #include <QCheckBox>
 
-#include "core/EventSet.h"
+#include "core/events/EventSet.h"
 
 namespace kestrin {
 

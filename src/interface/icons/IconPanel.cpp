@@ -5,8 +5,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "core/KestrinSettings.h"
-#include "interface/Frames.h"
+#include "core/settings/KestrinSettings.h"
+#include "interface/common/Frames.h"
 #include "interface/icons/UserIcons.h"
 
 namespace kestrin {

@@ -5,10 +5,10 @@
 #include <QImageReader>
 #include <QMimeData>
 
-#include "core/EventSet.h"
-#include "core/Notices.h"
-#include "interface/DroppedFiles.h"
-#include "interface/FilePanels.h"
+#include "core/events/EventSet.h"
+#include "core/loop/Notices.h"
+#include "interface/common/DroppedFiles.h"
+#include "interface/common/FilePanels.h"
 #include "interface/icons/IconFile.h"
 #include "interface/icons/IconMenu.h"
 #include "interface/icons/IconPanel.h"

@@ -7,7 +7,7 @@
 #include <QStyle>
 #include <QStyleOption>
 
-#include "core/Event.h"
+#include "core/events/Event.h"
 #include "interface/icons/ColourMapped.h"
 #include "interface/icons/IconDrawing.h"
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "core/KestrinSettings.h"
+#include "core/settings/KestrinSettings.h"
 
 namespace kestrin {
 

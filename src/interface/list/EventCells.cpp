@@ -1,10 +1,10 @@
 #include "interface/list/EventCells.h"
 
-#include "core/DateTimeText.h"
-#include "core/Event.h"
-#include "core/EventSet.h"
-#include "core/HandlerTable.h"
-#include "interface/ShownText.h"
+#include "core/events/Event.h"
+#include "core/events/EventSet.h"
+#include "core/events/HandlerTable.h"
+#include "core/timing/DateTimeText.h"
+#include "interface/common/ShownText.h"
 #include "interface/list/EventOrder.h"
 
 namespace kestrin {

@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "core/Event.h"
-#include "core/EventSet.h"
+#include "core/events/Event.h"
+#include "core/events/EventSet.h"
 #include "interface/icons/StandardIcons.h"
 #include "interface/list/EventCells.h"
 

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <utility>
 
-#include "core/Event.h"
-#include "core/HandlerTable.h"
-#include "interface/FoldedText.h"
+#include "core/events/Event.h"
+#include "core/events/HandlerTable.h"
+#include "interface/common/FoldedText.h"
 
 namespace kestrin {
 

@@ -5,7 +5,7 @@
 #include <QStyle>
 #include <algorithm>
 
-#include "core/EventSet.h"
+#include "core/events/EventSet.h"
 #include "interface/list/EventRowDelegate.h"
 #include "interface/list/ShownLayout.h"
 

@@ -4,7 +4,7 @@
 #include <array>
 #include <vector>
 
-#include "core/EventSet.h"
+#include "core/events/EventSet.h"
 #include "interface/list/EventOrder.h"
 
 namespace kestrin {

@@ -6,7 +6,7 @@
 #include <QStyleOptionHeader>
 #include <algorithm>
 
-#include "core/KestrinSettings.h"
+#include "core/settings/KestrinSettings.h"
 
 namespace kestrin {
 

@@ -6,10 +6,10 @@
 #include <optional>
 #include <string>
 
-#include "core/EventMessage.h"
-#include "core/EventSet.h"
-#include "core/Notices.h"
-#include "interface/ShownText.h"
+#include "core/events/EventSet.h"
+#include "core/files/EventMessage.h"
+#include "core/loop/Notices.h"
+#include "interface/common/ShownText.h"
 
 namespace kestrin {
 

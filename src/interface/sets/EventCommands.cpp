@@ -1,7 +1,7 @@
 #include "interface/sets/EventCommands.h"
 
-#include "core/EventSet.h"
-#include "core/UserInterface.h"
+#include "core/events/EventSet.h"
+#include "core/ports/UserInterface.h"
 #include "interface/list/ListEventView.h"
 #include "interface/sets/EventClipboard.h"
 

@@ -3,7 +3,7 @@
 
 #include <QObject>
 
-#include "core/DeletedEvents.h"
+#include "core/events/DeletedEvents.h"
 
 namespace kestrin {
 

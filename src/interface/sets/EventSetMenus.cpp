@@ -4,8 +4,8 @@
 #include <QMenu>
 #include <QMenuBar>
 
-#include "core/EventSet.h"
-#include "core/MessageQueue.h"
+#include "core/events/EventSet.h"
+#include "core/loop/MessageQueue.h"
 #include "interface/sets/SetCommands.h"
 
 namespace kestrin {

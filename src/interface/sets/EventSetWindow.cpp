@@ -8,12 +8,12 @@
 #include <QVBoxLayout>
 #include <utility>
 
-#include "core/DocumentApp.h"
-#include "core/EventSet.h"
-#include "core/MessageCodes.h"
-#include "interface/DroppedFiles.h"
-#include "interface/Frames.h"
-#include "interface/ShownText.h"
+#include "core/app/DocumentApp.h"
+#include "core/events/EventSet.h"
+#include "core/loop/MessageCodes.h"
+#include "interface/common/DroppedFiles.h"
+#include "interface/common/Frames.h"
+#include "interface/common/ShownText.h"
 #include "interface/list/ListEventView.h"
 #include "interface/sets/EventCommands.h"
 #include "interface/sets/EventSetMenus.h"

@@ -3,7 +3,7 @@
 
 #include <QMainWindow>
 
-#include "core/UserInterface.h"
+#include "core/ports/UserInterface.h"
 
 namespace kestrin {
 

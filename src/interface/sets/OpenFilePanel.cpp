@@ -6,11 +6,11 @@
 #include <algorithm>
 #include <utility>
 
-#include "core/AlertDesk.h"
-#include "core/Context.h"
-#include "core/EventSet.h"
-#include "core/Holds.h"
-#include "interface/FilePanels.h"
+#include "core/events/Context.h"
+#include "core/events/EventSet.h"
+#include "core/loop/AlertDesk.h"
+#include "core/loop/Holds.h"
+#include "interface/common/FilePanels.h"
 #include "interface/sets/EventSetWindow.h"
 #include "interface/sets/SetFilePanel.h"
 

@@ -6,7 +6,7 @@
 #include <QLineEdit>
 #include <QStandardPaths>
 
-#include "interface/FilePanels.h"
+#include "interface/common/FilePanels.h"
 
 namespace kestrin {
 

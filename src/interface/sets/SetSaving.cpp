@@ -3,11 +3,11 @@
 #include <QFile>
 #include <utility>
 
-#include "core/AlertDesk.h"
-#include "core/DocumentApp.h"
-#include "core/EventSet.h"
-#include "core/Notices.h"
-#include "core/OpenSets.h"
+#include "core/app/DocumentApp.h"
+#include "core/events/EventSet.h"
+#include "core/events/OpenSets.h"
+#include "core/loop/AlertDesk.h"
+#include "core/loop/Notices.h"
 #include "interface/sets/SetFilePanel.h"
 
 namespace kestrin {

@@ -7,9 +7,9 @@
 #include <QVBoxLayout>
 #include <utility>
 
-#include "core/DateTimeText.h"
-#include "core/EventSet.h"
-#include "interface/ShownText.h"
+#include "core/events/EventSet.h"
+#include "core/timing/DateTimeText.h"
+#include "interface/common/ShownText.h"
 #include "interface/sets/ElidedLabel.h"
 
 namespace kestrin {

@@ -9,7 +9,7 @@
 #include <QSysInfo>
 #include <QVBoxLayout>
 
-#include "interface/ApplicationIcon.h"
+#include "interface/common/ApplicationIcon.h"
 
 namespace kestrin {
 

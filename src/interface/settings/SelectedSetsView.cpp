@@ -7,8 +7,8 @@
 #include <QStyledItemDelegate>
 #include <algorithm>
 
-#include "core/KestrinSettings.h"
-#include "interface/ShownText.h"
+#include "core/settings/KestrinSettings.h"
+#include "interface/common/ShownText.h"
 
 namespace kestrin {
 

@@ -5,9 +5,9 @@
 #include <QLabel>
 #include <QPushButton>
 
-#include "core/KestrinSettings.h"
-#include "interface/DropDown.h"
-#include "interface/Frames.h"
+#include "core/settings/KestrinSettings.h"
+#include "interface/common/Frames.h"
+#include "interface/fields/DropDown.h"
 #include "interface/settings/SelectedSetsView.h"
 
 namespace kestrin {

@@ -4,7 +4,7 @@
 #include <QKeyEvent>
 #include <utility>
 
-#include "core/DocumentApp.h"
+#include "core/app/DocumentApp.h"
 
 namespace kestrin {
 

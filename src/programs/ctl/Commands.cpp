@@ -8,10 +8,10 @@
 #include <unordered_map>
 #include <unordered_set>
 
-#include "core/Agenda.h"
-#include "core/DateTimeText.h"
-#include "core/KestrinSettings.h"
-#include "core/OpenSets.h"
+#include "core/delivery/Agenda.h"
+#include "core/events/OpenSets.h"
+#include "core/settings/KestrinSettings.h"
+#include "core/timing/DateTimeText.h"
 #include "programs/ctl/JsonWriter.h"
 #include "programs/ctl/TextTable.h"
 #include "support/OwnedText.h"

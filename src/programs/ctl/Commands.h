@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "core/EventSet.h"
-#include "core/EventSetFile.h"
-#include "core/VirtualEngine.h"
+#include "core/delivery/VirtualEngine.h"
+#include "core/events/EventSet.h"
+#include "core/files/EventSetFile.h"
 
 namespace kestrin {
 

@@ -5,8 +5,8 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "core/Clock.h"
-#include "core/DateTimeText.h"
+#include "core/ports/Clock.h"
+#include "core/timing/DateTimeText.h"
 #include "handlers/LoadEventHandlers.h"
 #include "programs/ctl/Commands.h"
 

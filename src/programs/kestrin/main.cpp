@@ -7,11 +7,11 @@
 #include <string>
 #include <vector>
 
-#include "core/AlertDesk.h"
-#include "core/BuiltInPrefs.h"
-#include "core/KestrinApp.h"
-#include "core/Notices.h"
-#include "core/Workers.h"
+#include "core/app/KestrinApp.h"
+#include "core/loop/AlertDesk.h"
+#include "core/loop/Notices.h"
+#include "core/ports/Workers.h"
+#include "core/settings/BuiltInPrefs.h"
 #include "handlers/HandlerActions.h"
 #include "handlers/LoadEventHandlers.h"
 #include "interface/QtUserInterface.h"

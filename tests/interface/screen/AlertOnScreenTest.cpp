@@ -9,7 +9,7 @@
 #include <memory>
 #include <vector>
 
-#include "interface/ScreenContext.h"
+#include "harness/ScreenContext.h"
 
 namespace kestrin {
 namespace {

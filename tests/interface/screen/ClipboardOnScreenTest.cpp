@@ -6,9 +6,9 @@
 #include <QProcess>
 #include <QtTest/QTest>
 
-#include "core/EventMessage.h"
+#include "core/files/EventMessage.h"
 #include "handlers/MessageDataHandler.h"
-#include "interface/ScreenContext.h"
+#include "harness/ScreenContext.h"
 #include "interface/sets/EventClipboard.h"
 
 namespace kestrin {

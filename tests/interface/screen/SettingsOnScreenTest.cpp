@@ -3,7 +3,7 @@
 #include <QPointer>
 #include <QtTest/QTest>
 
-#include "interface/ScreenContext.h"
+#include "harness/ScreenContext.h"
 #include "interface/settings/SettingsWindow.h"
 
 namespace kestrin {

@@ -4,7 +4,7 @@
 
 #include <filesystem>
 
-#include "bus/Peer.h"
+#include "harness/bus/Peer.h"
 
 namespace kestrin {
 namespace {

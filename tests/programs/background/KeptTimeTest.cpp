@@ -6,7 +6,7 @@
 #include <climits>
 #include <filesystem>
 
-#include "bus/PrivateBus.h"
+#include "harness/bus/PrivateBus.h"
 
 namespace kestrin {
 namespace {

@@ -8,7 +8,7 @@
 #include <cstring>
 
 #include "handlers/MessageDataHandler.h"
-#include "interface/ScreenContext.h"
+#include "harness/ScreenContext.h"
 #include "interface/sets/EventClipboard.h"
 
 namespace kestrin {

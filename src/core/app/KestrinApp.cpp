@@ -1,0 +1,261 @@
+#include "core/app/KestrinApp.h"
+
+#include "core/events/EventSet.h"
+#include "core/events/OpenSets.h"
+#include "core/loop/AlertDesk.h"
+#include "core/loop/MessageQueue.h"
+#include "core/loop/Notices.h"
+#include "core/ports/Desktop.h"
+#include "core/ports/UserInterface.h"
+#include "core/ports/Workers.h"
+#include "core/settings/KestrinSettings.h"
+#include "core/settings/SettingsFile.h"
+
+namespace kestrin {
+
+namespace {
+
+constexpr char BackgroundArgument[] = "-background";
+constexpr char BackgroundSignature[] = "application/x-vnd.ZR-KestrinBackground";
+constexpr char BackgroundFile[] = "KestrinBackground";
+constexpr char HelpFile[] = "Kestrin documentation.html";
+
+}  // namespace
+
+KestrinApp::KestrinApp(Context& context, AppParts parts)
+    : DocumentApp(context.holds),
+      context_(context),
+      parts_(std::move(parts)),
+      pass_(
+          context,
+          [this](const Message& message, bool mayFail) {
+            if (mayFail)
+              parts_.background.Launch(&message);
+            else
+              LaunchBackgroundApp(&message);
+          },
+          [this] { SaveRecoveryCopies(); }),
+      recovery_(context.files, parts_.stateFolder) {}
+
+KestrinApp::~KestrinApp() { KestrinSettings::WhenChanged = nullptr; }
+
+void KestrinApp::Construct() {
+  KestrinDir = parts_.kestrinDir;
+  LaunchBackgroundApp(nullptr);
+  const AutoLock settings(KestrinSettings::Protect);
+  InitSettings(parts_.settings, context_.notices);
+  KestrinSettings::WhenChanged = [this] { context_.queue.Post(SETTINGS_CHANGED); };
+  parts_.loadHandlers();
+  const AutoLock open(OpenSets::Protect);
+  ReadSelectedSets();
+}
+
+void KestrinApp::ArgvReceived(const std::vector<std::string>& arguments) {
+  bool background = false;
+  for (const std::string& argument : arguments) background |= argument == BackgroundArgument;
+  const AutoLock settings(KestrinSettings::Protect);
+  const AutoLock open(OpenSets::Protect);
+  for (const std::string& argument : arguments) {
+    if (argument == BackgroundArgument) continue;
+    if (argument.empty())
+      context_.notices.ReportCompoundError(
+          "KestrinApp::ArgvReceived: Could not create BPath for file ", argument, ".");
+    else
+      OpenSet(argument, !background);
+  }
+}
+
+void KestrinApp::ReadyToRun() {
+  running_ = true;
+  ShowRecordedAlerts();
+  {
+    const AutoLock settings(KestrinSettings::Protect);
+    const AutoLock open(OpenSets::Protect);
+    if (!BackgroundOnlyStartup && !DeliverOnly) OpenUserInterface();
+  }
+  CheckZone();
+  if (!DeliverOnly) pass_.PassWithStartupFlag();
+  if (!BackgroundOnlyStartup && !DeliverOnly) return;
+  if (AnyWindow() || CountRegWindProcHolds() > 0) return;
+  QuitWhenIdle();
+}
+
+void KestrinApp::MessageReceived(const Message& message) {
+  if (hasQuit_) return;
+  if (message.what == DELIVER_EVENTS) {
+    DeliverOnly = true;
+    CheckZone();
+  }
+  if (pass_.MessageReceived(message)) {
+    if (message.what == PREWARN_ALERT_REPLY || message.what == NAG_ALERT_REPLY) SaveDeliveredSets();
+    return;
+  }
+  if (WindowMessage(message)) return;
+  switch (message.what) {
+    case PROCESS_HOLD_DONE:
+      context_.holds.ProcessDone(static_cast<uint64>(message.Get<int64>("EventSet").value_or(0)));
+      SaveDeliveredSets();
+      break;
+    case PASSES_AT_REST:
+      SaveDeliveredSets();
+      break;
+    case ALERTS_WAITING:
+      context_.alerts.OpenWaiting();
+      break;
+    case SETTINGS_CHANGED:
+      SettingsChanged();
+      break;
+    case QUIT_REQUESTED:
+      QuitMessage(message);
+      break;
+    case FULL_QUIT_REQUESTED:
+      FullQuit();
+      break;
+    case FORCED_QUIT:
+      ForcedQuit();
+      break;
+    default:
+      break;
+  }
+}
+
+bool KestrinApp::WindowMessage(const Message& message) {
+  switch (message.what) {
+    case NEW_EVENT_SET: {
+      const AutoLock settings(KestrinSettings::Protect);
+      const AutoLock open(OpenSets::Protect);
+      OpenSet("", true);
+      return true;
+    }
+    case OPEN_EVENT_SET:
+      context_.ui.ShowOpenPanel();
+      return true;
+    case OPEN_SETTINGS_WINDOW:
+      context_.ui.ShowSettingsWindow();
+      return true;
+    case HELP_REQUESTED:
+      HelpRequested();
+      return true;
+    case ABOUT_REQUESTED:
+      context_.ui.ShowAboutWindow();
+      return true;
+    case OPEN_FILES:
+      OpenFiles(message);
+      return true;
+    case SETS_OPENED:
+      pass_.PassWithStartupFlag();
+      return true;
+    case SET_DISCARDED:
+      RevertToSavedIfRemembered(message.Get<std::string>("path").value_or(""));
+      return true;
+    case ACTIVATE:
+      Activate();
+      return true;
+    default:
+      return false;
+  }
+}
+
+void KestrinApp::SettingsChanged() {
+  context_.ui.SettingsChanged();
+  const AutoLock settings(KestrinSettings::Protect);
+  WriteSettings(parts_.settings, context_.notices);
+}
+
+/// A save here keeps what was delivered from being delivered again; until the alerts are closed a
+/// crash must deliver again rather than never.
+void KestrinApp::SaveDeliveredSets() {
+  if (pass_.IsDealing()) return;
+  const AutoLock settings(KestrinSettings::Protect);
+  const AutoLock open(OpenSets::Protect);
+  for (const auto& set : OpenSets::Sets) {
+    const uint64 handle = set->GetHandle();
+    if (!set->OnlyDeliveriesChanged() || set->IsUntitled() || context_.alerts.AnyFor(handle) ||
+        context_.holds.CountFor(handle) > 0)
+      continue;
+    SaveItself(*set);
+  }
+}
+
+void KestrinApp::LaunchBackgroundApp(const Message* message) {
+  const auto runs = [](LaunchResult result) {
+    return result == LaunchResult::Started || result == LaunchResult::AlreadyRunning;
+  };
+  LaunchResult result = parts_.background.Launch(message);
+  if (!runs(result)) {
+    if (result == LaunchResult::InTrash && !AlreadyToldUser) {
+      context_.notices.ReportError(
+          "Please remove KestrinBackground from the trash, the system refuses to launch it from "
+          "there.");
+      AlreadyToldUser = true;
+    }
+    const std::string path = KestrinDir + "/" + BackgroundFile;
+    result = parts_.background.LaunchFile(path, message);
+    if (runs(result)) parts_.background.RegisterFile(path);
+  }
+  if (runs(result)) {
+    if (AlreadyToldUser)
+      context_.notices.Inform("Kestrin",
+                              "Kestrin successfully started its background executable, and can now "
+                              "deliver events normally.",
+                              "Continue");
+    AlreadyToldUser = false;
+  } else if (!AlreadyToldUser) {
+    AlreadyToldUser = true;
+    context_.notices.ReportCompoundError(
+        "Kestrin was unable to locate its background executable (the file should be named "
+        "\"KestrinBackground\", and should have the signature \"",
+        BackgroundSignature,
+        "\").  Normally, it should be in the same folder as Kestrin.  Without it, Kestrin will be "
+        "unable to inform you when events occur, although you can still edit event sets and the "
+        "events they contain.");
+  }
+}
+
+void KestrinApp::HelpRequested() {
+  const std::string path = KestrinDir + "/" + HelpFile;
+  if (context_.files.Kind(path) == FileKind::Missing) {
+    context_.notices.Inform(
+        "Help file error",
+        "The help could not be found.  It should reside in the same folder as the Kestrin "
+        "application.  If you want to keep it elsewhere, make a link to it in the Kestrin folder "
+        "and make sure the link is named \"Kestrin documentation.html\".",
+        "Cancel");
+    return;
+  }
+  ProcessHold();
+  const bool started = context_.workers.Start("Help", [&context = context_, path] {
+    if (!context.desktop.Launch(path))
+      context.notices.ReportCompoundError("Kestrin found no program that shows its help, \"", path,
+                                          "\".  Any web browser does.");
+    context.queue.Post(PROCESS_HOLD_DONE);
+  });
+  if (!started) ProcessDone();
+}
+
+void KestrinApp::RecomputeAll() {
+  const int64 now = context_.clock.Now();
+  const AutoLock open(OpenSets::Protect);
+  for (const auto& set : OpenSets::Sets) {
+    const AutoLock lock(*set);
+    const EventSet::DeliveryChange byItself(*set);
+    for (const auto& event : set->Events()) {
+      const bool overdue = event->GetNextEventTime() != 0 && event->GetNextEventTime() <= now;
+      if (!overdue && event->GetStatus() != WaitingToNag) event->UpdateEventTime();
+    }
+  }
+}
+
+void KestrinApp::CheckZone() {
+  const Zone zone = parts_.systemZone();
+  const bool changed = zone.Name() != context_.zone.Name();
+  context_.zone = zone;
+  const AutoLock settings(KestrinSettings::Protect);
+  const bool known = !KestrinSettings::ZoneName.empty();
+  if (KestrinSettings::ZoneName == zone.Name() && !changed) return;
+  KestrinSettings::ZoneName = zone.Name();
+  KestrinSettings::Changed();
+  if (known || changed) RecomputeAll();
+}
+
+}  // namespace kestrin

@@ -1,0 +1,161 @@
+#include "core/delivery/DeliveryPass.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+#include "core/events/Event.h"
+#include "core/events/EventSet.h"
+#include "core/events/OpenSets.h"
+#include "core/loop/Holds.h"
+#include "core/loop/MessageQueue.h"
+#include "core/ports/Clock.h"
+#include "core/ports/EventActions.h"
+#include "core/ports/UserInterface.h"
+#include "core/settings/KestrinSettings.h"
+
+namespace kestrin {
+
+namespace {
+
+constexpr int64 RetryWithoutScreen = 60;
+
+[[noreturn]] void StopInDebugger() {
+  std::fputs("Add-ons may not block or take more than one second to deal with an event\n", stderr);
+  std::abort();
+}
+
+}  // namespace
+
+DeliveryPass::DeliveryPass(Context& context, SendTime sendTime, std::function<void()> beforeStop)
+    : context_(context), sendTime_(std::move(sendTime)), beforeStop_(std::move(beforeStop)) {}
+
+/// Ties go to the set that was opened first. Without a screen, what is due and needs one is passed
+/// over.
+DeliveryPass::Earliest DeliveryPass::FindEarliest() {
+  const AutoLock settings(KestrinSettings::Protect);
+  const AutoLock open(OpenSets::Protect);
+  Earliest best;
+  const bool mayPassOver = !context_.ui.HasScreen();
+  const int64 now = mayPassOver ? context_.clock.Now() : 0;
+  const auto mustWait = [&](const Event& event) {
+    if (event.GetNextEventTime() > now || context_.actions.CanDeliver(event)) return false;
+    best.passedOver = true;
+    return true;
+  };
+  for (const auto& set : OpenSets::Sets) {
+    const AutoLock lock(*set);
+    if (!set->Delivers(set->GetWindow() != nullptr)) continue;
+    Event* event = nullptr;
+    const int32 time =
+        mayPassOver ? set->GetNextEventTime(&event, mustWait) : set->GetNextEventTime(&event);
+    if (time == 0 || (best.event && time >= best.time)) continue;
+    best.time = time;
+    best.event = event;
+    best.set = set.get();
+  }
+  return best;
+}
+
+void DeliveryPass::HandOn(const Earliest& earliest) {
+  Message message(NEXT_EVENT_MESSAGE);
+  int64 when = earliest.event ? earliest.time : 0;
+  if (earliest.passedOver) {
+    const int64 retry = context_.clock.Now() + RetryWithoutScreen;
+    if (when == 0 || retry < when) when = retry;
+    std::fputs("kestrin: no display: what needs a window stays due for another minute\n", stderr);
+  }
+  if (when != 0) message.Set("When", static_cast<int32>(when));
+  sendTime_(message, when == 0);
+}
+
+void DeliveryPass::SetCounterForNextEvent(bool startup) {
+  // A set that was opened meanwhile meets the rule for missed events, whoever asks first.
+  startup = startup || nextIsStartup_ || context_.queue.Holds(SETS_OPENED);
+  nextIsStartup_ = false;
+  const Earliest earliest = FindEarliest();
+  dealing_ = false;
+  passStartup_ = false;
+  if (!earliest.event || earliest.time > context_.clock.Now()) {
+    HandOn(earliest);
+    context_.queue.Post(PASSES_AT_REST);
+    return;
+  }
+  dealing_ = true;
+  passStartup_ = startup;
+  DealWith(earliest);
+}
+
+void DeliveryPass::SendNextTime() { HandOn(FindEarliest()); }
+
+void DeliveryPass::PassWithStartupFlag() {
+  if (dealing_)
+    nextIsStartup_ = true;
+  else
+    SetCounterForNextEvent(true);
+}
+
+void DeliveryPass::DealWith(const Earliest& earliest) {
+  earliest.set->Lock();
+  const int64 begun = context_.clock.SteadyMicroseconds();
+  earliest.event->DealWithEvent(passStartup_);
+  if (context_.clock.SteadyMicroseconds() - begun > DealWithEventLimit) {
+    beforeStop_();
+    StopInDebugger();
+  }
+  earliest.set->Unlock();
+  earliest.set->DropActing();
+  const AutoLock settings(KestrinSettings::Protect);
+  const AutoLock open(OpenSets::Protect);
+  OpenSets::DestroyDeparted();
+}
+
+/// Only the set that was opened first is looked at: replies about other sets change nothing.
+void DeliveryPass::AlertReply(const Message& message) {
+  const auto set = static_cast<uint64>(message.Get<int64>("EventSet").value_or(0));
+  const auto handle = static_cast<uint64>(message.Get<int64>("Event").value_or(0));
+  if (message.Get<int32>("which") == 0) {
+    const AutoLock open(OpenSets::Protect);
+    EventSet* const first = OpenSets::Sets.empty() ? nullptr : OpenSets::Sets.front().get();
+    if (first && first->GetHandle() == set) {
+      const AutoLock lock(*first);
+      Event* const event = first->FindEvent(handle);
+      const bool prewarning = message.what == PREWARN_ALERT_REPLY;
+      const bool nagging = event && event->GetStatus() == WaitingToNag;
+      // An event that has come due is still to be delivered.
+      const bool ahead = event && event->GetActualEventTime() > context_.clock.Now();
+      if (event && event->GetActualEventTime() == message.Get<int32>("Occurrence") &&
+          (prewarning ? !nagging && ahead : nagging)) {
+        const EventSet::DeliveryChange byDelivery(*first);
+        if (prewarning)
+          event->SetSkipPrewarn(true);
+        else
+          event->SetSkipNag(true);
+        event->UpdateEventTime();
+        first->SetModified();
+      }
+    }
+  }
+  context_.holds.ProcessDone(set);
+}
+
+bool DeliveryPass::MessageReceived(const Message& message) {
+  switch (message.what) {
+    case EVENT_DEALT_WITH:
+      SetCounterForNextEvent(passStartup_);
+      return true;
+    case EVENT_SETS_CHANGED:
+      if (!dealing_) SetCounterForNextEvent(false);
+      return true;
+    case DELIVER_EVENTS:
+      if (!dealing_) SetCounterForNextEvent(false);
+      return true;
+    case PREWARN_ALERT_REPLY:
+    case NAG_ALERT_REPLY:
+      AlertReply(message);
+      return true;
+    default:
+      return false;
+  }
+}
+
+}  // namespace kestrin

@@ -1,0 +1,59 @@
+// Finds the earliest event of the delivering sets and deals with it, or hands its time on.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <vector>
+
+#include "core/events/Context.h"
+#include "support/Message.h"
+
+namespace kestrin {
+
+class EventSet;
+
+class DeliveryPass {
+ public:
+  /// Main thread. `sendTime` hands a NextEventMessage to the background deliverer; `mayFail` says
+  /// that failures are not reported. `beforeStop` is called before an overrun stops the program.
+  using SendTime = std::function<void(const Message& message, bool mayFail)>;
+  DeliveryPass(Context& context, SendTime sendTime, std::function<void()> beforeStop);
+
+  /// One pass: takes the settings and open-sets locks, so no set may be locked.
+  void SetCounterForNextEvent(bool startup);
+  /// Deals with nothing: hands the earliest time on, even a past one. What cannot be delivered
+  /// without a screen has another minute.
+  void SendNextTime();
+
+  /// EVENT_DEALT_WITH, EVENT_SETS_CHANGED, DELIVER_EVENTS and the two alert replies.
+  bool MessageReceived(const Message& message);
+
+  /// From the moment a due event is dealt with until the next pass.
+  bool IsDealing() const { return dealing_; }
+  /// The next pass runs with the start-up flag, whoever asks for it.
+  void PassWithStartupFlag();
+
+ private:
+  struct Earliest {
+    int64 time = 0;
+    class Event* event = nullptr;
+    EventSet* set = nullptr;
+    bool passedOver = false;  ///< something due had to stay due
+  };
+  Earliest FindEarliest();
+  void HandOn(const Earliest& earliest);
+  void DealWith(const Earliest& earliest);
+  void AlertReply(const Message& message);
+
+  Context& context_;
+  SendTime sendTime_;
+  std::function<void()> beforeStop_;
+  bool dealing_ = false;
+  bool passStartup_ = false;
+  bool nextIsStartup_ = false;
+};
+
+/// A handler may take that long, measured with the steady clock.
+inline constexpr int64 DealWithEventLimit = 1000000;
+
+}  // namespace kestrin

@@ -1,0 +1,35 @@
+// The ports and services that sets, events and handlers work with. Built by main, or by a test with
+// fakes; outlives every set.
+#pragma once
+
+#include "core/ports/Clock.h"
+#include "support/FileDoor.h"
+#include "support/LocalTime.h"
+
+namespace kestrin {
+
+class AlertDesk;
+class Desktop;
+class EventActions;
+class Holds;
+class MessageQueue;
+class Notices;
+class UserInterface;
+class Workers;
+
+struct Context {
+  Clock& clock;
+  FileDoor& files;
+  MessageQueue& queue;
+  Holds& holds;
+  UserInterface& ui;
+  AlertDesk& alerts;
+  Notices& notices;
+  Desktop& desktop;
+  Workers& workers;
+  EventActions& actions;
+  Zone zone;              ///< the system's zone; changed only between messages
+  uint64 nextHandle = 1;  ///< handles of sets and events; never reused
+};
+
+}  // namespace kestrin

@@ -1,0 +1,266 @@
+#include "core/events/Event.h"
+
+#include <strings.h>
+
+#include <algorithm>
+
+#include "core/events/EventSet.h"
+#include "core/events/HandlerTable.h"
+#include "core/ports/Clock.h"
+#include "core/ports/UserInterface.h"
+#include "core/settings/KestrinSettings.h"
+#include "support/OwnedText.h"
+
+namespace kestrin {
+
+Event::Event(EventSet& owner) : owner_(owner), handle_(owner.GetContext().nextHandle++) {
+  const Civil today = MidnightOf(LocalZone().AtMoment(Now()));
+  const Civil tomorrow{today.seconds + SecondsPerDay};
+  const int64 moment = LocalZone().ToMoment(tomorrow);
+  const int32 start = FitsTime(moment) ? static_cast<int32>(moment) : 0;
+  const CivilFields fields = ToFields(tomorrow);
+  record_.NextEventTime = record_.ActualEventTime = start;
+  record_.EventTime = record_.MultiStartTime = start;
+  record_.DayOfMonth = static_cast<int8>(fields.day);
+  record_.DayOfWeek = static_cast<int8>(fields.weekday);
+  record_.Month = static_cast<int8>(fields.month);
+  record_.WeekOfMonth = DetermineWeekOfMonth(record_.DayOfMonth, record_.DayOfWeek);
+  record_.WindowFrame = KestrinSettings::EventWindowPosition.NextFrame();
+  SetSelectedHandler(MessageHandler);
+}
+
+Event::Event(EventSet& owner, EventRecord record)
+    : owner_(owner), handle_(owner.GetContext().nextHandle++), record_(std::move(record)) {}
+
+Event::~Event() = default;
+
+const Zone& Event::LocalZone() const { return owner_.GetContext().zone; }
+int64 Event::Now() const { return owner_.GetContext().clock.Now(); }
+
+template <typename T, typename V>
+void Event::StoreTiming(T& field, V value) {
+  field = value;
+  UpdateEventTime();
+}
+
+template <typename T, typename V>
+void Event::StorePlain(T& field, V value) {
+  field = value;
+  SetModified();
+}
+
+void Event::SetName(std::string_view name) {
+  owner_.RecordRename(*this);
+  record_.Name = FitText(name);
+  owner_.EventModified(this);
+}
+
+void Event::SetActive(bool active) {
+  const bool awakes = active && !record_.Active;
+  record_.Active = active;
+  if (awakes && record_.NextEventTime != 0 && record_.NextEventTime <= Now()) {
+    UpdateEventTime();
+    return;
+  }
+  if (window_) window_->RedrawTimes();
+  owner_.EventModified(this);
+}
+
+namespace {
+
+bool IsAllowed(int32 periodType, int32 timingType) {
+  return timingType >= 0 && timingType < NumberOfTimingTypes &&
+         AllowableTypeCombination[periodType][timingType];
+}
+
+}  // namespace
+
+void Event::SetPeriodType(PeriodicityType type) {
+  record_.PeriodType = type;
+  if (!IsAllowed(type, record_.TimingType)) {
+    if (IsAllowed(type, record_.RememberType)) {
+      record_.TimingType = record_.RememberType;
+    } else {
+      record_.RememberType = record_.TimingType;
+      int32 highest = NumberOfTimingTypes - 1;
+      while (!IsAllowed(type, highest)) --highest;
+      record_.TimingType = highest;
+    }
+  }
+  if (type == SubDaily) record_.ApplyTime = true;
+  UpdateEventTime();
+}
+
+void Event::SetMultiple(uint32 multiple) { StoreTiming(record_.Multiple, multiple); }
+void Event::SetTimingType(enum TimingType type) { StoreTiming(record_.TimingType, type); }
+
+/// EventTime becomes the day of `day` joined, on the wall clock, with the time of day in use.
+bool Event::JoinDayAndTime(int32 day) {
+  Civil civil = MidnightOf(LocalZone().AtMoment(day));
+  if (record_.ApplyTime) civil.seconds += record_.TimeToApply;
+  const int64 moment = LocalZone().ToMoment(civil);
+  if (!FitsTime(moment)) return false;
+  record_.EventTime = static_cast<int32>(moment);
+  return true;
+}
+
+bool Event::SetEventTime(int32 time, bool useTimeOfDay) {
+  if (useTimeOfDay) {
+    record_.EventTime = time;
+    record_.TimeToApply = kestrin::GetSecondsIntoDay(time, LocalZone());
+    record_.ApplyTime = true;
+  } else if (!JoinDayAndTime(time)) {
+    return false;
+  }
+  UpdateEventTime();
+  return true;
+}
+
+void Event::SetDayOfMonth(int8 day) { StoreTiming(record_.DayOfMonth, day); }
+void Event::SetWeekOfMonth(int8 week) { StoreTiming(record_.WeekOfMonth, week); }
+void Event::SetDayOfWeek(int8 day) { StoreTiming(record_.DayOfWeek, day); }
+void Event::SetMonth(int8 month) { StoreTiming(record_.Month, month); }
+void Event::SetMultiStartTime(int32 time) { StoreTiming(record_.MultiStartTime, time); }
+
+void Event::SetApplyTime(bool apply) {
+  record_.ApplyTime = apply;
+  JoinDayAndTime(record_.EventTime);
+  UpdateEventTime();
+}
+
+void Event::SetTimeToApply(int32 secondsIntoDay) {
+  record_.TimeToApply = FoldIntoDay(secondsIntoDay);
+  if (record_.ApplyTime) JoinDayAndTime(record_.EventTime);
+  UpdateEventTime();
+}
+
+void Event::SetSubIntType(TimeIntervalType type) { StoreTiming(record_.SubIntType, type); }
+void Event::SetApplyStop(bool apply) { StoreTiming(record_.ApplyStop, apply); }
+void Event::SetStopTime(int32 time) { StoreTiming(record_.StopTime, FoldIntoDay(time)); }
+void Event::SetApplyPrewarn(bool apply) { StoreTiming(record_.ApplyPrewarn, apply); }
+void Event::SetPrewarnTime(uint32 time) { StoreTiming(record_.PrewarnTime, time); }
+void Event::SetPrewarnType(TimeIntervalType type) { StoreTiming(record_.PrewarnType, type); }
+void Event::SetApplyPrewarnRepeat(bool on) { StoreTiming(record_.ApplyPrewarnRepeat, on); }
+void Event::SetPrewarnRepeatTime(uint32 time) { StoreTiming(record_.PrewarnRepeatTime, time); }
+void Event::SetPrewarnRepeatType(TimeIntervalType type) {
+  StoreTiming(record_.PrewarnRepeatType, type);
+}
+
+void Event::SetPrewarnMessage(std::string_view text) {
+  StorePlain(record_.PrewarnMessage, FitText(text));
+}
+void Event::SetNagMessage(std::string_view text) { StorePlain(record_.NagMessage, FitText(text)); }
+void Event::SetComment(std::string_view text) { StorePlain(record_.Comment, FitText(text)); }
+
+void Event::SetApplyNag(bool apply) {
+  record_.ApplyNag = apply;
+  if (record_.Status == WaitingToNag && !apply) UpdateEventTime();
+  SetModified();
+}
+
+void Event::SetNagRepeatTime(uint32 time) { StorePlain(record_.NagRepeatTime, time); }
+void Event::SetNagRepeatType(TimeIntervalType type) { StorePlain(record_.NagRepeatType, type); }
+void Event::SetDeliverIfMissed(bool deliver) { StorePlain(record_.DeliverIfMissed, deliver); }
+void Event::SetDeleteOnceDelivered(bool on) { StorePlain(record_.DeleteOnceDelivered, on); }
+
+void Event::SetIcon(int32 index, std::unique_ptr<IconPair> own) {
+  if (index == -2 && !own) return;
+  ownIcon_ = index == -2 ? std::move(own) : nullptr;
+  record_.IconNumber = index;
+  owner_.EventModified(this);
+}
+
+void Event::SetModified() { owner_.SetModified(); }
+
+EventAddOnData* Event::GetAddOnData(int32 row) const {
+  if (row == selectedHandler_) return selectedData_.get();
+  for (const Slot& slot : otherData_)
+    if (slot.row == row) return slot.data.get();
+  return nullptr;
+}
+
+void Event::AdoptAddOnData(int32 row, std::unique_ptr<EventAddOnData> data) {
+  selectedData_ = std::move(data);
+  selectedHandler_ = row;
+}
+
+bool Event::SetSelectedHandler(int32 row) {
+  if (row < 0 || row >= NumberOfEventHandlers) return false;
+  if (row == selectedHandler_ && selectedData_) return true;
+  std::unique_ptr<EventAddOnData> data = TakeOtherData(row);
+  if (!data) {
+    if (row == UnknownHandler) return false;
+    bool ok = true;
+    bool threw = false;
+    data = MakeAddOnData(row, this, nullptr, &ok, &threw);
+    if (!data) return false;
+  }
+  if (window_) window_->RemoveEditView();
+  if (selectedData_) otherData_.push_back({selectedHandler_, std::move(selectedData_)});
+  AdoptAddOnData(row, std::move(data));
+  if (window_) window_->AddEditView();
+  owner_.EventModified(this);
+  return true;
+}
+
+std::unique_ptr<EventAddOnData> Event::TakeOtherData(int32 row) {
+  const auto found = std::find_if(otherData_.begin(), otherData_.end(),
+                                  [row](const Slot& slot) { return slot.row == row; });
+  if (found == otherData_.end()) return nullptr;
+  std::unique_ptr<EventAddOnData> data = std::move(found->data);
+  otherData_.erase(found);
+  return data;
+}
+
+std::string Event::GetHandlerName() const {
+  if (selectedHandler_ != UnknownHandler) return AddOnNames[static_cast<size_t>(selectedHandler_)];
+  const auto* unknown = dynamic_cast<const KeepsOriginalHandler*>(GetAddOnData());
+  return unknown ? unknown->GetOriginalHandler() : AddOnNames[UnknownHandler];
+}
+
+void Event::TakeTimes(const EventTimes& times) {
+  record_.ActualEventTime = times.ActualEventTime;
+  record_.NextEventTime = times.NextEventTime;
+  record_.Status = times.Status;
+}
+
+void Event::TellTimes() {
+  if (window_) window_->RedrawTimes();
+  owner_.EventModified(this);
+}
+
+void Event::UpdateEventTime() {
+  TakeTimes(ComputeEventTimes(record_, Now(), LocalZone(), skipPrewarn_));
+  skipNag_ = skipPrewarn_ = false;
+  TellTimes();
+}
+
+void Event::OpenWindow() {
+  if (window_)
+    window_->Activate();
+  else
+    window_ = owner_.GetContext().ui.OpenEventWindow(*this);
+}
+
+int64 Event::Compare(const Event& a, const Event& b, int32 column) {
+  const auto status = [](const Event& event) {
+    return event.GetActive() ? int64{event.GetStatus()} : 4;
+  };
+  switch (column) {
+    case 1:
+      return strcasecmp(a.GetName().c_str(), b.GetName().c_str());
+    case 2:
+      return int64{a.GetActualEventTime()} - b.GetActualEventTime();
+    case 3:
+      return int64{a.GetNextEventTime()} - b.GetNextEventTime();
+    case 4:
+      return strcasecmp(AddOnNames[static_cast<size_t>(a.selectedHandler_)],
+                        AddOnNames[static_cast<size_t>(b.selectedHandler_)]);
+    case 5:
+      return status(a) - status(b);
+    default:
+      return 0;
+  }
+}
+
+}  // namespace kestrin

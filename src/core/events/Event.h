@@ -1,0 +1,187 @@
+// One reminder: its record, the setters with their side effects, its handler's data, and the
+// delivery state machine.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/events/Context.h"
+#include "core/timing/EventRecord.h"
+#include "core/timing/EventTiming.h"
+#include "kestrin/EventAddOnData.h"
+#include "support/Bitmap.h"
+
+namespace kestrin {
+
+class EditorWindow;
+class EventSet;
+class Message;
+
+enum class ConstructorResult : int32 { Success = 0, CouldNotOpen = 1, CouldNotRead = 2 };
+
+/// Belongs to one set, which is its lock (GetProtectionSemaphore): callers hold it, or are the main
+/// thread. Setters that change the timing recompute the next time; every setter but those of the
+/// window's state marks the set modified. Texts are cut to TextLimit - 1 bytes at their first NUL.
+class Event {
+ public:
+  /// A new event with the defaults: tomorrow at midnight, the "Message" handler. Not yet in the
+  /// set.
+  explicit Event(EventSet& owner);
+  /// An event with these values and no handler data: the reader of a file or message adds it.
+  Event(EventSet& owner, EventRecord record);
+  Event(const Event&) = delete;
+  Event& operator=(const Event&) = delete;
+  ~Event();
+
+  const EventRecord& Record() const { return record_; }
+  uint64 GetHandle() const { return handle_; }  ///< never reused in this process
+  EventSet* GetOwner() const { return &owner_; }
+  EventSet& GetProtectionSemaphore() const { return owner_; }
+
+  const std::string& GetName() const { return record_.Name; }
+  int32 GetNextEventTime() const { return record_.NextEventTime; }
+  int32 GetActualEventTime() const { return record_.ActualEventTime; }
+  bool GetActive() const { return record_.Active; }
+  int32 GetStatus() const { return record_.Status; }
+  bool GetApplyTime() const { return record_.ApplyTime; }
+  const std::string& GetComment() const { return record_.Comment; }
+  bool GetShouldWindowOpen() const { return record_.ShouldWindowOpen; }
+
+  void SetName(std::string_view name);
+  void SetActive(bool active);
+  void SetPeriodType(PeriodicityType type);
+  void SetMultiple(uint32 multiple);
+  void SetTimingType(TimingType type);
+  /// `useTimeOfDay`: `time` brings a time of day along; otherwise only its day counts. False, and
+  /// nothing changes, when the day with the event's time of day is beyond what can be stored.
+  bool SetEventTime(int32 time, bool useTimeOfDay);
+  void SetDayOfMonth(int8 day);
+  void SetWeekOfMonth(int8 week);
+  void SetDayOfWeek(int8 day);
+  void SetMonth(int8 month);
+  void SetMultiStartTime(int32 time);
+  void SetApplyTime(bool apply);
+  void SetTimeToApply(int32 secondsIntoDay);
+  void SetSubIntType(TimeIntervalType type);
+  void SetApplyStop(bool apply);
+  void SetStopTime(int32 secondsIntoDay);
+  void SetApplyPrewarn(bool apply);
+  void SetPrewarnTime(uint32 time);
+  void SetPrewarnType(TimeIntervalType type);
+  void SetApplyPrewarnRepeat(bool apply);
+  void SetPrewarnRepeatTime(uint32 time);
+  void SetPrewarnRepeatType(TimeIntervalType type);
+  void SetPrewarnMessage(std::string_view text);
+  void SetApplyNag(bool apply);
+  void SetNagRepeatTime(uint32 time);
+  void SetNagRepeatType(TimeIntervalType type);
+  void SetNagMessage(std::string_view text);
+  void SetDeliverIfMissed(bool deliver);
+  void SetDeleteOnceDelivered(bool doDelete);
+  void SetComment(std::string_view text);
+  void SetWindowFrame(Rect frame) { record_.WindowFrame = frame; }
+  void SetTabShown(int32 tab) { record_.TabShown = tab; }
+  void SetShouldWindowOpen(bool open) { record_.ShouldWindowOpen = open; }
+  void SetSkipPrewarn(bool skip) { skipPrewarn_ = skip; }
+  void SetSkipNag(bool skip) { skipNag_ = skip; }
+  /// `own` is kept only for index -2.
+  void SetIcon(int32 index, std::unique_ptr<IconPair> own);
+  /// For readers: the bitmaps that belong to the icon number -2. Notifies nobody.
+  void AdoptIcon(std::unique_ptr<IconPair> own) { ownIcon_ = std::move(own); }
+  /// The event's own bitmaps, or null.
+  const IconPair* GetOwnIcon() const { return ownIcon_.get(); }
+  void SetModified();
+
+  /// Row of the handler table. "Unknown" is taken only by an event that holds such data; a factory
+  /// that fails leaves the old handler in place. Returns whether the handler is the one asked for.
+  bool SetSelectedHandler(int32 row);
+  int32 GetSelectedHandler() const { return selectedHandler_; }
+  EventAddOnData* GetAddOnData() const { return GetAddOnData(selectedHandler_); }
+  EventAddOnData* GetAddOnData(int32 row) const;
+  /// What a file or message calls the handler: for "Unknown" the name of the missing one.
+  std::string GetHandlerName() const;
+  /// For readers: puts data into a slot and selects it. Notifies nobody.
+  void AdoptAddOnData(int32 row, std::unique_ptr<EventAddOnData> data);
+
+  /// Adds the event's fields and its handler's data to an empty message. False, with the message
+  /// of no use, when the handler fails.
+  bool GenerateMessageForEvent(Message* message) const;
+
+  /// Recomputes the times and the status as at now and tells everybody.
+  void UpdateEventTime();
+
+  /// Delivers whatever is due, advances the state and posts EVENT_DEALT_WITH, once. An event whose
+  /// times were changed while its action ran keeps them. Called with the set locked; returns with
+  /// it unlocked when an alert or a handler was served. The event may be gone afterwards.
+  /// `checkMissed`: the pass follows a start, so events may have been missed.
+  void DealWithEvent(bool checkMissed);
+
+  /// Advances the state as after a delivery, delivering nothing: for what was delivered before its
+  /// set was read again. The event may be gone afterwards.
+  void MoveOn();
+  /// Whether its action runs now, which needs it and its data.
+  bool IsActing() const { return acting_; }
+
+  /// Opens the editor, or activates it.
+  void OpenWindow();
+  EditorWindow* GetWindow() const { return window_; }
+  void WindowClosed() { window_ = nullptr; }
+
+  /// Difference (negative, 0, positive) of two events in a list column; names compare without case.
+  static int64 Compare(const Event& a, const Event& b, int32 column);
+
+  // For NextEventIndex alone.
+  uint64 indexStamp = 0;  ///< place in the set's list: smaller stands earlier
+  int32 indexPlace = -1;
+
+ private:
+  /// Stores a field of the timing rule and recomputes.
+  template <typename T, typename V>
+  void StoreTiming(T& field, V value);
+  /// Stores any other field and marks the set modified.
+  template <typename T, typename V>
+  void StorePlain(T& field, V value);
+  bool JoinDayAndTime(int32 day);
+  void TakeTimes(const EventTimes& times);
+  void TellTimes();
+  std::unique_ptr<EventAddOnData> TakeOtherData(int32 row);
+  const Zone& LocalZone() const;
+  int64 Now() const;
+
+  bool IsLate(int64 now) const;
+  void DropPrewarnings(int64 now);
+  void PassOverMissed();
+  template <typename Action>
+  void Deliver(int32 found, Action act);
+  void EventDelivered();
+  void PrewarningDelivered(int64 now);
+  void OccurrenceDelivered(int64 now);
+  void NagDelivered(int64 now);
+  void StepNag(int64 after);
+  void DeleteSelf();
+
+  EventSet& owner_;
+  uint64 handle_;
+  EventRecord record_;
+  std::unique_ptr<IconPair> ownIcon_;
+  struct Slot {
+    int32 row;
+    std::unique_ptr<EventAddOnData> data;
+  };
+  int32 selectedHandler_ = 0;
+  std::unique_ptr<EventAddOnData> selectedData_;  ///< of selectedHandler_
+  std::vector<Slot> otherData_;                   ///< of handlers that were selected before
+  EditorWindow* window_ = nullptr;
+  bool acting_ = false;
+  bool skipNag_ = false;
+  bool skipPrewarn_ = false;
+};
+
+/// The text of a prewarning (kind 0) or nag (kind 1).
+std::string GetNagOrPrewarnMessage(char kind, const std::string& name, int32 when,
+                                   bool useTimeOfDay, const std::string& userText, int64 now,
+                                   const Zone& zone);
+
+}  // namespace kestrin

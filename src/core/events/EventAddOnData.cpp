@@ -1,0 +1,48 @@
+#include "kestrin/EventAddOnData.h"
+
+#include <atomic>
+#include <utility>
+
+#include "core/events/Context.h"
+#include "core/events/HandlerTable.h"
+#include "core/loop/Holds.h"
+#include "core/loop/MessageQueue.h"
+#include "core/ports/UserInterface.h"
+
+namespace kestrin {
+
+namespace {
+
+// Threads of handlers come here while the main thread may be unloading the table.
+Context* Services() { return std::atomic_ref(HandlerContext).load(); }
+
+}  // namespace
+
+EventAddOnData::EventAddOnData(Event* attachedTo) : attachedTo_(attachedTo) {}
+
+EventAddOnData::~EventAddOnData() { EventAddOnData::DestroyEditView(); }
+
+void EventAddOnData::DestroyEditView() {
+  QWidget* view = std::exchange(editView_, nullptr);
+  Context* context = Services();
+  if (view && context) context->ui.DestroyEditView(view);
+}
+
+void EventAddOnData::EAODReserved1() {}
+void EventAddOnData::EAODReserved2() {}
+void EventAddOnData::EAODReserved3() {}
+void EventAddOnData::EAODReserved4() {}
+void EventAddOnData::EAODReserved5() {}
+void EventAddOnData::EAODReserved6() {}
+
+void EventAddOnData::ProcessHold() {
+  if (Context* context = Services()) context->holds.ProcessHold();
+}
+
+void EventAddOnData::ProcessDone() {
+  if (Context* context = Services()) context->queue.Post(PROCESS_HOLD_DONE);
+}
+
+ActsWithoutScreen::~ActsWithoutScreen() = default;
+
+}  // namespace kestrin

@@ -1,0 +1,40 @@
+#include "core/events/OpenSets.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "core/events/EventSet.h"
+
+namespace kestrin {
+
+std::vector<std::unique_ptr<EventSet>> OpenSets::Sets;
+std::vector<std::unique_ptr<EventSet>> OpenSets::departed_;
+Locker OpenSets::Protect("Open sets", LockRank::OpenSets);
+
+EventSet* OpenSets::FindFile(const std::string& path) {
+  for (const auto& set : Sets)
+    if (set->GetFileName() == path) return set.get();
+  return nullptr;
+}
+
+EventSet* OpenSets::FindHandle(uint64 handle) {
+  for (const auto& set : Sets)
+    if (set->GetHandle() == handle) return set.get();
+  return nullptr;
+}
+
+void OpenSets::Destroy(EventSet* set) {
+  const auto found =
+      std::find_if(Sets.begin(), Sets.end(), [set](const auto& open) { return open.get() == set; });
+  if (found == Sets.end()) return;
+  std::unique_ptr<EventSet> gone = std::move(*found);
+  Sets.erase(found);
+  if (gone->IsActionRunning()) departed_.push_back(std::move(gone));
+}
+
+void OpenSets::DestroyDeparted() {
+  for (const auto& set : std::exchange(departed_, {}))
+    if (!FindFile(set->GetFileName())) set->SaveDeliveriesAlone();
+}
+
+}  // namespace kestrin

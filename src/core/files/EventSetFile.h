@@ -1,0 +1,37 @@
+// The bytes of an event set on disk; docs/file-format.md shows them.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "core/events/EventSet.h"
+#include "kestrin/EndianIndependentFile.h"
+
+namespace kestrin {
+
+inline constexpr char SetFileVersion[] = "1.2";
+inline constexpr char SetFileType[] = "application/x-vnd.ZR-KestrinEventSet";
+inline constexpr char SetFileSuffix[] = ".kestrin";
+/// Larger files are refused: 64 MiB are 300,000 events of an ordinary length.
+inline constexpr int64 MaxSetFileSize = int64{64} << 20;
+
+/// What a reader may want to know beyond the events.
+struct SetFileReport {
+  std::string Version;
+  bool BigEndian = false;
+  std::string Fault;      ///< what is wrong with the file, for people; empty after a success
+  std::string Complaint;  ///< an add-on failed, its events are kept; for people
+  /// Called after each event with the place of its handler's data, behind the count, in the file.
+  std::function<void(const Event& event, int64 offset, int64 length)> OnHandlerData;
+};
+
+/// Reads the file into the new, empty `set`. A refused version clears `versionOK` and leaves the
+/// result at Success. Main thread; does not tell the user anything.
+ConstructorResult ReadSetFile(EventSet& set, const std::string& path, bool* versionOK,
+                              SetFileReport* report);
+
+/// Writes version 1.2 in this machine's byte order at the file's position. False when a write was
+/// not whole.
+bool WriteSetFile(EventSet& set, EndianIndependentFile& file);
+
+}  // namespace kestrin

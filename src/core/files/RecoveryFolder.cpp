@@ -1,0 +1,74 @@
+#include "core/files/RecoveryFolder.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "core/events/EventSet.h"
+#include "core/files/EventSetFile.h"
+#include "support/WholeFile.h"
+
+namespace kestrin {
+
+RecoveryFolder::RecoveryFolder(FileDoor& files, const std::string& stateFolder)
+    : files_(files),
+      copies_(stateFolder + "/recovered"),
+      alerts_(stateFolder + "/open-alerts.json") {}
+
+bool RecoveryFolder::SaveCopy(EventSet& set) {
+  if (!set.RecoveredFrom().empty()) return set.SaveCopy(set.RecoveredFrom());
+  if (files_.MakeFolders(copies_) != StatusOk) return false;
+  std::string& path = made_[set.GetHandle()];
+  if (path.empty()) path = NewName(set);
+  return set.SaveCopy(path);
+}
+
+std::string RecoveryFolder::NewName(const EventSet& set) const {
+  std::string stem = set.GetLeaf();
+  const std::string suffix = SetFileSuffix;
+  if (stem.ends_with(suffix)) stem.resize(stem.size() - suffix.size());
+  std::string path = copies_ + "/" + stem + suffix;
+  for (int number = 2; files_.Kind(path) != FileKind::Missing; ++number)
+    path = copies_ + "/" + stem + ", " + std::to_string(number) + suffix;
+  return path;
+}
+
+void RecoveryFolder::Forget(const EventSet& set) {
+  const auto made = made_.find(set.GetHandle());
+  if (made == made_.end()) return;
+  files_.Remove(made->second);
+  made_.erase(made);
+}
+
+std::vector<std::string> RecoveryFolder::Copies() const {
+  std::vector<std::string> paths;
+  for (const std::string& name : files_.List(copies_).value_or(std::vector<std::string>()))
+    if (name.ends_with(SetFileSuffix)) paths.push_back(copies_ + "/" + name);
+  return paths;
+}
+
+bool RecoveryFolder::RecordAlerts(const std::vector<Message>& alerts) {
+  if (alerts.empty())
+    return files_.Kind(alerts_) == FileKind::Missing || files_.Remove(alerts_) == StatusOk;
+  std::string lines;
+  for (const Message& alert : alerts) lines += alert.Flatten() + "\n";
+  return files_.MakeFolders(alerts_.substr(0, alerts_.rfind('/'))) == StatusOk &&
+         WriteWholeFile(files_, alerts_, lines) == StatusOk;
+}
+
+std::vector<Message> RecoveryFolder::RecordedAlerts() const {
+  std::vector<Message> alerts;
+  status_t status = StatusOk;
+  const std::string lines = ReadWholeFile(files_, alerts_, status).value_or("");
+  for (size_t at = 0; at < lines.size();) {
+    const size_t end = std::min(lines.find('\n', at), lines.size());
+    if (auto alert = Message::Unflatten(std::string_view(lines).substr(at, end - at)))
+      alerts.push_back(std::move(*alert));
+    else
+      std::fprintf(stderr, "kestrin: %s: a line that is no alert was passed over\n",
+                   alerts_.c_str());
+    at = end + 1;
+  }
+  return alerts;
+}
+
+}  // namespace kestrin

@@ -1,0 +1,71 @@
+// All alerts of the application: which stand open, which wait, and what happens when one is
+// answered.
+#pragma once
+
+#include <deque>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+#include "core/loop/MessageQueue.h"
+#include "core/ports/Alert.h"
+#include "core/ports/UserInterface.h"
+
+namespace kestrin {
+
+/// At most MaxOpenAlerts stand open; the others wait their turn, in order. Prompts wait for nobody.
+/// Windows are opened on a later turn of the message loop (ALERTS_WAITING), never inside Show.
+/// Without a screen an alert's text goes to standard error and it is answered harmlessly.
+class AlertDesk {
+ public:
+  static constexpr int32 MaxOpenAlerts = 24;
+
+  AlertDesk(MessageQueue& queue, UserInterface& ui) : queue_(queue), ui_(ui) {}
+
+  /// Any thread. The request's Done is called exactly once, in the main thread: when the alert is
+  /// answered, or with the harmless button when it is brought up to date by another or ended. Once
+  /// EndByForce has begun, Done is called before Show returns, in the calling thread. No set may be
+  /// locked.
+  void Show(AlertRequest request);
+
+  /// On ALERTS_WAITING. Main thread, as all that follows.
+  void OpenWaiting();
+  /// From the user interface, which has closed the window already.
+  void Answered(AlertId id, int which);
+  /// Brings the prompt about the set to the front; false when none stands open or waits.
+  bool RaisePrompt(uint64 set);
+  /// Closes every prompt, those that wait too, with its harmless answer.
+  void DismissPrompts();
+  /// Whether an alert about the set, other than a prompt, stands open or waits.
+  bool AnyFor(uint64 set) const;
+  bool Empty() const;
+
+  /// Closes everything with the harmless answer and returns what stood open or waited, in order.
+  /// Later requests are answered harmlessly at once.
+  std::vector<AlertRequest> EndByForce();
+
+ private:
+  struct Open {
+    AlertRequest request;
+    int32 place;
+  };
+  void BringUpToDate();
+  std::optional<AlertRequest> ReplaceWaiting();
+  std::optional<AlertRequest> ReplaceOpen();
+  std::optional<AlertRequest> TakeWaiting();
+  size_t CountWaiting() const;
+  bool MayOpenNext() const;
+  int32 FreePlace() const;
+
+  MessageQueue& queue_;
+  UserInterface& ui_;
+  mutable std::mutex guard_;  ///< of waiting_ and ended_; all else belongs to the main thread
+  std::deque<AlertRequest> waiting_;
+  bool ended_ = false;
+  size_t settled_ = 0;  ///< how many of waiting_, from its front, bring no other alert up to date
+  std::map<AlertId, Open> open_;
+  AlertId nextId_ = 1;
+};
+
+}  // namespace kestrin

@@ -1,0 +1,94 @@
+// The screen, as a port. Main thread only. Windows own themselves; core keeps plain pointers to the
+// two interfaces below, which each window takes back (EventSet::WindowClosed, Event::WindowClosed)
+// before it goes.
+#pragma once
+
+#include <string>
+
+#include "core/ports/Alert.h"
+#include "kestrin/Types.h"
+
+class QWidget;
+
+namespace kestrin {
+
+class Event;
+class EventAddOnData;
+class EventSet;
+
+/// The window that shows a set. The calls come with the set unlocked or locked by the main thread.
+class SetWindow {
+ public:
+  virtual ~SetWindow() = default;
+  virtual void Activate() = 0;
+  virtual void EventAdded(Event& event) = 0;
+  /// The event is about to go; nothing may keep a pointer to it.
+  virtual void EventRemoved(Event& event) = 0;
+  /// Columns of the event have changed. May be called 100,000 times in a row: collect, repaint
+  /// once.
+  virtual void EventModified(Event& event) = 0;
+  /// The set's name, its modified flag or what it delivers next have changed.
+  virtual void SetChanged() = 0;
+  /// Hands over what is being typed.
+  virtual void CommitEdits() = 0;
+  /// Closes and returns true, or asks the user first and returns false.
+  virtual bool RequestClose() = 0;
+  /// Closes without a question.
+  virtual void CloseNow() = 0;
+};
+
+/// The editor window of an event.
+class EditorWindow {
+ public:
+  virtual ~EditorWindow() = default;
+  virtual void Activate() = 0;
+  /// The event's times, status or active flag have changed. May be collected.
+  virtual void RedrawTimes() = 0;
+  /// Any other field has changed, by somebody else than this window.
+  virtual void EventChanged() = 0;
+  /// Before another handler is selected: the old one's edit view goes.
+  virtual void RemoveEditView() = 0;
+  /// After it: the new one's comes.
+  virtual void AddEditView() = 0;
+  virtual void CommitEdits() = 0;
+  virtual void CloseNow() = 0;
+};
+
+class UserInterface {
+ public:
+  virtual ~UserInterface() = default;
+
+  /// False when the process has no display: no window can be opened.
+  virtual bool HasScreen() const = 0;
+
+  /// Both return null without a screen.
+  virtual SetWindow* OpenSetWindow(EventSet& set) = 0;
+  virtual EditorWindow* OpenEventWindow(Event& event) = 0;
+
+  /// Alerts are opened, changed and answered by id; the answer goes to AlertDesk::Answered. `place`
+  /// is the alert's position in the cascade, 0 and up, free of any other open alert.
+  virtual void OpenAlert(AlertId id, const AlertRequest& request, int32 place) = 0;
+  virtual void UpdateAlert(AlertId id, const AlertRequest& request) = 0;
+  /// Brings the alert to the front and gives it the focus.
+  virtual void RaiseAlert(AlertId id) = 0;
+  /// Closes the window without an answer.
+  virtual void CloseAlert(AlertId id) = 0;
+
+  /// A warning with one button that waits, in a loop of its own, until it is pressed.
+  virtual void WaitForFatalError(const std::string& title, const std::string& text,
+                                 const std::string& button) = 0;
+
+  virtual void ShowOpenPanel() = 0;
+  virtual void ShowSettingsWindow() = 0;
+  virtual void ShowAboutWindow() = 0;
+  /// Closes what the three calls before have opened.
+  virtual void CloseOtherWindows() = 0;
+  /// The settings that windows show have changed.
+  virtual void SettingsChanged() = 0;
+
+  /// The edit view of a built-in handler's data, or null; deletes any handler's.
+  virtual QWidget* CreateEditView(EventAddOnData& data, Rect frame) = 0;
+  virtual void DestroyEditView(QWidget* view) = 0;
+};
+
+}  // namespace kestrin

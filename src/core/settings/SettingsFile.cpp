@@ -1,0 +1,223 @@
+#include "core/settings/SettingsFile.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <span>
+#include <string>
+
+#include "core/settings/KestrinSettings.h"
+#include "support/Message.h"
+
+namespace kestrin {
+
+namespace {
+
+using Settings = KestrinSettings;
+
+constexpr uint32 LongType = FourCharCode("LONG"), BoolType = FourCharCode("BOOL"),
+                 FloatType = FourCharCode("FLOT"), RectType = FourCharCode("RECT"),
+                 PointType = FourCharCode("BPNT"), ByteType = FourCharCode("BYTE"),
+                 TextType = FourCharCode("CSTR");
+constexpr int64 IconBytes = MiniIconBytes + LargeIconBytes;
+
+template <typename T>
+std::span<T> One(T& value) {
+  return std::span(&value, 1);
+}
+
+// The three things that are done with a key. Each answers whether it has changed `values`.
+
+struct Reader {
+  const SettingsStore& store;
+
+  template <typename T, size_t Count>
+  bool operator()(const char* key, uint32 type, std::span<T, Count> values) {
+    const auto stored = store.Get(key);
+    if (!stored || stored->type != type || stored->bytes.size() != values.size_bytes())
+      return false;
+    if constexpr (std::is_same_v<T, bool>)
+      std::transform(stored->bytes.begin(), stored->bytes.end(), values.begin(),
+                     [](char byte) { return byte != 0; });
+    else
+      std::memcpy(values.data(), stored->bytes.data(), values.size_bytes());
+    return true;
+  }
+};
+
+struct Writer {
+  SettingsStore& store;
+  status_t status = StatusOk;  ///< the last failure
+
+  void Bytes(const char* key, uint32 type, std::string_view bytes) {
+    const status_t result = store.Set(key, bytes, type);
+    if (result != StatusOk) status = result;
+  }
+  template <typename T, size_t Count>
+  bool operator()(const char* key, uint32 type, std::span<T, Count> values) {
+    std::string bytes(values.size_bytes(), '\0');
+    std::memcpy(bytes.data(), values.data(), bytes.size());
+    Bytes(key, type, bytes);
+    return false;
+  }
+};
+
+struct Eraser {
+  SettingsStore& store;
+
+  template <typename T, size_t Count>
+  bool operator()(const char* key, uint32, std::span<T, Count>) {
+    store.Delete(key);
+    return false;
+  }
+};
+
+template <typename Visitor>
+void VisitChoices(Visitor& visit) {
+  visit("SelectedSetHandling", LongType, One(Settings::SelectedSetHandling));
+  visit("WhichEventsToDeliver", LongType, One(Settings::WhichEventsToDeliver));
+  visit("Time24Hour", BoolType, One(Settings::Time24Hour));
+  visit("RememberWindowSetupAsDefault", BoolType, One(Settings::RememberWindowSetupAsDefault));
+}
+
+template <typename Visitor>
+void VisitFrame(Visitor& visit, const char* key, WindowPositionSet& position) {
+  Rect frame = position.DefaultFrame();
+  if (visit(key, RectType, One(frame))) position.SetDefaultFrame(frame);
+}
+
+template <typename Visitor>
+void VisitLayout(Visitor& visit) {
+  VisitFrame(visit, "SetWindowFrame", Settings::SetWindowPosition);
+  visit("ColumnOrder", LongType, std::span(Settings::ColumnOrder));
+  visit("ColumnShown", BoolType, std::span(Settings::ColumnShown));
+  visit("ColumnWidth", FloatType, std::span(Settings::ColumnWidth));
+  visit("ViewMode", LongType, One(Settings::ViewMode));
+  visit("NumberOfKeys", LongType, One(Settings::NumberOfKeys));
+  visit("SortKeys", LongType, std::span(Settings::SortKeys));
+  visit("SortModes", LongType, std::span(Settings::SortModes));
+  VisitFrame(visit, "EventWindowFrame", Settings::EventWindowPosition);
+}
+
+template <typename Visitor>
+void VisitSettingsWindow(Visitor& visit) {
+  visit("SettingsWindowFrame", RectType, One(Settings::SettingsWindowFrame));
+}
+
+template <typename Visitor>
+void VisitIconNumbers(Visitor& visit) {
+  visit("IconPanelLocation", PointType, One(Settings::IconPanelLocation));
+  visit("NumberOfUserIcons", LongType, One(Settings::NumberOfUserIcons));
+}
+
+// The count decides how many names there are, the bytes bound them.
+void ReadSetNames(Reader& read) {
+  int32 count = 0;
+  read("NumberOfSetsToUse", LongType, One(count));
+  const auto stored = read.store.Get("SetsToUse");
+  if (count <= 0 || !stored || stored->type != ByteType) return;
+  Settings::SetFileNames.clear();
+  std::string_view rest = stored->bytes;
+  for (; count > 0 && !rest.empty(); --count) {
+    const std::string_view name = rest.substr(0, rest.find('\0'));
+    if (!name.empty()) Settings::SetFileNames.emplace_back(name);
+    rest.remove_prefix(std::min(name.size() + 1, rest.size()));
+  }
+}
+
+void ReadIcons(const SettingsStore& store) {
+  const auto stored = store.Get("UserIcons");
+  if (Settings::NumberOfUserIcons <= 0 || !stored || stored->type != ByteType ||
+      static_cast<int64>(stored->bytes.size()) != IconBytes * Settings::NumberOfUserIcons)
+    return;
+  Settings::UserMiniIcons.clear();
+  Settings::UserLargeIcons.clear();
+  for (std::string_view rest = stored->bytes; !rest.empty(); rest.remove_prefix(IconBytes)) {
+    Settings::UserMiniIcons.emplace_back(rest.substr(0, MiniIconBytes));
+    Settings::UserLargeIcons.emplace_back(rest.substr(MiniIconBytes, LargeIconBytes));
+  }
+}
+
+void ReadZoneName(const SettingsStore& store) {
+  const auto stored = store.Get("ZoneName");
+  if (stored && stored->type == TextType)
+    Settings::ZoneName = stored->bytes.substr(0, stored->bytes.find('\0'));
+}
+
+void WriteSetNames(Writer& write) {
+  std::string names;
+  for (const std::string& name : Settings::SetFileNames) names.append(name).push_back('\0');
+  auto count = static_cast<int32>(Settings::SetFileNames.size());
+  write("NumberOfSetsToUse", LongType, One(count));
+  if (names.empty())
+    write.store.Delete("SetsToUse");
+  else
+    write.Bytes("SetsToUse", ByteType, names);
+}
+
+void WriteIcons(Writer& write) {
+  std::string icons;
+  const size_t count = std::min(Settings::UserMiniIcons.size(), Settings::UserLargeIcons.size());
+  for (size_t i = 0; i < count; ++i) {
+    std::string mini = Settings::UserMiniIcons[i], large = Settings::UserLargeIcons[i];
+    mini.resize(MiniIconBytes);
+    large.resize(LargeIconBytes);
+    icons += mini + large;
+  }
+  if (!icons.empty())
+    write.Bytes("UserIcons", ByteType, icons);
+  else if (Settings::NumberOfUserIcons == 0)
+    write.store.Delete("UserIcons");
+  // Else icons are there that could not be read: they stay as they are.
+}
+
+}  // namespace
+
+void InitSettings(SettingsStore& store, Notices& notices) {
+  if (store.InitStatus() != StatusOk)
+    notices.HandleErrorAndExit("InitSettings: Libprefs failed to initialize");
+  if (store.LoadStatus() != StatusOk)
+    notices.HandleErrorAndExit("InitSettings: Libprefs failed to initialize settings");
+  const AutoLock lock(Settings::Protect);
+  Reader read{store};
+  ReadSetNames(read);
+  VisitChoices(read);
+  if (Settings::RememberWindowSetupAsDefault) VisitLayout(read);
+  VisitSettingsWindow(read);
+  VisitIconNumbers(read);
+  ReadIcons(store);
+  ReadZoneName(store);
+  if (const std::string complaint = store.Complaint(); !complaint.empty())
+    notices.ReportError(complaint);
+}
+
+void WriteSettings(SettingsStore& store, Notices& notices) {
+  const AutoLock lock(Settings::Protect);
+  Writer write{store};
+  WriteSetNames(write);
+  VisitChoices(write);
+  if (Settings::RememberWindowSetupAsDefault) {
+    VisitLayout(write);
+    VisitSettingsWindow(write);
+  } else {
+    Eraser erase{store};
+    VisitLayout(erase);
+    VisitSettingsWindow(erase);
+    // Of an earlier layout; nothing reads them any more.
+    store.Delete("GroupActiveEventsFirst");
+    store.Delete("AscendingOrder");
+  }
+  VisitIconNumbers(write);
+  WriteIcons(write);
+  write.Bytes("ZoneName", TextType, Settings::ZoneName + '\0');
+  const status_t saved = store.Save();
+  if (saved != StatusOk) write.status = saved;
+  const bool failed = write.status != StatusOk;
+  if (failed && !store.UserKnowsOfFailure) {
+    std::fprintf(stderr, "Settings: %s\n", store.MessageOf(write.status).c_str());
+    notices.ReportError("WriteSettings: Failed to save settings");
+  }
+  store.UserKnowsOfFailure = failed;
+}
+
+}  // namespace kestrin

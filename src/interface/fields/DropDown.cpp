@@ -1,0 +1,16 @@
+#include "interface/fields/DropDown.h"
+
+#include <QWheelEvent>
+
+namespace kestrin {
+
+DropDown::DropDown(QWidget* parent) : QComboBox(parent) { setFocusPolicy(Qt::StrongFocus); }
+
+void DropDown::wheelEvent(QWheelEvent* event) {
+  if (hasFocus())
+    QComboBox::wheelEvent(event);
+  else
+    event->ignore();
+}
+
+}  // namespace kestrin

@@ -1,0 +1,258 @@
+// How the application ends: by itself, by the user's wish, or by force; what puts a quit off, and
+// that nothing is lost on the way.
+#include "harness/AppTestBase.h"
+
+namespace kestrin {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Not;
+
+class KestrinAppQuitTest : public AppTestBase {
+ protected:
+  const std::string Unsaved = "Kestrin was unable to save the event set " + std::string(Work) + ".";
+
+  /// An editor that shows one set, which the user has changed.
+  void StartEditing() {
+    StartWith({DailyAt(Sunday + Day)});
+    FirstEvent(Work).SetName("changed");
+    Run();
+    It->Background.Times.clear();
+    It->Background.Calls.clear();
+  }
+  void LetWrite(bool may) {
+    Disk.Put("/sets/mode", "", may ? 0644 : 0444);
+    Disk.CopyAttributes("/sets/mode", Work);
+  }
+  /// The name of the first event in the file.
+  std::string NameIn(const std::string& path) {
+    const std::string bytes = Disk.Bytes(path).value_or("");
+    const size_t name = 1 + sizeof "1.2" + 4;
+    return bytes.size() > name ? bytes.c_str() + name : "";
+  }
+  static Message IfIdle() {
+    Message quit(QUIT_REQUESTED);
+    quit.Set("IfIdle", true);
+    return quit;
+  }
+};
+
+TEST_F(KestrinAppQuitTest, AnOpenAlertLetsAQuitWaitAndWhatItIsStays) {
+  for (const bool full : {false, true}) {
+    StartEditing();
+    It->World.Notes.InformUser("read me");
+    Post(Message(full ? FULL_QUIT_REQUESTED : QUIT_REQUESTED));
+    EXPECT_FALSE(It->Ended);
+    Answer(0);
+    EXPECT_TRUE(It->Ended);
+    EXPECT_EQ(It->Background.Calls.back(), full ? "quit" : "launch");
+  }
+}
+
+TEST_F(KestrinAppQuitTest, AWindowThatAsksDecides) {
+  for (const bool cancels : {true, false}) {
+    StartEditing();
+    FakeSetWindow& window = *Ui().SetWindows[0];
+    window.RefuseToClose = true;
+    Post(Message(FULL_QUIT_REQUESTED));
+    EXPECT_EQ(window.CloseRequests, 1);
+    EXPECT_EQ(window.Commits, 1) << "before it is asked";
+    EXPECT_TRUE(It->App.IsQuitInProgress());
+    EXPECT_TRUE(QuitProcess && FullQuitProcess);
+    if (cancels) {
+      It->App.CancelQuitProcess();
+      EXPECT_FALSE(QuitProcess || FullQuitProcess);
+    }
+    CloseWindow();
+    EXPECT_TRUE(It->Ended);
+    EXPECT_EQ(NameIn(Work), "changed") << "saved without another question";
+    EXPECT_EQ(It->Background.Times.empty(), !cancels);
+    EXPECT_EQ(It->Background.Calls.back(), cancels ? "launch" : "quit");
+    EXPECT_EQ(NumberOfEventHandlers, 0) << "unloaded";
+  }
+}
+
+TEST_F(KestrinAppQuitTest, AWindowThatIsNoSetsHoldsTheApplicationAndGoesWhenAQuitIsSure) {
+  for (const bool byForce : {false, true}) {
+    StartEditing();
+    bool open = true;
+    It->App.RegisterWindow();
+    Ui().WhenClosingOthers = [this, &open] {
+      if (std::exchange(open, false)) It->App.UnregisterWindow();
+    };
+    Ui().SetWindows.at(0)->RefuseToClose = true;
+    Post(Message(QUIT_REQUESTED));
+    EXPECT_TRUE(open) << "the user may still say Cancel";
+    Ui().SetWindows.at(0)->RefuseToClose = false;
+    CloseWindow();
+    EXPECT_TRUE(open);
+    EXPECT_FALSE(It->Ended) << "it is in use";
+    Post(Message(byForce ? FORCED_QUIT : QUIT_REQUESTED));
+    EXPECT_FALSE(open);
+    EXPECT_TRUE(It->Ended);
+    Crash();
+  }
+}
+
+TEST_F(KestrinAppQuitTest, WhatWaitsIsHandledBeforeAQuitIsDecided) {
+  const std::pair<uint32, bool> rows[] = {
+      {DELIVER_EVENTS, true}, {OPEN_FILES, false}, {NEW_EVENT_SET, false}, {ACTIVATE, true}};
+  for (const auto& [code, ends] : rows) {
+    SCOPED_TRACE(code);
+    WriteSet(Home, {});
+    StartEditing();
+    It->World.Time.JumpTo(Sunday + Day);
+    It->World.Queue.Post(FULL_QUIT_REQUESTED);
+    Message waiting(code);
+    waiting.Set("0", std::string(Home));
+    It->World.Queue.Post(waiting);
+    Run();
+    EXPECT_EQ(It->Ended, ends);
+    EXPECT_EQ(FullQuitProcess, ends) << "a window that opens cancels";
+    EXPECT_EQ(Shown().size(), ends ? 0u : 2u);
+  }
+  for (const bool wakes : {true, false}) {
+    StartEditing();
+    It->World.Time.JumpTo(Sunday + Day);
+    It->World.Queue.Post(QUIT_REQUESTED);
+    if (wakes) It->World.Queue.Post(DELIVER_EVENTS);
+    Run();
+    EXPECT_EQ(Delivered().size(), wakes ? 1u : 0u) << "leaving alone delivers nothing";
+    EXPECT_EQ(It->Background.Times.back(), wakes ? Sunday + 2 * Day : Sunday + Day);
+    EXPECT_TRUE(It->Ended);
+  }
+}
+
+TEST_F(KestrinAppQuitTest, OnlyAnIdleApplicationEndsByItself) {
+  StartEditing();
+  Post(IfIdle());
+  EXPECT_FALSE(It->Ended) << "a window holds it";
+  Start({}, {Message(ACTIVATE), IfIdle()});
+  EXPECT_THAT(Shown(), ElementsAre(Work)) << "before its role is known it does not leave";
+  Wake();
+  EXPECT_TRUE(It->Ended);
+}
+
+TEST_F(KestrinAppQuitTest, WhatArrivesWhileItLeavesIsServedAndThenItLeavesAgain) {
+  for (const bool opens : {false, true}) {
+    StartEditing();
+    It->World.Time.JumpTo(Sunday + Day);
+    It->Bus.Arriving = [this, opens] {
+      It->World.Queue.Post(opens ? NEW_EVENT_SET : DELIVER_EVENTS);
+    };
+    Post(Message(FULL_QUIT_REQUESTED));
+    EXPECT_EQ(It->Ended, !opens);
+    EXPECT_EQ(It->Bus.Left, opens ? 1 : 2);
+    EXPECT_EQ(Delivered().size(), 1u);
+    EXPECT_FALSE(FullQuitProcess);
+    EXPECT_EQ(It->Background.Times.back(), Sunday + Day + Day) << "the deliverer is asked again";
+  }
+}
+
+TEST_F(KestrinAppQuitTest, ASetThatCannotBeSavedIsToldOnceAndCopied) {
+  for (const bool worksLater : {false, true}) {
+    Disk.Remove("/state/recovered/Work.kestrin");
+    StartEditing();
+    LetWrite(false);
+    Post(Message(FULL_QUIT_REQUESTED));
+    EXPECT_FALSE(It->Ended);
+    EXPECT_THAT(Alerts(), ElementsAre(Unsaved));
+    EXPECT_EQ(NameIn("/state/recovered/Work.kestrin"), "changed");
+    FirstEvent(Work).SetName("changed again");
+    LetWrite(worksLater);
+    Answer(0);
+    EXPECT_TRUE(It->Ended);
+    EXPECT_EQ(It->Background.Calls.back(), "quit") << "a full quit stays one";
+    EXPECT_EQ(NameIn("/state/recovered/Work.kestrin"), worksLater ? "" : "changed again");
+    EXPECT_EQ(NameIn(Work), worksLater ? "changed again" : "Tea");
+    LetWrite(true);
+    Start();
+    EXPECT_EQ(Shown().size(), worksLater ? 1u : 2u) << "the copy opens beside the set";
+  }
+}
+
+TEST_F(KestrinAppQuitTest, WhatDeliveriesChangedIsSavedOnceNothingOfTheSetIsOpen) {
+  StartWith({DailyAt(Sunday + 8 * Hour)});
+  EXPECT_FALSE(Set(Work)->HasBeenModified()) << "nothing holds it";
+  const std::string before = *Disk.Bytes(Work);
+  It->World.Time.JumpTo(Sunday + Day + 8 * Hour);
+  const uint64 handle = Set(Work)->GetHandle();
+  It->World.Holding.ProcessHold(handle);
+  Post(Message(DELIVER_EVENTS));
+  EXPECT_EQ(Disk.Bytes(Work), before) << "until then a crash delivers again";
+  Message done(PROCESS_HOLD_DONE);
+  done.Set("EventSet", static_cast<int64>(handle));
+  Post(done);
+  EXPECT_NE(Disk.Bytes(Work), before);
+  EXPECT_FALSE(Set(Work)->HasBeenModified());
+
+  It->World.Time.JumpTo(Sunday + 2 * Day + 8 * Hour);
+  FirstEvent(Work).SetComment("mine");
+  Post(Message(DELIVER_EVENTS));
+  EXPECT_TRUE(Set(Work)->HasBeenModified()) << "what the user changed is theirs to save";
+}
+
+TEST_F(KestrinAppQuitTest, AutomaticSavesReportOnceAndMakeNoCopy) {
+  StartWith({DailyAt(Sunday + 8 * Hour)});
+  LetWrite(false);
+  for (const int day : {1, 2}) {
+    DeliverAt(Sunday + day * Day + 8 * Hour);
+    EXPECT_THAT(Alerts(), ElementsAre(Unsaved));
+  }
+  Now = Sunday + 3 * Day + 8 * Hour;
+  Wake();
+  Answer(0);
+  EXPECT_TRUE(It->Ended);
+  EXPECT_FALSE(Disk.Bytes("/state/recovered/Work.kestrin")) << "no user's change is in it";
+}
+
+TEST_F(KestrinAppQuitTest, AForcedEndKeepsEverything) {
+  StartEditing();
+  Post(Message(NEW_EVENT_SET));
+  EventSet& untitled = *OpenSets::Sets.back();
+  Event& event = *untitled.AddEvent(nullptr);
+  ASSERT_EQ(Ui().EditorWindows.size(), 1u);
+  Ui().EditorWindows[0]->WhenCommitting = [&event] { event.SetName("typed"); };
+  for (auto* window : Ui().SetWindows) window->RefuseToClose = true;
+  int answer = -1;
+  AlertRequest question;
+  question.Text = "Sure?";
+  question.Buttons = {"No", "Yes"};
+  question.DefaultButton = 1;
+  question.Done = [&answer](int which) { answer = which; };
+  It->World.Alerts.Show(question);
+  It->World.Notes.ReportError("broken");
+  Post(Message(FORCED_QUIT));
+  EXPECT_TRUE(It->Ended);
+  EXPECT_EQ(answer, 0) << "the harmless one";
+  EXPECT_EQ(NameIn(Work), "changed");
+  EXPECT_EQ(NameIn(Recovered), "typed");
+  EXPECT_EQ(It->Background.Times.back(), Sunday + Day);
+
+  Start({}, {}, false);  // a start that can show nothing
+  Post(Message(FORCED_QUIT));
+  EXPECT_TRUE(Disk.Bytes(AlertFile)) << "what nobody has seen is kept";
+
+  Start();
+  EXPECT_THAT(Shown(), ElementsAre(Work, "Untitled event set 1"));
+  EventSet* const again = Set("Untitled event set 1");
+  EXPECT_TRUE(again->IsUntitled() && again->HasBeenModified());
+  ASSERT_THAT(Alerts(), ElementsAre("Sure?", "broken"));
+  EXPECT_EQ(It->World.Holding.Count(), 4);
+  Answer(1);
+
+  Start();
+  EXPECT_THAT(Alerts(), ElementsAre("broken")) << "answered alerts are struck off at once";
+  Answer(0);
+  EXPECT_FALSE(Disk.Bytes(AlertFile));
+  EventSet* const saved = Set("Untitled event set 1");
+  saved->SetFileName(Home);
+  ASSERT_TRUE(saved->SaveData());
+  EXPECT_FALSE(Disk.Bytes(Recovered)) << "its copy goes when it has a file";
+  EXPECT_EQ(NameIn(Home), "typed");
+}
+
+}  // namespace
+}  // namespace kestrin

@@ -1,0 +1,237 @@
+// Roles, opening and re-reading: what a process opens at its start, and what it tells the
+// deliverer.
+#include "core/app/KestrinApp.h"
+
+#include "harness/AppTestBase.h"
+
+namespace kestrin {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::UnorderedElementsAre;
+
+const std::string Untitled = "Untitled event set 1";
+
+class KestrinAppTest : public AppTestBase {
+ protected:
+  static Message Files(const std::vector<std::string>& paths) {
+    Message open(OPEN_FILES);
+    for (size_t i = 0; i < paths.size(); ++i) open.Set(std::to_string(i), paths[i]);
+    open.Set("window", true);
+    return open;
+  }
+};
+
+TEST_F(KestrinAppTest, TheSettingAndTheArgumentsSayWhatTheEditorShows) {
+  const std::tuple<int32, bool, std::vector<std::string>> rows[] = {
+      {0, false, {Work}}, {0, true, {Home, Work}}, {1, false, {Work}},
+      {1, true, {Home}},  {2, false, {Untitled}},  {2, true, {Home}},
+  };
+  WriteSet(Work, {DailyAt(Sunday + Day)});
+  WriteSet(Home, {});
+  for (const auto& [handling, named, shown] : rows) {
+    Remember({Work});
+    Configure([&] { KestrinSettings::SelectedSetHandling = handling; });
+    Start(std::vector<std::string>(named ? 1 : 0, "/sets/../sets/Home.kestrin"));
+    EXPECT_EQ(Shown(), shown) << "H = " << handling;
+    EXPECT_NE(Set(Work), nullptr) << "loaded for delivery in any case";
+    EXPECT_EQ(It->Background.Times.back(), Sunday + Day);
+    EXPECT_FALSE(It->Ended);
+  }
+}
+
+TEST_F(KestrinAppTest, StartUpOnlyHandsTheTimeOverAndLeaves) {
+  StartWith({DailyAt(Sunday + 9 * Hour)}, {"-background"});
+  EXPECT_TRUE(It->Ended);
+  EXPECT_EQ(It->Background.Times.back(), Sunday + 9 * Hour);
+  EXPECT_EQ(It->Background.Calls.front(), "launch");
+  EXPECT_EQ(It->Bus.Left, 1);
+  WriteSet(Home, {});
+  Start({"-background", Home, "/sets/Gone"});
+  EXPECT_FALSE(It->Ended) << "the alert about the missing file holds it";
+  EXPECT_THAT(Open(), ElementsAre(Work, Home));
+  EXPECT_THAT(Shown(), IsEmpty());
+  Start({"-backgrounds"});
+  EXPECT_THAT(Shown(), ElementsAre(Work));
+  Configure([] { KestrinSettings::WhichEventsToDeliver = DeliverShown; });
+  Start({"-background"});
+  EXPECT_EQ(It->Background.Times.back(), 0) << "nothing is shown, so nothing is pending";
+}
+
+TEST_F(KestrinAppTest, RememberedFilesAreForgottenOnlyIfTheyAreGone) {
+  WriteSet(Work, {});
+  const std::string damaged("\0001.2\0\0\0", 8), newer("\0009.9\0\0\0", 8);
+  Disk.Put("/sets/Bad", damaged);
+  Disk.Put("/sets/New", newer);
+  Remember({"/sets/Gone", Work, "/sets/Bad", "/mnt/disk/Away", "/sets/New"});
+  Start();
+  EXPECT_THAT(KestrinSettings::SetFileNames, ElementsAre(Work, "/mnt/disk/Away"));
+  EXPECT_THAT(
+      Alerts(),
+      ElementsAre(
+          "Kestrin: Attempt to open event set /sets/Gone failed.",
+          "Kestrin: Attempt to read event set /sets/Bad failed because a file error occurred.  The "
+          "file may be corrupted.",
+          "Kestrin: Attempt to open event set /mnt/disk/Away failed.",
+          "The EventSet file /sets/New was written by an unknown version of Kestrin.  It was "
+          "written by version 9.9, and the current version is 1.2.  The set will not be able to be "
+          "opened until you get a newer version of Kestrin."));
+  EXPECT_THAT(Open(), ElementsAre(Work));
+  while (Answer(0)) {
+  }
+  Start();
+  EXPECT_THAT(Alerts(), ElementsAre("Kestrin: Attempt to open event set /mnt/disk/Away failed."))
+      << "the settings were written";
+  EXPECT_EQ(Disk.Bytes("/sets/Bad"), damaged);
+  EXPECT_EQ(Disk.Bytes("/sets/New"), newer);
+}
+
+TEST_F(KestrinAppTest, OneFileIsOneSetHoweverItIsNamed) {
+  WriteSet(Work, {});
+  Disk.Links["/sets/link"] = Work;
+  Start({Work, "/sets/./Work.kestrin"});
+  Post(Files({"/sets/link", "/sets//Work.kestrin"}));
+  EXPECT_THAT(Open(), ElementsAre(Work));
+  EXPECT_EQ(Ui().SetWindows.size(), 1u);
+  EXPECT_EQ(Ui().SetWindows[0]->Activated, 3);
+  Post(Message(NEW_EVENT_SET));
+  Post(Message(NEW_EVENT_SET));
+  EXPECT_THAT(Open(), ElementsAre(Work, Untitled, "Untitled event set 2"));
+}
+
+TEST_F(KestrinAppTest, WhatWasDueInASetThatIsOpenedMayHaveBeenMissed) {
+  WriteSet(Work, {DailyAt(Sunday + 7 * Hour)});
+  WriteSet(Home, {DailyAt(Sunday + 7 * Hour, "Milk")});
+  Start();
+  Post(Files({Work}));
+  EXPECT_THAT(Delivered(), ElementsAre("Tea missed"));
+  // Shown alone delivers: a set that is loaded but not shown is like one that is not open.
+  Remember({Home});
+  Configure([] {
+    KestrinSettings::WhichEventsToDeliver = DeliverShown;
+    KestrinSettings::SelectedSetHandling = ShowNever;
+  });
+  Start();
+  EXPECT_THAT(Delivered(), IsEmpty());
+  Post(Files({Home}));
+  EXPECT_THAT(Delivered(), ElementsAre("Milk missed"));
+}
+
+TEST_F(KestrinAppTest, AfterARevertNothingIsDeliveredAgain) {
+  EventRecord once = DailyAt(Sunday + 8 * Hour, "Once");
+  once.PeriodType = Once;
+  once.DeleteOnceDelivered = true;
+  EventRecord warned = DailyAt(Sunday + 7 * Hour, "Warned");
+  warned.NextEventTime = Sunday + 6 * Hour;
+  warned.Status = WaitingForPrewarning;
+  EventRecord dropped = DailyAt(Sunday + 6 * Hour, "Dropped");
+  dropped.DeliverIfMissed = false;
+  Now = Sunday + 5 * Hour;
+  StartWith({DailyAt(Sunday + 8 * Hour), once, warned, dropped}, {Work});
+  Post(Message(NEW_EVENT_SET));
+  FirstEvent(Work).SetComment("to be discarded");
+  It->World.Time.JumpTo(Sunday + 8 * Hour);
+  Post(Message(SETS_OPENED));
+  EXPECT_THAT(Delivered(), UnorderedElementsAre("Tea", "Once", "Warned missed"));
+  Ui().SetWindows[0]->CloseNow();
+  It->App.RevertToSavedIfRemembered(Work);
+  Run();
+  EXPECT_THAT(Delivered(), IsEmpty());
+  EXPECT_EQ(Set(Work)->CountEvents(), 3);
+  EXPECT_EQ(FirstEvent(Work).GetComment(), "");
+  EXPECT_EQ(FirstEvent(Work).GetNextEventTime(), Sunday + Day + 8 * Hour);
+  EXPECT_FALSE(Set(Work)->HasBeenModified()) << "saved by itself";
+}
+
+TEST_F(KestrinAppTest, WhatWasDeliveredIsKnownByItsNameInTheFile) {
+  for (const bool savedBefore : {false, true}) {
+    const auto due = static_cast<int32>(Now);
+    Now = due - Hour;
+    StartWith({DailyAt(due, "Tea"), DailyAt(due, "Milk"), DailyAt(due, "Milk")}, {Work});
+    Now = due;
+    Post(Message(NEW_EVENT_SET));
+    for (const char* name : {"Cake", "Milk"}) FirstEvent(Work).SetName(name);
+    Set(Work)->Events()[2]->SetActive(false);
+    DeliverAt(Now);
+    EXPECT_THAT(Delivered(), ElementsAre("Milk", "Milk"));
+    if (savedBefore) Set(Work)->SaveDeliveriesAlone();
+    CloseWindow();
+    It->App.RevertToSavedIfRemembered(Work);
+    Run();
+    EXPECT_THAT(Delivered(), ElementsAre("Milk")) << "the one that was inactive";
+    EXPECT_EQ(FirstEvent(Work).GetName(), "Tea");
+    EXPECT_EQ(FirstEvent(Work).GetNextEventTime(), Now + Day);
+    Start();
+    EXPECT_THAT(Delivered(), IsEmpty());
+  }
+}
+
+TEST_F(KestrinAppTest, AnotherZoneRecomputesAllButTheOverdueAndTheNagging) {
+  EventRecord nagging = DailyAt(Sunday + 6 * Hour, "nagging");
+  nagging.Status = WaitingToNag;
+  nagging.NextEventTime = Sunday + 9 * Hour;
+  nagging.ApplyNag = true;
+  EventRecord overdue = DailyAt(Sunday + 7 * Hour, "overdue");
+  overdue.Active = false;
+  StartWith({DailyAt(Sunday + 10 * Hour), nagging, overdue}, {"-background"});
+  SystemZone = Zone::Load("Europe/Berlin").value();
+  const auto nextTimes = [this] {
+    std::vector<int32> hours;
+    for (const auto& event : Set(Work)->Events())
+      hours.push_back((event->GetNextEventTime() - Sunday) / Hour);
+    return hours;
+  };
+  Start();
+  EXPECT_THAT(nextTimes(), ElementsAre(9, 9, 7)) << "10:00 there is 9:00 UTC";
+  EXPECT_TRUE(Disk.Bytes(Work)) << "and it is saved";
+  EXPECT_FALSE(Set(Work)->HasBeenModified());
+  SystemZone = Zone::Load("Asia/Tokyo").value();
+  Post(Message(DELIVER_EVENTS));
+  EXPECT_THAT(nextTimes(), ElementsAre(25, 9, 7));
+  EXPECT_EQ(KestrinSettings::ZoneName, "Asia/Tokyo");
+}
+
+TEST_F(KestrinAppTest, TheDelivererIsStartedAndItsFailuresAreToldOnce) {
+  // Only their beginnings.
+  const std::string missing = "Kestrin was unable to locate its background executable (the file";
+  const std::string works = "Kestrin successfully started its background executable, and can now";
+  const std::string trash = "Please remove KestrinBackground from the trash, the system refuses";
+  const std::string file = "file /opt/KestrinBackground", known = "register /opt/KestrinBackground";
+  using enum LaunchResult;
+  using Texts = std::vector<std::string>;
+  const struct {
+    LaunchResult name, file;
+    bool told;
+    Texts texts;
+    bool toldThen;
+    Texts calls;
+  } rows[] = {{Started, Failed, false, {}, false, {"launch"}},
+              {AlreadyRunning, Failed, true, {works}, false, {"launch"}},
+              {Failed, Failed, false, {missing}, true, {"launch", file}},
+              {Failed, Failed, true, {}, true, {"launch", file}},
+              {Failed, Started, false, {}, false, {"launch", file, known}},
+              {InTrash, Started, false, {trash, works}, false, {"launch", file, known}}};
+  Start();
+  for (const auto& row : rows) {
+    It->Background.OfName = row.name;
+    It->Background.OfFile = row.file;
+    It->Background.Calls.clear();
+    AlreadyToldUser = row.told;
+    It->App.LaunchBackgroundApp(nullptr);
+    Run();
+    ASSERT_EQ(Alerts().size(), row.texts.size());
+    for (const std::string& text : row.texts) {
+      EXPECT_THAT(Alerts()[0], testing::StartsWith(text));
+      Answer(0);
+    }
+    EXPECT_EQ(It->Background.Calls, row.calls);
+    EXPECT_EQ(AlreadyToldUser, row.toldThen);
+  }
+  It->Background.OfName = It->Background.OfFile = Failed;
+  CloseWindow();
+  EXPECT_TRUE(It->Ended) << "nothing pending: that it cannot be reached is not reported";
+}
+
+}  // namespace
+}  // namespace kestrin

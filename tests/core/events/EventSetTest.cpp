@@ -1,0 +1,140 @@
+// The list of events, what comes next in it, and what is marked and told when it changes.
+#include "core/events/EventSet.h"
+
+#include <algorithm>
+#include <random>
+
+#include "harness/SetTestBase.h"
+
+namespace kestrin {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class EventSetTest : public SetTestBase {
+ protected:
+  /// The rule in words of its own: the first of the earliest.
+  static const Event* SlowNext(const EventSet& set) {
+    const Event* next = nullptr;
+    for (const auto& event : set.Events())
+      if (event->GetActive() && event->GetNextEventTime() != 0 &&
+          (!next || event->GetNextEventTime() < next->GetNextEventTime()))
+        next = event.get();
+    return next;
+  }
+};
+
+TEST_F(EventSetTest, TheIndexAgreesWithASearchWhateverChanges) {
+  std::mt19937 random(4711);
+  const auto upTo = [&random](size_t limit) { return static_cast<size_t>(random() % limit); };
+  EventSet& set = NewSet();
+  std::vector<std::unique_ptr<Event>> removed;
+  const auto someTime = [&] { return Sunday + Day + static_cast<int32>(upTo(9)); };
+  for (int step = 0; step < 20000; ++step) {
+    const size_t count = set.Events().size();
+    Event* const event = count > 0 ? set.Events()[upTo(count)].get() : nullptr;
+    const size_t choice = upTo(event ? 8 : 1);
+    if (choice == 0 && count < 40) {
+      Add(set, OnceAt(someTime()));
+    } else if (choice == 1) {
+      removed.push_back(set.RemoveEvent(event));
+      removed.back()->SetEventTime(someTime(), true);  // tells nobody while it is out
+    } else if (choice == 2 && !removed.empty()) {
+      set.InsertEvent(std::move(removed.back()), upTo(count + 3));
+      removed.pop_back();
+    } else if (choice == 3) {
+      event->SetActive(upTo(2) == 0);
+    } else if (choice > 3) {
+      // Past at times: nothing is pending.
+      event->SetEventTime(choice == 4 ? Sunday : someTime(), true);
+    }
+    ASSERT_EQ(set.GetNextEvent(), SlowNext(set)) << "step " << step;
+  }
+}
+
+TEST_F(EventSetTest, WhoChangedTheSetIsKeptApart) {
+  EventSet& set = NewSet();
+  Event& event = Add(set, DailyAt(Sunday + Day));
+  set.OpenWindow();
+  const FakeSetWindow& window = *World.Ui.SetWindows[0];
+  EXPECT_TRUE(set.HasBeenModified());
+  EXPECT_FALSE(set.OnlyDeliveriesChanged());
+  Settle(set);
+  const int told = window.Changed;
+  {
+    const EventSet::DeliveryChange byDelivery(set);
+    for (int i = 0; i < 2; ++i) event.UpdateEventTime();
+  }
+  EXPECT_TRUE(set.OnlyDeliveriesChanged());
+  EXPECT_EQ(window.Changed, told + 1) << "when the mark appears, not again";
+  event.SetComment("mine");
+  EXPECT_TRUE(set.HasBeenModified());
+  EXPECT_FALSE(set.OnlyDeliveriesChanged());
+  Settle(set);
+  EXPECT_FALSE(set.HasBeenModified());
+}
+
+TEST_F(EventSetTest, WindowAndApplicationAreTold) {
+  EventSet& set = NewSet();
+  Event& event = Add(set, DailyAt(Sunday + Day));
+  Settle(set);
+  set.OpenWindow();
+  FakeSetWindow& window = *World.Ui.SetWindows[0];
+  const auto messages = [this] {
+    World.RunMessages();
+    return std::exchange(World.Messages, {}).size();
+  };
+  EXPECT_EQ(messages(), 0u);
+  event.SetName("Toast");
+  EXPECT_THAT(window.Modified, ElementsAre(event.GetHandle()));
+  EXPECT_EQ(messages(), 1u);
+
+  const uint64 handle = event.GetHandle();
+  event.OpenWindow();
+  std::unique_ptr<Event> removed = set.RemoveEvent(&event);
+  EXPECT_THAT(window.Removed, ElementsAre(handle));
+  EXPECT_THAT(World.Ui.EditorWindows, IsEmpty()) << "its editor closes first";
+  EXPECT_EQ(messages(), 1u);
+  EXPECT_EQ(set.RemoveEvent(removed.get()), nullptr) << "it is not in the list";
+  removed->SetName("Butter");
+  EXPECT_EQ(messages(), 0u);
+
+  set.AddEvent(nullptr);
+  EXPECT_EQ(World.Ui.EditorWindows.size(), 1u) << "a new event opens its editor";
+  const Event* const back = set.InsertEvent(std::move(removed), 0);
+  EXPECT_THAT(window.Added, ElementsAre(testing::_, handle));
+  EXPECT_EQ(set.PlaceOf(back), 0u);
+  EXPECT_EQ(World.Ui.EditorWindows.size(), 1u);
+}
+
+TEST_F(EventSetTest, AClosedWindowEndsTheSetUnlessItDeliversUnseen) {
+  const struct {
+    int32 mode;
+    bool remembered, kept, told;
+  } cases[] = {{0, true, false, true},
+               {1, false, false, true},
+               {1, true, true, false},
+               {3, true, true, true},
+               {4, true, false, false}};
+  for (const auto& each : cases) {
+    SCOPED_TRACE(testing::Message() << "mode " << each.mode << ", remembered " << each.remembered);
+    EventSet& set = NewSet();
+    KestrinSettings::WhichEventsToDeliver = each.mode;
+    if (!each.remembered) KestrinSettings::ForgetSet(set.GetFileName());
+    for (int i = 0; i < 3; ++i) Add(set, DailyAt(Sunday + Day)).OpenWindow();
+    set.OpenWindow();
+    FakeSetWindow& window = *World.Ui.SetWindows[0];
+    World.RunMessages();
+    World.Messages.clear();
+    window.CloseNow();
+    EXPECT_THAT(World.Ui.EditorWindows, IsEmpty());
+    ASSERT_EQ(OpenSets::Sets.size(), each.kept ? 1u : 0u);
+    World.RunMessages();
+    EXPECT_EQ(World.CountMessages(EVENT_SETS_CHANGED), each.told ? 1 : 0);
+    OpenSets::Sets.clear();
+  }
+}
+
+}  // namespace
+}  // namespace kestrin

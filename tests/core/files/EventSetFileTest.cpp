@@ -1,0 +1,214 @@
+// Reading and writing sets, in both byte orders, with handlers that are there and one that is not;
+// saving them, where nothing is lost whatever fails or whoever else writes, and a downloaded file
+// stays marked until the user saves it.
+#include "core/files/EventSetFile.h"
+
+#include <random>
+
+#include "harness/SetTestBase.h"
+
+namespace kestrin {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using SavedBy = EventSet::SavedBy;
+
+constexpr const char* Path = "/sets/Work.kestrin";
+
+constexpr const char* Beside = "/sets/Work (kept apart 2026-11-15 08.00.00).kestrin";
+constexpr const char* Origin = "user.xdg.origin.url";
+
+class EventSetFileTest : public SetTestBase {
+ protected:
+  /// What is written into a file that begins with `marker`, and so keeps that byte order.
+  std::string Written(EventSet& set, char marker) {
+    Disk.Put("/sets/written", std::string(1, marker));
+    EndianIndependentFile file(Disk, "/sets/written", OpenReadWrite, 512);
+    EXPECT_TRUE(WriteSetFile(set, file));
+    return *Disk.Bytes("/sets/written");
+  }
+  /// A set with an event of its own icon, one of a handler that is not there, and a plain one.
+  std::unique_ptr<EventSet> FullSet() {
+    auto set = std::make_unique<EventSet>(World.Core, "full");
+    EventRecord record = DailyAt(Sunday, "Tea \xff");
+    record.Comment = record.NagMessage = record.PrewarnMessage = "Pour it.";
+    Add(*set, record);
+    record.IconNumber = -2;
+    Add(*set, record)
+        .AdoptIcon(std::make_unique<IconPair>(
+            IconPair{std::string(LargeIconBytes, 'l'), std::string(MiniIconBytes, '\x7f')}));
+    Event& foreign = Add(*set, record);
+    auto data = std::make_unique<FakeUnknownData>(&foreign);
+    data->Bytes = std::string("\0\1\xfe kept", 8);
+    data->SetOriginalHandler("Not \xff installed");
+    foreign.AdoptAddOnData(UnknownHandler, std::move(data));
+    foreign.SetSelectedHandler(UnknownHandler);
+    return set;
+  }
+};
+
+TEST_F(EventSetFileTest, AnyBytesAreRefusedOrReadAndWrittenInBothByteOrders) {
+  const auto full = FullSet();
+  const std::string orders[] = {Written(*full, 0), Written(*full, 1)};
+  std::mt19937 random(1);
+  int read = 0;
+  for (int i = 0; i < 4000; ++i) {
+    std::string bytes = orders[i % 2];
+    // The first ones stay as they are; most bytes belong to numbers and may be anything.
+    for (int n = std::min(i / 2, 4); n > 0; --n)
+      bytes[random() % bytes.size()] = static_cast<char>(random());
+    Disk.Put(Path, bytes);
+    const auto set = Read(Path);
+    ASSERT_EQ(Report.Fault.empty(), set != nullptr) << i;
+    if (!set) continue;
+    ++read;
+    EXPECT_FALSE(set->HasBeenModified());
+    const std::string little = Written(*set, 0), big = Written(*set, 1);
+    ASSERT_TRUE(i > 1 || bytes == (i == 0 ? little : big));
+    for (const std::string& written : {little, big}) {
+      Disk.Put(Path, written);
+      const auto again = Read(Path);
+      ASSERT_EQ(Report.BigEndian, written == big);
+      ASSERT_TRUE(Written(*again, 0) == little && Written(*again, 1) == big) << i;
+    }
+  }
+  EXPECT_GT(read, 1000);
+}
+
+TEST_F(EventSetFileTest, AFileCutAnywhereIsDamaged) {
+  const std::string whole = Written(*FullSet(), 1);
+  for (size_t length = 0; length < whole.size(); ++length) {
+    Disk.Put(Path, whole.substr(0, length));
+    Read(Path);
+    ASSERT_EQ(Result, ConstructorResult::CouldNotRead) << length << " of " << whole.size();
+    ASSERT_FALSE(Report.Fault.empty());
+  }
+}
+
+TEST_F(EventSetFileTest, AnIconThatIsNotWholeIsLeftOut) {
+  const std::string large(LargeIconBytes, 'l'), mini(MiniIconBytes, 'm');
+  const std::pair<IconPair, int32> rows[] = {
+      {{large, mini}, -2}, {{large.substr(1), mini}, -1}, {{large, mini + "m"}, -1}};
+  for (const auto& [icon, saved] : rows) {
+    EventSet& set = NewSet(Path);
+    EventRecord record = DailyAt(Sunday);
+    record.IconNumber = -2;
+    Add(set, record).AdoptIcon(std::make_unique<IconPair>(icon));
+    ASSERT_TRUE(set.SaveData());
+    OpenSets::Sets.clear();
+    const auto again = Read(Path);
+    ASSERT_TRUE(again) << Report.Fault;
+    EXPECT_EQ(again->Events()[0]->Record().IconNumber, saved);
+    EXPECT_EQ(again->Events()[0]->GetOwnIcon() != nullptr, saved == -2);
+  }
+}
+
+class EventSetSaveTest : public SetTestBase {
+ protected:
+  /// A set of one event, in its file.
+  EventSet& SavedSet() {
+    EventSet& set = NewSet(Path);
+    Add(set, DailyAt(Sunday + Day));
+    Settle(set);
+    return set;
+  }
+  /// The name of the file's first event; "" when the file is damaged.
+  std::string NameIn(const std::string& path) {
+    const auto set = Read(path);
+    return set && set->CountEvents() > 0 ? set->Events()[0]->GetName() : "";
+  }
+  std::vector<std::string> Notices() {
+    World.RunMessages();
+    return World.Ui.Texts();
+  }
+};
+
+TEST_F(EventSetSaveTest, AFailureAnywhereLosesNeitherTheFileNorTheChanges) {
+  for (const bool shortWrite : {false, true})
+    for (const bool fromThen : {false, true})
+      for (int n = 1;; ++n) {
+        Disk.Remove(Path);
+        EventSet& set = SavedSet();
+        set.Events()[0]->SetName("Toast");
+        Door.FailAt = Door.Count + n;
+        Door.ShortWrite = shortWrite;
+        Door.FailFromThen = fromThen;
+        Door.Failed.clear();
+        const bool saved = set.SaveData();
+        Door.FailAt = 0;
+        if (!Door.HasFailed()) {
+          ASSERT_GT(n, 8) << "too few calls for a whole replacement";
+          OpenSets::Sets.clear();
+          break;
+        }
+        SCOPED_TRACE("call " + std::to_string(n) + ", " + Door.Failed);
+        EXPECT_EQ(set.HasBeenModified(), !saved);
+        const std::string now = NameIn(Path);
+        EXPECT_TRUE(now == "Toast" || (!saved && now == "Tea")) << now;
+
+        set.Events()[0]->SetName("Butter");
+        Door.FailAt = Door.Count + 4;
+        EXPECT_FALSE(set.SaveData());
+        Door.FailAt = 0;
+        EXPECT_TRUE(set.SaveData()) << "a later attempt works";
+        EXPECT_EQ(NameIn(Path), "Butter");
+        EXPECT_EQ(set.GetFileName(), Path);
+        EXPECT_THAT(Notices(), IsEmpty()) << "nobody else has written";
+        OpenSets::Sets.clear();
+      }
+}
+
+TEST_F(EventSetSaveTest, AFileThatOthersHaveChangedIsLeftAlone) {
+  for (const bool remembered : {true, false}) {
+    EventSet& set = SavedSet();
+    if (!remembered) KestrinSettings::ForgetSet(Path);
+    const std::string theirs = "somebody else's bytes";
+    Disk.Put(Path, theirs);
+    set.Events()[0]->SetName("Toast");
+    // As the application does it: with the list locked.
+    const AutoLock settings(KestrinSettings::Protect);
+    const AutoLock open(OpenSets::Protect);
+    ASSERT_TRUE(set.SaveData(SavedBy::Itself));
+    EXPECT_EQ(Disk.Bytes(Path), theirs);
+    EXPECT_EQ(set.GetFileName(), Beside);
+    EXPECT_EQ(NameIn(Beside), "Toast");
+    EXPECT_EQ(KestrinSettings::IsFileRemembered(Beside), remembered);
+    EXPECT_THAT(Notices(),
+                ElementsAre("The event set \"Work.kestrin\" was changed by another program since "
+                            "Kestrin read it.  Your events were saved beside it as \"Work (kept "
+                            "apart 2026-11-15 08.00.00).kestrin\", and the set now goes by that "
+                            "name."));
+    World.Ui.CloseFirst();
+    ASSERT_TRUE(set.SaveData());
+    EXPECT_THAT(Notices(), IsEmpty()) << "it stays with that name";
+    Disk.Remove(Beside);
+    Disk.Remove(Path);
+    OpenSets::Sets.clear();
+    KestrinSettings::SetFileNames.clear();
+  }
+}
+
+TEST_F(EventSetSaveTest, ADownloadedSetStaysMarkedUntilTheUserSavesIt) {
+  SavedSet();
+  OpenSets::Sets.clear();
+  Disk.SetAttribute(Path, Origin, "https://example.org/set");
+  auto set = Read(Path);
+  ASSERT_TRUE(set->IsDownloaded());
+  ASSERT_TRUE(set->SaveData(SavedBy::Itself));
+  EXPECT_TRUE(Read(Path)->IsDownloaded());
+  Disk.Remove(Path);
+  ASSERT_TRUE(set->SaveData(SavedBy::Itself));
+  EXPECT_TRUE(Read(Path)->IsDownloaded()) << "written anew";
+  Disk.Put(Path, "theirs");
+  ASSERT_TRUE(set->SaveData(SavedBy::Itself));
+  EXPECT_TRUE(Read(Beside)->IsDownloaded()) << "saved beside";
+  ASSERT_TRUE(set->SaveCopy("/sets/copy"));
+  EXPECT_TRUE(Read("/sets/copy")->IsDownloaded());
+  ASSERT_TRUE(set->SaveData(SavedBy::User));
+  EXPECT_FALSE(set->IsDownloaded());
+  EXPECT_FALSE(Read(Beside)->IsDownloaded());
+}
+
+}  // namespace
+}  // namespace kestrin

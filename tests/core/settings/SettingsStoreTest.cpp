@@ -1,0 +1,154 @@
+// The built-in store under the settings: its file's text, and what becomes of damaged files.
+#include "core/settings/SettingsStore.h"
+
+#include <errno.h>
+#include <gmock/gmock.h>
+
+#include <bit>
+#include <limits>
+
+#include "core/settings/BuiltInPrefs.h"
+#include "core/settings/SettingsText.h"
+#include "harness/FailingFileDoor.h"
+#include "harness/MemoryFileDoor.h"
+
+namespace kestrin {
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+using namespace std::string_literals;
+
+constexpr const char* Folder = "/home/u/.config";
+const std::string File = "/home/u/.config/Kestrin/KestrinSettings.json";
+constexpr uint32 Text = FourCharCode("CSTR");
+
+TEST(SettingsTextTest, EveryValueSurvivesByteForByte) {
+  using Limits = std::numeric_limits<float>;
+  SettingsMap settings;
+  for (const float value :
+       {0.1f, -0.0f, 1e-45f, Limits::max(), Limits::infinity(), std::bit_cast<float>(0x7fc12345)})
+    settings["float " + std::to_string(settings.size())] = {
+        FourCharCode("RECT"), std::string(reinterpret_cast<const char*>(&value), sizeof value)};
+  for (const char* type : {"LONG", "BOOL", "FLOT", "BPNT", "CSTR", "BYTE", "ab\"\\"})
+    for (const std::string& bytes : {""s, "\2\0\0\0\5"s, "\xff\xff\xff\xff"s, "a"s, "\0\0"s,
+                                     "a\0\0"s, "tab\t\0"s, "\xc3\0"s, "caf\xc3\xa9\0"s}) {
+      const uint32 code = FourCharCode({type[0], type[1], type[2], type[3], '\0'});
+      settings[type + (" " + std::to_string(settings.size()))] = {code, bytes};
+    }
+  const auto read = ReadSettingsText(WriteSettingsText(settings));
+  EXPECT_EQ(read.settings, settings);
+  EXPECT_THAT(read.unreadable, IsEmpty());
+}
+
+TEST(SettingsTextTest, AnUnreadableEntryCostsOnlyItself) {
+  for (const char* entry :
+       {"5", "[]", "{}", R"({"type":"LONG","value":7})", R"({"type":"LONG","value":[1.5]})",
+        R"({"type":"LONG","value":[18446744073709551615]})", R"({"type":"BOOL","value":[256]})",
+        R"({"type":"FLOT","value":[1e39]})", R"({"type":"CSTR","hex":"0g"})",
+        R"({"type":"CSTR","texts":[1]})", R"({"type":"0x1234567g","hex":""})",
+        R"({"type":7,"hex":""})"}) {
+    const auto read = ReadSettingsText(std::string(R"({"a":{"type":"BOOL","value":[true]},"b":)") +
+                                       entry + R"(,"c":{"type":"LONG","value":[1]}})");
+    EXPECT_TRUE(read.isObject) << entry;
+    EXPECT_THAT(read.unreadable, testing::ElementsAre("b")) << entry;
+    EXPECT_EQ(read.settings.size(), 2u) << entry;
+    EXPECT_EQ(read.settings.at("a").bytes, "\1") << entry;
+  }
+}
+
+TEST(SettingsStoreTest, ValuesLastOnceSavedAndUnknownOnesAreKept) {
+  MemoryFileDoor disk;
+  disk.Put(File, R"({"Foreign":{"type":"ABCD","hex":"00"}})");
+  {
+    SettingsStore store(MakeBuiltInPrefs(disk, Folder));
+    for (const char* key : {"a", "b"}) store.Set(key, "one", Text);
+    const char* stays = store.Get("a")->bytes.data();
+    for (int i = 0; i < 100; ++i) store.Set("c" + std::to_string(i), "x", Text);
+    EXPECT_EQ(store.Get("a")->bytes.data(), stays) << "a caller may still be looking at it";
+    store.Delete("b");
+    EXPECT_EQ(store.Save(), StatusOk);
+    store.Set("a", "not saved", Text);
+  }
+  SettingsStore store(MakeBuiltInPrefs(disk, Folder));
+  EXPECT_EQ(store.Get("a")->bytes, "one");
+  EXPECT_FALSE(store.Get("b"));
+  EXPECT_EQ(store.Get("Foreign")->bytes, "\0"s);
+}
+
+TEST(SettingsStoreTest, WhatCouldNotBeReadBackIsRefused) {
+  MemoryFileDoor disk;
+  PrefsLibrary table = MakeBuiltInPrefs(disk, Folder);
+  void* set = nullptr;
+  EXPECT_NE(table.PREFLoadSet(nullptr, "../x", 1, &set), StatusOk);
+  ASSERT_EQ(table.PREFLoadSet(nullptr, "Other", 1, &set), StatusOk);
+  EXPECT_EQ(table.PREFSetData(set, "a", "x", -1, Text), -EINVAL);
+  EXPECT_EQ(table.PREFSetData(set, "\xff", "x", 1, Text), -EINVAL) << "no JSON could hold it";
+  const std::string large(static_cast<size_t>(PrefsValueLimit) + 1, 'x');
+  EXPECT_EQ(table.PREFSetData(set, "a", large.data(), PrefsValueLimit + 1, Text), -EFBIG);
+  for (const char* key : {"1", "2", "3"})
+    table.PREFSetData(set, key, large.data(), PrefsValueLimit, Text);
+  EXPECT_EQ(table.PREFSaveSet(set), -EFBIG);
+  table.PREFDisposeSet(&set);
+}
+
+TEST(DamagedSettingsTest, TheFileIsMovedAsideBeforeTheFirstSave) {
+  const std::string good = R"("kept":{"type":"CSTR","texts":["x"]})";
+  for (const std::string& bytes : {""s, "[]"s, "{" + good, std::string(100000, '['),
+                                   "{" + good + R"(,"bad":{"type":"LONG","value":"x"}})"}) {
+    SCOPED_TRACE(bytes.substr(0, 40));
+    MemoryFileDoor disk;
+    disk.Put(File, bytes);
+    disk.Put(File + ".damaged", "of last year");
+    SettingsStore store(MakeBuiltInPrefs(disk, Folder));
+    EXPECT_EQ(store.LoadStatus(), StatusOk);
+    EXPECT_THAT(store.Complaint(), HasSubstr(File));
+    EXPECT_EQ(store.Get("kept").has_value(), bytes.ends_with("}}")) << "what can be read counts";
+    EXPECT_EQ(disk.Bytes(File), bytes) << "reading moves nothing";
+    for (const char* value : {"1", "2"}) {
+      store.Set("a", value, Text);
+      ASSERT_EQ(store.Save(), StatusOk);
+    }
+    EXPECT_EQ(disk.Bytes(File + ".damaged"), "of last year");
+    EXPECT_EQ(disk.Bytes(File + ".damaged.2"), bytes);
+    EXPECT_FALSE(disk.Bytes(File + ".damaged.3"));
+    EXPECT_EQ(SettingsStore(MakeBuiltInPrefs(disk, Folder)).Complaint(), "");
+  }
+}
+
+TEST(DamagedSettingsTest, AFileThatMayNotBeReadIsNotWrittenOver) {
+  MemoryFileDoor disk;
+  disk.Put(File, "{}", 0200);
+  SettingsStore store(MakeBuiltInPrefs(disk, Folder));
+  EXPECT_THAT(store.Complaint(), HasSubstr("Permission denied"));
+  store.Set("a", "1", Text);
+  EXPECT_EQ(store.Save(), StatusOk);
+  EXPECT_EQ(disk.Bytes(File + ".damaged"), "{}");
+}
+
+TEST(DamagedSettingsTest, ASaveThatFailsAnywhereLosesNothing) {
+  for (const std::string& before : {std::string("{}\n"), std::string("damaged")})
+    for (int failAt = 1;; ++failAt) {
+      MemoryFileDoor disk;
+      disk.Put(File, before);
+      FailingFileDoor door(disk);
+      SettingsStore store(MakeBuiltInPrefs(door, Folder));
+      store.Set("a", "1", Text);
+      door.Count = 0;
+      door.FailAt = failAt;
+      const status_t status = store.Save();
+      if (!door.HasFailed()) break;
+      SCOPED_TRACE(before + " " + door.Failed + " " + std::to_string(failAt));
+      const auto now = disk.Bytes(File);
+      const bool isNew = now && ReadSettingsText(*now).settings.contains("a");
+      const bool isAside = disk.Bytes(File + ".damaged") == before;
+      EXPECT_TRUE(now == before || (before == "damaged" ? isAside : isNew));
+      EXPECT_TRUE(isNew || status != StatusOk);
+      door.FailAt = 0;
+      EXPECT_EQ(store.Save(), StatusOk) << "the next attempt writes it after all";
+      EXPECT_TRUE(ReadSettingsText(*disk.Bytes(File)).settings.contains("a"));
+    }
+}
+
+}  // namespace
+}  // namespace kestrin

@@ -1,0 +1,164 @@
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+#include <vector>
+
+#include "core/timing/DateTimeText.h"
+#include "harness/PageTable.h"
+
+namespace kestrin {
+namespace {
+
+std::string WallText(int32 moment, const Zone& zone) {
+  if (moment == -1) return "no date";
+  absl::TimeZone same;
+  EXPECT_TRUE(absl::LoadTimeZone(zone.Name(), &same));
+  return absl::FormatTime("%E4Y-%m-%d %H:%M:%S", absl::FromUnixSeconds(moment), same);
+}
+
+TEST(DateParser, ReadsWhatThePageSays) {
+  const Zone zone = *Zone::Load("Europe/Berlin");
+  const int64 now = zone.ToMoment(ToCivil({2026, 10, 11, 10, 30, 15}));
+  const auto rows = TableOfPage("time-rules.md", "| typed | means | time of day |");
+  ASSERT_GT(rows.size(), 50u);
+  for (const auto& row : rows) {
+    ASSERT_EQ(row.size(), 3u);
+    bool hasTime = true;
+    const int32 moment = hastimeinfo_parsedate(row[0], now, zone, &hasTime);
+    EXPECT_EQ(WallText(moment, zone), row[1]) << row[0];
+    EXPECT_EQ(hasTime ? "yes" : "no", row[2]) << row[0];
+    EXPECT_EQ(hastimeinfo_parsedate("  " + row[0] + "\t", now, zone, nullptr), moment) << row[0];
+  }
+}
+
+TEST(DateParser, WhatItShowsItReadsBack) {
+  std::mt19937 random(7);
+  std::uniform_int_distribution<int32> moments(INT32_MIN, INT32_MAX), nows(0, INT32_MAX);
+  for (const char* name : {"UTC", "America/New_York", "Australia/Lord_Howe", "Pacific/Apia"}) {
+    const Zone zone = *Zone::Load(name);
+    for (int i = 0; i < 3000; ++i) {
+      const int32 moment = moments(random), now = nows(random);
+      const Zone::Resolved shown = zone.Resolve(zone.AtMoment(moment));
+      if (shown.moment != moment) continue;  // the second showing of an hour reads as the first
+      for (const bool use24Hours : {false, true}) {
+        const std::string text = GetDateTimeString(moment, true, zone, use24Hours);
+        bool hasTime = false;
+        ASSERT_EQ(hastimeinfo_parsedate(text, now, zone, &hasTime), moment) << text;
+        ASSERT_TRUE(hasTime) << text;
+        ASSERT_EQ(hastimeinfo_parsedate(text.substr(5), now, zone, nullptr), moment) << text;
+      }
+    }
+  }
+}
+
+TEST(DateParser, MonthsAwayStopAtTheMonthsEnd) {
+  const int64 now = ToCivil({2027, 11, 31, 12, 0, 0}).seconds;
+  for (const char* typed : {"in 2 months", "2 months from now"})
+    EXPECT_EQ(WallText(ParseDate(typed, now, Zone()), Zone()), "2028-02-29 00:00:00");
+  EXPECT_EQ(WallText(ParseDate("last month", now, Zone()), Zone()), "2027-11-30 00:00:00");
+  EXPECT_EQ(WallText(ParseDate("next year", now, Zone()), Zone()), "2028-12-31 00:00:00");
+}
+
+TEST(DateParser, OutsideWhatCanBeStoredIsNoDate) {
+  EXPECT_EQ(ParseDate("Dec 13 1901 20:45:52", 1000, Zone()), INT32_MIN);
+  EXPECT_EQ(ParseDate("Dec 13 1901 20:45:51", 1000, Zone()), -1);
+  EXPECT_EQ(ParseDate("2038-01-19 03:14:08", 1000, Zone()), -1);
+  EXPECT_EQ(ParseDate("in 1 second", INT64_MAX, Zone()), -1);
+  EXPECT_EQ(ParseDate("Nov 15 2026" + std::string(200, ' '), 1000, Zone()), -1);
+  EXPECT_EQ(ParseDate(std::string_view("today\0", 6), 1000, Zone()), -1);
+}
+
+TEST(DateParser, AnyTextEnds) {
+  const char* const pieces[] = {"12", "2026", "99999999", "/",    "-",   ".",     ":",    ",",
+                                " ",  "am",   "th",       "nov",  "sun", "next",  "week", "in",
+                                "at", "from", "now",      "noon", "T",   "month", "\xff", "the"};
+  std::mt19937 random(11);
+  int dates = 0;
+  for (int i = 0; i < 100000; ++i) {
+    std::string text;
+    for (size_t left = random() % 12; left > 0; --left) text += pieces[random() % 24];
+    bool hasTime = true;
+    const int32 moment = hastimeinfo_parsedate(text, 1794389415, Zone(), &hasTime);
+    const int32 timeOfDay = ParseTimeOfDay(text);
+    ASSERT_TRUE(moment != -1 || !hasTime) << text;
+    ASSERT_TRUE(timeOfDay >= -1 && timeOfDay < 86400) << text;
+    dates += moment != -1;
+  }
+  EXPECT_GT(dates, 1000);
+}
+
+TEST(DateParser, TimesOfDayAlone) {
+  const std::pair<const char*, int32> rows[] = {
+      {"7:30:15 am", 27015}, {"noon", 43200}, {"12", 0},        {"0730", 27000},
+      {" at 9:05 ", 32700},  {"12 am", 0},    {"12 pm", 43200}, {"24", -1},
+      {"2460", -1},          {"13 pm", -1},   {"pm", -1},       {"", -1},
+      {"7:5", -1},           {"7:30:60", -1}, {"tomorrow", -1}, {"19:30 today", -1}};
+  for (const auto& [typed, seconds] : rows) EXPECT_EQ(ParseTimeOfDay(typed), seconds) << typed;
+}
+
+TEST(DateParser, SaysWhetherATextIsNoDateOrOutOfReach) {
+  const Zone zone = *Zone::Load("Europe/Berlin");
+  const int64 now = zone.ToMoment(ToCivil({2026, 10, 11, 10, 30, 15}));
+  struct {
+    const char* typed;
+    const char* saying;  // part of the sentence; empty: can be kept
+  } const rows[] = {
+      {"Jan 18 2038, 11 pm", ""},    {"Jan 20 2038", "2038"},  {"Nov 20 2050", "2038"},
+      {"5 May 9999", "2038"},        {"2 Jan 1970", ""},       {"1 Jan 1970", "1970"},
+      {"July 4 1969", "1970"},       {"in 100 years", "2038"}, {"Friday, 3 pm", ""},
+      {"Feb 30 2027", "no date"},    {"soon", "no date"},      {"", "no date"},
+      {"Nov 20 2026 3 pm", "comma"},
+  };
+  for (const auto& row : rows) {
+    const std::string why = WhyNoDate(row.typed, now, zone);
+    EXPECT_EQ(why.empty(), !*row.saying) << row.typed << ": " << why;
+    EXPECT_NE(why.find(row.saying), std::string::npos) << row.typed << ": " << why;
+  }
+}
+
+TEST(DateTimeText, MomentsInBothClocks) {
+  const Zone zone = *Zone::Load("America/New_York");
+  const struct {
+    int32 time;
+    const char *twelve, *twentyFour;
+  } rows[] = {
+      {1794791322, "Sun, Nov 15 2026, 08:08:42 PM", "Sun, Nov 15 2026, 20:08:42"},
+      {1794718800, "Sun, Nov 15 2026, 12:00:00 AM", "Sun, Nov 15 2026, 00:00:00"},
+      {1794762000, "Sun, Nov 15 2026, 12:00:00 PM", "Sun, Nov 15 2026, 12:00:00"},
+      {0, "None", "None"},
+      {-1, "None", "None"},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(GetDateTimeString(row.time, true, zone, false), row.twelve);
+    EXPECT_EQ(GetDateTimeString(row.time, true, zone, true), row.twentyFour);
+  }
+  EXPECT_EQ(GetDateTimeString(1772686800, false, zone, true), "Thu, Mar 05 2026");
+}
+
+TEST(DateTimeText, TimesOfDay) {
+  struct {
+    int32 seconds;
+    const char *twelve, *twentyFour;
+  } const rows[] = {
+      {29100, "08:05 AM", "08:05"}, {43500, "12:05 PM", "12:05"}, {-60, "11:59 PM", "23:59"}};
+  for (const auto& row : rows) {
+    EXPECT_EQ(GetTimeOfDayText(row.seconds, false), row.twelve);
+    EXPECT_EQ(GetTimeOfDayText(row.seconds, true), row.twentyFour);
+  }
+}
+
+TEST(DateTimeText, TwelveHourTimesAreRewritten) {
+  struct {
+    const char *typed, *rewritten;
+  } const rows[] = {
+      {"3:30 pm", "15:30:00"},           {"Jan 5 2000, 12:15 am", "Jan 5 2000, 00:15:00"},
+      {"Jan 5 3 pm", "Jan 17:00:00"},    {"at  8:08:42\tPm, Nov 15", "at  20:08:42, Nov 15"},
+      {"1:2:3am4", "01:02:034"},         {"1530 pm", "27:00:00"},
+      {"7pm or 8pm", "19:00:00 or 8pm"}, {"Nov 15 2026", "Nov 15 2026"},
+  };
+  for (const auto& row : rows) EXPECT_EQ(GetFixedTime(row.typed), row.rewritten);
+}
+
+}  // namespace
+}  // namespace kestrin

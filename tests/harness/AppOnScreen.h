@@ -1,0 +1,200 @@
+// The whole application with its windows and true deliveries, over files in a temporary folder.
+#pragma once
+
+#include <gmock/gmock.h>
+
+#include <QAction>
+#include <QDir>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QtTest/QTest>
+#include <fstream>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "core/app/KestrinApp.h"
+#include "core/events/HandlerTable.h"
+#include "core/settings/BuiltInPrefs.h"
+#include "core/settings/SettingsFile.h"
+#include "handlers/HandlerActions.h"
+#include "harness/FakeSession.h"
+#include "harness/ScreenContext.h"
+#include "interface/sets/StatusLine.h"
+
+namespace kestrin {
+
+class AppOnScreen : public testing::Test {
+ protected:
+  static constexpr int32 Sunday = 1794700800, Hour = 3600, Day = 86400;
+
+  AppOnScreen() {
+    QDir(Folder.path()).mkdir("sets");
+    Start();
+  }
+  ~AppOnScreen() override { End(); }
+
+  static inline Zone SystemZone;
+
+  struct Process {
+    explicit Process(const std::string& folder)
+        : Store(MakeBuiltInPrefs(Files, folder + "/config")),
+          App(Core, {Background, Bus, Store, folder, folder + "/state",
+                     [this] { LoadBuiltInHandlers(Core); }, [] { ResetHandlerTable(); },
+                     [] { return SystemZone; }, [this] { Ended = true; }}) {
+      Ui.Connect(Core, App);
+    }
+    FakeClock Time;
+    SystemFileDoor Files;
+    MessageQueue Queue;
+    Holds Holding{Queue};
+    QtUserInterface Ui{[] {}};
+    AlertDesk Alerts{Queue, Ui};
+    Notices Notes{Alerts, Holding, Ui};
+    FakeDesktop Machine;
+    FakeWorkers Threads;
+    HandlerActions Actions;
+    Context Core{Time,  Files,   Queue,   Holding, Ui,     Alerts,
+                 Notes, Machine, Threads, Actions, Zone(), 1};
+    FakeBackground Background;
+    FakeBus Bus;
+    SettingsStore Store;
+    KestrinApp App;
+    bool Ended = false;
+  };
+
+  /// Another process of the application; what was not saved is lost.
+  void Start() {
+    End();
+    It = std::make_unique<Process>(Folder.path().toStdString());
+    It->Time.JumpTo(Sunday + 8 * Hour);
+    It->App.Construct();
+    It->App.ReadyToRun();
+    Run();
+  }
+  void End() {
+    for (EventSet* set : AllSets())
+      if (set->GetWindow()) set->GetWindow()->CloseNow();
+    Settle();
+    OpenSets::Sets.clear();
+    ResetProcessState();
+    It.reset();
+    SystemZone = Zone();
+  }
+  static std::vector<EventSet*> AllSets() {
+    std::vector<EventSet*> sets;
+    for (const auto& set : OpenSets::Sets) sets.push_back(set.get());
+    return sets;
+  }
+  static void Settle() {
+    QCoreApplication::processEvents();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  }
+  void Run() {
+    do {
+      while (auto message = It->Queue.Take()) It->App.MessageReceived(*message);
+      Settle();
+    } while (!It->Queue.Empty());
+  }
+  void Post(Message message) {
+    It->Queue.Post(std::move(message));
+    Run();
+  }
+
+  std::string Path(const std::string& leaf) const {
+    return QDir(Folder.filePath("sets")).canonicalPath().toStdString() + "/" + leaf;
+  }
+  static std::string Bytes(const std::string& path) {
+    std::ostringstream bytes;
+    bytes << std::ifstream(path, std::ios::binary).rdbuf();
+    return bytes.str();
+  }
+  static bool Exists(const std::string& path) {
+    return QFileInfo::exists(QString::fromStdString(path));
+  }
+
+  /// An event whose editor does not open by itself.
+  static Event& Add(EventSet& set, const std::string& name, int32 next, EventRecord record = {}) {
+    record.Name = name;
+    record.NextEventTime = next;
+    if (record.ActualEventTime == 0) record.ActualEventTime = next;
+    record.ShouldWindowOpen = false;
+    Event& added = *set.AddEvent(std::make_unique<Event>(set, std::move(record)));
+    added.SetSelectedHandler(MessageHandler);
+    return added;
+  }
+  /// A set in a file, its window open, with one event that comes every day at 9:00.
+  EventSet& OpenSet(const std::string& leaf = "Work.kestrin", bool remembered = false) {
+    {
+      EventSet made(It->Core, Path(leaf));
+      EventRecord record;
+      record.PeriodType = Daily;
+      record.ApplyTime = true;
+      record.TimeToApply = 9 * Hour;
+      Add(made, "Tea", Sunday + 9 * Hour, record);
+      EXPECT_TRUE(made.SaveCopy(Path(leaf)));
+    }
+    if (remembered) KestrinSettings::RememberSet(Path(leaf));
+    Message open(OPEN_FILES);
+    open.Set("0", Path(leaf));
+    Post(open);
+    return *Set(leaf);
+  }
+  EventSet& NewSet() {
+    Post(Message(NEW_EVENT_SET));
+    return *OpenSets::Sets.back();
+  }
+  EventSet* Set(const std::string& leaf) const { return OpenSets::FindFile(Path(leaf)); }
+  static EventSetWindow& WindowOf(EventSet& set) {
+    return *dynamic_cast<EventSetWindow*>(set.GetWindow());
+  }
+
+  /// The menu item whose text, without its mnemonic, is that.
+  static QAction* Item(EventSetWindow& window, const QString& text) {
+    for (QAction* action : window.findChildren<QAction*>())
+      if (action->text().remove('&') == text) return action;
+    return nullptr;
+  }
+  void Choose(EventSetWindow& window, const QString& text) {
+    QAction* const item = Item(window, text);
+    ASSERT_TRUE(item && item->isEnabled()) << text.toStdString();
+    item->trigger();
+    Run();
+  }
+  template <typename T>
+  static T* Find(const char* name) {
+    for (QWidget* top : QApplication::topLevelWidgets()) {
+      if (!top->isVisible()) continue;
+      if (top->objectName() == name) return qobject_cast<T*>(top);
+      if (T* found = top->findChild<T*>(name)) return found;
+    }
+    return nullptr;
+  }
+  static std::vector<std::string> AlertTexts() {
+    std::vector<std::string> texts;
+    for (QWidget* top : QApplication::topLevelWidgets())
+      if (top->isVisible() && top->objectName() == "alert")
+        texts.push_back(top->accessibleDescription().toStdString());
+    return texts;
+  }
+  /// Presses a button of the alert whose text holds that.
+  bool Answer(const QString& text, const QString& button) {
+    for (QWidget* top : QApplication::topLevelWidgets()) {
+      if (!top->isVisible() || !top->accessibleDescription().contains(text)) continue;
+      for (QPushButton* each : top->findChildren<QPushButton*>())
+        if (each->text().remove('&') == button) {
+          each->click();
+          Run();
+          return true;
+        }
+    }
+    return false;
+  }
+
+  QTemporaryDir Folder;
+  std::unique_ptr<Process> It;
+};
+
+}  // namespace kestrin

@@ -1,0 +1,74 @@
+// A whole context of fakes around the real queue, holds, alerts and notices.
+#pragma once
+
+#include <utility>
+#include <vector>
+
+#include "core/events/Context.h"
+#include "core/loop/AlertDesk.h"
+#include "core/loop/Holds.h"
+#include "core/loop/MessageQueue.h"
+#include "core/loop/Notices.h"
+#include "harness/FakeClock.h"
+#include "harness/FakeDesktop.h"
+#include "harness/FakeEventActions.h"
+#include "harness/FakeUserInterface.h"
+#include "harness/FakeWorkers.h"
+
+namespace kestrin {
+
+/// Files are the system's own and actions are written down only, unless others are handed in; the
+/// zone is UTC.
+struct TestContext {
+  explicit TestContext(FileDoor* files = nullptr, EventActions* actions = nullptr)
+      : Core{Time,    files ? *files : SystemFiles, Queue,  Holding, Ui, Alerts, Notes, Machine,
+             Threads, actions ? *actions : Actions, Zone(), 1} {
+    Ui.Desk = &Alerts;
+  }
+  TestContext(const TestContext&) = delete;
+  TestContext& operator=(const TestContext&) = delete;
+
+  FakeClock Time;
+  SystemFileDoor SystemFiles;
+  MessageQueue Queue;
+  Holds Holding{Queue};
+  FakeUserInterface Ui;
+  AlertDesk Alerts{Queue, Ui};
+  Notices Notes{Alerts, Holding, Ui};
+  FakeDesktop Machine;
+  FakeWorkers Threads;
+  FakeEventActions Actions;
+  Context Core;
+
+  /// Gets every message that the context itself has no answer to; may be null.
+  std::function<void(const Message&)> OnMessage;
+  /// Those messages, in order, the handled ones too.
+  std::vector<Message> Messages;
+
+  /// Runs the queue until it is empty, as the application's loop does.
+  void RunMessages() {
+    while (auto message = Queue.Take()) Dispatch(*message);
+  }
+
+  /// How many of Messages have that code.
+  int CountMessages(uint32 code) const {
+    return static_cast<int>(
+        std::count_if(Messages.begin(), Messages.end(),
+                      [code](const Message& each) { return each.what == code; }));
+  }
+
+ private:
+  void Dispatch(const Message& message) {
+    if (message.what == ALERTS_WAITING) {
+      Alerts.OpenWaiting();
+    } else if (message.what == PROCESS_HOLD_DONE) {
+      const int64 set = message.Get<int64>("EventSet").value_or(0);
+      Holding.ProcessDone(static_cast<uint64>(set));
+    } else {
+      Messages.push_back(message);
+      if (OnMessage) OnMessage(message);
+    }
+  }
+};
+
+}  // namespace kestrin
