@@ -52,6 +52,21 @@ class CommandsTest : public CtlTest {
 
 using Lines = std::vector<std::string>;
 
+TEST_F(CommandsTest, ShowSaysEachRuleInWordsAndWhenItComes) {
+  EventRecord asleep = DailyAt(9 * Hour, "asleep\n");
+  asleep.Active = false;
+  MakeSet("set", {OnceAt(Saturday, "gone"), asleep});
+  MakeSet("none", {});
+  Zone = "Europe/Berlin";
+  EXPECT_EQ(Run({"show", "--at", Text(Saturday), "set"}).out,
+            "gone\n  Once, on Saturday, 24 Oct 2026 at 12:00 PM.\n"
+            "asleep?\n  Inactive: it is not delivered.\n  Every day at 9:00 AM.\n"
+            "    Sun, Oct 25 2026, 09:00 AM\n    Mon, Oct 26 2026, 09:00 AM\n"
+            "    Tue, Oct 27 2026, 09:00 AM\n    Wed, Oct 28 2026, 09:00 AM\n"
+            "    Thu, Oct 29 2026, 09:00 AM\n");
+  EXPECT_EQ(Run({"show", "none"}).out, "No events.\n");
+}
+
 TEST_F(CommandsTest, NextReckonsInTheZoneOfTheProcess) {
   EventRecord asleep = DailyAt(9 * Hour, "asleep");
   asleep.Active = false;
@@ -164,7 +179,7 @@ TEST_F(CommandsTest, CheckSaysWhatNeverComesAndHowManyEventsThereAre) {
 
 TEST_F(CommandsTest, WrongUsageIsToldWithTheRightOne) {
   for (const char* row :
-       {"", "show F", "dump", "dump F F", "dump --json F", "next F F", "next F --at",
+       {"", "view F", "dump", "dump F F", "dump --json F", "next F F", "next F --at",
         "next --at never F", "next --at 2147483648 F", "next --from 1 F", "agenda",
         "agenda --at 1 F", "check", "check -x F", "rewrite F", "rewrite F out more"}) {
     std::vector<std::string> words;

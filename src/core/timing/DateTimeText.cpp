@@ -91,6 +91,22 @@ std::string GetTimeOfDayText(int32 secondsIntoDay, bool use24Hours) {
   return text.data();
 }
 
+std::string ClockTimeText(int32 secondsIntoDay, bool use24Hours, HourDigits hourDigits) {
+  const int32 time = FoldIntoDay(secondsIntoDay);
+  const int hour = time / 3600, shown = use24Hours ? hour : TwelveHour(hour);
+  std::string text = ClockText(shown, time / 60 % 60, time % 60);
+  if (time % 60 == 0) text.resize(5);
+  if (hourDigits == HourDigits::AsNeeded && !use24Hours && shown < 10) text.erase(0, 1);
+  return use24Hours ? text : text + HalfOfDay(hour);
+}
+
+std::string GetShortDateTime(int32 time, bool withTime, const Zone& zone, bool use24Hours) {
+  std::string text = GetDateTimeString(time, false, zone, use24Hours);
+  if (!withTime || time == 0 || time == -1) return text;
+  return text + ", " +
+         ClockTimeText(SecondsIntoDay(zone.AtMoment(time)), use24Hours, HourDigits::Two);
+}
+
 std::string GetFixedTime(std::string_view text) {
   const size_t half = FindHalfOfDay(text);
   if (half == std::string_view::npos) return std::string(text);

@@ -15,6 +15,13 @@ std::string GetDateTimeString(int32 time, bool withTime, const Zone& zone, bool 
 /// "08:05 AM" or "08:05" from seconds after midnight.
 std::string GetTimeOfDayText(int32 secondsIntoDay, bool use24Hours);
 
+enum class HourDigits { Two, AsNeeded };
+/// The same with the seconds where they are not 0: "08:05:30 AM"; AsNeeded: "8:05 AM". Of a 24-hour
+/// clock the hour has two digits always.
+std::string ClockTimeText(int32 secondsIntoDay, bool use24Hours, HourDigits hourDigits);
+/// GetDateTimeString without seconds that are 0: "Sun, Nov 15 2026, 08:08 PM".
+std::string GetShortDateTime(int32 time, bool withTime, const Zone& zone, bool use24Hours);
+
 /// The first "am"/"pm" time rewritten as 24-hour "hh:mm:ss"; without one, the text unchanged. The
 /// walk back from the letters takes digits and blanks alike: "Jan 5 3 pm" reads the 5 as the hour.
 std::string GetFixedTime(std::string_view text);

@@ -48,6 +48,7 @@ class OccurrenceSearch {
   bool IsYearly() const {
     return rule_.PeriodType == Annually || rule_.PeriodType == MultiAnnually;
   }
+  bool CountsFromOwnEnd() const { return !IsYearly() && rule_.Month == EachMonthsOwnEnd; }
   DayInMonth DayByRule(int64 month, int64 yearOfLength) const;
   DayInMonth Step(DayInMonth found, int64 months) const {
     const int64 month = found.month + months;
@@ -135,8 +136,9 @@ std::optional<int64> OccurrenceSearch::MultiDaily() const {
   return Settle(JumpPastNow(day, period), [=](int64 d) { return d + period; });
 }
 
-/// The rule's day in `month`. The search backwards starts from the length of the rule's own month,
-/// as long as that is in `yearOfLength`, and can end in the month after `month`.
+/// The rule's day in `month`. The search backwards starts from the end of `month` itself, or from
+/// the length of the rule's own month, as long as that is in `yearOfLength`; then it can end in the
+/// month after `month`.
 DayInMonth OccurrenceSearch::DayByRule(int64 month, int64 yearOfLength) const {
   const int64 first = FirstDayOf(month);
   if (rule_.TimingType == ByDayOfMonth) {
@@ -148,7 +150,8 @@ DayInMonth OccurrenceSearch::DayByRule(int64 month, int64 yearOfLength) const {
     const int64 ahead = rule_.DayOfWeek - WeekdayOfDay(first);
     return {month, first + (ahead < 0 ? ahead + 7 : ahead) + 7 * rule_.WeekOfMonth};
   }
-  const int64 from = first + LengthOf(yearOfLength * 12 + rule_.Month) - 1;
+  const int64 longAs = CountsFromOwnEnd() ? month : yearOfLength * 12 + rule_.Month;
+  const int64 from = first + LengthOf(longAs) - 1;
   const int64 back = WeekdayOfDay(from) - rule_.DayOfWeek;
   const int64 day = from - (back < 0 ? back + 7 : back) - 7 * (rule_.WeekOfMonth - 4);
   return {rule_.WeekOfMonth == 4 && day >= FirstDayOf(month + 1) ? month + 1 : month, day};
@@ -166,7 +169,8 @@ bool OccurrenceSearch::RunsOver(int64 month, int64 yearOfLength) const {
 /// From the month of an occurrence to that of a later one which is past for certain. A step of a
 /// rule that can run over depends on where the one before ended.
 int64 OccurrenceSearch::SkipPastMonths(int64 month, int64 step) const {
-  const bool canRunOver = !IsYearly() && rule_.TimingType != ByDayOfMonth && rule_.WeekOfMonth == 4;
+  const bool canRunOver = !IsYearly() && rule_.TimingType != ByDayOfMonth &&
+                          rule_.WeekOfMonth == 4 && !CountsFromOwnEnd();
   const int64 last = MonthOf(Today()).month - (canRunOver ? 2 : 1);
   if (!canRunOver) return month + std::max<int64>(0, last - month) / step * step;
   while (month + step <= last) {

@@ -24,7 +24,7 @@ struct TimingRule {
   int8 DayOfMonth = 1;   ///< 1..31; 32 = last day, 32 + k = (k + 1)-th to last
   int8 WeekOfMonth = 0;  ///< 0..3 = first..fourth; 4 = last, 4 + k = (k + 1)-th to last
   int8 DayOfWeek = 0;    ///< 0 = Sunday
-  int8 Month = 0;        ///< 0 = January
+  int8 Month = 0;        ///< 0 = January; 12 = EachMonthsOwnEnd, where that means something
   int32 MultiStartTime = 0;
   bool ApplyTime = false;
   int32 TimeToApply = 0;

@@ -26,8 +26,8 @@ const char* WhyNoDayByRule(const TimingRule& rule) {
   if (!byDayOfMonth && !IsWithin(rule.WeekOfMonth, 0, 7))
     return "No month has such a week; choose a week from the list.";
   if (!byDayOfMonth && *WhyNoDayOfWeek(rule)) return WhyNoDayOfWeek(rule);
-  const bool usesMonth = yearly || (!byDayOfMonth && rule.WeekOfMonth >= 4);
-  return usesMonth ? WhyNoMonth(rule) : Fine;
+  if (yearly) return WhyNoMonth(rule);
+  return CountsBackFromMonth(rule) && rule.Month != EachMonthsOwnEnd ? WhyNoMonth(rule) : Fine;
 }
 
 const char* WhyNoYear(const TimingRule& rule) {
@@ -71,6 +71,18 @@ TimingRule FaultlessLike(const TimingRule& rule) {
 }
 
 }  // namespace
+
+bool CountsBackFromMonth(const TimingRule& rule) {
+  const bool monthly = rule.PeriodType == Monthly || rule.PeriodType == MultiMonthly;
+  return monthly && rule.TimingType != ByDayOfMonth && rule.WeekOfMonth >= 4;
+}
+
+int8 MonthOnceChosen(const TimingRule& rule, const Zone& zone) {
+  if (CountsBackFromMonth(rule)) return EachMonthsOwnEnd;
+  const bool yearly = rule.PeriodType == Annually || rule.PeriodType == MultiAnnually;
+  if (!yearly || rule.Month != EachMonthsOwnEnd) return rule.Month;
+  return static_cast<int8>(ToFields(zone.AtMoment(rule.EventTime)).month);
+}
 
 const char* WhyNoOccurrence(const TimingRule& rule) {
   switch (rule.PeriodType) {

@@ -75,6 +75,10 @@ EventTimes NextNag(const TimingRule& rule, int64 now, const Zone& zone) {
   return {rule.ActualEventTime, Stored(*next), WaitingToNag};
 }
 
+bool IsSameDay(int64 a, int64 b, const Zone& zone) {
+  return DayOf(zone.AtMoment(a)) == DayOf(zone.AtMoment(b));
+}
+
 int32 GetLast12AM(int32 time, const Zone& zone) {
   const int64 midnight = zone.ToMoment(MidnightOf(zone.AtMoment(time)));
   return Stored(std::max<int64>(midnight, INT32_MIN));

@@ -29,6 +29,18 @@ EventTimes NextNag(const TimingRule& rule, int64 now, const Zone& zone);
 /// Why the rule can never yield an occurrence, as a sentence for the user; empty when it can.
 const char* WhyRuleNeverYields(const TimingRule& rule);
 
+/// Whether the rule says a time of day; a sub-daily one does by its start.
+inline bool HasTimeOfDay(const TimingRule& rule) {
+  return rule.ApplyTime || rule.PeriodType == SubDaily;
+}
+/// Whether the next message is shown with its time of day: not where it is the event's own bare
+/// day.
+inline bool MessageHasTimeOfDay(const TimingRule& rule) {
+  return HasTimeOfDay(rule) || rule.NextEventTime != rule.ActualEventTime;
+}
+/// Whether two moments fall on one day of the wall clock.
+bool IsSameDay(int64 a, int64 b, const Zone& zone);
+
 /// Local midnight at or before `time`; the wall-clock time of day.
 int32 GetLast12AM(int32 time, const Zone& zone);
 int32 GetSecondsIntoDay(int32 time, const Zone& zone);

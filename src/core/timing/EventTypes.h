@@ -30,6 +30,10 @@ inline constexpr int32 NumberOfTimingTypes = 3;
 enum TimeIntervalType : int32 { Months = 0, Weeks = 1, Days = 2, Hours = 3, Minutes = 4 };
 inline constexpr int32 NumberOfIntervalTypes = 5;
 
+/// A month beside the twelve, for the monthly kinds by day of week: a search backwards starts from
+/// the end of whatever month it looks at.
+inline constexpr int8 EachMonthsOwnEnd = 12;
+
 enum EventStatus : int32 {
   WaitingForPrewarning = 0,
   WaitingForEvent = 1,

@@ -12,6 +12,7 @@
 #include "core/events/OpenSets.h"
 #include "core/settings/KestrinSettings.h"
 #include "core/timing/DateTimeText.h"
+#include "core/timing/RuleSentence.h"
 #include "programs/ctl/JsonWriter.h"
 #include "programs/ctl/TextTable.h"
 #include "support/OwnedText.h"
@@ -21,7 +22,7 @@ namespace kestrin {
 
 namespace {
 
-constexpr size_t PathWidth = 4096;
+constexpr size_t PathWidth = 4096, NameWidth = 4096;
 /// An agenda in which the sets' paths take more bytes than this is not printed.
 constexpr size_t MaxPathText = size_t{256} << 20;
 
@@ -72,9 +73,21 @@ bool PrintNextTable(const EventSet& set, const Zone& zone) {
   const TextTable table({"Name", "Event time", "Next message time", "Status"});
   return table.Print(stdout, set.Events().size(), [&](size_t row) -> TextTable::Row {
     const EventRecord& record = set.Events()[row]->Record();
-    return {TextTable::Cell(record.Name), TimeText(record.ActualEventTime, record.ApplyTime, zone),
-            TimeText(record.NextEventTime, record.ApplyTime, zone), StatusText(record)};
+    return {TextTable::Cell(record.Name),
+            TimeText(record.ActualEventTime, HasTimeOfDay(record), zone),
+            TimeText(record.NextEventTime, MessageHasTimeOfDay(record), zone), StatusText(record)};
   });
+}
+
+std::string EventForPeople(const EventRecord& record, int64 now, const Zone& zone) {
+  constexpr size_t DatesShown = 5;
+  const bool use24Hours = KestrinSettings::Time24Hour;
+  std::string text = TextTable::Cell(record.Name, NameWidth) + "\n";
+  if (!record.Active) text += "  Inactive: it is not delivered.\n";
+  text += "  " + RuleSentence(record, zone, use24Hours) + "\n";
+  for (const std::string& date : NextDateTexts(record, now, zone, DatesShown, use24Hours))
+    text += "    " + date + "\n";
+  return text;
 }
 
 /// By the set's handle, the path as given.
@@ -196,6 +209,19 @@ int Next(VirtualEngine& engine, const CtlArguments& arguments) {
   for (const auto& event : set->Events()) event->UpdateEventTime();
   return WrittenOut(arguments.json ? PrintNextJson(*set)
                                    : PrintNextTable(*set, engine.context.zone));
+}
+
+int Show(VirtualEngine& engine, const CtlArguments& arguments) {
+  SetFileReport report;
+  const EventSet* const set = ReadSet(engine, arguments.files[0], &report);
+  if (!set) return ExitFailure;
+  if (set->Events().empty()) return WrittenOut(std::puts("No events.") >= 0);
+  bool written = true;
+  for (const auto& event : set->Events()) {
+    const std::string text = EventForPeople(event->Record(), arguments.at, engine.context.zone);
+    written = written && std::fputs(text.c_str(), stdout) >= 0;
+  }
+  return WrittenOut(std::fflush(stdout) == 0 && written);
 }
 
 int AgendaCommand(VirtualEngine& engine, const CtlArguments& arguments) {

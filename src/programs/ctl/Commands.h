@@ -18,13 +18,14 @@ struct CtlArguments {
   std::vector<std::string> files;
   bool json = false;
   bool startup = false;
-  int64 at = 0;    ///< next
+  int64 at = 0;    ///< next, show
   int64 from = 0;  ///< agenda
   int64 to = 0;
 };
 
 int Dump(VirtualEngine& engine, const CtlArguments& arguments);
 int Next(VirtualEngine& engine, const CtlArguments& arguments);
+int Show(VirtualEngine& engine, const CtlArguments& arguments);
 int AgendaCommand(VirtualEngine& engine, const CtlArguments& arguments);
 int Check(VirtualEngine& engine, const CtlArguments& arguments);
 int Rewrite(VirtualEngine& engine, const CtlArguments& arguments);

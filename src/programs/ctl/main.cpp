@@ -18,6 +18,8 @@ using kestrin::VirtualEngine;
 constexpr char Usage[] =
     "usage: kestrinctl dump FILE                      everything in an event set, as JSON\n"
     "       kestrinctl next [--json] [--at TIME] FILE  when each event occurs next\n"
+    "       kestrinctl show [--at TIME] FILE          each event's rule in words, with its next "
+    "dates\n"
     "       kestrinctl agenda [--json] [--startup] [--from TIME] [--to TIME] FILE...\n"
     "                                                 what would be delivered in a stretch of "
     "time\n"
@@ -40,6 +42,7 @@ constexpr int64_t Week = 7 * kestrin::SecondsPerDay;
 constexpr Command Commands[] = {
     {"dump", kestrin::Dump, "", 1, 1},
     {"next", kestrin::Next, "--json --at", 1, 1},
+    {"show", kestrin::Show, "--at", 1, 1},
     {"agenda", kestrin::AgendaCommand, "--json --startup --from --to", 1, AnyNumber},
     {"check", kestrin::Check, "", 1, AnyNumber},
     {"rewrite", kestrin::Rewrite, "", 2, 2},

@@ -71,7 +71,7 @@ class StepByStep {
     return a_;
   }
   int64 Eval(tm& t, bool byDay) {
-    const int month = byDay ? t.tm_mon : r_.Month;
+    const int month = byDay || r_.Month == EachMonthsOwnEnd ? t.tm_mon : r_.Month;
     const int length = DaysInMonth(month, t.tm_year);
     if (byDay) {
       t.tm_mday =
@@ -130,7 +130,7 @@ class RandomRules {
     rule.DayOfMonth = Pick<int8>(1, 59);
     rule.WeekOfMonth = Pick<int8>(0, 7);
     rule.DayOfWeek = Pick<int8>(0, 6);
-    rule.Month = Pick<int8>(0, 11);
+    rule.Month = Pick<int8>(0, kind == Monthly || kind == MultiMonthly ? 12 : 11);
     rule.ApplyTime = Pick(0, 3) > 0;
     rule.TimeToApply = Pick(0, 1) ? Pick<int32>(0, 86399) : Pick<int32>(0, 95) * 900;
     rule.SubIntType = Pick<int32>(3, 4);
