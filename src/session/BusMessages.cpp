@@ -45,9 +45,19 @@ QVariantMap FieldsAt(const QDBusMessage& call, qsizetype index) {
   return qdbus_cast<QVariantMap>(call.arguments().at(index));
 }
 
+ReadCall ReadDelivery(const QVariantMap& fields) {
+  Message message(DELIVER_EVENTS);
+  const auto late = fields.find("Late");
+  if (late == fields.end()) return Taken(std::move(message));
+  if (late->typeId() != QMetaType::Int)
+    return Refused(BadFieldError, "The field \"Late\" must be of type int32");
+  message.Set("Late", int32{late->toInt()});
+  return Taken(std::move(message));
+}
+
 ReadCall ReadPost(const QDBusMessage& call) {
   const uint32 what = call.arguments().at(0).toUInt();
-  if (what == DELIVER_EVENTS) return Taken(Message(DELIVER_EVENTS));
+  if (what == DELIVER_EVENTS) return ReadDelivery(FieldsAt(call, 1));
   if (what != QUIT_REQUESTED)
     return Refused(
         UnknownMessageError,
@@ -122,6 +132,14 @@ QVariant VariantOf(const Message::Value& value) {
   return {};
 }
 
+QVariantMap FieldsOf(const Message& message) {
+  QVariantMap fields;
+  for (const auto& [name, value] : message.Fields())
+    if (const QVariant variant = VariantOf(value); variant.isValid())
+      fields[QString::fromStdString(name)] = variant;
+  return fields;
+}
+
 }  // namespace
 
 std::optional<ReadCall> ReadApplicationCall(const QDBusMessage& call) {
@@ -139,7 +157,7 @@ std::optional<ReadCall> ReadApplicationCall(const QDBusMessage& call) {
 
 QDBusMessage MakeApplicationCall(const Message& message, const QString& destination) {
   if (message.what == DELIVER_EVENTS || message.what == QUIT_REQUESTED)
-    return MakePost(destination, ApplicationObject, message.what, {});
+    return MakePost(destination, ApplicationObject, message.what, FieldsOf(message));
   if (message.what == FULL_QUIT_REQUESTED)
     return MakePost(destination, ApplicationObject, QUIT_REQUESTED, {{"Full", true}});
 
@@ -160,11 +178,7 @@ QDBusMessage MakeApplicationCall(const Message& message, const QString& destinat
 }
 
 QDBusMessage MakeBackgroundCall(const Message& message) {
-  QVariantMap fields;
-  for (const auto& [name, value] : message.Fields())
-    if (const QVariant variant = VariantOf(value); variant.isValid())
-      fields[QString::fromStdString(name)] = variant;
-  return MakePost(BackgroundBusName, BackgroundObject, message.what, fields);
+  return MakePost(BackgroundBusName, BackgroundObject, message.what, FieldsOf(message));
 }
 
 QDBusMessage MakeBusCall(const char* member) {

@@ -13,6 +13,7 @@ inline constexpr char ApplicationInterface[] = "org.freedesktop.Application";
 
 inline constexpr char UnknownMessageError[] = "vnd.ZR.Kestrin.Error.UnknownMessage";
 inline constexpr char BadFieldError[] = "vnd.ZR.Kestrin.Error.BadField";
+inline constexpr char NotKeptError[] = "vnd.ZR.Kestrin.Error.NotKept";
 inline constexpr char InvalidArgumentsError[] = "org.freedesktop.DBus.Error.InvalidArgs";
 inline constexpr char UnknownMethodError[] = "org.freedesktop.DBus.Error.UnknownMethod";
 

@@ -19,6 +19,12 @@ Message Files(const std::vector<std::string>& paths, bool window) {
   return message;
 }
 
+Message LateBy61() {
+  Message message(DELIVER_EVENTS);
+  message.Set("Late", int32{61});
+  return message;
+}
+
 Message WithToken(Message message, const char* token) {
   message.Set("token", token);
   return message;
@@ -67,6 +73,8 @@ TEST_F(ApplicationBusTest, TakesDeliveriesQuitsAndFilesAndNothingElse) {
     QString error = {};
   } const rows[] = {
       {"deliver", Post(DELIVER_EVENTS), Message(DELIVER_EVENTS)},
+      {"late", Post(DELIVER_EVENTS, {{"Late", 61}}), LateBy61()},
+      {"late by no number", Post(DELIVER_EVENTS, {{"Late", "x"}}), {}, BadFieldError},
       {"fields that are not known", Post(DELIVER_EVENTS, pointer), Message(DELIVER_EVENTS)},
       {"quit", Post(QUIT_REQUESTED), Message(QUIT_REQUESTED)},
       {"not so full", Post(QUIT_REQUESTED, {{"Full", false}}), Message(QUIT_REQUESTED)},
@@ -208,11 +216,13 @@ TEST_F(ApplicationBusTest, WhatComesTooLateGoesToTheNewOwner) {
   QDBusPendingCall late = Client().asyncCall(
       Open({"file:///a%FF"}, {{"activation-token", "t"}, {BackgroundKey, true}}));
   Client().asyncCall(Post(QUIT_REQUESTED, {{"Full", true}}));
+  Client().asyncCall(Post(DELIVER_EVENTS, {{"Late", 61}}));
   Settle();
   EXPECT_TRUE(bus_.Leave());
   const Message opened = WithToken(Files({"/a\xff"}, false), "t");
   EXPECT_EQ(NextLine(), "application got " + opened.Flatten());
   EXPECT_EQ(NextLine(), "application got " + Message(FULL_QUIT_REQUESTED).Flatten());
+  EXPECT_EQ(NextLine(), "application got " + LateBy61().Flatten());
   late.waitForFinished();
   EXPECT_FALSE(late.isError());
   EXPECT_TRUE(queue_.Empty());

@@ -18,6 +18,7 @@ namespace kestrin {
 namespace {
 
 constexpr int64 RetryWithoutScreen = 60;
+constexpr int32 MostLateness = 60;  // seconds; a wake-up that is later is like a start
 
 [[noreturn]] void StopInDebugger() {
   std::fputs("Add-ons may not block or take more than one second to deal with an event\n", stderr);
@@ -39,7 +40,8 @@ DeliveryPass::Earliest DeliveryPass::FindEarliest() {
   const int64 now = mayPassOver ? context_.clock.Now() : 0;
   const auto mustWait = [&](const Event& event) {
     if (event.GetNextEventTime() > now || context_.actions.CanDeliver(event)) return false;
-    best.passedOver = true;
+    const int64 since = event.GetNextEventTime();
+    if (best.waiting == 0 || since < best.waiting) best.waiting = since;
     return true;
   };
   for (const auto& set : OpenSets::Sets) {
@@ -59,7 +61,8 @@ DeliveryPass::Earliest DeliveryPass::FindEarliest() {
 void DeliveryPass::HandOn(const Earliest& earliest) {
   Message message(NEXT_EVENT_MESSAGE);
   int64 when = earliest.event ? earliest.time : 0;
-  if (earliest.passedOver) {
+  if (earliest.waiting != 0) {
+    message.Set("Since", static_cast<int32>(earliest.waiting));
     const int64 retry = context_.clock.Now() + RetryWithoutScreen;
     if (when == 0 || retry < when) when = retry;
     std::fputs("kestrin: no display: what needs a window stays due for another minute\n", stderr);
@@ -147,7 +150,10 @@ bool DeliveryPass::MessageReceived(const Message& message) {
       if (!dealing_) SetCounterForNextEvent(false);
       return true;
     case DELIVER_EVENTS:
-      if (!dealing_) SetCounterForNextEvent(false);
+      if (message.Get<int32>("Late").value_or(0) > MostLateness)
+        PassWithStartupFlag();
+      else if (!dealing_)
+        SetCounterForNextEvent(false);
       return true;
     case PREWARN_ALERT_REPLY:
     case NAG_ALERT_REPLY:

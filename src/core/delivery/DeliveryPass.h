@@ -38,7 +38,7 @@ class DeliveryPass {
     int64 time = 0;
     class Event* event = nullptr;
     EventSet* set = nullptr;
-    bool passedOver = false;  ///< something due had to stay due
+    int64 waiting = 0;  ///< not 0: something had to stay due since then
   };
   Earliest FindEarliest();
   void HandOn(const Earliest& earliest);

@@ -17,9 +17,9 @@ enum MessageCode : uint32 {
   PREWARN_ALERT_REPLY = 8,  ///< int32 "which", int64 "Event" and "EventSet" (handles), int32
   NAG_ALERT_REPLY = 9,      ///< "Occurrence" (the ActualEventTime the alert was for)
 
-  DELIVER_EVENTS = FourCharCode("DelE"),
+  DELIVER_EVENTS = FourCharCode("DelE"),      ///< optional int32 "Late": by so many seconds
   PROCESS_HOLD_DONE = FourCharCode("Sphd"),   ///< optional int64 "EventSet": whose hold it was
-  NEXT_EVENT_MESSAGE = FourCharCode("SetE"),  ///< optional int32 "When"
+  NEXT_EVENT_MESSAGE = FourCharCode("SetE"),  ///< optional int32 "When", "Since" (docs/bus.md)
   QUIT_REQUESTED = FourCharCode("_QRQ"),      ///< optional bools "IfIdle": only while nothing
                                               ///< holds; "Again": unless it was given up since
   ABOUT_REQUESTED = FourCharCode("_ABR"),

@@ -2,6 +2,7 @@
 
 #include <errno.h>
 #include <signal.h>
+#include <stdint.h>
 #include <stdio.h>
 #include <string.h>
 #include <sys/inotify.h>
@@ -134,17 +135,18 @@ int BackgroundDeliverer::PrepareBus() {
 }
 
 void BackgroundDeliverer::OpenKeptTime() {
+  int32 when = 0;
   status_t status = kept_.Open(surroundings_.runtimeFolder);
   if (status < 0) {
     Say("the next event's time will not outlive this process, no usable XDG_RUNTIME_DIR", status);
-    return;
+  } else {
+    status = kept_.Read(when);
+    if (status == -EBADMSG)
+      fputs("KestrinBackground: the kept time is damaged and is ignored\n", stderr);
+    else if (status < 0 && status != -ENOENT)
+      Say("cannot read the kept time", status);
   }
-  const int32 when = kept_.Read(status);
-  if (status == -EBADMSG)
-    fputs("KestrinBackground: the kept time is damaged and is ignored\n", stderr);
-  else if (status < 0)
-    Say("cannot read the kept time", status);
-  if (when != 0) Carry(schedule_.SetWhen(when));
+  Carry(status == StatusOk ? schedule_.SetWhen(when) : schedule_.Forgotten());
 }
 
 void BackgroundDeliverer::WatchZone() {
@@ -173,19 +175,23 @@ int BackgroundDeliverer::OnPost(sd_bus_message* message, void* self, sd_bus_erro
 }
 
 int BackgroundDeliverer::TakeNextEvent(sd_bus_message* message, sd_bus_error* error) {
-  int32 when = 0;
-  if (const int result = ReadNextEventFields(message, when, error); result < 0) return result;
-  const bool changed = when != schedule_.When();
-  Carry(schedule_.SetWhen(when));
-  if (const status_t status = kept_.Write(when); status < 0) Say("cannot keep the time", status);
+  NextEventFields next;
+  if (const int result = ReadNextEventFields(message, next, error); result < 0) return result;
+  const bool changed = next.When != schedule_.When();
+  since_ = next.Since;
+  Carry(schedule_.SetWhen(next.When));
+  const status_t status = kept_.Write(next.When);
   if (changed)
     sd_bus_emit_properties_changed(bus_.get(), BackgroundObject, MessagesInterface, "When",
                                    nullptr);
-  return sd_bus_reply_method_return(message, "");
+  if (status >= 0) return sd_bus_reply_method_return(message, "");
+  Say("cannot keep the time", status);
+  return sd_bus_error_setf(error, NotKeptError, "The time cannot be kept: %s", strerror(-status));
 }
 
 int BackgroundDeliverer::TakeQuitRequest(sd_bus_message* message) {
-  if (const status_t status = kept_.Write(0); status < 0) Say("cannot remove the time", status);
+  if (const status_t status = kept_.Write(0); status < 0)
+    Say("cannot keep that nothing is pending", status);
   sd_bus_release_name(bus_.get(), BackgroundBusName);
   const int result = sd_bus_reply_method_return(message, "");
   sd_event_exit(event_.get(), 0);
@@ -205,8 +211,7 @@ int BackgroundDeliverer::OnOwnerChanged(sd_bus_message* signal, void* self, sd_b
     return 0;
   }
   const WakeOrders orders = Self(self)->schedule_.ApplicationVanished();
-  if (orders.retrySeconds > 0 || orders.gaveUp)
-    Self(self)->SayFailure("it ended without telling its next event");
+  Self(self)->SayFailure(orders, "it ended without telling its next event");
   Self(self)->Carry(orders);
   return 0;
 }
@@ -249,8 +254,7 @@ int BackgroundDeliverer::OnChildEnded(sd_event_source*, const siginfo_t* child, 
   if (child->si_pid != Self(self)->launched_) return 0;
   Self(self)->launched_ = 0;
   const WakeOrders orders = Self(self)->schedule_.LaunchEnded();
-  if (orders.retrySeconds > 0 || orders.gaveUp)
-    Self(self)->SayFailure("it ended without telling its next event");
+  Self(self)->SayFailure(orders, "it ended without telling its next event");
   Self(self)->Carry(orders);
   return 0;
 }
@@ -270,8 +274,6 @@ void BackgroundDeliverer::Carry(const WakeOrders& orders) {
     sd_event_source_set_time_relative(retry_.get(), delay);
     sd_event_source_set_enabled(retry_.get(), SD_EVENT_ONESHOT);
   }
-  if (orders.gaveUp)
-    fputs("KestrinBackground: giving up until the next start; the time is kept\n", stderr);
 }
 
 void BackgroundDeliverer::SetTimer() {
@@ -286,11 +288,21 @@ void BackgroundDeliverer::SetTimer() {
   if (result < 0) Say("cannot set the timer", result);
 }
 
+int32 BackgroundDeliverer::Lateness() const {
+  const int64 since = since_ != 0 ? since_ : schedule_.When();
+  timespec now{};
+  if (since == 0 || clock_gettime(CLOCK_REALTIME, &now) != 0) return 0;
+  const int64 late = now.tv_sec - since;
+  return static_cast<int32>(late < 0 ? 0 : late > INT32_MAX ? INT32_MAX : late);
+}
+
 void BackgroundDeliverer::Call() {
   sd_bus_message* message = nullptr;
   int result = sd_bus_message_new_method_call(bus_.get(), &message, ApplicationBusName,
                                               ApplicationObject, MessagesInterface, "Post");
-  if (result >= 0) result = sd_bus_message_append(message, "ua{sv}", DeliverEventsCode, 0);
+  if (result >= 0)
+    result =
+        sd_bus_message_append(message, "ua{sv}", DeliverEventsCode, 1, "Late", "i", Lateness());
   sd_bus_slot* slot = nullptr;
   if (result >= 0)
     result = sd_bus_call_async(bus_.get(), &slot, message, OnAnswer, this, CallTimeout);
@@ -298,7 +310,7 @@ void BackgroundDeliverer::Call() {
   call_.reset(slot);
   if (result >= 0) return;
   const WakeOrders orders = schedule_.CallFailed(false);
-  SayFailure(strerror(-result));
+  SayFailure(orders, strerror(-result));
   Carry(orders);
 }
 
@@ -307,8 +319,7 @@ int BackgroundDeliverer::OnAnswer(sd_bus_message* reply, void* self, sd_bus_erro
   const sd_bus_error* error = sd_bus_message_get_error(reply);
   const WakeOrders orders = error ? Self(self)->schedule_.CallFailed(MeansUnknownToBus(*error))
                                   : Self(self)->schedule_.CallAnswered();
-  if (orders.retrySeconds > 0 || orders.gaveUp)
-    Self(self)->SayFailure(error ? error->message : "it answered and ended at once");
+  Self(self)->SayFailure(orders, error ? error->message : "it answered and ended at once");
   Self(self)->Carry(orders);
   return 0;
 }
@@ -322,13 +333,15 @@ void BackgroundDeliverer::Launch() {
     if (result >= 0) return;
   }
   const WakeOrders orders = schedule_.LaunchEnded();
-  SayFailure(strerror(-result));
+  SayFailure(orders, strerror(-result));
   Carry(orders);
 }
 
-void BackgroundDeliverer::SayFailure(const char* reason) const {
-  fprintf(stderr, "KestrinBackground: could not wake the application (try %d of %d): %s\n",
-          schedule_.Failures(), WakeSchedule::MostFailures, reason ? reason : "no reason given");
+// Nothing when the step was no failure.
+void BackgroundDeliverer::SayFailure(const WakeOrders& orders, const char* reason) const {
+  if (orders.retrySeconds == 0) return;
+  fprintf(stderr, "KestrinBackground: could not wake the application (try %d, next in %d s): %s\n",
+          schedule_.Failures(), orders.retrySeconds, reason ? reason : "no reason given");
 }
 
 }  // namespace kestrin

@@ -62,15 +62,17 @@ class BackgroundDeliverer {
 
   int TakeNextEvent(sd_bus_message* message, sd_bus_error* error);
   int TakeQuitRequest(sd_bus_message* message);
+  int32 Lateness() const;
   void Carry(const WakeOrders& orders);
   void SetTimer();
   void Call();
   void Launch();
-  void SayFailure(const char* reason) const;
+  void SayFailure(const WakeOrders& orders, const char* reason) const;
 
   BackgroundSurroundings surroundings_;
   WakeSchedule schedule_;
   KeptTimeFile kept_;
+  int32 since_ = 0;  // lateness counts from here; 0: from the pending moment
   pid_t launched_ = 0;
   Owned<sd_event> event_;
   Owned<sd_bus> bus_;

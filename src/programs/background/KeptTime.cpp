@@ -28,6 +28,8 @@ status_t WriteWhole(int folder, const char* name, const KeptTimeText& text) {
     status = -errno;
   else if (static_cast<size_t>(written) != text.length)
     status = -ENOSPC;
+  else if (fsync(file) != 0)
+    status = -errno;
   if (close(file) != 0 && status == StatusOk) status = -errno;
   return status;
 }
@@ -42,11 +44,12 @@ KeptTimeText FormatKeptTime(int32 when) {
   return text;
 }
 
-int32 ParseKeptTime(std::string_view text) {
+std::optional<int32> ParseKeptTime(std::string_view text) {
   int32 when = 0;
   std::from_chars(text.data(), text.data() + text.size(), when);
   const KeptTimeText expected = FormatKeptTime(when);
-  return text == std::string_view(expected.bytes, expected.length) ? when : 0;
+  if (text != std::string_view(expected.bytes, expected.length)) return std::nullopt;
+  return when;
 }
 
 KeptTimeFile::~KeptTimeFile() {
@@ -67,30 +70,39 @@ status_t KeptTimeFile::Open(const char* runtimeFolder) {
   return status;
 }
 
-int32 KeptTimeFile::Read(status_t& status) const {
-  status = StatusOk;
-  if (folder_ < 0) return 0;
+status_t KeptTimeFile::Read(int32& when) {
+  if (folder_ < 0) return -ENOENT;
   const int file = openat(folder_, FileName, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
-  if (file < 0) {
-    if (errno != ENOENT) status = -errno;
-    return 0;
-  }
+  if (file < 0) return -errno;
   char bytes[32];
   const ssize_t count = read(file, bytes, sizeof bytes);
-  if (count < 0) status = -errno;
+  const status_t status = count < 0 ? -errno : StatusOk;
   close(file);
-  if (count < 0) return 0;
-  const int32 when = ParseKeptTime({bytes, static_cast<size_t>(count)});
-  if (when == 0) status = -EBADMSG;
-  return when;
+  if (status != StatusOk) return status;
+  held_ = ParseKeptTime({bytes, static_cast<size_t>(count)});
+  if (!held_) return -EBADMSG;
+  when = *held_;
+  return StatusOk;
 }
 
-status_t KeptTimeFile::Write(int32 when) const {
-  if (folder_ < 0) return StatusOk;
-  if (when == 0) return RemoveIfThere(folder_, FileName);
+status_t KeptTimeFile::Write(int32 when) {
+  if (folder_ < 0 || held_ == when) return StatusOk;
+  const status_t status = Replace(when);
+  if (status == StatusOk) {
+    held_ = when;
+  } else {
+    // An old moment would be worse than none.
+    held_.reset();
+    RemoveIfThere(folder_, FileName);
+  }
+  return status;
+}
+
+status_t KeptTimeFile::Replace(int32 when) const {
   status_t status = RemoveIfThere(folder_, NewFileName);
   if (status == StatusOk) status = WriteWhole(folder_, NewFileName, FormatKeptTime(when));
   if (status == StatusOk && renameat(folder_, NewFileName, folder_, FileName) != 0) status = -errno;
+  if (status == StatusOk && fsync(folder_) != 0) status = -errno;
   return status;
 }
 

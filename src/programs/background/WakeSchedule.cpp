@@ -3,8 +3,14 @@
 namespace kestrin {
 
 namespace {
-constexpr int32 RetryDelays[WakeSchedule::MostFailures - 1] = {1, 5, 30, 60};
-}
+
+constexpr int32 RetryDelays[] = {1, 5, 30, 60, 3600};  // seconds; the last one from then on
+constexpr int32 LastDelay = sizeof RetryDelays / sizeof RetryDelays[0] - 1;
+
+// An application that is just starting tells its next event by itself.
+constexpr int32 TimeToTell = 5;
+
+}  // namespace
 
 WakeOrders WakeSchedule::SetWhen(int32 when) {
   when_ = when;
@@ -12,6 +18,11 @@ WakeOrders WakeSchedule::SetWhen(int32 when) {
   launchNext_ = false;
   phase_ = Phase::Resting;
   return {.forgetTry = true, .setTimer = true};
+}
+
+WakeOrders WakeSchedule::Forgotten() {
+  phase_ = Phase::AwaitingRetry;
+  return {.retrySeconds = TimeToTell};
 }
 
 WakeOrders WakeSchedule::TimerCame() { return StartAnew(); }
@@ -59,13 +70,10 @@ WakeOrders WakeSchedule::ApplicationVanished() {
 
 WakeOrders WakeSchedule::Fail(bool launchNext) {
   launchNext_ = launchNext;
+  const int32 delay = RetryDelays[failures_ < LastDelay ? failures_ : LastDelay];
   ++failures_;
-  if (failures_ >= MostFailures) {
-    phase_ = Phase::Resting;
-    return {.gaveUp = true};
-  }
   phase_ = Phase::AwaitingRetry;
-  return {.retrySeconds = RetryDelays[failures_ - 1]};
+  return {.retrySeconds = delay};
 }
 
 }  // namespace kestrin

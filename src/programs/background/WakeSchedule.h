@@ -15,13 +15,10 @@ struct WakeOrders {
   bool setTimer = false;   ///< arm the timer for When(), or stop it when that is 0
   WakeTry next = WakeTry::None;
   int32 retrySeconds = 0;  ///< above 0: call RetryCame() after so long
-  bool gaveUp = false;     ///< no further try will be made for this moment
 };
 
 class WakeSchedule {
  public:
-  static constexpr int32 MostFailures = 5;
-
   /// The pending moment in seconds since 1970, 0 for none. Stands until SetWhen changes it.
   int32 When() const { return when_; }
   /// Failures in a row of the present wake-up.
@@ -29,6 +26,8 @@ class WakeSchedule {
 
   /// The application's word, or the kept one at start. Replaces everything.
   WakeOrders SetWhen(int32 when);
+  /// At start, when nobody knows what was pending: the application is to say so.
+  WakeOrders Forgotten();
   WakeOrders TimerCame();
   WakeOrders RetryCame();
   WakeOrders ZoneChanged();

@@ -119,6 +119,8 @@ int Run(int argc, char** argv) {
     std::fprintf(stderr, "kestrin: no window can be opened: %s\n", whyNoDisplay->c_str());
     return 1;
   }
+  // A person's start opens the user interface, whatever the bus had waiting.
+  if (!start.byBus && !BackgroundOnlyStartup && !whyNoDisplay) queue.Post(ACTIVATE);
   Parts parts(queue, bus);
   const int status = RunLoop(parts, start.arguments);
   // After a forced end commands may still be running in threads that know these parts.

@@ -29,12 +29,14 @@ class DeliveryPassTest : public SetTestBase {
   std::vector<std::string> Delivered() { return World.Actions.TakeNames(); }
 
   std::vector<int64> Sent;  ///< the "When" of each SetE; 0 without one
+  int32 Since = 0;          ///< of the last
   bool MayFail = false;     ///< of the last
   bool Stopped = false;
   DeliveryPass Pass{World.Core,
                     [this](const Message& message, bool mayFail) {
                       EXPECT_EQ(message.what, FourCharCode("SetE"));
                       Sent.push_back(message.Get<int32>("When").value_or(0));
+                      Since = message.Get<int32>("Since").value_or(0);
                       MayFail = mayFail;
                     },
                     [this] { Stopped = true; }};
@@ -117,6 +119,22 @@ TEST_F(DeliveryPassTest, WhatIsDueIsWorkedOffInOrderAndTheDelivererHearsOnce) {
   EXPECT_FALSE(Pass.IsDealing());
 }
 
+TEST_F(DeliveryPassTest, OnlyAWakeUpThatIsLateItselfMakesEventsMissed) {
+  EventSet& set = NewSet();
+  for (const int32 late : {0, 60, 61}) {
+    const std::string missed = late > 60 ? " missed" : "";
+    Add(set, OnceAt(Now - 3600, "first"));
+    Add(set, OnceAt(Now - 61, "second"));
+    Add(set, OnceAt(Now - 60, "just now"));
+    while (World.Queue.Take()) {
+    }
+    Message wakeUp(DELIVER_EVENTS);
+    wakeUp.Set("Late", late);
+    Run(wakeUp);
+    EXPECT_THAT(Delivered(), ElementsAre("first" + missed, "second" + missed, "just now")) << late;
+  }
+}
+
 TEST_F(DeliveryPassTest, WithoutAScreenWhatNeedsOneIsAskedForAMinuteLater) {
   World.Ui.Screen = false;
   World.Actions.Able = false;
@@ -132,6 +150,7 @@ TEST_F(DeliveryPassTest, WithoutAScreenWhatNeedsOneIsAskedForAMinuteLater) {
   Add(set, OnceAt(Now + 30));
   World.RunMessages();
   EXPECT_EQ(Sent.back(), Now + 30) << "what is ahead may come earlier";
+  EXPECT_EQ(Since, Now - 10) << "how long it waits is known to whoever wakes the application";
   World.Actions.Able = true;
   Run(Message(DELIVER_EVENTS));
   EXPECT_THAT(Delivered(), ElementsAre("Tea"));

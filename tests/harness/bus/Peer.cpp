@@ -35,7 +35,10 @@ Peer::~Peer() { sd_bus_flush_close_unref(bus_); }
 
 int Peer::OnPost(sd_bus_message* message, void* self, sd_bus_error*) {
   Taken taken{0, RealTime()};
-  if (const int result = sd_bus_message_read(message, "u", &taken.what); result < 0) return result;
+  const char* late = nullptr;
+  const int result =
+      sd_bus_message_read(message, "ua{sv}", &taken.what, 1, &late, "i", &taken.late);
+  if (result < 0) return result;
   static_cast<Peer*>(self)->taken.push_back(taken);
   return sd_bus_reply_method_return(message, "");
 }

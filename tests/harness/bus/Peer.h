@@ -21,6 +21,7 @@ class Peer : NotCopied {
   struct Taken {
     uint32_t what;
     int64_t at;  ///< microseconds since 1970
+    int32_t late = 0;
   };
 
   explicit Peer(const PrivateBus& bus, const char* name = nullptr);

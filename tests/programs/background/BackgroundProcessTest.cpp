@@ -40,7 +40,7 @@ TEST_F(BackgroundProcess, SetsReplacesAndClearsTheTime) {
   EXPECT_EQ(peer.When(), Later + 1);
   EXPECT_EQ(peer.Post(NextEventCode, {{"why", 'b', 1}}), "");
   EXPECT_EQ(peer.When(), 0);
-  EXPECT_FALSE(fs::exists(bus.KeptFile()));
+  EXPECT_EQ(ReadFile(bus.KeptFile()), "0\n");
   EXPECT_TRUE(peer.WaitUntil([&] { return peer.announced.size() >= 3; }));
   EXPECT_THAT(peer.announced, ElementsAre(Later, Later + 1, 0));
 }
@@ -52,7 +52,7 @@ TEST_F(BackgroundProcess, RefusesForeignCodesAndFieldsOfAnotherType) {
     EXPECT_EQ(peer.Post(what, {{"When", 'i', 5}}), UnknownMessageError) << what;
   for (const char type : {'u', 'x', 'b', 's'}) {
     EXPECT_EQ(peer.Post(NextEventCode, {{"When", type, 1}}), BadFieldError) << type;
-    EXPECT_EQ(peer.Post(NextEventCode, {{"When", 'i', 5}, {"When", type, 1}}), BadFieldError);
+    EXPECT_EQ(peer.Post(NextEventCode, {{"When", 'i', 5}, {"Since", type, 1}}), BadFieldError);
   }
   EXPECT_EQ(peer.When(), Later);
   EXPECT_EQ(ReadFile(bus.KeptFile()), "1893456000\n");
@@ -102,10 +102,10 @@ TEST_F(BackgroundProcess, TriesAgainWhenTheApplicationVanishes) {
   ASSERT_TRUE(application.WaitUntil([&] { return !application.taken.empty(); }));
   EXPECT_EQ(application.taken[0].what, DeliverEventsCode);
   EXPECT_GE(application.taken[0].at - vanished, Second);
-  EXPECT_THAT(deliverer->Errors(), HasSubstr("try 1 of 5"));
+  EXPECT_THAT(deliverer->Errors(), HasSubstr("try 1, next in 1 s"));
 }
 
-TEST_F(BackgroundProcess, AKilledOneStillKnowsItsTimeAndADamagedKeptTimeIsNone) {
+TEST_F(BackgroundProcess, AKilledOneStillKnowsItsTimeAndWithoutItWakesTheApplicationOnce) {
   auto deliverer = Start();
   ASSERT_EQ(peer.SetWhen(Later), "");
   deliverer->Signal(SIGKILL);
@@ -121,6 +121,39 @@ TEST_F(BackgroundProcess, AKilledOneStillKnowsItsTimeAndADamagedKeptTimeIsNone) 
   deliverer = Start();
   EXPECT_EQ(peer.When(), 0);
   EXPECT_EQ(deliverer->Errors(), "KestrinBackground: the kept time is damaged and is ignored\n");
+  Peer application(bus, ApplicationBusName);
+  EXPECT_TRUE(application.WaitUntil([&] { return !application.taken.empty(); }));
+}
+
+TEST_F(BackgroundProcess, AMomentThatCannotBeKeptIsNotAcknowledged) {
+  const auto deliverer = Start();
+  ASSERT_EQ(peer.SetWhen(Later), "");
+  fs::create_directories(bus.KeptFile() + ".new/in the way");
+  EXPECT_EQ(peer.SetWhen(Later), "") << "unchanged, it needs no writing";
+  EXPECT_EQ(peer.SetWhen(Later + 1), NotKeptError);
+  EXPECT_EQ(peer.When(), Later + 1);
+}
+
+// Stopped over the second, like a machine that slept.
+TEST_F(BackgroundProcess, SaysHowLateItIs) {
+  const auto deliverer = Start();
+  Peer application(bus, ApplicationBusName);
+  const auto wakeUp = [&](size_t count) {
+    EXPECT_TRUE(application.WaitUntil([&] { return application.taken.size() > count; }));
+    return application.taken.back();
+  };
+  const int64_t when = RealTime() / Second + 1;
+  ASSERT_EQ(application.SetWhen(when), "");
+  deliverer->Signal(SIGSTOP);
+  ASSERT_TRUE(Until([&] { return RealTime() >= (when + 2) * Second; }));
+  deliverer->Signal(SIGCONT);
+  EXPECT_GE(wakeUp(0).late, 2);
+  EXPECT_LE(wakeUp(0).late, wakeUp(0).at / Second - when);
+  const int64_t soon = RealTime() / Second + 1;
+  ASSERT_EQ(application.Post(NextEventCode, {{"When", 'i', soon}, {"Since", 'i', soon - 70}}), "");
+  EXPECT_GE(wakeUp(1).late, 70) << "what waits for a screen";
+  ASSERT_EQ(application.SetWhen(RealTime() / Second + 1), "");
+  EXPECT_LE(wakeUp(2).late, 9) << "and waits no longer";
 }
 
 TEST_F(BackgroundProcess, WorksWithoutARuntimeFolder) {
@@ -158,7 +191,7 @@ TEST_F(BackgroundProcess, EndsWhenToldToAndForgetsOnlyWhenAskedToQuit) {
     end(*deliverer);
     EXPECT_EQ(deliverer->Wait(), 0);
     EXPECT_THAT(deliverer->Errors(), IsEmpty());
-    EXPECT_EQ(fs::exists(bus.KeptFile()), kept);
+    EXPECT_EQ(ReadFile(bus.KeptFile()), kept ? "1893456000\n" : "0\n");
     peer.WaitForOwner(BackgroundBusName, false);
   }
 }

@@ -14,15 +14,16 @@ namespace {
 namespace fs = std::filesystem;
 
 TEST(KeptTimeText, OnlyWhatIsWrittenIsRead) {
-  for (const int32 when : {1, 1893456000, INT32_MAX, -1, INT32_MIN}) {
+  for (const int32 when : {0, 1, 1893456000, INT32_MAX, -1, INT32_MIN}) {
     const KeptTimeText text = FormatKeptTime(when);
     EXPECT_EQ(std::string_view(text.bytes, text.length), std::to_string(when) + "\n");
     EXPECT_EQ(ParseKeptTime({text.bytes, text.length}), when);
   }
-  for (const char* damaged : {"", "\n", "0\n", "12", "12\n\n", "12\n13\n", " 12\n", "+12\n",
-                              "012\n", "12x\n", "1e3\n", "2147483648\n", "-2147483649\n", "12\r\n"})
-    EXPECT_EQ(ParseKeptTime(damaged), 0) << '"' << damaged << '"';
-  EXPECT_EQ(ParseKeptTime({"12\0\n", 4}), 0);
+  for (const char* damaged :
+       {"", "\n", "-0\n", "00\n", "12", "12\n\n", "12\n13\n", " 12\n", "+12\n", "012\n", "12x\n",
+        "1e3\n", "2147483648\n", "-2147483649\n", "12\r\n"})
+    EXPECT_FALSE(ParseKeptTime(damaged)) << '"' << damaged << '"';
+  EXPECT_FALSE(ParseKeptTime({"12\0\n", 4}));
 }
 
 TEST(KeptTimeFile, IsReplacedAsAWholeAndPrivate) {
@@ -32,9 +33,9 @@ TEST(KeptTimeFile, IsReplacedAsAWholeAndPrivate) {
   const std::string file = folder.path + "/kestrin/next-event";
   EXPECT_EQ(fs::status(folder.path + "/kestrin").permissions(), fs::perms::owner_all);
 
-  status_t status = StatusError;
-  EXPECT_EQ(kept.Read(status), 0);
-  EXPECT_EQ(status, StatusOk);
+  int32 when = 7;
+  EXPECT_EQ(kept.Read(when), -ENOENT);
+  EXPECT_EQ(when, 7);
 
   WriteFile(file + ".new", "left over from a crash");
   ASSERT_EQ(kept.Write(1000), StatusOk);
@@ -43,11 +44,24 @@ TEST(KeptTimeFile, IsReplacedAsAWholeAndPrivate) {
   EXPECT_EQ(ReadFile(folder.path + "/seen"), "1000\n") << "was written over, not replaced";
   EXPECT_EQ(ReadFile(file), "2000\n");
   EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
-  EXPECT_EQ(kept.Read(status), 2000);
+  EXPECT_EQ(kept.Read(when), StatusOk);
+  EXPECT_EQ(when, 2000);
 
+  for (const int32 unchanged : {2000, 0}) {
+    ASSERT_EQ(kept.Write(unchanged), StatusOk);
+    fs::remove(folder.path + "/seen");
+    fs::create_hard_link(file, folder.path + "/seen");
+    EXPECT_EQ(kept.Write(unchanged), StatusOk);
+    EXPECT_TRUE(fs::equivalent(file, folder.path + "/seen")) << "was written again";
+  }
+  EXPECT_EQ(ReadFile(file), "0\n");
+  fs::create_directory(file + ".new");
+  WriteFile(file + ".new/in", "the way");
+  EXPECT_LT(kept.Write(3000), 0);
+  EXPECT_FALSE(fs::exists(file)) << "an old moment would be taken for the last one";
+  fs::remove_all(file + ".new");
   EXPECT_EQ(kept.Write(0), StatusOk);
-  EXPECT_EQ(kept.Write(0), StatusOk);
-  EXPECT_TRUE(fs::is_empty(folder.path + "/kestrin"));
+  EXPECT_EQ(ReadFile(file), "0\n");
 }
 
 TEST(KeptTimeFile, WhatCannotBeReadIsNamed) {
@@ -55,16 +69,15 @@ TEST(KeptTimeFile, WhatCannotBeReadIsNamed) {
   KeptTimeFile kept;
   ASSERT_EQ(kept.Open(folder.path.c_str()), StatusOk);
   const std::string file = folder.path + "/kestrin/next-event";
-  status_t status = StatusOk;
+  int32 when = 0;
   WriteFile(file, std::string(5000, '1'));
-  EXPECT_EQ(kept.Read(status), 0);
-  EXPECT_EQ(status, -EBADMSG);
+  EXPECT_EQ(kept.Read(when), -EBADMSG);
   fs::remove(file);
   fs::create_symlink("/etc/hostname", file);
-  EXPECT_EQ(kept.Read(status), 0);
-  EXPECT_EQ(status, -ELOOP);
+  EXPECT_EQ(kept.Read(when), -ELOOP);
   EXPECT_EQ(kept.Write(7), StatusOk);
-  EXPECT_EQ(kept.Read(status), 7);
+  EXPECT_EQ(kept.Read(when), StatusOk);
+  EXPECT_EQ(when, 7);
 }
 
 TEST(KeptTimeFile, NeedsAnAbsoluteFolderThatExists) {

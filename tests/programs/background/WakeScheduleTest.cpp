@@ -18,7 +18,6 @@ class Machine {
     if (orders.setTimer) timerAt = schedule.When();
     if (orders.next != WakeTry::None) tries.push_back({now, orders.next});
     if (orders.retrySeconds > 0) retryAt = now + orders.retrySeconds;
-    gaveUp = gaveUp || orders.gaveUp;
   }
 
   Event Jump() {
@@ -40,7 +39,6 @@ class Machine {
   WakeSchedule schedule;
   int32 now = 1000, timerAt = 0, retryAt = 0;
   std::vector<Try> tries;
-  bool gaveUp = false;
 };
 
 using Tries = std::vector<Machine::Try>;
@@ -51,17 +49,20 @@ void PrintTo(const Machine::Try& one, std::ostream* out) {
   *out << one.at << (one.how == Call ? " call" : " launch");
 }
 
-// One wake-up at 1100 in which every try ends by `fail`, until nothing is left to wait for.
+constexpr size_t Enough = 7;
+
+// One wake-up at 1100 in which every try ends by `fail`.
 Machine FailAlways(const std::function<WakeOrders(WakeSchedule&, WakeTry)>& fail) {
   Machine machine;
   machine.Do(machine.schedule.SetWhen(1100));
-  while (machine.Jump() != Machine::Event::Nothing)
+  while (machine.tries.size() < Enough && machine.Jump() != Machine::Event::Nothing)
     machine.Do(fail(machine.schedule, machine.tries.back().how));
   return machine;
 }
 
-TEST(WakeSchedule, TriesAgainAfter1And5And30And60SecondsThenGivesUp) {
-  const Tries expected = {{1100, Call}, {1101, Call}, {1106, Call}, {1136, Call}, {1196, Call}};
+TEST(WakeSchedule, TriesAgainAfter1And5And30And60SecondsThenHourly) {
+  const Tries expected = {{1100, Call}, {1101, Call}, {1106, Call}, {1136, Call},
+                          {1196, Call}, {4796, Call}, {8396, Call}};
   const Machine refused =
       FailAlways([](WakeSchedule& schedule, WakeTry) { return schedule.CallFailed(false); });
   const Machine vanished = FailAlways([](WakeSchedule& schedule, WakeTry) {
@@ -75,7 +76,6 @@ TEST(WakeSchedule, TriesAgainAfter1And5And30And60SecondsThenGivesUp) {
   });
   for (const Machine* machine : {&refused, &vanished, &gone}) {
     EXPECT_EQ(machine->tries, expected);
-    EXPECT_TRUE(machine->gaveUp);
     EXPECT_EQ(machine->schedule.When(), 1100) << "the next start needs the moment";
   }
 }
@@ -84,9 +84,13 @@ TEST(WakeSchedule, LaunchesInTurnWithCallsWhileTheBusKnowsNoApplication) {
   const Machine machine = FailAlways([](WakeSchedule& schedule, WakeTry how) {
     return how == Launch ? schedule.LaunchEnded() : schedule.CallFailed(true);
   });
-  EXPECT_EQ(machine.tries,
-            (Tries{{1100, Call}, {1101, Launch}, {1106, Call}, {1136, Launch}, {1196, Call}}));
-  EXPECT_TRUE(machine.gaveUp);
+  EXPECT_EQ(machine.tries, (Tries{{1100, Call},
+                                  {1101, Launch},
+                                  {1106, Call},
+                                  {1136, Launch},
+                                  {1196, Call},
+                                  {4796, Launch},
+                                  {8396, Call}}));
 }
 
 TEST(WakeSchedule, ANewMomentReplacesEverything) {
@@ -100,15 +104,14 @@ TEST(WakeSchedule, ANewMomentReplacesEverything) {
         machine.Jump();
       },
       [](Machine& machine) {
-        for (int i = 0; i < WakeSchedule::MostFailures; ++i) {
+        for (size_t i = 0; i < Enough; ++i) {
           machine.Do(machine.schedule.CallFailed(false));
           machine.Jump();
         }
-        EXPECT_TRUE(machine.gaveUp);
       },
   };
   for (const auto& reach : points)
-    for (const int32 next : {0, 5000}) {
+    for (const int32 next : {0, 50000}) {
       Machine machine;
       machine.Do(machine.schedule.SetWhen(1100));
       machine.Jump();
@@ -121,9 +124,21 @@ TEST(WakeSchedule, ANewMomentReplacesEverything) {
       machine.Do(machine.schedule.LaunchEnded());
       machine.Do(machine.schedule.ApplicationVanished());
       EXPECT_EQ(machine.Jump(), next ? Machine::Event::Timer : Machine::Event::Nothing);
-      EXPECT_EQ(machine.tries, next ? (Tries{{5000, Call}}) : Tries{});
+      EXPECT_EQ(machine.tries, next ? (Tries{{50000, Call}}) : Tries{});
       EXPECT_EQ(machine.schedule.Failures(), 0);
     }
+}
+
+TEST(WakeSchedule, WhereNothingIsKnownTheApplicationIsWokenOnceUnlessItTellsFirst) {
+  for (const bool tells : {false, true}) {
+    Machine machine;
+    machine.Do(machine.schedule.Forgotten());
+    if (tells) machine.Do(machine.schedule.SetWhen(0));
+    machine.Jump();
+    EXPECT_EQ(machine.tries, tells ? Tries{} : (Tries{{1005, Call}}));
+    machine.Do(machine.schedule.CallAnswered());
+    EXPECT_EQ(machine.Jump(), Machine::Event::Nothing);
+  }
 }
 
 TEST(WakeSchedule, AnApplicationThatAnsweredAndStaysIsLeftInPeace) {
