@@ -11,6 +11,7 @@
 #include "fakes/MemoryFileDoor.h"
 #include "fakes/TestContext.h"
 #include "handlers/LoadEventHandlers.h"
+#include "support/Opened.h"
 
 namespace kestrin {
 namespace {
@@ -36,7 +37,7 @@ std::unique_ptr<EventSet> Read(Context& context, const std::string& path) {
 }
 
 std::string Written(EventSet& set, MemoryFileDoor& disk) {
-  EndianIndependentFile file(disk, "/written", OpenWriteOnly | OpenCreate | OpenErase, 512);
+  Opened<EndianIndependentFile> file(disk, "/written", OpenWriteOnly | OpenCreate | OpenErase, 512);
   Demand(WriteSetFile(set, file), "what was read can be written");
   return *disk.Bytes("/written");
 }

@@ -20,12 +20,6 @@ inline constexpr uint32 OpenCreate = 0x200, OpenErase = 0x400, OpenAtEnd = 0x800
 /// FlushBuffer last, or loses what is pending.
 class BufferedFile {
  public:
-  /// Opens `path` (in `folder`, for the second form) through `door`, which must outlive the file.
-  BufferedFile(FileDoor& door, const std::string& path, uint32 openMode, int32 bufferSize);
-  BufferedFile(FileDoor& door, const std::string& folder, const std::string& name, uint32 openMode,
-               int32 bufferSize);
-  /// Takes over a file that is open already and has no path: SetTo fails.
-  BufferedFile(std::unique_ptr<OpenFile> file, uint32 openMode, int32 bufferSize);
   BufferedFile(const BufferedFile&) = delete;
   BufferedFile& operator=(const BufferedFile&) = delete;
   virtual ~BufferedFile();
@@ -70,6 +64,14 @@ class BufferedFile {
   }
 
  protected:
+  // The application opens files; an add-on is handed one.
+  /// Opens `path` (in `folder`, for the second form) through `door`, which must outlive the file.
+  BufferedFile(FileDoor& door, const std::string& path, uint32 openMode, int32 bufferSize);
+  BufferedFile(FileDoor& door, const std::string& folder, const std::string& name, uint32 openMode,
+               int32 bufferSize);
+  /// Takes over a file that is open already and has no path: SetTo fails.
+  BufferedFile(std::unique_ptr<OpenFile> file, uint32 openMode, int32 bufferSize);
+
   bool IsReadable() const;
   bool IsWritable() const;
 

@@ -13,11 +13,6 @@ namespace kestrin {
 /// byte behind it, but for Position(), which counts it. SetTo neither reads nor writes a marker.
 class EndianIndependentFile : public BufferedFile {
  public:
-  EndianIndependentFile(FileDoor& door, const std::string& path, uint32 openMode, int32 bufferSize);
-  EndianIndependentFile(FileDoor& door, const std::string& folder, const std::string& name,
-                        uint32 openMode, int32 bufferSize);
-  EndianIndependentFile(std::unique_ptr<OpenFile> file, uint32 openMode, int32 bufferSize);
-
   status_t InitCheck() const override;
 
   /// Transfers `count` consecutive numbers of `size` bytes (1, 2, 4 or 8). Returns the whole
@@ -53,6 +48,12 @@ class EndianIndependentFile : public BufferedFile {
   int64 WriteAt(int64 position, const void* data, size_t count) override;
   int64 Seek(int64 position, int whence) override;
   status_t SetSize(int64 size) override;
+
+ protected:
+  EndianIndependentFile(FileDoor& door, const std::string& path, uint32 openMode, int32 bufferSize);
+  EndianIndependentFile(FileDoor& door, const std::string& folder, const std::string& name,
+                        uint32 openMode, int32 bufferSize);
+  EndianIndependentFile(std::unique_ptr<OpenFile> file, uint32 openMode, int32 bufferSize);
 
  private:
   static constexpr bool IsNumberSize(uint8 size) {

@@ -1,11 +1,5 @@
-// What a handler add-on implements. An add-on is a shared library that exports, with C linkage:
-//
-//   const char* InitializeAddOn();
-//       The handler's name, valid until unloading; null refuses.
-//   kestrin::EventAddOnData* NewAddOnData(kestrin::Event*, kestrin::EndianIndependentFile*, bool*);
-//       Without a file fresh data; else data read from the payload, the flag false if that fails.
-//   void CleanUpAddOn();
-//       Optional; called once at exit.
+// What a handler add-on implements. An add-on is a shared library that defines the entry points
+// declared at the end.
 //
 // A payload is a uint32 byte count followed by exactly that many bytes.
 #pragma once
@@ -78,8 +72,19 @@ class ActsWithoutScreen {
 }  // namespace kestrin
 
 extern "C" {
-using NewAddOnDataFunction = kestrin::EventAddOnData* (*)(kestrin::Event*,
-                                                          kestrin::EndianIndependentFile*, bool*);
-using InitializeAddOnFunction = const char* (*)();
-using CleanUpAddOnFunction = void (*)();
+// Declared here so that a definition with another signature does not compile, and so that one in a
+// library built with hidden visibility is exported all the same.
+
+/// The handler's name, valid until unloading; null refuses.
+[[gnu::visibility("default")]] const char* InitializeAddOn();
+/// Without a file fresh data; else data read from the payload, `*ok` false if that fails. The
+/// caller owns what is returned.
+[[gnu::visibility("default")]] kestrin::EventAddOnData* NewAddOnData(
+    kestrin::Event* event, kestrin::EndianIndependentFile* file, bool* ok);
+/// Optional; called once at exit.
+[[gnu::visibility("default")]] void CleanUpAddOn();
+
+using NewAddOnDataFunction = decltype(&NewAddOnData);
+using InitializeAddOnFunction = decltype(&InitializeAddOn);
+using CleanUpAddOnFunction = decltype(&CleanUpAddOn);
 }

@@ -13,32 +13,36 @@ namespace {
 
 Desktop& DesktopOf(const Event& event) { return event.GetOwner()->GetContext().desktop; }
 
+/// "with the application X", or what stands for it where none is known.
+std::string WithApplication(const FileDescription& file) {
+  return file.ApplicationName.empty() ? "with its default application"
+                                      : "with the application " + file.ApplicationName;
+}
+
 std::string QuestionText(const Event& event, bool missed, const char* path,
                          const FileDescription& file) {
-  const bool isKnown = !file.ApplicationName.empty();
-  const char* application = file.ApplicationName.c_str();
-  if (file.IsApplication)
-    return MessageAlertText(
-        event, missed,
-        {"\n\nKestrin is about to launch the application ", isKnown ? application : path, "."});
-  if (isKnown)
+  if (file.IsApplication) {
+    const char* const application =
+        file.ApplicationName.empty() ? path : file.ApplicationName.c_str();
     return MessageAlertText(event, missed,
-                            {"\n\nKestrin is about to open the file \"", path,
-                             "\" with the application ", application, "."});
+                            {"\n\nKestrin is about to launch the application ", application, "."});
+  }
+  const std::string with = WithApplication(file);
   return MessageAlertText(
-      event, missed,
-      {"\n\nKestrin is about to open the file \"", path, "\" with its default application."});
+      event, missed, {"\n\nKestrin is about to open the file \"", path, "\" ", with.c_str(), "."});
 }
 
 std::string FailureText(const Event& event, bool missed, const char* path,
                         const FileDescription& file) {
-  const char* application = file.ApplicationName.c_str();
-  if (file.IsApplication)
+  if (file.IsApplication) {
+    const char* const application =
+        file.ApplicationName.empty() ? path : file.ApplicationName.c_str();
     return MessageAlertText(event, missed,
                             {"\n\nKestrin failed to launch the application  ", application, "."});
-  return MessageAlertText(event, missed,
-                          {"\n\nKestrin failed to open the file \"", path,
-                           "\" with the application ", application, "."});
+  }
+  const std::string with = WithApplication(file);
+  return MessageAlertText(
+      event, missed, {"\n\nKestrin failed to open the file \"", path, "\" ", with.c_str(), "."});
 }
 
 }  // namespace

@@ -121,13 +121,13 @@ TEST_F(ActionsTest, AFileIsDescribedAskedForAndLaunched) {
     const char *Question, *Failure;
   } rows[] = {
       {{true, true, "Kettle"}, "launch the application Kettle.", "launch the application  Kettle."},
-      {{true, true, ""}, "launch the application /pot.", "launch the application  ."},
+      {{true, true, ""}, "launch the application /pot.", "launch the application  /pot."},
       {{true, false, "Kettle"},
        "open the file \"/pot\" with the application Kettle.",
        "open the file \"/pot\" with the application Kettle."},
       {{true, false, ""},
        "open the file \"/pot\" with its default application.",
-       "open the file \"/pot\" with the application ."},
+       "open the file \"/pot\" with its default application."},
   };
   for (const auto& row : rows) {
     World.Machine.Files["/pot"] = row.File;

@@ -8,6 +8,7 @@
 #include "HandlerTestBase.h"
 #include "core/settings/BuiltInPrefs.h"
 #include "core/settings/SettingsStore.h"
+#include "support/Opened.h"
 
 namespace kestrin {
 namespace {
@@ -211,9 +212,9 @@ TEST_F(OutsideAddOnTest, WritesALineADeliveryAndNeedsNoScreen) {
 TEST_F(OutsideAddOnTest, KeepsWhatALaterVersionStored) {
   for (const std::string& payload : {std::string("\3\0\0\0new", 7), std::string(4, '\0')}) {
     std::ofstream(root_ / "in", std::ios::binary) << std::string(1, '\0') + payload;
-    EndianIndependentFile in(World.SystemFiles, In("in"), OpenReadOnly, 64);
-    EndianIndependentFile out(World.SystemFiles, In("out"), OpenWriteOnly | OpenCreate | OpenErase,
-                              64);
+    Opened<EndianIndependentFile> in(World.SystemFiles, In("in"), OpenReadOnly, 64);
+    Opened<EndianIndependentFile> out(World.SystemFiles, In("out"),
+                                      OpenWriteOnly | OpenCreate | OpenErase, 64);
     bool ok = false;
     const auto data = MakeAddOnData(FindHandler("Write to log"), Subject, &in, &ok, nullptr);
     ASSERT_TRUE(ok && SaveAddOnData(*data, &out));

@@ -3,6 +3,7 @@
 #include <optional>
 
 #include "HandlerTestBase.h"
+#include "support/Opened.h"
 
 namespace kestrin {
 namespace {
@@ -38,13 +39,14 @@ class PayloadTest : public HandlerTestBase {
   std::unique_ptr<EventAddOnData> Read(const char* handler, const std::string& bytes,
                                        bool bigEndian, bool& ok) {
     Disk.Put("/sets/payload", std::string(1, bigEndian ? '\1' : '\0') + bytes);
-    EndianIndependentFile file(Disk, "/sets/payload", OpenReadOnly, 64);
+    Opened<EndianIndependentFile> file(Disk, "/sets/payload", OpenReadOnly, 64);
     auto data = MakeAddOnData(FindHandler(handler), Subject, &file, &ok, nullptr);
     left_ = file.BytesLeft();
     return data;
   }
   std::string Written(EventAddOnData& data) {
-    EndianIndependentFile file(Disk, "/sets/out", OpenWriteOnly | OpenCreate | OpenErase, 64);
+    Opened<EndianIndependentFile> file(Disk, "/sets/out", OpenWriteOnly | OpenCreate | OpenErase,
+                                       64);
     EXPECT_TRUE(data.SaveData(&file));
     file.FlushBuffer();
     return Disk.Bytes("/sets/out").value_or("?").substr(1);

@@ -83,6 +83,9 @@ TEST_F(AddOnViewTest, ItIsTypedIntoSavedAndReadAgain) {
   OpenEditor(*Set("Work.kestrin"));
   ASSERT_TRUE(Note());
   EXPECT_EQ(Note()->text(), "Milk first, please!");
+  const auto offered = Note()->parentWidget()->property("offered").toRectF();
+  EXPECT_EQ(offered.toRect().size(), Find<QWidget>("editViewFrame")->size() - QSize(1, 1))
+      << "the frame's sides are pixels of it";
 }
 
 TEST_F(AddOnViewTest, TheWheelChoosesOnlyWhereTheFocusIs) {

@@ -186,6 +186,7 @@ TEST_F(EditorPagesTest, LettersAndTabReachEveryControl) {
   reaches(Qt::Key_S, Qt::AltModifier, "prewarnTime");
   reaches(Qt::Key_E, Qt::AltModifier, "prewarnMessage");
   ShowPage(ActionTab);
+  QCoreApplication::processEvents();  // the handler's view comes once the page has its size
   reaches(Qt::Key_H, Qt::AltModifier, "handler");
   for (const char* next : {"messageText", "deleteOnceDelivered", "deliverIfMissed"})
     reaches(Qt::Key_Tab, {}, next);

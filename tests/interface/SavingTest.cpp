@@ -46,8 +46,8 @@ TEST_F(SavingTest, RememberForDeliveryRemembersAndTheStatusLineSaysSo) {
   Choose(WindowOf(NewSet()), "Remember for delivery");
   EXPECT_TRUE(Find<QCheckBox>("rememberForDelivery")->isChecked());
   Panel()->setDirectory(QString::fromStdString(Path("")));
-  Accept("Garden", true);
-  EXPECT_THAT(Remembered(), ElementsAre(Path("Work.kestrin"), Path("Garden.kestrin")));
+  Accept("Dr. Garden", true);
+  EXPECT_THAT(Remembered(), ElementsAre(Path("Work.kestrin"), Path("Dr. Garden.kestrin")));
 }
 
 TEST_F(SavingTest, SaveAsKeepsWhatIsRememberedInStepWithTheBox) {
@@ -94,21 +94,21 @@ TEST_F(SavingTest, WhatRangBeforeTheNameChangedDoesNotRingAgainFromTheOldFile) {
 TEST_F(SavingTest, AnotherSetsFileIsRefusedAndAnExistingOneIsAskedAbout) {
   OpenSet("Home.kestrin");
   EventSet& set = OpenSet();
-  std::ofstream(Path("letter.txt")) << "dear";
+  std::ofstream(Path("letter.kestrin")) << "dear";
   Choose(WindowOf(set), "Save as…");
   Accept("Home.kestrin", false);
   ASSERT_TRUE(Panel()) << "another name can be typed";
   EXPECT_TRUE(Answer("Home.kestrin", "OK"));
-  Accept("letter.txt", false);
-  ASSERT_TRUE(Answer("letter.txt", "Cancel"));
-  EXPECT_EQ(Bytes(Path("letter.txt")), "dear");
+  Accept("letter.kestrin", false);
+  ASSERT_TRUE(Answer("letter.kestrin", "Cancel"));
+  EXPECT_EQ(Bytes(Path("letter.kestrin")), "dear");
   EXPECT_EQ(set.GetFileName(), Path("Work.kestrin"));
-  Accept("letter.txt", false);
-  ASSERT_TRUE(Answer("letter.txt", "Replace"));
+  Accept("letter.kestrin", false);
+  ASSERT_TRUE(Answer("letter.kestrin", "Replace"));
   EXPECT_FALSE(Panel());
-  EXPECT_EQ(set.GetFileName(), Path("letter.txt"));
+  EXPECT_EQ(set.GetFileName(), Path("letter.kestrin"));
   Choose(WindowOf(set), "Save as…");
-  Accept("letter.txt", false);
+  Accept("letter.kestrin", false);
   EXPECT_THAT(AlertTexts(), IsEmpty()) << "its own file";
 }
 

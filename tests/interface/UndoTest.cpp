@@ -131,7 +131,8 @@ TEST_F(UndoTest, AnEventThatDeliveryDeletedIsNotOffered) {
 TEST_F(UndoTest, CutAndPasteMoveAnEventToAnotherSet) {
   EventSet& from = TwoEvents();
   EventSet& to = NewSet();
-  EXPECT_EQ(Selected(from), "");
+  EXPECT_EQ(Selected(from), "Tea") << "the first row is current, and selected";
+  ListOf(from).clearSelection();
   Key(from, Qt::Key_C, Qt::ControlModifier);
   EXPECT_FALSE(ClipboardHasEvent()) << "nothing is selected";
   Select(from, "Tea");

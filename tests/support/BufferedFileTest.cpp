@@ -6,6 +6,7 @@
 
 #include "harness/FailingFileDoor.h"
 #include "harness/MemoryFileDoor.h"
+#include "support/Opened.h"
 
 namespace kestrin {
 namespace {
@@ -25,7 +26,7 @@ TEST(BufferedFile, AnyMixOfOperationsActsAsOnThePlainBytes) {
     MemoryFileDoor disk;
     std::string model = Letters(100);
     disk.Put(path, model);
-    BufferedFile file(disk, path, OpenReadWrite, bufferSize);
+    Opened<BufferedFile> file(disk, path, OpenReadWrite, bufferSize);
     size_t position = 0;
     for (int step = 0; step < 4000; ++step) {
       SCOPED_TRACE(testing::Message() << "buffer " << bufferSize << " step " << step);
@@ -77,7 +78,7 @@ TEST(BufferedFile, ReadsLinesOfEveryEnding) {
       SCOPED_TRACE(testing::Message() << testing::PrintToString(bytes) << " " << bufferSize);
       MemoryFileDoor disk;
       disk.Put(path, bytes);
-      BufferedFile file(disk, path, OpenReadOnly, bufferSize);
+      Opened<BufferedFile> file(disk, path, OpenReadOnly, bufferSize);
       std::string line(20, '#'), rest(20, '#');
       EXPECT_EQ(file.BufferedReadLine(line.data(), max), consumed);
       EXPECT_STREQ(line.c_str(), expected);
@@ -90,8 +91,8 @@ TEST(BufferedFile, AnswersNothingWhereTheModeForbidsItOrNoFileIsOpen) {
   MemoryFileDoor disk;
   disk.Put(path, "abc");
   char byte = 0;
-  BufferedFile reader(disk, path, OpenReadOnly, 8), writer(disk, path, OpenWriteOnly, 8);
-  BufferedFile missing(disk, "/d", "missing", OpenReadWrite, 8);
+  Opened<BufferedFile> reader(disk, path, OpenReadOnly, 8), writer(disk, path, OpenWriteOnly, 8);
+  Opened<BufferedFile> missing(disk, "/d", "missing", OpenReadWrite, 8);
   EXPECT_EQ(missing.InitCheck(), -ENOENT);
   EXPECT_LT(missing.Seek(0, SEEK_SET), 0);
   EXPECT_EQ(reader.BufferedWrite("x", 1) + missing.BufferedWrite("x", 1), 0);
@@ -105,7 +106,7 @@ TEST(BufferedFile, PlainOperationsSeeWhatIsPendingAndFailWhenThatCannotBeWritten
   MemoryFileDoor disk;
   disk.Put(path, Letters(20));
   FailingFileDoor door(disk);
-  BufferedFile file(door, path, OpenReadWrite, 16);
+  Opened<BufferedFile> file(door, path, OpenReadWrite, 16);
   char bytes[4];
   file.BufferedRead(bytes, 2);
   EXPECT_EQ(file.Read(bytes, 1), 1);

@@ -4,6 +4,7 @@
 
 #include "harness/MemoryFileDoor.h"
 #include "support/MemoryFile.h"
+#include "support/Opened.h"
 
 namespace kestrin {
 namespace {
@@ -15,8 +16,8 @@ const std::string path = "/d/file";
 struct EndianIndependentFileTest : testing::Test {
   MemoryFileDoor disk;
   EndianIndependentFileTest() { disk.PutFolder("/d"); }
-  EndianIndependentFile Open(uint32 mode, int32 bufferSize = 1024) {
-    return EndianIndependentFile(disk, path, mode, bufferSize);
+  Opened<EndianIndependentFile> Open(uint32 mode, int32 bufferSize = 1024) {
+    return Opened<EndianIndependentFile>(disk, path, mode, bufferSize);
   }
 };
 
@@ -137,7 +138,8 @@ TEST(MemoryFile, PlacesAndSizesOutOfReachAreRefused) {
   EXPECT_EQ(file.Read(&byte, 1), 0);
   EXPECT_EQ(file.Write(&byte, 1), -EFBIG);
   EXPECT_EQ(file.Size(), 4);
-  EndianIndependentFile pathless(std::make_unique<MemoryFile>(), OpenReadWrite | OpenErase, 16);
+  Opened<EndianIndependentFile> pathless(std::make_unique<MemoryFile>(), OpenReadWrite | OpenErase,
+                                         16);
   EXPECT_EQ(pathless.SetTo("/any/path", OpenReadOnly), StatusFileError) << "there is no door";
 }
 

@@ -10,6 +10,7 @@
 #include "harness/FailingFileDoor.h"
 #include "harness/MemoryFileDoor.h"
 #include "kestrin/EndianIndependentFile.h"
+#include "support/Opened.h"
 #include "support/WholeFile.h"
 
 namespace kestrin {
@@ -177,7 +178,7 @@ const std::string path = "/home/set";
 // As a set is saved: through a small buffer, so that there is more than one write to fail.
 status_t Save(FileDoor& door, const std::string& text) {
   return ReplaceFile(door, path, [&](const std::string& temporary) {
-    EndianIndependentFile file(door, temporary, OpenWriteOnly, 8);
+    Opened<EndianIndependentFile> file(door, temporary, OpenWriteOnly, 8);
     return file.InitCheck() == StatusOk && file.WriteString(text.c_str()) == StatusOk &&
            file.FlushBuffer() == StatusOk && file.Sync() == StatusOk;
   });

@@ -6,6 +6,7 @@
 
 #include "core/files/EventRecordFile.h"
 #include "support/HeapRoom.h"
+#include "support/Opened.h"
 
 namespace kestrin {
 
@@ -100,7 +101,7 @@ ConstructorResult ReadEvents(EventSet& set, EndianIndependentFile& file,
 
 ConstructorResult ReadSetFile(EventSet& set, const std::string& path, bool* versionOK,
                               SetFileReport* report) {
-  EndianIndependentFile file(set.GetContext().files, path, OpenReadOnly, FileBuffer);
+  Opened<EndianIndependentFile> file(set.GetContext().files, path, OpenReadOnly, FileBuffer);
   if (file.InitCheck() != StatusOk) {
     const status_t status = file.InitCheck();
     if (status == StatusFileError)

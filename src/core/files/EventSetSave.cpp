@@ -7,6 +7,7 @@
 #include "core/loop/Notices.h"
 #include "core/ports/Clock.h"
 #include "core/ports/UserInterface.h"
+#include "support/Opened.h"
 #include "support/WholeFile.h"
 
 namespace kestrin {
@@ -35,8 +36,8 @@ void EventSet::Read(ConstructorResult* result, bool* versionOK, SetFileReport* r
 
 bool EventSet::WriteTo(const std::string& path) {
   const AutoLock lock(*this);
-  EndianIndependentFile file(context_.files, path, OpenWriteOnly | OpenCreate | OpenErase,
-                             WriteBuffer);
+  Opened<EndianIndependentFile> file(context_.files, path, OpenWriteOnly | OpenCreate | OpenErase,
+                                     WriteBuffer);
   return file.InitCheck() == StatusOk && WriteSetFile(*this, file) && file.Sync() == StatusOk;
 }
 

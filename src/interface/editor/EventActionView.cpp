@@ -62,7 +62,17 @@ EventActionView::EventActionView(Event& event) : EditorPage(event) {
       AddBox("deleteOnceDelivered", "Delete event once &delivered", &Event::SetDeleteOnceDelivered);
   ifMissed_ =
       AddBox("deliverIfMissed", "Deliver event later &if missed", &Event::SetDeliverIfMissed);
-  AddEditView();
+}
+
+void EventActionView::showEvent(QShowEvent* event) {
+  EditorPage::showEvent(event);
+  if (std::exchange(isShownOnce_, true)) return;
+  // The window gives its pages their sizes after it has shown them; by then it may be closed.
+  const auto add = [this] {
+    isShownOnce_ = hasFrame_ = isVisible();
+    AddEditView();
+  };
+  QMetaObject::invokeMethod(this, add, Qt::QueuedConnection);
 }
 
 void EventActionView::BuildMenu(QVBoxLayout& column) {
@@ -123,6 +133,7 @@ void EventActionView::DropEdits() {
 Rect EventActionView::GetEditViewRect() const { return FrameOf(frame_->geometry()); }
 
 void EventActionView::AddEditView() {
+  if (!hasFrame_) return;
   viewed_ = GetEvent().GetAddOnData();
   if (!viewed_) return;
   QWidget* view = nullptr;

@@ -29,7 +29,12 @@ class EventActionView final : public EditorPage {
 
   /// Hands over what was typed, and destroys the view.
   void RemoveEditView();
+  /// Nothing happens before the page is shown for the first time, which makes the view itself: only
+  /// then is its frame known.
   void AddEditView();
+
+ protected:
+  void showEvent(QShowEvent* event) override;
 
  private slots:
   /// A complaint of the edit view.
@@ -47,6 +52,8 @@ class EventActionView final : public EditorPage {
   ChoiceMenu* handler_ = nullptr;
   QScrollArea* frame_ = nullptr;
   QPointer<QWidget> editView_;
+  bool isShownOnce_ = false;
+  bool hasFrame_ = false;
   EventAddOnData* viewed_ = nullptr;  ///< whose edit view that is
   QCheckBox* deleteOnce_ = nullptr;
   QCheckBox* ifMissed_ = nullptr;

@@ -114,6 +114,13 @@ void ColumnListView::keyPressEvent(QKeyEvent* event) {
   }
 }
 
+/// The toolkit makes the first row current without selecting it.
+void ColumnListView::focusInEvent(QFocusEvent* event) {
+  const bool hadCurrent = currentIndex().isValid();
+  QTreeView::focusInEvent(event);
+  if (!hadCurrent && currentIndex().isValid()) setCurrentIndex(currentIndex());
+}
+
 void ColumnListView::keyboardSearch(const QString& search) {
   // The search looks into the current column, and texts are looked for by name.
   const QModelIndex current = currentIndex();

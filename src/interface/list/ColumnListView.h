@@ -47,6 +47,7 @@ class ColumnListView : public QTreeView {
   void dataChanged(const QModelIndex& first, const QModelIndex& last,
                    const QList<int>& roles) override;
   void keyPressEvent(QKeyEvent* event) override;
+  void focusInEvent(QFocusEvent* event) override;
   void keyboardSearch(const QString& search) override;
 
  private:

@@ -6,6 +6,7 @@
 #include <QLineEdit>
 #include <QStandardPaths>
 
+#include "core/files/EventSetFile.h"
 #include "interface/common/FilePanels.h"
 
 namespace kestrin {
@@ -28,7 +29,6 @@ SetFilePanel::SetFilePanel(QWidget& window, const QString& file, bool remember)
   setFileMode(AnyFile);
   SetUpFilePanel(*this);
   setNameFilters(SetFileFilters());
-  setDefaultSuffix("kestrin");
   const QFileInfo proposed(file);
   setDirectory(proposed.isAbsolute() ? proposed.path() : DefaultSetFolder());
   selectFile(proposed.fileName());
@@ -41,13 +41,16 @@ SetFilePanel::SetFilePanel(QWidget& window, const QString& file, bool remember)
 
 bool SetFilePanel::Remember() const { return remember_->isChecked(); }
 
-/// The toolkit takes quotation marks for the bounds of several names; here there is one.
+/// The toolkit takes quotation marks for the bounds of several names; here there is one. A dot
+/// within a name begins no suffix: only the sets' own counts.
 QString SetFilePanel::ChosenFile() const {
   const auto* edit = findChild<QLineEdit*>("fileNameEdit");
   const QString typed = edit ? edit->text() : QString();
-  if (!typed.contains(u'"')) return selectedFiles().value(0);
-  const bool hasSuffix = QFileInfo(typed).fileName().contains(u'.');
-  return directory().absoluteFilePath(hasSuffix ? typed : typed + u'.' + defaultSuffix());
+  const QString file =
+      typed.contains(u'"') ? directory().absoluteFilePath(typed) : selectedFiles().value(0);
+  const QString suffix = QString::fromLatin1(SetFileSuffix);
+  const bool isWhole = file.isEmpty() || file.endsWith(suffix) || QFileInfo(file).isDir();
+  return isWhole ? file : file + suffix;
 }
 
 void SetFilePanel::accept() {

@@ -6,6 +6,7 @@
 #include <random>
 
 #include "harness/SetTestBase.h"
+#include "support/Opened.h"
 
 namespace kestrin {
 namespace {
@@ -24,7 +25,7 @@ class EventSetFileTest : public SetTestBase {
   /// What is written into a file that begins with `marker`, and so keeps that byte order.
   std::string Written(EventSet& set, char marker) {
     Disk.Put("/sets/written", std::string(1, marker));
-    EndianIndependentFile file(Disk, "/sets/written", OpenReadWrite, 512);
+    Opened<EndianIndependentFile> file(Disk, "/sets/written", OpenReadWrite, 512);
     EXPECT_TRUE(WriteSetFile(set, file));
     return *Disk.Bytes("/sets/written");
   }

@@ -27,11 +27,13 @@ class NoteData : public kestrin::EventAddOnData {
     return file->WriteNumber(&count, 4, 1) == 1 &&
            file->WriteRaw(note_.data(), count) == static_cast<kestrin::int32>(count);
   }
-  QWidget* CreateEditView(kestrin::Rect) override {
+  QWidget* CreateEditView([[maybe_unused]] kestrin::Rect frame) override {
 #ifdef THROWING_VIEW
     throw std::runtime_error("no view today");
 #else
     auto view = std::make_unique<QWidget>();
+    view->setProperty("offered",
+                      QRectF(QPointF(frame.left, frame.top), QPointF(frame.right, frame.bottom)));
     auto* field = new QLineEdit(QString::fromStdString(note_));
     field->setObjectName("note");
     QObject::connect(field, &QLineEdit::editingFinished, field, [this, field] { Take(*field); });
