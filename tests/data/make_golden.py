@@ -2,10 +2,10 @@
 """The event set files below sets/, made from nothing but docs/file-format.md: this shares no code with
 the program, so that the two can disagree.
 
-  make-golden.py                  compares the files; exit status 1 when one differs, is missing, or
+  make_golden.py                  compares the files; exit status 1 when one differs, is missing, or
                                   is not made here
-  make-golden.py --write          writes them
-  make-golden.py --expected FILE  writes, as JSON, what a reader finds in each, what it is saved as,
+  make_golden.py --write          writes them
+  make_golden.py --expected FILE  writes, as JSON, what a reader finds in each, what it is saved as,
                                   and what is said of those that are refused
 
   golden/    the same events in every version and byte order, a set of none, the set of the page

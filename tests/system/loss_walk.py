@@ -1,0 +1,53 @@
+"""Processes that end in the wrong moment."""
+import pathlib
+import sys
+
+sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "harness"))
+from world import APPLICATION, DAY, WorldTest, daily, main, say  # noqa: E402
+
+WAITING_FOR_PREWARNING, WAITING_FOR_EVENT = 0, 1
+MINUTES = 4
+
+
+class Loss(WorldTest):
+    def test_a_killed_application_delivers_again(self):
+        soon = self.now() + 4
+        day = self.remember_tea(soon)
+        self.hand_over(soon)
+        self.alert("Tea")
+        self.kill(APPLICATION)
+        self.gone(APPLICATION)
+        self.assertEqual(self.saved_time(day), soon)
+
+        earlier = self.now() - 100  # as the file would be found more than a minute later
+        self.remember_tea(earlier)
+        self.start()
+        alert = self.alert("Tea")
+        self.assertTrue(alert.text.startswith("Kestrin event:  Tea\nThe event was missed.  It occurred "), alert.text)
+        alert.press("Ok")
+        self.until(lambda: self.saved_time(day) == earlier + DAY, "the delivery on disk")
+
+    def test_an_alert_outlives_the_end_of_the_session(self):
+        due = self.now() + 3600
+        day = self.write_set("day.kestrin", daily(
+            "Tea", due, say("Kettle."), Status=WAITING_FOR_PREWARNING, NextEventTime=due - 3600, ApplyPrewarn=1,
+            PrewarnType=MINUTES, PrewarnTime=60, ApplyPrewarnRepeat=1, PrewarnRepeatType=MINUTES,
+            PrewarnRepeatTime=10, PrewarnMessage=b"Buy some."))
+        self.remember(day)
+        application = self.start()
+        alert = self.alert("Buy some.")
+        self.assertEqual(alert.buttons(), ["No more prewarnings", "OK"])
+        application.terminate()
+        self.left(application)
+        self.assertEqual(self.saved(day)["Tea"]["Status"], WAITING_FOR_PREWARNING)
+
+        self.start()
+        again = self.alert("Buy some.")
+        self.assertEqual(again.text, alert.text)
+        again.press("No more prewarnings")
+        self.until(lambda: self.saved(day)["Tea"]["Status"] == WAITING_FOR_EVENT, "the end of the prewarnings")
+        self.assertEqual((self.saved_time(day), self.when()), (due, due))
+
+
+if __name__ == "__main__":
+    main()

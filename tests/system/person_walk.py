@@ -1,0 +1,123 @@
+"""A person in front of the program: mouse, keyboard, and nothing set up beforehand."""
+import pathlib
+import sys
+import time
+
+sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "harness"))
+from world import APPLICATION, DAY, Atspi, WorldTest, daily, main, say  # noqa: E402
+
+
+class Person(WorldTest):
+    def test_makes_a_set_with_an_event_and_is_reminded(self):
+        application = self.start()
+        self.keys("Untitled event set 1", "ctrl+n")
+        self.keys("Untitled event set 2", "ctrl+shift+n")
+        editor = "Event (set Untitled event set 2)"
+        self.in_front(editor)
+        self.has_focus(editor, "Name:")
+        self.type("Water the plants\n")
+        self.click_on(editor, "Message", "text")
+        self.type("Two cans of rain.")
+
+        self.keys("Untitled event set 2", "ctrl+s")
+        self.keys("Save event set", "ctrl+a")
+        self.type(self.path("home/Plants"))
+        self.click_on("Save event set", "Remember for delivery", "check box")
+        self.click_on("Save event set", "Save", "push button")
+        editor = "Event (set Plants.kestrin)"
+        self.in_front(editor)
+        self.click_on(editor, "When", "page tab")
+        self.click_on(editor, "Date", "text")
+        when = self.now() + 8
+        self.keys(editor, "ctrl+a")
+        self.type(time.strftime("%Y-%m-%d %H:%M:%S\n", time.gmtime(when)))
+        self.keys("Plants.kestrin", "ctrl+s")
+        plants = self.path("home/Plants.kestrin")
+        self.until(lambda: self.saved_time(plants, "Water the plants") == when, "the saved date")
+        self.keys("Plants.kestrin", "ctrl+q")
+        self.left(application)
+        self.assertEqual(self.when(), when)
+
+        alert = self.alert("Water the plants")
+        self.assertGreaterEqual(self.now(), when)
+        self.assertEqual(alert.text, "Kestrin event:  Water the plants\n\nTwo cans of rain.")
+        alert.press("Ok")
+        self.gone(APPLICATION)
+        self.assertEqual(self.saved_time(plants, "Water the plants"), 0)
+
+    def test_answers_alerts_while_panels_and_questions_stand_open(self):
+        one, two = self.now() + 5, self.now() + 10
+        busy = self.write_set("home/Busy.kestrin", daily("One", one, say("Beside the panels.")),
+                              daily("Two", two, say("Beside the question.")))
+        application = self.start(busy)
+        self.keys("Busy.kestrin", "ctrl+o")
+        self.has_focus("Open event sets", "File name:")  # or it would get in front again
+        self.keys("Busy.kestrin", "alt+f", "a")
+        self.in_front("Save event set")
+        self.alert("One").click("Ok")
+        self.window("Open event sets")
+        self.keys("Save event set", "Escape")
+
+        self.keys("Busy.kestrin", "ctrl+shift+n")
+        self.keys("Event (set Busy", "ctrl+w")
+        self.keys("Busy.kestrin", "ctrl+w")
+        question = self.alert("Save changes to the document")
+        self.alert("Two").click("Ok")
+        question.press("Don't save")
+        self.assertEqual({name: event["NextEventTime"] for name, event in self.saved(busy).items()},
+                         {"One": one + DAY, "Two": two + DAY}, "or they would ring again")
+        self.close("Open event sets")
+        self.left(application)
+
+    def test_finds_the_help_beside_the_program(self):
+        self.open_with("text/html", "Reader", f"cp \"$1\" '{self.path('page read')}'")
+        self.start()
+        self.keys("Untitled event set 1", "ctrl+h")
+        self.until(lambda: "<title>Kestrin documentation</title>" in self.read("page read"), "the page")
+
+
+class ReadAloud(WorldTest):
+    """What a screen reader would read without saying what it is for."""
+    def look(self, window, part=""):
+        def reached():
+            states = (Atspi.StateType.FOCUSABLE, Atspi.StateType.ENABLED)
+            return [node for node in self.controls(window) if all(map(node.get_state_set().contains, states))]
+        for node in self.until(reached, f'controls in "{window}"'):
+            # The name of a menu of choices is the choice; what it is for, its label says.
+            is_told = node.get_name()
+            if node.get_role() == Atspi.Role.COMBO_BOX:
+                kinds = [relation.get_relation_type() for relation in node.get_relation_set()]
+                is_told = node.get_description() or Atspi.RelationType.LABELLED_BY in kinds
+            if not is_told:
+                self.unnamed.append(f"{window} {part}: {node.get_role_name()} {node.get_name()}")
+
+    def test_every_control_of_every_window_says_what_it_is_for(self):
+        self.unnamed = []
+        application = self.start(self.write_set("home/Names.kestrin", daily(
+            "Tea", self.now() + 3600, ApplyPrewarn=1, ApplyPrewarnRepeat=1, ApplyNag=1)))
+        self.look("Names.kestrin")
+        self.keys("Names.kestrin", "Home", "Return")
+        editor = "Event (set Names.kestrin)"
+        self.in_front(editor)
+        for page in "Action", "Prewarning", "Nagging", "Comment", "When":
+            self.click_on(editor, page, "page tab")
+            self.has_focus(editor, page)
+            self.look(editor, page)
+        kinds = ["Daily", "Once", "MultiAnnually", "MultiMonthly", "SubDaily"]
+        for shown, kind in zip(kinds, kinds[1:]):
+            self.click_on(editor, shown, "combo box")
+            self.click_on(editor, kind, "list item")
+            self.control(editor, kind, "combo box")
+            self.look(editor, kind)
+        for keys, title in ("ctrl+o", "Open"), ("alt+f t", "Kestrin settings"), ("alt+f b", "About Kestrin"), (
+                "alt+f a", "Save event set"):
+            self.keys("Names.kestrin", *keys.split())
+            self.in_front(title)
+            self.look(title)
+            self.close(title)
+        self.assertEqual(self.unnamed, [])
+        self.assertIsNone(application.poll())
+
+
+if __name__ == "__main__":
+    main()
