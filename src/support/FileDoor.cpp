@@ -6,8 +6,10 @@
 #include <limits.h>
 #include <stdio.h>
 #include <stdlib.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -28,6 +30,22 @@ auto Retried(Call call) {
 }
 
 status_t StatusOf(int result) { return result < 0 ? -errno : StatusOk; }
+
+FileStamp StampOf(const struct stat& info) {
+  return {info.st_dev, info.st_ino, info.st_size,
+          int64{info.st_mtim.tv_sec} * 1'000'000'000 + info.st_mtim.tv_nsec};
+}
+
+class SystemFileLock final : public FileLock {
+ public:
+  explicit SystemFileLock(int descriptor) : descriptor_(descriptor) {}
+  ~SystemFileLock() override { close(descriptor_); }
+  SystemFileLock(const SystemFileLock&) = delete;
+  SystemFileLock& operator=(const SystemFileLock&) = delete;
+
+ private:
+  int descriptor_;
+};
 
 class SystemOpenFile : public OpenFile {
  public:
@@ -61,6 +79,11 @@ class SystemOpenFile : public OpenFile {
   status_t Sync() override {
     return StatusOf(Retried([&] { return fsync(descriptor_); }));
   }
+  std::optional<FileStamp> Stamp() override {
+    struct stat info = {};
+    if (fstat(descriptor_, &info) < 0) return std::nullopt;
+    return StampOf(info);
+  }
 
  private:
   static int64 Answer(int64 result) { return result < 0 ? -errno : result; }
@@ -75,6 +98,7 @@ int SystemFlags(uint32 mode) {
   flags |= access == OpenReadOnly ? O_RDONLY : access == OpenWriteOnly ? O_WRONLY : O_RDWR;
   if (mode & (OpenCreate | OpenExclusive)) flags |= O_CREAT;
   if (mode & OpenExclusive) flags |= O_EXCL;
+  if (mode & OpenAppend) flags |= O_APPEND;
   if ((mode & OpenErase) && access != OpenReadOnly) flags |= O_TRUNC;
   return flags;
 }
@@ -245,6 +269,21 @@ status_t SystemFileDoor::RemoveAttribute(const std::string& path, const std::str
   return StatusOf(removexattr(path.c_str(), name.c_str()));
 }
 
+std::unique_ptr<FileLock> SystemFileDoor::Lock(const std::string& path, int32 milliseconds) {
+  constexpr int32 Step = 5;
+  const int descriptor =
+      Retried([&] { return open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOCTTY, 0600); });
+  if (descriptor < 0) return nullptr;
+  auto lock = std::make_unique<SystemFileLock>(descriptor);
+  while (flock(descriptor, LOCK_EX | LOCK_NB) < 0) {
+    if ((errno != EWOULDBLOCK && errno != EINTR) || milliseconds <= 0) return nullptr;
+    const timespec pause = {0, Step * 1'000'000};
+    nanosleep(&pause, nullptr);
+    milliseconds -= Step;
+  }
+  return lock;
+}
+
 FileKind SystemFileDoor::Kind(const std::string& path) {
   struct stat info = {};
   if (stat(path.c_str(), &info) < 0) return FileKind::Missing;
@@ -255,8 +294,7 @@ FileKind SystemFileDoor::Kind(const std::string& path) {
 std::optional<FileStamp> SystemFileDoor::Stamp(const std::string& path) {
   struct stat info = {};
   if (stat(path.c_str(), &info) < 0) return std::nullopt;
-  return FileStamp{info.st_dev, info.st_ino, info.st_size,
-                   int64{info.st_mtim.tv_sec} * 1'000'000'000 + info.st_mtim.tv_nsec};
+  return StampOf(info);
 }
 
 std::string SystemFileDoor::Canonical(const std::string& path) {

@@ -12,6 +12,18 @@
 
 namespace kestrin {
 
+/// What tells whether a file is still the one that was read.
+struct FileStamp {
+  uint64 device = 0, inode = 0;
+  int64 size = 0;
+  int64 modifiedNanoseconds = 0;
+  bool operator==(const FileStamp&) const = default;
+  /// Whether both are of one file, whatever happened to it in between.
+  bool IsSameFile(const FileStamp& other) const {
+    return device == other.device && inode == other.inode;
+  }
+};
+
 /// An open file. Calls return bytes transferred or a new position, or -errno.
 class OpenFile {
  public:
@@ -24,14 +36,13 @@ class OpenFile {
   virtual int64 Size() = 0;
   virtual status_t SetSize(int64 size) = 0;
   virtual status_t Sync() = 0;
+  virtual std::optional<FileStamp> Stamp() = 0;
 };
 
-/// What tells whether a file is still the one that was read.
-struct FileStamp {
-  uint64 device = 0, inode = 0;
-  int64 size = 0;
-  int64 modifiedNanoseconds = 0;
-  bool operator==(const FileStamp&) const = default;
+/// Held until it is destroyed.
+class FileLock {
+ public:
+  virtual ~FileLock() = default;
 };
 
 enum class FileKind { Missing, Regular, Folder, Other };
@@ -56,6 +67,9 @@ class FileDoor {
   virtual std::optional<std::string> GetAttribute(const std::string& path,
                                                   const std::string& name) = 0;
   virtual status_t RemoveAttribute(const std::string& path, const std::string& name) = 0;
+  /// An advisory lock on the file, which is made when it is missing. Waits that long at most; null
+  /// when somebody else keeps it.
+  virtual std::unique_ptr<FileLock> Lock(const std::string& path, int32 milliseconds) = 0;
 
   /// Links followed.
   virtual FileKind Kind(const std::string& path) = 0;
@@ -68,6 +82,8 @@ class FileDoor {
 
 /// Open mode bit: fail when the file exists.
 inline constexpr uint32 OpenExclusive = 0x100;
+/// Open mode bit: every write goes to the end, wherever that is by then.
+inline constexpr uint32 OpenAppend = 0x1000;
 
 /// The system's own files.
 class SystemFileDoor : public FileDoor {
@@ -84,6 +100,7 @@ class SystemFileDoor : public FileDoor {
   std::optional<std::string> GetAttribute(const std::string& path,
                                           const std::string& name) override;
   status_t RemoveAttribute(const std::string& path, const std::string& name) override;
+  std::unique_ptr<FileLock> Lock(const std::string& path, int32 milliseconds) override;
   FileKind Kind(const std::string& path) override;
   std::optional<FileStamp> Stamp(const std::string& path) override;
   std::string Canonical(const std::string& path) override;

@@ -20,6 +20,7 @@ class MemoryFile final : public OpenFile {
   int64 Size() override { return static_cast<int64>(bytes_.size()); }
   status_t SetSize(int64 size) override;
   status_t Sync() override { return StatusOk; }
+  std::optional<FileStamp> Stamp() override { return std::nullopt; }
 
  private:
   std::string bytes_;

@@ -9,6 +9,7 @@
 
 #include <errno.h>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -32,6 +33,10 @@ class FailingFileDoor final : public FileDoor {
   int Count = 0;              ///< calls so far
   std::string Failed;         ///< what was failed first: "open", "write", "rename" and so on
 
+  /// Somebody else works on the files around a rename; may be empty.
+  std::function<void(const std::string& when)> OnRename;
+
+  void FailAgain(int failAt) { FailAt = failAt, Count = 0, Failed.clear(); }
   bool HasFailed() const { return !Failed.empty(); }
 
   std::unique_ptr<OpenFile> Open(const std::string& path, uint32 mode, status_t& status,
@@ -42,7 +47,10 @@ class FailingFileDoor final : public FileDoor {
     return std::make_unique<Handle>(*this, std::move(file));
   }
   status_t Rename(const std::string& from, const std::string& to) override {
-    return Fails("rename") ? Error : inner_.Rename(from, to);
+    if (OnRename) OnRename("before");
+    const status_t status = Fails("rename") ? Error : inner_.Rename(from, to);
+    if (OnRename) OnRename("after");
+    return status;
   }
   status_t Remove(const std::string& path) override {
     return Fails("remove") ? Error : inner_.Remove(path);
@@ -66,6 +74,9 @@ class FailingFileDoor final : public FileDoor {
   }
   status_t RemoveAttribute(const std::string& path, const std::string& name) override {
     return Fails("remove attribute") ? Error : inner_.RemoveAttribute(path, name);
+  }
+  std::unique_ptr<FileLock> Lock(const std::string& path, int32 milliseconds) override {
+    return Fails("lock") ? nullptr : inner_.Lock(path, milliseconds);
   }
   // Where something lies is always answered; only doing something with it fails.
   FileKind Kind(const std::string& path) override { return inner_.Kind(path); }
@@ -104,6 +115,7 @@ class FailingFileDoor final : public FileDoor {
       return door_.Fails("set size") ? door_.Error : file_->SetSize(size);
     }
     status_t Sync() override { return door_.Fails("sync") ? door_.Error : file_->Sync(); }
+    std::optional<FileStamp> Stamp() override { return file_->Stamp(); }
 
    private:
     FailingFileDoor& door_;

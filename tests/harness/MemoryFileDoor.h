@@ -24,6 +24,8 @@ class MemoryFileDoor final : public FileDoor {
  public:
   std::map<std::string, std::string> Links;  ///< path of the link, what it points to
 
+  std::set<std::string> Locked;  ///< by somebody who holds on to it
+
   /// Puts a durable file there, with its folders.
   void Put(const std::string& path, std::string bytes, uint32 mode = 0644) {
     AddFolders(ParentOf(path));
@@ -69,6 +71,7 @@ class MemoryFileDoor final : public FileDoor {
     }
     if ((mode & OpenErase) && access != OpenReadOnly) file->Bytes.clear(), file->Changed = ++ticks_;
     auto opened = std::make_unique<Handle>(*this, file);
+    opened->Appends = (mode & OpenAppend) != 0;
     if (mode & OpenAtEnd) opened->Seek(0, SEEK_END);
     return opened;
   }
@@ -122,6 +125,16 @@ class MemoryFileDoor final : public FileDoor {
     if (!file) return -ENOENT;
     return file->Attributes.erase(name) ? StatusOk : -ENODATA;
   }
+  std::unique_ptr<FileLock> Lock(const std::string& path, int32) override {
+    struct Held final : FileLock {
+      Held(std::set<std::string>& all, std::string which) : Locks(all), Path(std::move(which)) {}
+      ~Held() override { Locks.erase(Path); }
+      std::set<std::string>& Locks;
+      std::string Path;
+    };
+    if (!Locked.insert(path).second) return nullptr;
+    return std::make_unique<Held>(Locked, path);
+  }
   FileKind Kind(const std::string& path) override {
     const std::string real = Canonical(path);
     if (Find(real)) return FileKind::Regular;
@@ -165,7 +178,9 @@ class MemoryFileDoor final : public FileDoor {
       position_ += std::max<int64>(got, 0);
       return got;
     }
+    bool Appends = false;
     int64 Write(const void* data, size_t count) override {
+      if (Appends) position_ = Size();
       const int64 written = WriteAt(position_, data, count);
       position_ += written;
       return written;
@@ -198,6 +213,9 @@ class MemoryFileDoor final : public FileDoor {
     status_t Sync() override {
       file_->Durable = file_->Bytes;
       return StatusOk;
+    }
+    std::optional<FileStamp> Stamp() override {
+      return FileStamp{1, file_->Inode, Size(), file_->Changed};
     }
 
    private:

@@ -1,12 +1,14 @@
 // What a process learns about itself: folders, its start, its display, names of files.
 #include <sys/socket.h>
 #include <sys/un.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include "session/DisplayProbe.h"
 #include "session/FileUri.h"
 #include "session/ProcessInfo.h"
 #include "session/SessionBus.h"
+#include "session/SystemProcesses.h"
 
 namespace kestrin {
 namespace {
@@ -47,6 +49,31 @@ TEST(ProcessInfo, FoldersFollowTheStandard) {
   EXPECT_EQ(RuntimeFolder(), "/r");
   EXPECT_THAT(DataFolders(), ElementsAre("/h/.local/share", "/x", "/y"));
   EXPECT_EQ(ExecutableFolder(), fs::read_symlink("/proc/self/exe").parent_path());
+}
+
+TEST(ProcessInfo, TellsALivingProcessFromADeadOneAndFromItsSuccessor) {
+  const SystemProcesses mine;
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  const pid_t child = fork();
+  if (child == 0) {
+    const ProcessOwner self = SystemProcesses().Self();
+    (void)!write(ends[1], &self.Started, sizeof self.Started);
+    pause();
+  }
+  ProcessOwner owner{mine.Self().Boot, child, 0};
+  ASSERT_EQ(read(ends[0], &owner.Started, sizeof owner.Started), 8);
+  EXPECT_TRUE(mine.Lives(mine.Self()));
+  EXPECT_TRUE(mine.Lives(owner));
+  EXPECT_FALSE(mine.Lives({owner.Boot, child, owner.Started + 1}));
+  EXPECT_FALSE(mine.Lives({"another boot", child, owner.Started}));
+  kill(child, SIGKILL);
+  siginfo_t ended;
+  waitid(P_PID, static_cast<id_t>(child), &ended, WEXITED | WNOWAIT);
+  EXPECT_FALSE(mine.Lives(owner)) << "nobody has waited for it yet";
+  waitpid(child, nullptr, 0);
+  EXPECT_FALSE(mine.Lives(owner));
+  close(ends[0]), close(ends[1]);
 }
 
 TEST(ProcessInfo, ForgetsHowItWasStarted) {

@@ -75,6 +75,26 @@ TEST_P(EveryFileDoor, OpensAsTheModeSays) {
   EXPECT_EQ(file->Size(), 0);
 }
 
+TEST_P(EveryFileDoor, AppendsBehindWhatOthersWroteAndLocksAgainstThem) {
+  status_t status = 1;
+  const uint32 mode = OpenReadWrite | OpenCreate | OpenAppend;
+  const auto one = door.Open(top + "/log", mode, status),
+             two = door.Open(top + "/log", mode, status);
+  one->Write("1", 1), two->Write("23", 2);
+  EXPECT_EQ(one->Write("4", 1), 1);
+  EXPECT_EQ(one->Seek(0, SEEK_CUR), 4);
+  EXPECT_EQ(ReadWholeFile(door, top + "/log", status), "1234");
+  EXPECT_TRUE(one->Stamp()->IsSameFile(*door.Stamp(top + "/log")));
+  door.Rename(top + "/log", top + "/old");
+  WriteWholeFile(door, top + "/log", "1234");
+  EXPECT_FALSE(one->Stamp()->IsSameFile(*door.Stamp(top + "/log")));
+  auto lock = door.Lock(top + "/lock", 0);
+  EXPECT_NE(lock, nullptr);
+  EXPECT_EQ(door.Lock(top + "/lock", 10), nullptr);
+  lock.reset();
+  EXPECT_NE(door.Lock(top + "/lock", 0), nullptr);
+}
+
 TEST_P(EveryFileDoor, FindsTheTruePathOfLinksAndOfWhatIsNotThereYet) {
   door.MakeFolders(top + "/a/b");
   WriteWholeFile(door, top + "/a/b/file", "x");

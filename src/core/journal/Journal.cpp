@@ -1,0 +1,321 @@
+#include "core/journal/Journal.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <utility>
+
+namespace kestrin {
+
+namespace {
+
+constexpr char ElsewhereWords[] = "another session of this person carried it out";
+
+std::string MarkOf(const ProcessOwner& owner) {
+  char text[20];
+  std::snprintf(text, sizeof text, "%016llx",
+                static_cast<unsigned long long>(Fnv64(TextOf(owner))));
+  return text;
+}
+
+bool IsOver(ActStage act) {
+  return act != ActStage::Reading && act != ActStage::Queued && act != ActStage::Acting;
+}
+
+}  // namespace
+
+std::string Journal::EventKey(const std::string& set, const std::string& name,
+                              const std::string& handler) {
+  return set + '\x1f' + name + '\x1f' + handler;
+}
+
+Journal::Journal(FileDoor& files, const Processes& processes, const Clock& clock,
+                 const std::string& stateFolder, RecordLog::Report report)
+    : processes_(processes),
+      clock_(clock),
+      self_(processes.Self()),
+      log_(files, stateFolder + "/journal", MarkOf(self_), std::move(report)),
+      history_(files, stateFolder) {
+  log_.OnChange = [this](RecordLog::Place place, const RecordLine* earlier, const RecordLine* now) {
+    Index(place, earlier, now);
+  };
+}
+
+std::string Journal::KeyOf(const RecordFields& fields) {
+  return EventKey(fields.Text("set"), fields.Text("name"), fields.Text("handler"));
+}
+
+void Journal::Index(RecordLog::Place place, const RecordLine* earlier, const RecordLine* now) {
+  const std::string before = earlier ? KeyOf(earlier->Fields) : std::string();
+  const std::string after = now ? KeyOf(now->Fields) : std::string();
+  if (earlier && now && before == after) return;
+  if (earlier) {
+    const auto found = byEvent_.find(before);
+    if (found != byEvent_.end()) {
+      std::erase(found->second, place);
+      if (found->second.empty()) byEvent_.erase(found);
+    }
+  }
+  if (!now) return;
+  Places& places = byEvent_[after];
+  places.insert(std::upper_bound(places.begin(), places.end(), place), place);
+}
+
+JournalRecord Journal::At(RecordLog::Place place) const {
+  const RecordLine& line = log_.All().at(place);
+  return RecordOf(line.Id, line.Fields);
+}
+
+void Journal::Read() {
+  log_.Read();
+  for (const auto& [place, line] : log_.All()) foundAtStart_.insert(line.Id);
+}
+
+std::string Journal::Begin(JournalRecord record) {
+  record.By = self_;
+  if (record.At == 0) record.At = clock_.Now();
+  const std::string id = log_.NewId();
+  log_.Append(id, FieldsOf(record));
+  return id;
+}
+
+/// Another session's claim of the same act: any that is there, or, when both could claim without
+/// the lock, an earlier one.
+bool Journal::HasRival(const JournalRecord& record, Rivals which) const {
+  const auto places = byEvent_.find(EventKey(record.Set, record.Event.Name, record.Event.Handler));
+  if (places == byEvent_.end()) return false;
+  for (const RecordLog::Place place : places->second) {
+    const RecordLine& line = log_.All().at(place);
+    if (line.Id == record.Id) {
+      if (which.earlierOnly) return false;
+      continue;
+    }
+    if (line.Fields.Number("claim") != 1) continue;
+    const JournalRecord other = RecordOf(line.Id, line.Fields);
+    // What was there at the start, a set that was read since has followed.
+    const bool counts = !which.newsOnly || !foundAtStart_.contains(line.Id);
+    if (counts && !IsMine(other) && other.From == record.From && other.Kind == record.Kind &&
+        other.Event.Place == record.Event.Place && !other.Trial)
+      return true;
+  }
+  return false;
+}
+
+std::optional<std::string> Journal::Claim(JournalRecord record) {
+  const std::unique_ptr<FileLock> held = log_.Lock();
+  log_.CatchUp();
+  record.By = self_;
+  if (record.At == 0) record.At = clock_.Now();
+  const bool isLate = HasRival(record, {.newsOnly = true});
+  if (isLate) {
+    record.Act = ActStage::Passed;
+    record.Why = ElsewhereWords;
+  }
+  RecordFields fields = FieldsOf(record);
+  if (!isLate) fields.Set("claim", int64{1});
+  record.Id = log_.NewId();
+  log_.Append(record.Id, fields);
+  if (isLate) return std::nullopt;
+  if (held) return record.Id;
+  log_.CatchUp();
+  if (!HasRival(record, {.newsOnly = true, .earlierOnly = true})) return record.Id;
+  GiveUp(record.Id);
+  return std::nullopt;
+}
+
+void Journal::GiveUp(const std::string& id) {
+  RecordFields fields;
+  fields.Set("claim", int64{0});
+  fields.Set("act", NameOf(ActStage::Passed));
+  fields.Set("why", ElsewhereWords);
+  log_.Append(id, fields);
+}
+
+bool Journal::ClaimAgain(const std::string& id) {
+  const std::unique_ptr<FileLock> held = log_.Lock();
+  log_.CatchUp();
+  const std::optional<JournalRecord> record = Find(id);
+  if (!record) return true;
+  if (!record->Trial && HasRival(*record, {})) {
+    GiveUp(id);
+    return false;
+  }
+  RecordFields fields;
+  fields.Set("by", TextOf(self_));
+  fields.Set("claim", int64{1});
+  fields.Set("act", NameOf(ActStage::Acting));
+  log_.Append(id, fields);
+  if (held) return true;
+  log_.CatchUp();
+  if (record->Trial || !HasRival(*record, {.earlierOnly = true})) return true;
+  GiveUp(id);
+  return false;
+}
+
+void Journal::Stage(const std::string& id, ActStage act, const std::string& why) {
+  RecordFields fields;
+  fields.Set("act", NameOf(act));
+  if (!why.empty()) fields.Set("why", why);
+  log_.Append(id, fields);
+}
+
+void Journal::Became(const std::string& id, const EventState& to) {
+  RecordFields fields;
+  fields.Set("to", TextOf(to));
+  log_.Append(id, fields);
+}
+
+void Journal::Shown(const std::string& id, const KeptAlert& alert) {
+  RecordFields fields;
+  fields.Set("alert", NameOf(AlertStage::Shown));
+  fields.Merge(FieldsOf(alert));
+  log_.Append(id, fields);
+}
+
+std::string Journal::Further(const std::string& id, const KeptAlert& alert) {
+  JournalRecord record;
+  if (const std::optional<JournalRecord> first = Find(id)) {
+    record.Set = first->Set;
+    record.Event = first->Event;
+    record.Kind = first->Kind;
+    record.From = first->From;
+  }
+  record.Of = id;
+  record.AlertIs = AlertStage::Shown;
+  record.Alert = alert;
+  return Begin(std::move(record));
+}
+
+void Journal::Answered(const std::string& id, int32 button, const std::string& text, ActStage act) {
+  RecordFields fields;
+  fields.Set("alert", NameOf(AlertStage::Answered));
+  fields.Set("button", int64{button});
+  fields.Set("answer", text);
+  fields.Set("answered", clock_.Now());
+  if (act != ActStage::None) fields.Set("act", NameOf(act));
+  log_.Append(id, fields);
+}
+
+void Journal::PutOff(const std::string& id) {
+  RecordFields fields;
+  fields.Set("alert", NameOf(AlertStage::PutOff));
+  fields.Set("answered", clock_.Now());
+  log_.Append(id, fields);
+}
+
+bool Journal::Adopt(const std::string& id) {
+  const std::unique_ptr<FileLock> held = log_.Lock();
+  log_.CatchUp();
+  const std::optional<JournalRecord> record = Find(id);
+  if (!held || !record || (!IsMine(*record) && processes_.Lives(record->By))) return false;
+  RecordFields fields;
+  fields.Set("by", TextOf(self_));
+  log_.Append(id, fields);
+  return true;
+}
+
+void Journal::Ended(const std::string& id, int32 exit) {
+  RecordFields fields;
+  fields.Set("exit", int64{exit});
+  log_.AppendFromThread(id, fields);
+}
+
+void Journal::FailedNow(const std::string& id, const std::string& why) {
+  RecordFields fields;
+  fields.Set("act", NameOf(ActStage::Failed));
+  fields.Set("why", why);
+  log_.AppendFromThread(id, fields);
+}
+
+std::optional<JournalRecord> Journal::Find(const std::string& id) const {
+  const RecordLine* const line = log_.Find(id);
+  if (!line) return std::nullopt;
+  return RecordOf(line->Id, line->Fields);
+}
+
+std::vector<JournalRecord> Journal::All() const {
+  std::vector<JournalRecord> all;
+  for (const auto& [place, line] : log_.All()) all.push_back(RecordOf(line.Id, line.Fields));
+  return all;
+}
+
+std::vector<JournalRecord> Journal::Orphans(
+    const std::function<bool(const JournalRecord&)>& which) const {
+  std::vector<JournalRecord> orphans;
+  for (const auto& [place, line] : log_.All()) {
+    JournalRecord record = RecordOf(line.Id, line.Fields);
+    if (which(record) && !IsMine(record) && !processes_.Lives(record.By))
+      orphans.push_back(std::move(record));
+  }
+  return orphans;
+}
+
+std::vector<JournalRecord> Journal::About(const std::string& set, const EventName& event) const {
+  std::vector<JournalRecord> records;
+  const auto places = byEvent_.find(EventKey(set, event.Name, event.Handler));
+  if (places == byEvent_.end()) return records;
+  for (const RecordLog::Place place : places->second)
+    if (JournalRecord record = At(place); record.Event == event)
+      records.push_back(std::move(record));
+  return records;
+}
+
+std::optional<int32> Journal::LastOccurrence(const std::string& set, const EventName& event) const {
+  std::optional<int32> last;
+  for (const JournalRecord& record : About(set, event))
+    if (record.From && !record.Trial && record.Kind != RecordKind::Prewarning &&
+        (!last || record.From->Actual > *last))
+      last = record.From->Actual;
+  return last;
+}
+
+void Journal::Renamed(const std::string& from, const std::string& to) {
+  for (const JournalRecord& record : All()) {
+    if (record.Set != from) continue;
+    RecordFields fields;
+    fields.Set("set", to);
+    log_.Append(record.Id, fields);
+  }
+}
+
+void Journal::Renamed(const std::string& set, const EventName& from, const EventName& to) {
+  for (const JournalRecord& record : About(set, from)) {
+    RecordFields fields;
+    fields.Set("name", to.Name);
+    fields.Set("handler", to.Handler);
+    fields.Set("place", int64{to.Place});
+    log_.Append(record.Id, fields);
+  }
+}
+
+bool Journal::IsSettled(const JournalRecord& record) const {
+  return IsOver(record.Act) && record.AlertIs != AlertStage::Shown &&
+         (IsMine(record) || !processes_.Lives(record.By));
+}
+
+void Journal::Settle(const std::string& set, const std::vector<EventName>& events) {
+  std::unordered_map<std::string, std::vector<int32>> inFile;
+  for (const EventName& event : events)
+    inFile[EventKey(set, event.Name, event.Handler)].push_back(event.Place);
+  const auto isThere = [&](const JournalRecord& record) {
+    const auto found = inFile.find(EventKey(set, record.Event.Name, record.Event.Handler));
+    return found != inFile.end() && std::find(found->second.begin(), found->second.end(),
+                                              record.Event.Place) != found->second.end();
+  };
+  std::vector<JournalRecord> settled;
+  std::map<EventName, JournalRecord> lastOf;
+  for (const auto& [place, line] : log_.All()) {
+    if (line.Fields.Text("set") != set) continue;
+    JournalRecord record = RecordOf(line.Id, line.Fields);
+    if (!IsSettled(record)) continue;
+    if (!record.From || record.Trial || !record.Of.empty() || !isThere(record)) {
+      settled.push_back(std::move(record));
+      continue;
+    }
+    const auto [last, isFirst] = lastOf.try_emplace(record.Event, record);
+    if (!isFirst) settled.push_back(std::exchange(last->second, std::move(record)));
+  }
+  if (settled.empty() || history_.Append(settled) != StatusOk) return;
+  for (const JournalRecord& record : settled) log_.Drop(record.Id);
+}
+
+}  // namespace kestrin

@@ -1,0 +1,213 @@
+#include "core/journal/JournalRecord.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <limits>
+
+namespace kestrin {
+
+namespace {
+
+constexpr std::array<const char*, 8> ActNames = {"",      "reading", "queued", "acting",
+                                                 "acted", "missed",  "passed", "failed"};
+constexpr std::array<const char*, 4> AlertNames = {"", "shown", "answered", "putoff"};
+constexpr std::array<const char*, 3> KindNames = {"prewarning", "event", "nag"};
+constexpr char Joint = '\x1f';
+constexpr char GoneText[] = "gone";
+
+template <typename Stage, size_t N>
+Stage StageOf(const std::array<const char*, N>& names, const std::string& text, Stage otherwise) {
+  const auto found = std::find(names.begin(), names.end(), text);
+  return found == names.end() ? otherwise : static_cast<Stage>(found - names.begin());
+}
+
+int32 SmallNumber(const RecordFields& fields, std::string_view key) {
+  const int64 number = fields.Number(key).value_or(0);
+  constexpr int64 least = std::numeric_limits<int32>::min();
+  constexpr int64 most = std::numeric_limits<int32>::max();
+  return number < least || number > most ? 0 : static_cast<int32>(number);
+}
+
+std::vector<std::string> Split(const std::string& joined) {
+  std::vector<std::string> parts;
+  for (size_t at = 0; at <= joined.size();) {
+    const size_t end = std::min(joined.find(Joint, at), joined.size());
+    parts.push_back(joined.substr(at, end - at));
+    at = end + 1;
+  }
+  return parts;
+}
+
+std::optional<EventState> StateOf(const std::string& text) {
+  EventState state;
+  char rest = 0;
+  if (text == GoneText) {
+    state.Gone = true;
+    return state;
+  }
+  if (std::sscanf(text.c_str(), "%d,%d,%d%c", &state.Actual, &state.Next, &state.Status, &rest) !=
+      3)
+    return std::nullopt;
+  return state;
+}
+
+ProcessOwner OwnerOf(const std::string& text) {
+  ProcessOwner owner;
+  const size_t second = text.rfind('/');
+  if (second == std::string::npos || second == 0) return owner;
+  const size_t first = text.rfind('/', second - 1);
+  if (first == std::string::npos) return owner;
+  RecordFields numbers;
+  numbers.Set("p", std::string_view(text).substr(first + 1, second - first - 1));
+  numbers.Set("s", std::string_view(text).substr(second + 1));
+  owner.Boot = text.substr(0, first);
+  owner.Process = numbers.Number("p").value_or(0);
+  owner.Started = numbers.Number("s").value_or(0);
+  return owner;
+}
+
+KeptAlert AlertOfFields(const RecordFields& fields) {
+  KeptAlert alert;
+  const int32 role = SmallNumber(fields, "role");
+  if (role >= 0 && role <= static_cast<int32>(AlertRole::Prompt))
+    alert.Role = static_cast<AlertRole>(role);
+  if (fields.Number("warning") == 1) alert.Kind = AlertKind::Warning;
+  alert.Title = fields.Text("title");
+  alert.Text = fields.Text("text");
+  alert.Buttons = Split(fields.Text("buttons"));
+  alert.HarmlessButton = SmallNumber(fields, "harmless");
+  alert.DefaultButton = SmallNumber(fields, "default");
+  alert.Icon = fields.Text("icon");
+  return alert;
+}
+
+}  // namespace
+
+const char* NameOf(ActStage stage) { return ActNames[static_cast<size_t>(stage)]; }
+const char* NameOf(AlertStage stage) { return AlertNames[static_cast<size_t>(stage)]; }
+const char* NameOf(RecordKind kind) { return KindNames[static_cast<size_t>(kind)]; }
+
+KeptAlert KeepAlert(const AlertRequest& request) {
+  return {request.Role,    request.Kind,           request.Title,         request.Text,
+          request.Buttons, request.HarmlessButton, request.DefaultButton, std::string()};
+}
+
+AlertRequest AlertOf(const KeptAlert& kept) {
+  AlertRequest request;
+  request.Role = kept.Role;
+  request.Kind = kept.Kind;
+  request.Title = kept.Title;
+  request.Text = kept.Text;
+  if (!kept.Buttons.empty()) request.Buttons = kept.Buttons;
+  const auto within = [&](int which) {
+    return which >= 0 && which < static_cast<int>(request.Buttons.size()) ? which : 0;
+  };
+  request.HarmlessButton = within(kept.HarmlessButton);
+  request.DefaultButton = within(kept.DefaultButton);
+  return request;
+}
+
+std::string TextOf(const EventState& state) {
+  if (state.Gone) return GoneText;
+  return std::to_string(state.Actual) + "," + std::to_string(state.Next) + "," +
+         std::to_string(state.Status);
+}
+
+std::string TextOf(const ProcessOwner& owner) {
+  return owner.Boot + "/" + std::to_string(owner.Process) + "/" + std::to_string(owner.Started);
+}
+
+RecordFields FieldsOf(const KeptAlert& alert) {
+  RecordFields fields;
+  fields.Set("role", static_cast<int64>(alert.Role));
+  if (alert.Kind == AlertKind::Warning) fields.Set("warning", int64{1});
+  if (!alert.Title.empty()) fields.Set("title", alert.Title);
+  fields.Set("text", alert.Text);
+  std::string buttons;
+  for (const std::string& button : alert.Buttons)
+    buttons += (&button == &alert.Buttons.front() ? "" : std::string(1, Joint)) + button;
+  fields.Set("buttons", buttons);
+  fields.Set("harmless", int64{alert.HarmlessButton});
+  fields.Set("default", int64{alert.DefaultButton});
+  if (!alert.Icon.empty()) fields.Set("icon", alert.Icon);
+  return fields;
+}
+
+RecordFields FieldsOf(const JournalRecord& record) {
+  RecordFields fields;
+  fields.Set("by", TextOf(record.By));
+  fields.Set("set", record.Set);
+  fields.Set("name", record.Event.Name);
+  fields.Set("handler", record.Event.Handler);
+  fields.Set("place", int64{record.Event.Place});
+  if (record.Rule != 0) fields.Set("rule", int64{record.Rule});
+  fields.Set("kind", NameOf(record.Kind));
+  if (record.From) fields.Set("from", TextOf(*record.From));
+  if (record.To) fields.Set("to", TextOf(*record.To));
+  fields.Set("at", record.At);
+  if (record.Missed) fields.Set("missed", int64{1});
+  if (record.Trial) fields.Set("trial", int64{1});
+  if (record.Act != ActStage::None) fields.Set("act", NameOf(record.Act));
+  if (!record.Why.empty()) fields.Set("why", record.Why);
+  if (!record.Run.empty()) fields.Set("run", record.Run);
+  if (!record.Open.empty()) fields.Set("open", record.Open);
+  if (record.Exit) fields.Set("exit", int64{*record.Exit});
+  if (record.AlertIs != AlertStage::None) {
+    fields.Set("alert", NameOf(record.AlertIs));
+    fields.Merge(FieldsOf(record.Alert));
+  }
+  if (record.Button) fields.Set("button", int64{*record.Button});
+  if (!record.Answer.empty()) fields.Set("answer", record.Answer);
+  if (record.Answered != 0) fields.Set("answered", record.Answered);
+  if (!record.Of.empty()) fields.Set("of", record.Of);
+  return fields;
+}
+
+JournalRecord RecordOf(const std::string& id, const RecordFields& fields) {
+  JournalRecord record;
+  record.Id = id;
+  record.By = OwnerOf(fields.Text("by"));
+  record.Set = fields.Text("set");
+  record.Event = {fields.Text("name"), fields.Text("handler"), SmallNumber(fields, "place")};
+  record.Rule = static_cast<uint32>(fields.Number("rule").value_or(0));
+  record.Kind = StageOf(KindNames, fields.Text("kind"), RecordKind::Event);
+  record.From = StateOf(fields.Text("from"));
+  record.To = StateOf(fields.Text("to"));
+  record.At = fields.Number("at").value_or(0);
+  record.Missed = fields.Number("missed") == 1;
+  record.Trial = fields.Number("trial") == 1;
+  record.Act = StageOf(ActNames, fields.Text("act"), ActStage::None);
+  record.Why = fields.Text("why");
+  record.Run = fields.Text("run");
+  record.Open = fields.Text("open");
+  if (fields.Has("exit")) record.Exit = SmallNumber(fields, "exit");
+  record.AlertIs = StageOf(AlertNames, fields.Text("alert"), AlertStage::None);
+  record.Alert = AlertOfFields(fields);
+  if (fields.Has("button")) record.Button = SmallNumber(fields, "button");
+  record.Answer = fields.Text("answer");
+  record.Answered = fields.Number("answered").value_or(0);
+  record.Of = fields.Text("of");
+  return record;
+}
+
+std::string TextOf(Civil time) {
+  const CivilFields at = ToFields(time);
+  char text[64];
+  std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", static_cast<int>(at.year),
+                static_cast<int>(at.month + 1), static_cast<int>(at.day), static_cast<int>(at.hour),
+                static_cast<int>(at.minute), static_cast<int>(at.second));
+  return text;
+}
+
+std::optional<Civil> CivilOf(const std::string& text) {
+  int year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0;
+  char rest = 0;
+  if (std::sscanf(text.c_str(), "%d-%d-%d %d:%d:%d%c", &year, &month, &day, &hour, &minute, &second,
+                  &rest) != 6 ||
+      year < 1 || year > 9999)
+    return std::nullopt;
+  return ToCivil({year, month - 1, day, hour, minute, second, 0});
+}
+
+}  // namespace kestrin

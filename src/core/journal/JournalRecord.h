@@ -1,0 +1,87 @@
+// A record of the journal, of the history or of what was put off, as values; docs/journal.md tells
+// what they mean.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/journal/RecordLine.h"
+#include "core/ports/Alert.h"
+#include "core/ports/Processes.h"
+#include "support/LocalTime.h"
+
+namespace kestrin {
+
+/// An event as its file knows it, whatever it is called in memory since.
+struct EventName {
+  std::string Name, Handler;
+  int32 Place = 0;  ///< among the events of the set that share both, from the top
+  auto operator<=>(const EventName&) const = default;
+};
+
+struct EventState {
+  int32 Actual = 0, Next = 0, Status = 0;
+  bool Gone = false;  ///< deleted once delivered
+  bool operator==(const EventState&) const = default;
+};
+
+enum class RecordKind { Prewarning, Event, Nag };
+enum class ActStage { None, Reading, Queued, Acting, Acted, Missed, Passed, Failed };
+enum class AlertStage { None, Shown, Answered, PutOff };
+
+/// The part of an alert that outlives the process.
+struct KeptAlert {
+  AlertRole Role = AlertRole::Notice;
+  AlertKind Kind = AlertKind::Information;
+  std::string Title, Text;
+  std::vector<std::string> Buttons;
+  int HarmlessButton = 0, DefaultButton = 0;
+  std::string Icon;  ///< the event's, in whatever form the asker gave it; may be empty
+};
+KeptAlert KeepAlert(const AlertRequest& request);
+/// Without handles and continuation. Buttons are never empty, the two numbers within them.
+AlertRequest AlertOf(const KeptAlert& kept);
+
+struct JournalRecord {
+  std::string Id;
+  ProcessOwner By;
+  std::string Set;  ///< canonical path of the set, or of the recovery copy of an untitled one
+  EventName Event;
+  uint32 Rule = 0;  ///< of the fields that decide its dates; 0: unknown
+  RecordKind Kind = RecordKind::Event;
+  std::optional<EventState> From, To;
+  int64 At = 0;  ///< when it was begun
+  bool Missed = false;
+  bool Trial = false;  ///< "Try now": changes no state
+  ActStage Act = ActStage::None;
+  std::string Why;
+  std::string Run, Open;  ///< the command, or the file's path
+  std::optional<int32> Exit;
+  AlertStage AlertIs = AlertStage::None;
+  KeptAlert Alert;
+  std::optional<int32> Button;
+  std::string Answer;  ///< the pressed button's text
+  int64 Answered = 0;
+  std::string Of;  ///< the record of whose delivery this alert is a further one
+
+  /// The time of the occurrence that it speaks of.
+  int32 Occurrence() const { return From ? From->Actual : 0; }
+};
+
+RecordFields FieldsOf(const JournalRecord& record);
+RecordFields FieldsOf(const KeptAlert& alert);
+/// Fields that are missing or make no sense have their initial value.
+JournalRecord RecordOf(const std::string& id, const RecordFields& fields);
+
+std::string TextOf(const EventState& state);
+std::string TextOf(const ProcessOwner& owner);
+const char* NameOf(ActStage stage);
+const char* NameOf(AlertStage stage);
+const char* NameOf(RecordKind kind);
+
+/// "2026-11-23 08:00:00" and back.
+std::string TextOf(Civil time);
+std::optional<Civil> CivilOf(const std::string& text);
+
+}  // namespace kestrin

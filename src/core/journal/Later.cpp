@@ -1,0 +1,160 @@
+#include "core/journal/Later.h"
+
+#include <algorithm>
+#include <charconv>
+#include <utility>
+
+namespace kestrin {
+
+namespace {
+
+constexpr char AllKeys[] = "again";
+
+std::string JoinNumbers(const std::vector<int32>& numbers) {
+  std::string text;
+  for (const int32 number : numbers) text += (text.empty() ? "" : ",") + std::to_string(number);
+  return text;
+}
+
+std::vector<int32> SplitNumbers(const std::string& text) {
+  std::vector<int32> numbers;
+  for (const char *at = text.data(), *end = at + text.size(); at < end;) {
+    int32 number = 0;
+    const auto [stopped, error] = std::from_chars(at, end, number);
+    if (error != std::errc()) break;
+    numbers.push_back(number);
+    at = stopped + 1;
+  }
+  return numbers;
+}
+
+/// A put-off alert is a record of its own, with a return time.
+RecordFields FieldsOf(const PutOffAlert& alert) {
+  JournalRecord record;
+  record.Set = alert.Set;
+  record.Event = alert.Event;
+  record.Rule = alert.Rule;
+  record.Kind = alert.Kind;
+  record.From = EventState{alert.Occurrence, 0, 0, false};
+  record.AlertIs = AlertStage::PutOff;
+  record.Alert = alert.Alert;
+  record.Run = alert.Run;
+  record.Open = alert.Open;
+  record.Of = alert.Record;
+  RecordFields fields = FieldsOf(record);
+  if (alert.When.Wall)
+    fields.Set("wall", TextOf(*alert.When.Wall));
+  else
+    fields.Set("wall", "");
+  fields.Set("moment", alert.When.Moment);
+  fields.Set(AllKeys, JoinNumbers(alert.Unanswered));
+  return fields;
+}
+
+PutOffAlert AlertOf(const RecordLine& line) {
+  const JournalRecord record = RecordOf(line.Id, line.Fields);
+  PutOffAlert alert;
+  alert.Id = line.Id;
+  alert.Record = record.Of;
+  alert.Set = record.Set;
+  alert.Event = record.Event;
+  alert.Rule = record.Rule;
+  alert.Kind = record.Kind;
+  alert.Occurrence = record.Occurrence();
+  alert.Alert = record.Alert;
+  alert.Run = record.Run;
+  alert.Open = record.Open;
+  alert.Unanswered = SplitNumbers(line.Fields.Text(AllKeys));
+  alert.When = {line.Fields.Number("moment").value_or(0), CivilOf(line.Fields.Text("wall"))};
+  return alert;
+}
+
+}  // namespace
+
+Later::Later(FileDoor& files, const std::string& stateFolder, std::string mark,
+             RecordLog::Report report)
+    : log_(files, stateFolder + "/later", std::move(mark), std::move(report)) {}
+
+void Later::Read() { log_.Read(); }
+
+void Later::CatchUp() { log_.CatchUp(); }
+
+status_t Later::PutOff(PutOffAlert& alert) {
+  const bool isNew = alert.Id.empty();
+  const std::string id = isNew ? log_.NewId() : alert.Id;
+  const std::optional<PutOffAlert> earlier = Find(id);
+  status_t status = log_.Append(id, FieldsOf(alert));
+  if (status == StatusOk) status = log_.Sync();
+  if (status == StatusOk) {
+    alert.Id = id;
+  } else if (earlier) {
+    log_.Append(id, FieldsOf(*earlier));
+  } else {
+    log_.End(id);
+  }
+  return status;
+}
+
+void Later::End(const std::string& id) {
+  if (log_.Find(id)) log_.End(id);
+}
+
+std::vector<PutOffAlert> Later::All() const {
+  std::vector<PutOffAlert> all;
+  for (const auto& [place, line] : log_.All()) all.push_back(AlertOf(line));
+  return all;
+}
+
+std::vector<PutOffAlert> Later::About(const std::string& set, const EventName& event) const {
+  std::vector<PutOffAlert> all = All();
+  std::erase_if(all,
+                [&](const PutOffAlert& each) { return each.Set != set || each.Event != event; });
+  return all;
+}
+
+std::optional<PutOffAlert> Later::Find(const std::string& id) const {
+  const RecordLine* const line = log_.Find(id);
+  if (!line) return std::nullopt;
+  return AlertOf(*line);
+}
+
+int64 Later::NextReturn(const Zone& zone) const {
+  int64 next = 0;
+  for (const auto& [place, line] : log_.All()) {
+    const ReturnTime when = {line.Fields.Number("moment").value_or(0),
+                             CivilOf(line.Fields.Text("wall"))};
+    const int64 at = std::max<int64>(when.In(zone), 1);
+    if (next == 0 || at < next) next = at;
+  }
+  return next;
+}
+
+std::vector<PutOffAlert> Later::Due(int64 now, const Zone& zone) const {
+  std::vector<PutOffAlert> due = All();
+  std::erase_if(due, [&](const PutOffAlert& each) { return each.When.In(zone) > now; });
+  std::stable_sort(due.begin(), due.end(), [&](const PutOffAlert& a, const PutOffAlert& b) {
+    return a.When.In(zone) < b.When.In(zone);
+  });
+  return due;
+}
+
+void Later::Renamed(const std::string& fromSet, const std::string& toSet) {
+  for (const PutOffAlert& alert : All()) {
+    if (alert.Set != fromSet) continue;
+    RecordFields fields;
+    fields.Set("set", toSet);
+    log_.Append(alert.Id, fields);
+  }
+}
+
+void Later::Renamed(const std::string& set, const EventName& from, const EventName& to) {
+  for (const PutOffAlert& alert : About(set, from)) {
+    RecordFields fields;
+    fields.Set("name", to.Name);
+    fields.Set("handler", to.Handler);
+    fields.Set("place", int64{to.Place});
+    log_.Append(alert.Id, fields);
+  }
+}
+
+}  // namespace kestrin
