@@ -8,9 +8,9 @@
 #include "core/events/EventSet.h"
 #include "core/events/HandlerTable.h"
 #include "core/files/EventSetFile.h"
-#include "fakes/MemoryFileDoor.h"
-#include "fakes/TestContext.h"
 #include "handlers/LoadEventHandlers.h"
+#include "harness/MemoryFileDoor.h"
+#include "harness/TestContext.h"
 #include "support/Opened.h"
 
 namespace kestrin {

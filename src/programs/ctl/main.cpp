@@ -8,12 +8,15 @@
 #include "core/ports/Clock.h"
 #include "core/timing/DateTimeText.h"
 #include "handlers/LoadEventHandlers.h"
+#include "programs/Asked.h"
 #include "programs/ctl/Commands.h"
 
 namespace {
 
 using kestrin::CtlArguments;
 using kestrin::VirtualEngine;
+
+constexpr char Version[] = "kestrinctl " KESTRIN_VERSION "\n";
 
 constexpr char Usage[] =
     "usage: kestrinctl dump FILE                      everything in an event set, as JSON\n"
@@ -25,6 +28,7 @@ constexpr char Usage[] =
     "time\n"
     "       kestrinctl check FILE...                  whether files can be read\n"
     "       kestrinctl rewrite IN OUT                 save IN again as OUT, in today's format\n"
+    "       kestrinctl --help | --version\n"
     "\n"
     "TIME is a number of seconds since 1970, or a date as you would type it: \"tomorrow 9am\".\n"
     "agenda begins now and ends 7 days on.\n";
@@ -110,10 +114,8 @@ std::string Parse(const Command& command, int argc, char** argv, int64_t now,
 
 int main(int argc, char** argv) {
   const std::string_view name = argc > 1 ? argv[1] : "";
-  if (name == "--help" || name == "-h") {
-    std::fputs(Usage, stdout);
-    return kestrin::ExitSuccess;
-  }
+  if (const char* const answer = kestrin::AnswerTo(argc, argv, Usage, Version))
+    return kestrin::Say(answer);
   const auto* command = std::find_if(std::begin(Commands), std::end(Commands),
                                      [&](const Command& each) { return each.name == name; });
   if (command == std::end(Commands))

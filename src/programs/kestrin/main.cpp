@@ -9,12 +9,15 @@
 
 #include "core/app/KestrinApp.h"
 #include "core/loop/AlertDesk.h"
+#include "core/loop/MessageCodes.h"
 #include "core/loop/Notices.h"
+#include "core/ports/Clock.h"
 #include "core/ports/Workers.h"
 #include "core/settings/BuiltInPrefs.h"
 #include "handlers/HandlerActions.h"
 #include "handlers/LoadEventHandlers.h"
 #include "interface/QtUserInterface.h"
+#include "programs/Asked.h"
 #include "session/ApplicationBus.h"
 #include "session/BusBackground.h"
 #include "session/DisplayProbe.h"
@@ -22,9 +25,17 @@
 #include "session/QueueRunner.h"
 #include "session/SystemDesktop.h"
 #include "session/UnixSignals.h"
+#include "support/LocalTime.h"
 
 namespace kestrin {
 namespace {
+
+constexpr char Help[] =
+    "usage: kestrin [FILE...]        open event sets; without one, what the settings say\n"
+    "       kestrin -background      give the time of the next event to KestrinBackground and "
+    "leave\n"
+    "       kestrin --help | --version\n";
+constexpr char Version[] = "kestrin " KESTRIN_VERSION "\n";
 
 constexpr char UserAddOns[] = "/.local/lib/kestrin/add-ons";
 
@@ -102,6 +113,7 @@ int RunLoop(Parts& parts, const std::vector<std::string>& arguments) {
 }
 
 int Run(int argc, char** argv) {
+  if (const char* const answer = AnswerTo(argc, argv, Help, Version)) return Say(answer);
   const Start start{{argv + 1, argv + argc}, ActivationToken(), StartedByBus()};
   ForgetHowStarted();
   BackgroundOnlyStartup =
