@@ -1,18 +1,16 @@
 #!/usr/bin/env python3
 """Checks which way the includes of the project run.
 
-    includes.py [ROOT] [--commands FILE]
+    includes.py [ROOT]
 
 Rules, with the names of the rooms as folders below src:
   * a room includes itself and the rooms below it, and no other;
   * include/kestrin includes nothing of src, an add-on nothing but include/kestrin and itself;
-  * the rooms and programs that stand without a toolkit reach no Qt and no GLib header, and, with
-    --commands (a compile_commands.json), none of their files is compiled with the paths to one;
   * no file sees Qt and GLib headers together, because both claim the word "signals".
+That the plain rooms stand without a toolkit needs no rule here: their targets link none, so the
+compiler finds none of its headers, and links.py looks at the programs made of them.
 Prints one line a fault; the exit status is 1 when there is any.
 """
-import argparse
-import json
 import pathlib
 import re
 import sys
@@ -39,14 +37,10 @@ INNER = {
         "app": ["files", "delivery", "events", "journal", "settings", "loop", "timing", "ports"],
     },
 }
-PLAIN = ["include/kestrin", "src/support", "src/core", "src/handlers", "src/programs/background",
-         "src/programs/ctl"]
 INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[ \t]*([<"])([^>"\n]+)[>"]', re.MULTILINE)
 QT_HEADER = re.compile(r"^(Qt\w*/.*|Q[A-Z]\w*|Qt|q[a-z0-9_]+\.h)$")
 GLIB_HEADER = re.compile(r"^(gio|glib|gobject|gmodule|gio-unix-2\.0|atk|atspi|gtk|gdk\w*)/"
                          r"|^(glib|glib-object|glib-unix|gmodule)\.h$")
-STREAM_HEADER = re.compile(r"^([io]|io|[io]?f|[io]?s|[io]?span|sync)?stream$|^iomanip$")
-TOOLKIT_PATH = re.compile(r"/(qt6|QtCore|QtWidgets|QtGui|QtDBus|glib-2\.0|gio-unix-2\.0)(/|$)")
 
 
 class Tree:
@@ -124,42 +118,16 @@ def check_file(tree, path):
     outside = tree.reached(path)
     qt = sorted(name for name in outside if QT_HEADER.match(name))
     glib = sorted(name for name in outside if GLIB_HEADER.match(name))
-    if any(path.startswith(folder + "/") for folder in PLAIN):
-        for name in qt + glib:
-            tree.fault(path, f"reaches <{name}>{through(outside[name])}, but stands without a toolkit")
-    elif qt and glib:
+    if qt and glib:
         tree.fault(path, f"sees <{qt[0]}>{through(outside[qt[0]])} together with "
                          f"<{glib[0]}>{through(outside[glib[0]])}")
-    if path.startswith("src/programs/background/"):
-        for name in sorted(filter(STREAM_HEADER.match, outside)):
-            tree.fault(path, f"reaches <{name}>{through(outside[name])}: the deliverer has no streams")
 
 
 def through(way):
     return f" (through {' > '.join(way)})" if way else ""
 
 
-def check_commands(tree, commands):
-    """No file of a plain room is compiled with a way to a toolkit. Counts what it looked at."""
-    looked_at = 0
-    for entry in json.loads(commands.read_text()):
-        file = pathlib.Path(entry["directory"], entry["file"]).resolve()
-        if not file.is_relative_to(tree.root):
-            continue
-        path = file.relative_to(tree.root).as_posix()
-        if not any(path.startswith(folder + "/") for folder in PLAIN):
-            continue
-        looked_at += 1
-        words = entry["command"].split()
-        for word in words:
-            if TOOLKIT_PATH.search(word) or word.startswith("-DQT_"):
-                tree.fault(path, f"is compiled with {word}, so its target links a toolkit")
-                break
-    if not looked_at:
-        tree.fault(commands, "names no file of a plain room; configure the build folder again")
-
-
-def check(root, commands=None):
+def check(root):
     tree = Tree(root.resolve())
     files = [path.relative_to(tree.root).as_posix() for top in ("include", "src", "addons")
              for path in sorted((tree.root / top).rglob("*")) if path.suffix in (".h", ".cpp")]
@@ -172,18 +140,12 @@ def check(root, commands=None):
         check_file(tree, path)
     if not files:
         tree.fault(root, "holds no sources")
-    if commands:
-        check_commands(tree, commands)
     return tree.faults, len(files)
 
 
 def main():
-    parser = argparse.ArgumentParser()
-    here = pathlib.Path(__file__).resolve().parents[2]
-    parser.add_argument("root", nargs="?", type=pathlib.Path, default=here)
-    parser.add_argument("--commands", type=pathlib.Path)
-    arguments = parser.parse_args()
-    faults, count = check(arguments.root, arguments.commands)
+    root = pathlib.Path(sys.argv[1]) if len(sys.argv) > 1 else pathlib.Path(__file__).parents[2]
+    faults, count = check(root)
     for fault in faults:
         print(fault)
     print(f"includes: {count} files, {len(faults)} faults")

@@ -6,6 +6,7 @@
 #include "core/events/EventSet.h"
 #include "core/loop/AlertDesk.h"
 #include "core/loop/Holds.h"
+#include "core/loop/MessageCodes.h"
 #include "core/timing/EventTypes.h"
 
 namespace kestrin {

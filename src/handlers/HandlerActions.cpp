@@ -6,7 +6,9 @@
 #include "core/events/HandlerTable.h"
 #include "core/loop/AlertDesk.h"
 #include "core/loop/Holds.h"
+#include "core/loop/MessageCodes.h"
 #include "core/loop/Notices.h"
+#include "core/timing/EventTypes.h"
 #include "handlers/DeliveryAlert.h"
 
 namespace kestrin {

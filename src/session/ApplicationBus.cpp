@@ -3,6 +3,7 @@
 #include <QtDBus/QDBusMetaType>
 #include <optional>
 
+#include "core/loop/MessageCodes.h"
 #include "session/BusMessages.h"
 #include "session/BusNames.h"
 #include "session/FileUri.h"

@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "kestrin/EventServices.h"
+
 namespace kestrin {
 
 namespace {

@@ -4,8 +4,6 @@
 #include <string>
 #include <string_view>
 
-#include "kestrin/EventServices.h"
-
 namespace kestrin {
 
 /// No text of an event is this long or longer; files hold it with its NUL in 4096 bytes.

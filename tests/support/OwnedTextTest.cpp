@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "kestrin/EventServices.h"
+
 namespace kestrin {
 namespace {
 

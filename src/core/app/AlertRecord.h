@@ -1,7 +1,6 @@
 // An open alert written down, so that it can be shown again after a forced end.
 #pragma once
 
-#include "core/events/Context.h"
 #include "core/ports/Alert.h"
 #include "support/Message.h"
 

@@ -1,5 +1,6 @@
 #include "core/app/KestrinApp.h"
 
+#include "core/app/AppState.h"
 #include "core/events/EventSet.h"
 #include "core/events/OpenSets.h"
 #include "core/loop/AlertDesk.h"
@@ -10,6 +11,7 @@
 #include "core/ports/Workers.h"
 #include "core/settings/KestrinSettings.h"
 #include "core/settings/SettingsFile.h"
+#include "core/timing/EventTypes.h"
 
 namespace kestrin {
 

@@ -7,7 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "core/app/AppState.h"
 #include "core/app/DocumentApp.h"
 #include "core/delivery/DeliveryPass.h"
 #include "core/events/Context.h"

@@ -2,6 +2,7 @@
 #include <utility>
 
 #include "core/app/AlertRecord.h"
+#include "core/app/AppState.h"
 #include "core/app/KestrinApp.h"
 #include "core/events/EventSet.h"
 #include "core/events/OpenSets.h"

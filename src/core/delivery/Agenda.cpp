@@ -6,6 +6,7 @@
 #include "core/delivery/DeliveryPass.h"
 #include "core/events/EventSet.h"
 #include "core/events/OpenSets.h"
+#include "core/loop/MessageCodes.h"
 
 namespace kestrin {
 

@@ -7,6 +7,8 @@
 #include "core/loop/MessageQueue.h"
 #include "core/ports/EventActions.h"
 #include "core/ports/UserInterface.h"
+#include "core/timing/EventTypes.h"
+#include "support/LocalTime.h"
 
 namespace kestrin {
 

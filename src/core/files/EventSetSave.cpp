@@ -7,6 +7,8 @@
 #include "core/loop/Notices.h"
 #include "core/ports/Clock.h"
 #include "core/ports/UserInterface.h"
+#include "kestrin/BufferedFile.h"
+#include "support/LocalTime.h"
 #include "support/Opened.h"
 #include "support/WholeFile.h"
 

@@ -8,6 +8,7 @@
 #include "core/timing/CalendarMonth.h"
 #include "core/timing/DateTokens.h"
 #include "core/timing/EventTiming.h"
+#include "core/timing/EventTypes.h"
 
 namespace kestrin {
 

@@ -6,6 +6,7 @@
 
 #include "core/events/EventSet.h"
 #include "core/timing/DateTimeText.h"
+#include "core/timing/EventRecord.h"
 #include "interface/common/ShownText.h"
 #include "interface/fields/TypedField.h"
 #include "interface/icons/IconView.h"

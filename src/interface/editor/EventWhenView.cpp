@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "core/events/EventSet.h"
+#include "core/timing/EventRecord.h"
 #include "interface/editor/PeriodicityIntervalView.h"
 #include "interface/editor/WhenLabels.h"
 #include "interface/editor/WhenSelectorsView.h"
@@ -13,6 +14,7 @@
 #include "interface/fields/DateField.h"
 #include "interface/fields/NumberField.h"
 #include "interface/fields/TimeField.h"
+#include "support/LocalTime.h"
 
 namespace kestrin {
 

@@ -6,6 +6,7 @@
 
 #include "core/events/Event.h"
 #include "core/timing/EventRuleCheck.h"
+#include "core/timing/EventTypes.h"
 #include "interface/editor/WhenLabels.h"
 #include "interface/fields/ChoiceMenu.h"
 #include "interface/fields/NumberField.h"

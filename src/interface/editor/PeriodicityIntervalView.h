@@ -3,8 +3,8 @@
 
 #include <QWidget>
 
-#include "core/timing/EventTypes.h"
 #include "interface/editor/EditorPage.h"
+#include "kestrin/Types.h"
 
 class QLabel;
 

@@ -4,6 +4,8 @@
 #include <span>
 #include <string_view>
 
+#include "core/timing/EventTypes.h"
+
 namespace kestrin {
 
 namespace {

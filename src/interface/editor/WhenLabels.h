@@ -3,7 +3,7 @@
 
 #include <QString>
 
-#include "core/timing/EventTypes.h"
+#include "kestrin/Types.h"
 
 namespace kestrin {
 

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "core/events/EventSet.h"
+#include "core/timing/EventRecord.h"
 #include "interface/editor/WhenLabels.h"
 #include "interface/fields/ChoiceMenu.h"
 #include "interface/fields/DateField.h"

@@ -7,6 +7,7 @@
 #include <QToolButton>
 #include <utility>
 
+#include "core/events/Context.h"
 #include "core/events/EventSet.h"
 #include "core/ports/Clock.h"
 #include "core/timing/DateTimeText.h"

@@ -8,6 +8,8 @@
 #include <QStyledItemDelegate>
 #include <algorithm>
 
+#include "interface/icons/StandardIconShapes.h"
+#include "interface/icons/StandardIcons.h"
 #include "interface/icons/UserIcons.h"
 
 namespace kestrin {

@@ -8,6 +8,7 @@
 #include "core/settings/KestrinSettings.h"
 #include "interface/common/Frames.h"
 #include "interface/icons/UserIcons.h"
+#include "support/Opened.h"
 
 namespace kestrin {
 

@@ -12,6 +12,8 @@
 #include "interface/icons/IconFile.h"
 #include "interface/icons/IconMenu.h"
 #include "interface/icons/IconPanel.h"
+#include "interface/icons/StandardIconShapes.h"
+#include "interface/icons/StandardIcons.h"
 #include "interface/icons/UserIcons.h"
 
 namespace kestrin {

@@ -4,6 +4,7 @@
 #include "core/events/EventSet.h"
 #include "core/events/HandlerTable.h"
 #include "core/timing/DateTimeText.h"
+#include "core/timing/EventTypes.h"
 #include "interface/common/ShownText.h"
 #include "interface/list/EventOrder.h"
 

@@ -10,6 +10,7 @@
 #include "core/events/EventSet.h"
 #include "core/loop/AlertDesk.h"
 #include "core/loop/Holds.h"
+#include "core/loop/MessageCodes.h"
 #include "interface/common/FilePanels.h"
 #include "interface/sets/EventSetWindow.h"
 #include "interface/sets/SetFilePanel.h"

@@ -7,6 +7,7 @@
 #include "core/events/EventSet.h"
 #include "core/events/OpenSets.h"
 #include "core/loop/AlertDesk.h"
+#include "core/loop/MessageCodes.h"
 #include "core/loop/Notices.h"
 #include "interface/sets/SetFilePanel.h"
 

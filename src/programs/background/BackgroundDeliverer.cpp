@@ -13,6 +13,7 @@
 #include "programs/background/BusFields.h"
 #include "programs/background/Launcher.h"
 #include "programs/background/StartUpPages.h"
+#include "session/BusNames.h"
 
 namespace kestrin {
 

@@ -2,7 +2,6 @@
 #pragma once
 
 #include "kestrin/Types.h"
-#include "session/BusNames.h"
 
 namespace kestrin {
 

@@ -2,7 +2,7 @@
 
 #include <string.h>
 
-#include "programs/background/BusContract.h"
+#include "session/BusNames.h"
 
 namespace kestrin {
 

@@ -12,11 +12,11 @@
 #include "core/events/OpenSets.h"
 #include "core/settings/KestrinSettings.h"
 #include "core/timing/DateTimeText.h"
+#include "core/timing/EventRecord.h"
+#include "core/timing/EventTypes.h"
 #include "core/timing/RuleSentence.h"
 #include "programs/ctl/JsonWriter.h"
 #include "programs/ctl/TextTable.h"
-#include "support/OwnedText.h"
-#include "support/WholeFile.h"
 
 namespace kestrin {
 

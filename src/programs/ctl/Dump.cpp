@@ -1,8 +1,11 @@
 #include <cerrno>
 #include <cstring>
 
+#include "core/events/Event.h"
+#include "core/timing/EventRecord.h"
 #include "programs/ctl/Commands.h"
 #include "programs/ctl/JsonWriter.h"
+#include "support/Bitmap.h"
 #include "support/WholeFile.h"
 
 namespace kestrin {

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "core/app/AppState.h"
 #include "core/app/KestrinApp.h"
 #include "core/loop/AlertDesk.h"
 #include "core/loop/MessageCodes.h"

@@ -9,6 +9,7 @@
 
 #include "harness/bus/PrivateBus.h"
 #include "programs/background/BusContract.h"
+#include "session/BusNames.h"
 
 namespace kestrin {
 
