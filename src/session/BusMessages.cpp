@@ -101,8 +101,13 @@ ReadCall ReadActivate(const QDBusMessage& call) {
   return Taken(std::move(message));
 }
 
-// Nothing can be called this way, and callers are not to be troubled by it.
-ReadCall ReadActivateAction(const QDBusMessage&) { return {}; }
+// An action that is not known is answered all the same: callers are not to be troubled by it.
+ReadCall ReadActivateAction(const QDBusMessage& call) {
+  if (call.arguments().at(0).toString() != NewEventSetAction) return {};
+  Message message(NEW_EVENT_SET);
+  HandTokenOn(FieldsAt(call, 2), message);
+  return Taken(std::move(message));
+}
 
 struct Method {
   const char* interface;
@@ -169,6 +174,8 @@ QDBusMessage MakeApplicationCall(const Message& message, const QString& destinat
                                           member);
   };
   if (message.what == ACTIVATE) return makeCall("Activate") << platformData;
+  if (message.what == NEW_EVENT_SET)
+    return makeCall("ActivateAction") << NewEventSetAction << QVariantList() << platformData;
 
   if (!message.Get<bool>("window").value_or(true)) platformData[BackgroundKey] = true;
   QStringList uris;

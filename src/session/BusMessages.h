@@ -20,7 +20,8 @@ struct ReadCall {
 std::optional<ReadCall> ReadApplicationCall(const QDBusMessage& call);
 
 /// The call that asks the application, reached by the bus name `destination`, for what `message`
-/// (DELIVER_EVENTS, QUIT_REQUESTED, FULL_QUIT_REQUESTED, OPEN_FILES or ACTIVATE) says.
+/// (DELIVER_EVENTS, QUIT_REQUESTED, FULL_QUIT_REQUESTED, OPEN_FILES, ACTIVATE or NEW_EVENT_SET)
+/// says.
 QDBusMessage MakeApplicationCall(const Message& message, const QString& destination);
 
 /// A call of Post on the background deliverer, with the message's bool, int32 and string fields.

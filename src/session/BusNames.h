@@ -17,6 +17,8 @@ inline constexpr char NotKeptError[] = "vnd.ZR.Kestrin.Error.NotKept";
 inline constexpr char InvalidArgumentsError[] = "org.freedesktop.DBus.Error.InvalidArgs";
 inline constexpr char UnknownMethodError[] = "org.freedesktop.DBus.Error.UnknownMethod";
 
+/// The action of the desktop entry, by ActivateAction.
+inline constexpr char NewEventSetAction[] = "new-event-set";
 /// Key of the platform data of Open (bool): open the files without windows.
 inline constexpr char BackgroundKey[] = "vnd.ZR.background";
 
