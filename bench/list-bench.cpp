@@ -21,7 +21,6 @@
 #include <functional>
 #include <limits>
 
-#include "core/app/AppState.h"
 #include "core/app/DocumentApp.h"
 #include "core/delivery/VirtualEngine.h"
 #include "core/events/EventSet.h"
@@ -83,17 +82,18 @@ bool MeasureOurs(const char* path, Best& best) {
   VirtualEngine engine;
   engine.clock.Time = SystemClock().Now();
   QtUserInterface screen([] {});
-  Context context{engine.clock,   engine.files,   engine.queue,   engine.holds,
-                  screen,         engine.alerts,  engine.notices, engine.desktop,
-                  engine.workers, engine.actions, Zone(),         1};
+  Context context{engine.clock,    engine.files,    engine.queue,    engine.holds,   screen,
+                  engine.alerts,   engine.notices,  engine.desktop,  engine.workers, engine.actions,
+                  engine.openSets, engine.settings, engine.handlers, Zone(),         1};
   Holder application(engine.holds);
   screen.Connect(context, application);
   LoadBuiltInHandlers(context);
   ConstructorResult result = ConstructorResult::Success;
   bool versionOK = true;
   SetFileReport report;
-  OpenSets::Sets.push_back(std::make_unique<EventSet>(context, path, &result, &versionOK, &report));
-  EventSet& set = *OpenSets::Sets.back();
+  engine.openSets.Sets.push_back(
+      std::make_unique<EventSet>(context, path, &result, &versionOK, &report));
+  EventSet& set = *engine.openSets.Sets.back();
   if (result != ConstructorResult::Success || !versionOK || set.CountEvents() < Many) return false;
 
   best.Measure(Open, [&set] { set.OpenWindow(); });
@@ -111,8 +111,7 @@ bool MeasureOurs(const char* path, Best& best) {
   });
   window.CloseNow();
   QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-  OpenSets::Sets.clear();
-  ResetProcessState();
+  engine.openSets.Sets.clear();
   return true;
 }
 

@@ -10,7 +10,6 @@
 #include <cstdlib>
 #include <limits>
 
-#include "core/app/AppState.h"
 #include "core/delivery/VirtualEngine.h"
 #include "core/events/EventSet.h"
 #include "core/files/EventSetFile.h"
@@ -65,7 +64,6 @@ int main(int argc, char** argv) {
       std::fprintf(stderr, "next-bench: %s: no events can be read\n", argv[1]);
       return 2;
     }
-    kestrin::ResetProcessState();
   }
   std::printf("%.0f %.0f %.0f\n", best.read, best.compute, best.total);
   return 0;

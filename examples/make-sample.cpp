@@ -10,7 +10,6 @@
 #include <cstring>
 #include <string>
 
-#include "core/app/AppState.h"
 #include "core/delivery/VirtualEngine.h"
 #include "core/events/EventSet.h"
 #include "handlers/ActOnFileDataHandler.h"
@@ -189,25 +188,21 @@ int Make(const char* path, const Wishes& wishes) {
   VirtualEngine engine;
   engine.clock.Time = wishes.now;
   LoadBuiltInHandlers(engine.context);
-  bool saved = false;
-  {
-    Sample sample(engine);
-    if (wishes.alerts > 0) sample.AddAlerts(wishes.alerts);
-    for (int32 copy = 0; wishes.alerts == 0 && copy < wishes.copies; ++copy) {
-      sample.AddSoon(wishes.soon > 0 ? wishes.soon : 24 * Hour);
-      sample.AddYearly();
-      sample.AddMonthly();
-      sample.AddWeekly();
-      sample.AddDaily();
-    }
-    SetLayout& layout = sample.Set().Layout();
-    layout.WindowFrame = {60, 80, 1000, 440};
-    layout.ColumnShown.fill(true);
-    layout.ColumnWidth = {26, 190, 235, 235, 90, 150};
-    saved = sample.Set().SaveCopy(path);
+  Sample sample(engine);
+  if (wishes.alerts > 0) sample.AddAlerts(wishes.alerts);
+  for (int32 copy = 0; wishes.alerts == 0 && copy < wishes.copies; ++copy) {
+    sample.AddSoon(wishes.soon > 0 ? wishes.soon : 24 * Hour);
+    sample.AddYearly();
+    sample.AddMonthly();
+    sample.AddWeekly();
+    sample.AddDaily();
   }
+  SetLayout& layout = sample.Set().Layout();
+  layout.WindowFrame = {60, 80, 1000, 440};
+  layout.ColumnShown.fill(true);
+  layout.ColumnWidth = {26, 190, 235, 235, 90, 150};
+  const bool saved = sample.Set().SaveCopy(path);
   if (!saved) std::fprintf(stderr, "make-sample: %s: cannot be written\n", path);
-  ResetProcessState();
   return saved ? 0 : 2;
 }
 

@@ -3,7 +3,6 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "core/app/AppState.h"
 #include "core/events/Event.h"
 #include "core/events/EventSet.h"
 #include "core/events/HandlerTable.h"
@@ -65,7 +64,7 @@ void TryFile(const std::string& bytes, const Zone& zone) {
   MemoryFileDoor disk;
   TestContext world(&disk);
   world.Core.zone = zone;
-  HandlerContext = &world.Core;
+  LoadBuiltInHandlers(world.Core);
   disk.Put(Path, bytes);
   const auto set = Read(world.Core, Path);
   if (!set) return;
@@ -85,11 +84,6 @@ void TryFile(const std::string& bytes, const Zone& zone) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   static const kestrin::Zone zone = kestrin::Zone::Load("Europe/Berlin").value();
-  static const bool loaded = [] {
-    kestrin::TestContext world;
-    kestrin::LoadBuiltInHandlers(world.Core);
-    return true;
-  }();
-  if (loaded) kestrin::TryFile({reinterpret_cast<const char*>(data), size}, zone);
+  kestrin::TryFile({reinterpret_cast<const char*>(data), size}, zone);
   return 0;
 }

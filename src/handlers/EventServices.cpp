@@ -1,26 +1,17 @@
 #include "kestrin/EventServices.h"
 
 #include <algorithm>
-#include <atomic>
 #include <string>
 
+#include "core/events/AddOnServices.h"
 #include "core/events/EventSet.h"
 #include "core/events/HandlerTable.h"
 #include "core/loop/Notices.h"
 #include "core/settings/KestrinSettings.h"
 #include "core/settings/SettingsStore.h"
 #include "handlers/DeliveryAlert.h"
-#include "handlers/LoadEventHandlers.h"
 
 namespace kestrin {
-
-namespace {
-
-SettingsStore* addOnSettings = nullptr;
-
-}  // namespace
-
-void UseForAddOnSettings(SettingsStore* settings) { addOnSettings = settings; }
 
 const char* GetEventName(const Event* event) { return event->GetName().c_str(); }
 const char* GetEventComment(const Event* event) { return event->GetComment().c_str(); }
@@ -59,8 +50,11 @@ void DeliverEventMessage(Event* event, bool missed, const char* s1, const char* 
 }
 
 status_t ReadAddOnSetting(const char* name, const void*& data, int32& size, uint32& type) {
-  AutoLock lock(KestrinSettings::Protect);
-  const auto value = addOnSettings ? addOnSettings->Get(name) : std::nullopt;
+  const Context* const context = AddOnServices;
+  if (!context) return StatusError;
+  const AutoLock lock(context->settings.Protect);
+  const SettingsStore* const store = context->handlers.AddOnSettings;
+  const auto value = store ? store->Get(name) : std::nullopt;
   if (!value) return StatusError;
   data = value->bytes.data();
   size = static_cast<int32>(value->bytes.size());
@@ -69,16 +63,18 @@ status_t ReadAddOnSetting(const char* name, const void*& data, int32& size, uint
 }
 
 status_t WriteAddOnSetting(const char* name, const void* data, uint32 size, uint32 type) {
-  AutoLock lock(KestrinSettings::Protect);
-  if (!addOnSettings) return StatusError;
-  const status_t status = addOnSettings->Set(name, {static_cast<const char*>(data), size}, type);
-  if (status == StatusOk) KestrinSettings::Changed();
+  const Context* const context = AddOnServices;
+  if (!context) return StatusError;
+  const AutoLock lock(context->settings.Protect);
+  SettingsStore* const store = context->handlers.AddOnSettings;
+  if (!store) return StatusError;
+  const status_t status = store->Set(name, {static_cast<const char*>(data), size}, type);
+  if (status == StatusOk) context->settings.Changed();
   return status;
 }
 
 void ReportError(const char* text) {
-  if (Context* context = std::atomic_ref(HandlerContext).load())
-    context->notices.ReportError(text ? text : "");
+  if (const Context* const context = AddOnServices) context->notices.ReportError(text ? text : "");
 }
 
 }  // namespace kestrin

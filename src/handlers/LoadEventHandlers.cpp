@@ -8,6 +8,7 @@
 #include <exception>
 #include <vector>
 
+#include "core/events/AddOnServices.h"
 #include "core/events/Context.h"
 #include "core/events/HandlerTable.h"
 #include "core/loop/Notices.h"
@@ -24,12 +25,6 @@ namespace kestrin {
 namespace {
 
 constexpr size_t MaxNamedLeftOut = 20;
-
-void AddRow(const char* name, NewAddOnDataFunction factory) {
-  AddOnNames.push_back(name);
-  Function_NewAddOnData.push_back(factory);
-  ++NumberOfEventHandlers;
-}
 
 template <typename Function>
 Function FindSymbol(void* image, const char* name) {
@@ -81,22 +76,21 @@ const char* Initialise(InitializeAddOnFunction initialise, const std::string& pa
 }
 
 /// The words of the failure, or null when the image has taken a row.
-const char* TakeRow(void* image, const std::string& path) {
+const char* TakeRow(HandlerTable& handlers, void* image, const std::string& path) {
   const auto factory = FindSymbol<NewAddOnDataFunction>(image, "NewAddOnData");
   if (!factory) return "LoadEventHandlers:  couldn't find NewAddOnData for ";
   const auto initialise = FindSymbol<InitializeAddOnFunction>(image, "InitializeAddOn");
   if (!initialise) return "LoadEventHandlers:  couldn't find InitializeAddOn for ";
   const char* name = Initialise(initialise, path);
   if (!name) return "LoadEventHandlers:  InitializeAddOn failed for ";
-  AddRow(name, factory);
-  AddOnImages.push_back(image);
+  handlers.Add({name, factory, image});
   return nullptr;
 }
 
 void LoadAddOn(Context& context, const std::string& path) {
   void* image = OpenImage(context, path);
   if (!image) return;
-  if (const char* failure = TakeRow(image, path)) {
+  if (const char* failure = TakeRow(context.handlers, image, path)) {
     context.notices.ReportCompoundError(failure, path, "");
     dlclose(image);
   }
@@ -111,27 +105,26 @@ void TellLeftOut(Context& context, const std::vector<std::string>& paths) {
                                       " handler add-ons.  These were left out:", list);
 }
 
-void CleanUp(int32 row, void* image) {
-  const auto cleanUp = FindSymbol<CleanUpAddOnFunction>(image, "CleanUpAddOn");
+void CleanUp(const HandlerTable::Row& row) {
+  const auto cleanUp = FindSymbol<CleanUpAddOnFunction>(row.AddOnImage, "CleanUpAddOn");
   if (!cleanUp) return;
   try {
     cleanUp();
   } catch (...) {  // no alert opens any more when this runs
-    std::fprintf(stderr, "Kestrin: CleanUpAddOn failed for %s\n",
-                 AddOnNames[static_cast<size_t>(row)]);
+    std::fprintf(stderr, "Kestrin: CleanUpAddOn failed for %s\n", row.AddOnName);
   }
 }
 
 }  // namespace
 
 void LoadBuiltInHandlers(Context& context) {
-  ResetHandlerTable();
-  HandlerContext = &context;
-  AddRow(DefHandUnknownName, DefHandUnknown_NewAddOnData);
-  AddRow(DefHandDoNothingName, DefHandDoNothing_NewAddOnData);
-  AddRow(DefHandMessageName, DefHandMessage_NewAddOnData);
-  AddRow(DefHandCommandName, DefHandCommand_NewAddOnData);
-  AddRow(DefHandActOnFileName, DefHandActOnFile_NewAddOnData);
+  HandlerTable& handlers = context.handlers;
+  handlers.Clear();
+  handlers.Add({DefHandUnknownName, DefHandUnknown_NewAddOnData});
+  handlers.Add({DefHandDoNothingName, DefHandDoNothing_NewAddOnData});
+  handlers.Add({DefHandMessageName, DefHandMessage_NewAddOnData});
+  handlers.Add({DefHandCommandName, DefHandCommand_NewAddOnData});
+  handlers.Add({DefHandActOnFileName, DefHandActOnFile_NewAddOnData});
 }
 
 void LoadEventHandlers(Context& context, SettingsStore* settings, const std::string& kestrinDir,
@@ -139,14 +132,14 @@ void LoadEventHandlers(Context& context, SettingsStore* settings, const std::str
   if (kestrinDir.empty())
     context.notices.HandleErrorAndExit("LoadEventHandlers: GetAppInfo failed");
   LoadBuiltInHandlers(context);
-  UseForAddOnSettings(settings);
+  context.handlers.AddOnSettings = settings;
   std::vector<std::string> leftOut;
   for (const std::string& folder : {kestrinDir + "/add-ons", userAddOnFolder})
     for (const std::string& name :
          context.files.List(folder).value_or(std::vector<std::string>())) {
       std::string path = folder;
       path.append("/").append(name);
-      if (static_cast<int32>(AddOnImages.size()) < MaxAddOns)
+      if (context.handlers.NumberOfEventHandlers() < NumberOfBuiltInHandlers + MaxAddOns)
         LoadAddOn(context, path);
       else
         leftOut.push_back(path);
@@ -154,14 +147,15 @@ void LoadEventHandlers(Context& context, SettingsStore* settings, const std::str
   if (!leftOut.empty()) TellLeftOut(context, leftOut);
 }
 
-void UnloadEventHandlers() {
-  for (int32 row = NumberOfBuiltInHandlers; row < NumberOfEventHandlers; ++row) {
-    void* image = AddOnImages[static_cast<size_t>(row - NumberOfBuiltInHandlers)];
-    CleanUp(row, image);
-    dlclose(image);
+void UnloadEventHandlers(Context& context) {
+  for (const HandlerTable::Row& row : context.handlers.Rows()) {
+    if (!row.AddOnImage) continue;
+    CleanUp(row);
+    dlclose(row.AddOnImage);
   }
-  UseForAddOnSettings(nullptr);
-  ResetHandlerTable();
+  context.handlers.AddOnSettings = nullptr;
+  context.handlers.Clear();
+  AddOnServices = nullptr;
 }
 
 }  // namespace kestrin

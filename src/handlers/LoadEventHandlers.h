@@ -28,10 +28,8 @@ void LoadBuiltInHandlers(Context& context);
 void LoadEventHandlers(Context& context, SettingsStore* settings, const std::string& kestrinDir,
                        const std::string& userAddOnFolder);
 
-/// Main thread, once, after all sets are gone: lets every add-on clean up and empties the table.
-void UnloadEventHandlers();
-
-/// The store behind ReadAddOnSetting and WriteAddOnSetting; null: there is none.
-void UseForAddOnSettings(SettingsStore* settings);
+/// Main thread, once, after all sets are gone: lets every add-on clean up, empties the table and
+/// ends what the services of the public headers do.
+void UnloadEventHandlers(Context& context);
 
 }  // namespace kestrin

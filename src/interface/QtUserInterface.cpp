@@ -113,14 +113,14 @@ void QtUserInterface::ShowOpenPanel() {
   openPanel_->activateWindow();
 }
 
-void QtUserInterface::ShowSettingsWindow() { ShowOnly(settingsWindow_); }
+void QtUserInterface::ShowSettingsWindow() { ShowOnly(settingsWindow_, context_->settings); }
 void QtUserInterface::ShowAboutWindow() { ShowOnly(aboutWindow_); }
 
 /// Activates the window, and builds it first unless it is open already.
-template <typename Window>
-void QtUserInterface::ShowOnly(QPointer<Window>& window) {
+template <typename Window, typename... Parts>
+void QtUserInterface::ShowOnly(QPointer<Window>& window, Parts&... parts) {
   if (!HasScreen()) return;
-  if (!window || window->IsClosed()) window = new Window(*application_);
+  if (!window || window->IsClosed()) window = new Window(parts..., *application_);
   window->Activate();
 }
 

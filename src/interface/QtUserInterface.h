@@ -52,8 +52,8 @@ class QtUserInterface final : public QObject, public UserInterface {
  private:
   void Answer(AlertId id, int which);
   void RemoveAlert(AlertId id);
-  template <typename Window>
-  void ShowOnly(QPointer<Window>& window);
+  template <typename Window, typename... Parts>
+  void ShowOnly(QPointer<Window>& window, Parts&... parts);
   void WatchScreens();
   void KeepAlertsOnScreen();
 

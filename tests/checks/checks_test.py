@@ -114,9 +114,10 @@ class Tree(unittest.TestCase):
                 self.assertEqual((run.returncode, "A.cpp" in run.stdout), (status, status == 1))
 
     def test_linked_program(self):
-        """A program that is linked with GLib and uses streams breaks both rules of links.py."""
+        """A program that is linked with GLib, uses streams and has a global breaks three rules."""
         source = self.root / "a.cpp"
         source.write_text('#include <iostream>\nextern "C" int g_random_int();\n'
+                          "namespace kestrin { int count; extern const int fixed = 1; }\n"
                           "int main() { std::cout << g_random_int(); }\n")
         program = self.root / "a"
         subprocess.run(["c++", "-o", program, source, "-lglib-2.0"], check=True)
@@ -125,6 +126,10 @@ class Tree(unittest.TestCase):
         self.assertEqual(run.returncode, 1)
         self.assertIn("libglib-2.0", run.stdout)
         self.assertIn("standard streams", run.stdout)
+        run = subprocess.run([sys.executable, CHECKS / "globals.py", program],
+                             capture_output=True, text=True, check=False)
+        self.assertEqual(run.returncode, 1)
+        self.assertRegex(run.stdout, r"kestrin::count can change.*\n.* 1 faults")
 
 
 if __name__ == "__main__":

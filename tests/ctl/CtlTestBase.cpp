@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "core/app/AppState.h"
 #include "core/delivery/VirtualEngine.h"
 #include "core/events/EventSet.h"
 #include "core/events/HandlerTable.h"
@@ -40,15 +39,12 @@ void CtlTest::ExpectRefused(const std::vector<std::string>& arguments, const std
 }
 
 void CtlTest::MakeSet(const std::string& name, const std::vector<EventRecord>& records) const {
-  {
-    VirtualEngine engine;
-    LoadBuiltInHandlers(engine.context);
-    EventSet set(engine.context, Path(name));
-    for (const EventRecord& record : records)
-      set.AddEvent(std::make_unique<Event>(set, record))->SetSelectedHandler(MessageHandler);
-    EXPECT_TRUE(set.SaveData()) << name;
-  }
-  ResetProcessState();
+  VirtualEngine engine;
+  LoadBuiltInHandlers(engine.context);
+  EventSet set(engine.context, Path(name));
+  for (const EventRecord& record : records)
+    set.AddEvent(std::make_unique<Event>(set, record))->SetSelectedHandler(MessageHandler);
+  EXPECT_TRUE(set.SaveData()) << name;
 }
 
 }  // namespace kestrin

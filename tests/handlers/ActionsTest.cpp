@@ -208,7 +208,7 @@ TEST_F(ActionsTest, WithoutAScreenOnlyWhatNeedsNoneIsDelivered) {
   HandlerActions actions;
   for (const auto& row : rows) {
     SCOPED_TRACE(std::string(row.Handler) + " " + row.Text);
-    Subject->SetSelectedHandler(FindHandler(row.Handler));
+    Subject->SetSelectedHandler(World.Handlers.Find(row.Handler));
     if (auto* command = dynamic_cast<CommandDataHandler*>(Subject->GetAddOnData()))
       command->SetCommand(row.Text), command->SetVerify(row.Verify);
     if (auto* file = dynamic_cast<ActOnFileDataHandler*>(Subject->GetAddOnData()))
@@ -218,9 +218,9 @@ TEST_F(ActionsTest, WithoutAScreenOnlyWhatNeedsNoneIsDelivered) {
   EventRecord record = DailyAt(due);
   record.Status = WaitingToNag;
   Event& nagging = Add(*Set, record);
-  nagging.SetSelectedHandler(FindHandler("Do nothing"));
+  nagging.SetSelectedHandler(World.Handlers.Find("Do nothing"));
   EXPECT_FALSE(actions.CanDeliver(nagging)) << "a nag is an alert whatever the handler does";
-  Subject->SetSelectedHandler(FindHandler("Do nothing"));
+  Subject->SetSelectedHandler(World.Handlers.Find("Do nothing"));
   Subject->SetApplyPrewarn(true);
   Subject->SetPrewarnType(Minutes);
   Subject->SetPrewarnTime(30);

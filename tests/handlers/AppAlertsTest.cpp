@@ -53,7 +53,7 @@ TEST_F(AppAlertsTest, AfterAForcedEndItsButtonActsUnlessItsOccurrenceIsOver) {
 TEST_F(AppAlertsTest, AQuestionIsAskedAnewAndADeliveryOnlyShown) {
   Now = Sunday + 6 * Hour;
   StartWith({DailyAt(Sunday + 7 * Hour, "Asks"), DailyAt(Sunday + 7 * Hour, "Says")});
-  FirstEvent(Work).SetSelectedHandler(FindHandler("Command"));
+  FirstEvent(Work).SetSelectedHandler(It->World.Handlers.Find("Command"));
   auto& command = dynamic_cast<CommandDataHandler&>(*FirstEvent(Work).GetAddOnData());
   command.SetCommand("brew");
   command.SetVerify(true);

@@ -143,10 +143,9 @@ TEST_F(EventMessageTest, AnAddOnThatFailsHarmsNothing) {
       return Bytes == "short";
     }
   };
-  AddOnNames.push_back("Stubborn");
-  Function_NewAddOnData.push_back(
-      [](Event*, EndianIndependentFile*, bool*) -> EventAddOnData* { throw 1; });
-  const auto row = NumberOfEventHandlers++;
+  const int32 row = World.Handlers.NumberOfEventHandlers();
+  World.Handlers.Add(
+      {"Stubborn", [](Event*, EndianIndependentFile*, bool*) -> EventAddOnData* { throw 1; }});
   for (const char* what : {"short", "false", "throw"}) {
     auto data = std::make_unique<Stubborn>(Subject);
     data->Bytes = what;

@@ -27,7 +27,7 @@ class HandlerTestBase : public SetTestBase {
   /// The event's data after it has selected the handler of that name.
   template <typename Data>
   Data& Select(const char* handler) {
-    EXPECT_TRUE(Subject->SetSelectedHandler(FindHandler(handler)));
+    EXPECT_TRUE(Subject->SetSelectedHandler(World.Handlers.Find(handler)));
     return dynamic_cast<Data&>(*Subject->GetAddOnData());
   }
   void Deliver(bool missed = false) {

@@ -18,7 +18,6 @@ namespace fs = std::filesystem;
 class LoadEventHandlersTest : public testing::Test {
  protected:
   LoadEventHandlersTest() {
-    ResetProcessState();
     std::string pattern = fs::temp_directory_path() / "kestrin-handlers-XXXXXX";
     root_ = mkdtemp(pattern.data());
     fs::create_directories(root_ / "app/add-ons");
@@ -26,7 +25,6 @@ class LoadEventHandlersTest : public testing::Test {
   }
   ~LoadEventHandlersTest() override {
     Set.reset();
-    ResetProcessState();
     fs::remove_all(root_);
   }
 
@@ -40,10 +38,10 @@ class LoadEventHandlersTest : public testing::Test {
     World.RunMessages();
   }
   std::vector<std::string> Rows() const {
-    EXPECT_EQ(AddOnNames.size(), static_cast<size_t>(NumberOfEventHandlers));
-    EXPECT_EQ(Function_NewAddOnData.size(), AddOnNames.size());
-    EXPECT_EQ(AddOnImages.size() + NumberOfBuiltInHandlers, AddOnNames.size());
-    return {AddOnNames.begin() + NumberOfBuiltInHandlers, AddOnNames.end()};
+    std::vector<std::string> names;
+    for (int32 row = NumberOfBuiltInHandlers; row < World.Handlers.NumberOfEventHandlers(); ++row)
+      names.emplace_back(World.Handlers.NameOf(row));
+    return names;
   }
   std::string Bytes(const std::string& place) const {
     std::ifstream file(root_ / place, std::ios::binary);
@@ -53,7 +51,7 @@ class LoadEventHandlersTest : public testing::Test {
     Set = std::make_unique<EventSet>(World.Core, "Untitled event set 1");
     Event& event = *Set->AddEvent(nullptr);
     event.SetName("Tea");
-    EXPECT_TRUE(event.SetSelectedHandler(FindHandler(handler)));
+    EXPECT_TRUE(event.SetSelectedHandler(World.Handlers.Find(handler)));
     return event;
   }
 
@@ -97,21 +95,24 @@ TEST_F(LoadEventHandlersTest, RowsFollowFoldersAndNamesAndTheFirstOfANameWins) {
   Put("ThrowingAction", "app/add-ons/w");
   Load();
   EXPECT_EQ(Rows(), (Texts{"Throwing action", "Good", "Message", "Good"}));
-  EXPECT_EQ(FindHandler("Good"), 6);
-  EXPECT_EQ(FindHandler("Message"), MessageHandler);
-  EXPECT_EQ(FindHandler("good"), UnknownHandler);
+  EXPECT_EQ(World.Handlers.Find("Good"), 6);
+  EXPECT_EQ(World.Handlers.Find("Message"), MessageHandler);
+  EXPECT_EQ(World.Handlers.Find("good"), UnknownHandler);
 
   std::vector<const int*> cleanedUp;
-  for (void* image : AddOnImages)
-    cleanedUp.push_back(static_cast<const int*>(dlsym(image, "CleanedUp")));
-  UnloadEventHandlers();
+  for (const HandlerTable::Row& row : World.Handlers.Rows())
+    if (row.AddOnImage)
+      cleanedUp.push_back(static_cast<const int*>(dlsym(row.AddOnImage, "CleanedUp")));
+  EXPECT_THAT(cleanedUp, testing::SizeIs(4));
+  UnloadEventHandlers(World.Core);
   for (const int* count : cleanedUp) EXPECT_EQ(*count, 1) << "also behind one that throws";
-  EXPECT_EQ(NumberOfEventHandlers, 0);
+  EXPECT_EQ(World.Handlers.NumberOfEventHandlers(), 0);
   fs::remove_all(root_ / "app");
   fs::remove_all(root_ / "user");
   Load();
-  EXPECT_EQ(Texts(AddOnNames.begin(), AddOnNames.end()),
-            (Texts{"Unknown", "Do nothing", "Message", "Command", "Act on file"}));
+  Texts builtIn;
+  for (const HandlerTable::Row& row : World.Handlers.Rows()) builtIn.emplace_back(row.AddOnName);
+  EXPECT_EQ(builtIn, (Texts{"Unknown", "Do nothing", "Message", "Command", "Act on file"}));
 }
 
 TEST_F(LoadEventHandlersTest, TheAddOnOfTheHelpPageActs) {
@@ -145,7 +146,9 @@ TEST_F(LoadEventHandlersTest, WhatAnAddOnThrowsStopsAtTheBorder) {
   Event& event = MakeEvent("Throwing action");
   for (const char* handler : {"Throwing factory", "Null factory"}) {
     bool ok = false, threw = false;
-    EXPECT_EQ(MakeAddOnData(FindHandler(handler), &event, nullptr, &ok, &threw), nullptr);
+    EXPECT_EQ(
+        World.Handlers.MakeAddOnData(World.Handlers.Find(handler), &event, nullptr, &ok, &threw),
+        nullptr);
     EXPECT_EQ(threw, handler == std::string("Throwing factory"));
   }
   HandlerActions().DeliverEvent(event, false);
@@ -165,7 +168,7 @@ TEST_F(LoadEventHandlersTest, EveryPromisedServiceIsThere) {
   Set->SetFileName(In("set"));
   ASSERT_TRUE(Set->SaveData());
   int saves = 0;
-  KestrinSettings::WhenChanged = [&saves] { ++saves; };
+  World.Settings.WhenChanged = [&saves] { ++saves; };
   HandlerActions().DeliverEvent(event, false);
   HandlerActions().DeliverEvent(event, false);
   World.RunMessages();
@@ -216,7 +219,8 @@ TEST_F(OutsideAddOnTest, KeepsWhatALaterVersionStored) {
     Opened<EndianIndependentFile> out(World.SystemFiles, In("out"),
                                       OpenWriteOnly | OpenCreate | OpenErase, 64);
     bool ok = false;
-    const auto data = MakeAddOnData(FindHandler("Write to log"), Subject, &in, &ok, nullptr);
+    const auto data = World.Handlers.MakeAddOnData(World.Handlers.Find("Write to log"), Subject,
+                                                   &in, &ok, nullptr);
     ASSERT_TRUE(ok && SaveAddOnData(*data, &out));
     out.FlushBuffer();
     EXPECT_EQ(Bytes("out").substr(1), payload);

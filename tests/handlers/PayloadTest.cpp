@@ -40,7 +40,8 @@ class PayloadTest : public HandlerTestBase {
                                        bool bigEndian, bool& ok) {
     Disk.Put("/sets/payload", std::string(1, bigEndian ? '\1' : '\0') + bytes);
     Opened<EndianIndependentFile> file(Disk, "/sets/payload", OpenReadOnly, 64);
-    auto data = MakeAddOnData(FindHandler(handler), Subject, &file, &ok, nullptr);
+    auto data =
+        World.Handlers.MakeAddOnData(World.Handlers.Find(handler), Subject, &file, &ok, nullptr);
     left_ = file.BytesLeft();
     return data;
   }
@@ -104,7 +105,7 @@ TEST_F(PayloadTest, AHugeCountIsRefusedBeforeAnythingIsAllocated) {
     EXPECT_FALSE(ok) << handler;
     EXPECT_EQ(data ? ContentOf(*data).first : "", "");
   }
-  EXPECT_EQ(MakeAddOnData(UnknownHandler, Subject, nullptr, &ok, nullptr), nullptr);
+  EXPECT_EQ(World.Handlers.MakeAddOnData(UnknownHandler, Subject, nullptr, &ok, nullptr), nullptr);
   EXPECT_TRUE(ok) << "it cannot be chosen fresh";
 }
 

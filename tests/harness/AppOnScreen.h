@@ -42,7 +42,7 @@ class AppOnScreen : public testing::Test {
     explicit Process(const std::string& folder)
         : Store(MakeBuiltInPrefs(Files, folder + "/config")),
           App(Core, {Background, Bus, Store, folder, folder + "/state",
-                     [this] { LoadBuiltInHandlers(Core); }, [] { ResetHandlerTable(); },
+                     [this] { LoadBuiltInHandlers(Core); }, [this] { Handlers.Clear(); },
                      [] { return SystemZone; }, [this] { Ended = true; }}) {
       Ui.Connect(Core, App);
     }
@@ -56,8 +56,12 @@ class AppOnScreen : public testing::Test {
     FakeDesktop Machine;
     FakeWorkers Threads;
     HandlerActions Actions;
-    Context Core{Time,  Files,   Queue,   Holding, Ui,     Alerts,
-                 Notes, Machine, Threads, Actions, Zone(), 1};
+    KestrinSettings Settings;
+    HandlerTable Handlers;
+    OpenSets Open;
+    Context Core{Time,    Files,   Queue, Holding,  Ui,       Alerts, Notes, Machine,
+                 Threads, Actions, Open,  Settings, Handlers, Zone(), 1};
+    const ServesAddOns Serves{Core};
     FakeBackground Background;
     FakeBus Bus;
     SettingsStore Store;
@@ -75,17 +79,17 @@ class AppOnScreen : public testing::Test {
     Run();
   }
   void End() {
+    if (!It) return;
     for (EventSet* set : AllSets())
       if (set->GetWindow()) set->GetWindow()->CloseNow();
     Settle();
-    OpenSets::Sets.clear();
-    ResetProcessState();
+    It->Open.Sets.clear();
     It.reset();
     SystemZone = Zone();
   }
-  static std::vector<EventSet*> AllSets() {
+  std::vector<EventSet*> AllSets() const {
     std::vector<EventSet*> sets;
-    for (const auto& set : OpenSets::Sets) sets.push_back(set.get());
+    for (const auto& set : It->Open.Sets) sets.push_back(set.get());
     return sets;
   }
   static void Settle() {
@@ -136,7 +140,7 @@ class AppOnScreen : public testing::Test {
       Add(made, "Tea", Sunday + 9 * Hour, record);
       EXPECT_TRUE(made.SaveCopy(Path(leaf)));
     }
-    if (remembered) KestrinSettings::RememberSet(Path(leaf));
+    if (remembered) It->Settings.RememberSet(Path(leaf));
     Message open(OPEN_FILES);
     open.Set("0", Path(leaf));
     Post(open);
@@ -144,9 +148,9 @@ class AppOnScreen : public testing::Test {
   }
   EventSet& NewSet() {
     Post(Message(NEW_EVENT_SET));
-    return *OpenSets::Sets.back();
+    return *It->Open.Sets.back();
   }
-  EventSet* Set(const std::string& leaf) const { return OpenSets::FindFile(Path(leaf)); }
+  EventSet* Set(const std::string& leaf) const { return It->Open.FindFile(Path(leaf)); }
   static EventSetWindow& WindowOf(EventSet& set) {
     return *dynamic_cast<EventSetWindow*>(set.GetWindow());
   }

@@ -31,7 +31,7 @@ class AppTestBase : public testing::Test {
           Store(MakeBuiltInPrefs(test.Door, "/config")),
           App(World.Core,
               {Background, Bus, Store, "/opt", "/state",
-               [this, &test] { test.LoadHandlers(World.Core); }, [] { ResetHandlerTable(); },
+               [this, &test] { test.LoadHandlers(World.Core); }, [this] { World.Handlers.Clear(); },
                [&test] { return test.SystemZone; }, [this] { Ended = true; }}) {
       World.Ui.App = &App;
       World.Core.zone = test.SystemZone;
@@ -52,16 +52,16 @@ class AppTestBase : public testing::Test {
   virtual void LoadHandlers(Context& context) { LoadFakeHandlers(context); }
 
   /// Writes the settings that the next process reads.
-  void Configure(const std::function<void()>& change) {
+  void Configure(const std::function<void(KestrinSettings& settings)>& change) {
     Crash();
     TestContext world;
     SettingsStore store(MakeBuiltInPrefs(Disk, "/config"));
-    InitSettings(store, world.Notes);
-    change();
-    WriteSettings(store, world.Notes);
+    InitSettings(world.Settings, store, world.Notes);
+    change(world.Settings);
+    WriteSettings(world.Settings, store, world.Notes);
   }
   void Remember(std::vector<std::string> paths) {
-    Configure([&paths] { KestrinSettings::SetFileNames = std::move(paths); });
+    Configure([&paths](KestrinSettings& settings) { settings.SetFileNames = std::move(paths); });
   }
   void WriteSet(const std::string& path, const std::vector<EventRecord>& records) {
     Crash();
@@ -77,8 +77,6 @@ class AppTestBase : public testing::Test {
   void Start(const std::vector<std::string>& arguments = {},
              const std::vector<Message>& waiting = {}, bool screen = true) {
     Crash();
-    for (const std::string& argument : arguments)
-      BackgroundOnlyStartup |= argument == "-background";
     It = std::make_unique<Process>(*this);
     It->World.Ui.Screen = screen;
     for (const Message& message : waiting) It->World.Queue.Post(message);
@@ -101,10 +99,7 @@ class AppTestBase : public testing::Test {
   }
   void Wake(bool screen = true) { Start({}, {Message(DELIVER_EVENTS)}, screen); }
   /// The process goes on: nothing is saved, nobody is told.
-  void Crash() {
-    ResetProcessState();
-    It.reset();
-  }
+  void Crash() { It.reset(); }
   void Run() {
     for (int turns = 0; auto message = It->World.Queue.Take(); ++turns) {
       ASSERT_LT(turns, 1000) << "the queue never comes to rest";
@@ -117,7 +112,7 @@ class AppTestBase : public testing::Test {
   }
 
   FakeUserInterface& Ui() { return It->World.Ui; }
-  EventSet* Set(const std::string& path) { return OpenSets::FindFile(path); }
+  EventSet* Set(const std::string& path) { return It->World.Open.FindFile(path); }
   Event& FirstEvent(const std::string& path) { return *Set(path)->Events().at(0); }
   std::vector<std::string> Shown() {
     std::vector<std::string> names;
@@ -126,7 +121,7 @@ class AppTestBase : public testing::Test {
   }
   std::vector<std::string> Open() {
     std::vector<std::string> names;
-    for (const auto& set : OpenSets::Sets) names.push_back(set->GetFileName());
+    for (const auto& set : It->World.Open.Sets) names.push_back(set->GetFileName());
     return names;
   }
   std::vector<std::string> Alerts() { return Ui().Texts(); }

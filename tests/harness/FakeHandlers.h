@@ -54,15 +54,16 @@ EventAddOnData* MakeFakeData(Event* event, EndianIndependentFile* file, bool* ok
 inline constexpr int32 NullHandler = 3, ThrowingHandler = 4;
 
 inline void LoadFakeHandlers(Context& context) {
-  AddOnNames = {"Unknown", "Do nothing", "Message", "Gives null", "throws"};
-  Function_NewAddOnData = {
-      MakeFakeData<FakeUnknownData>, MakeFakeData<FakeHandlerData>, MakeFakeData<FakeHandlerData>,
-      [](Event*, EndianIndependentFile*, bool*) -> EventAddOnData* { return nullptr; },
-      [](Event*, EndianIndependentFile*, bool*) -> EventAddOnData* {
-        throw std::runtime_error("no data today");
-      }};
-  NumberOfEventHandlers = static_cast<int8>(AddOnNames.size());
-  HandlerContext = &context;
+  HandlerTable& handlers = context.handlers;
+  handlers.Clear();
+  handlers.Add({"Unknown", MakeFakeData<FakeUnknownData>});
+  handlers.Add({"Do nothing", MakeFakeData<FakeHandlerData>});
+  handlers.Add({"Message", MakeFakeData<FakeHandlerData>});
+  handlers.Add({"Gives null",
+                [](Event*, EndianIndependentFile*, bool*) -> EventAddOnData* { return nullptr; }});
+  handlers.Add({"throws", [](Event*, EndianIndependentFile*, bool*) -> EventAddOnData* {
+                  throw std::runtime_error("no data today");
+                }});
 }
 
 }  // namespace kestrin

@@ -31,7 +31,7 @@ class SavingOnScreen : public AppOnScreen {
   }
   /// A file that cannot be replaced: its folder has gone.
   void LoseFolder() { QDir(Folder.filePath("sets")).removeRecursively(); }
-  static std::vector<std::string> Remembered() { return KestrinSettings::SetFileNames; }
+  std::vector<std::string> Remembered() const { return It->Settings.SetFileNames; }
   const QString Question = "Save changes to the document \"Work.kestrin\"?";
 };
 

@@ -6,15 +6,17 @@
 #include <string>
 #include <utility>
 
-#include "core/app/AppState.h"
 #include "core/app/DocumentApp.h"
+#include "core/events/AddOnServices.h"
 #include "core/events/Context.h"
 #include "core/events/Event.h"
 #include "core/events/EventSet.h"
+#include "core/events/HandlerTable.h"
 #include "core/events/OpenSets.h"
 #include "core/loop/AlertDesk.h"
 #include "core/loop/MessageQueue.h"
 #include "core/loop/Notices.h"
+#include "core/settings/KestrinSettings.h"
 #include "handlers/LoadEventHandlers.h"
 #include "harness/FakeClock.h"
 #include "harness/FakeDesktop.h"
@@ -49,8 +51,7 @@ struct ScreenContext {
       if (auto* window = qobject_cast<EventSetWindow*>(widget)) window->CloseNow();
     Ui.CloseOtherWindows();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    OpenSets::Sets.clear();
-    ResetProcessState();
+    Open.Sets.clear();
   }
   ScreenContext(const ScreenContext&) = delete;
   ScreenContext& operator=(const ScreenContext&) = delete;
@@ -67,8 +68,12 @@ struct ScreenContext {
   FakeWorkers Threads;
   FakeEventActions Actions;
   WindowHolder Application{Holding};
-  Context Core{Time,  Files,   Queue,   Holding, Ui,     Alerts,
-               Notes, Machine, Threads, Actions, Zone(), 1};
+  KestrinSettings Settings;
+  HandlerTable Handlers;
+  OpenSets Open;
+  Context Core{Time,    Files,   Queue, Holding,  Ui,       Alerts, Notes, Machine,
+               Threads, Actions, Open,  Settings, Handlers, Zone(), 1};
+  const ServesAddOns Serves{Core};
 
   /// What a test posted or a window asked for; alerts open on the way.
   std::vector<uint32> RunMessages() {
@@ -84,7 +89,7 @@ struct ScreenContext {
 
   EventSet& NewSet(const std::string& name = "/sets/Home.kestrin") {
     auto set = std::make_unique<EventSet>(Core, name);
-    return *OpenSets::Sets.emplace_back(std::move(set));
+    return *Open.Sets.emplace_back(std::move(set));
   }
   EventSetWindow& OpenWindow(EventSet& set) {
     set.OpenWindow();

@@ -7,7 +7,6 @@
 #include <string>
 #include <utility>
 
-#include "core/app/AppState.h"
 #include "core/events/EventSet.h"
 #include "core/events/OpenSets.h"
 #include "core/files/EventSetFile.h"
@@ -38,17 +37,15 @@ inline EventRecord DailyAt(int32 time, const std::string& name = "Tea") {
 class SetTestBase : public testing::Test {
  protected:
   SetTestBase() {
-    ResetProcessState();
     LoadFakeHandlers(World.Core);
     Disk.PutFolder("/sets");
   }
-  ~SetTestBase() override { ResetProcessState(); }
 
   /// A set that is open and remembered, in a file that has not been written yet.
   EventSet& NewSet(const std::string& path = "/sets/Work.kestrin") {
-    OpenSets::Sets.push_back(std::make_unique<EventSet>(World.Core, path));
-    KestrinSettings::RememberSet(path);
-    return *OpenSets::Sets.back();
+    World.Open.Sets.push_back(std::make_unique<EventSet>(World.Core, path));
+    World.Settings.RememberSet(path);
+    return *World.Open.Sets.back();
   }
   Event& Add(EventSet& set, EventRecord record) {
     auto event = std::make_unique<Event>(set, std::move(record));

@@ -4,11 +4,15 @@
 #include <utility>
 #include <vector>
 
+#include "core/events/AddOnServices.h"
 #include "core/events/Context.h"
+#include "core/events/HandlerTable.h"
+#include "core/events/OpenSets.h"
 #include "core/loop/AlertDesk.h"
 #include "core/loop/Holds.h"
 #include "core/loop/MessageQueue.h"
 #include "core/loop/Notices.h"
+#include "core/settings/KestrinSettings.h"
 #include "harness/FakeClock.h"
 #include "harness/FakeDesktop.h"
 #include "harness/FakeEventActions.h"
@@ -21,8 +25,14 @@ namespace kestrin {
 /// zone is UTC.
 struct TestContext {
   explicit TestContext(FileDoor* files = nullptr, EventActions* actions = nullptr)
-      : Core{Time,    files ? *files : SystemFiles, Queue,  Holding, Ui, Alerts, Notes, Machine,
-             Threads, actions ? *actions : Actions, Zone(), 1} {
+      : Core{Time,     files ? *files : SystemFiles,
+             Queue,    Holding,
+             Ui,       Alerts,
+             Notes,    Machine,
+             Threads,  actions ? *actions : Actions,
+             Open,     Settings,
+             Handlers, Zone(),
+             1} {
     Ui.Desk = &Alerts;
   }
   TestContext(const TestContext&) = delete;
@@ -38,7 +48,11 @@ struct TestContext {
   FakeDesktop Machine;
   FakeWorkers Threads;
   FakeEventActions Actions;
+  KestrinSettings Settings;
+  HandlerTable Handlers;
   Context Core;
+  const ServesAddOns Serves{Core};
+  OpenSets Open;
 
   /// Gets every message that the context itself has no answer to; may be null.
   std::function<void(const Message&)> OnMessage;

@@ -24,7 +24,7 @@ class AddOnViewTest : public SavingOnScreen {
   void StartWithAddOns() {
     Start();
     LoadEventHandlers(It->Core, &It->Store, Folder.path().toStdString(), "");
-    ASSERT_TRUE(FindHandler("Note") && FindHandler("Broken note"));
+    ASSERT_TRUE(It->Handlers.Find("Note") && It->Handlers.Find("Broken note"));
   }
   void OpenEditor(EventSet& set) {
     First(set).SetTabShown(0);

@@ -61,11 +61,8 @@ struct EditViewsTest : EditorTest {
     AddRow("Plain & simple", New<PlainData>);
     AddRow("Broken data", NewNothing);
   }
-  static void AddRow(const char* name, NewAddOnDataFunction factory) {
-    AddOnNames.push_back(name);
-    Function_NewAddOnData.push_back(factory);
-    AddOnImages.push_back(nullptr);
-    ++NumberOfEventHandlers;
+  void AddRow(const char* name, NewAddOnDataFunction factory) {
+    context.Handlers.Add({name, factory});
   }
   template <typename Data>
   Data& DataOf() const {
@@ -202,7 +199,7 @@ TEST_F(EditViewsTest, AnAddOnBringsItsOwnView) {
   EXPECT_TRUE(Find("deleteOnceDelivered").hasFocus());
   ASSERT_TRUE(Choose("handler", "Plain & simple"));
   EXPECT_FALSE(view);
-  EXPECT_EQ(event->GetAddOnData(FindHandler("Diary"))->GetEditView(), nullptr);
+  EXPECT_EQ(event->GetAddOnData(context.Handlers.Find("Diary"))->GetEditView(), nullptr);
   EXPECT_FALSE(event->GetAddOnData()->GetEditView());
   EXPECT_EQ(AlertTexts(), "");
 }

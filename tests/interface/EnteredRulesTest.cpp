@@ -60,7 +60,7 @@ const std::vector<Entered> Rules = {
 
 /// An editor over files of the system, in a folder of the test's own.
 struct EnteredRulesTest : EditorTest {
-  ~EnteredRulesTest() override { OpenSets::Sets.clear(); }
+  ~EnteredRulesTest() override { context.Open.Sets.clear(); }
 
   void EnterRule(const Entered& rule) {
     OpenNew();
@@ -100,16 +100,28 @@ struct EnteredRulesTest : EditorTest {
   Zone zone = *Zone::Load(ZoneName);
   SystemFileDoor files;
   QTemporaryDir folder;
-  Context disk{context.Time,    files,           context.Queue, context.Holding,
-               context.Ui,      context.Alerts,  context.Notes, context.Machine,
-               context.Threads, context.Actions, zone,          1};
+  Context disk{context.Time,
+               files,
+               context.Queue,
+               context.Holding,
+               context.Ui,
+               context.Alerts,
+               context.Notes,
+               context.Machine,
+               context.Threads,
+               context.Actions,
+               context.Open,
+               context.Settings,
+               context.Handlers,
+               zone,
+               1};
   std::vector<std::array<std::string, 3>> shown;
 };
 
 TEST_F(EnteredRulesTest, TheSavedFileComesWhenTheEditorSaid) {
   const QString path = folder.filePath("Entered.kestrin");
-  OpenSets::Sets.push_back(std::make_unique<EventSet>(disk, path.toStdString()));
-  set = OpenSets::Sets.back().get();
+  context.Open.Sets.push_back(std::make_unique<EventSet>(disk, path.toStdString()));
+  set = context.Open.Sets.back().get();
   std::set<std::string> periods;
   for (const Entered& rule : Rules) {
     EnterRule(rule);

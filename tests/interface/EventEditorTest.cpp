@@ -80,7 +80,7 @@ TEST_F(EventEditorTest, WhateverClosesItTakesWhatWasTypedAndDropsWhatCannotBeRea
       [this] { window->close(); },
       [this] { context.OpenWindow(*set).CloseNow(); },
   };
-  KestrinSettings::SetFileNames = {set->GetFileName()};  // the set outlives its window
+  context.Settings.SetFileNames = {set->GetFileName()};  // the set outlives its window
   for (const auto& way : ways) {
     QPointer<EventWindow> closed = &OpenNew();
     Type("date", "no date at all");
@@ -137,13 +137,13 @@ TEST_F(EventEditorTest, ItsFrameIsTheEventsAndBecomesTheDefault) {
   window->close();
   EXPECT_FALSE(set->HasBeenModified()) << "where a window stands is no change";
   EXPECT_FALSE(Record().ShouldWindowOpen);
-  EXPECT_EQ(KestrinSettings::EventWindowPosition.DefaultFrame(), (Rect{60, 80, 679, 589}))
+  EXPECT_EQ(context.Settings.EventWindowPosition.DefaultFrame(), (Rect{60, 80, 679, 589}))
       << "new windows do not fill the screen";
-  KestrinSettings::RememberWindowSetupAsDefault = false;
+  context.Settings.RememberWindowSetupAsDefault = false;
   Open(*event);
   window->setGeometry(90, 100, 620, 510);
   window->close();
-  EXPECT_EQ(KestrinSettings::EventWindowPosition.DefaultFrame().left, 60);
+  EXPECT_EQ(context.Settings.EventWindowPosition.DefaultFrame().left, 60);
 }
 
 TEST_F(EventEditorTest, EveryControlCanBeReachedAndHasAName) {

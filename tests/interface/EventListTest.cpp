@@ -86,7 +86,7 @@ TEST_F(EventListTest, CellsSayWhatTheEventIs) {
   Open();
   EXPECT_THAT(Row(0), ElementsAre("Tea <b>", "Sun, Nov 15 2026", _, "Unknown", "Inactive"));
   EXPECT_THAT(Row(1), ElementsAre("\uFFFD", "Sun, Nov 15 2026, 08:08:42 PM", "None", _, "77"));
-  KestrinSettings::Time24Hour = true;
+  context.Settings.Time24Hour = true;
   EXPECT_EQ(Cell(1, EventTimeColumn), "Sun, Nov 15 2026, 20:08:42");
 }
 
@@ -265,7 +265,7 @@ TEST_F(EventListTest, AnyStoredLayoutIsShownAndKept) {
 }
 
 TEST_F(EventListTest, ANewSetCutsNoTimeAndHidesNoColumn) {
-  set.Layout().ColumnShown = KestrinSettings::ColumnShown;
+  set.Layout().ColumnShown = context.Settings.Layout.ColumnShown;
   Append("Tea", 1794773322, WaitingForPrewarning).SetApplyTime(true);
   Open();
   for (const int column : {NameColumn, EventTimeColumn, HandlerColumn, StatusColumn})

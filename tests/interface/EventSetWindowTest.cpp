@@ -20,10 +20,10 @@ TEST_F(EventSetWindowTest, AWindowHoldsTheApplicationUntilItCloses) {
   QPointer<EventSetWindow> window = &context.OpenWindow(set);
   EXPECT_EQ(window->windowTitle(), "a[*][*]b.kestrin[*]") << "shown as a[*]b.kestrin";
   EXPECT_EQ(context.Holding.Count(), 1);
-  KestrinSettings::WhichEventsToDeliver = DeliverShown;
+  context.Settings.WhichEventsToDeliver = DeliverShown;
   event.SetName("changed, and not yet shown");
   window->CloseNow();
-  EXPECT_THAT(OpenSets::Sets, IsEmpty()) << "the set goes with its window";
+  EXPECT_THAT(context.Open.Sets, IsEmpty()) << "the set goes with its window";
   EXPECT_EQ(context.Holding.Count(), 0);
   QCoreApplication::processEvents();
   QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -44,17 +44,17 @@ TEST_F(EventSetWindowTest, TheFrameIsStoredWhenThePersonChangesItAndBecomesTheDe
   window.showMaximized();
   QCoreApplication::processEvents();
   window.CloseNow();
-  EXPECT_EQ(KestrinSettings::SetWindowPosition.DefaultFrame(), (Rect{50, 60, 549, 409}))
+  EXPECT_EQ(context.Settings.SetWindowPosition.DefaultFrame(), (Rect{50, 60, 549, 409}))
       << "not the whole screen";
-  EXPECT_EQ(KestrinSettings::NumberOfKeys, 2);
+  EXPECT_EQ(context.Settings.Layout.NumberOfKeys, 2);
 
-  KestrinSettings::RememberWindowSetupAsDefault = false;
+  context.Settings.RememberWindowSetupAsDefault = false;
   EventSet& forgotten = context.NewSet();
   forgotten.Layout().NumberOfKeys = 3;
   forgotten.Layout().WindowFrame = {10, 20, 499, 419};
   context.OpenWindow(forgotten).CloseNow();
-  EXPECT_EQ(KestrinSettings::SetWindowPosition.DefaultFrame(), (Rect{50, 60, 549, 409}));
-  EXPECT_EQ(KestrinSettings::NumberOfKeys, 2);
+  EXPECT_EQ(context.Settings.SetWindowPosition.DefaultFrame(), (Rect{50, 60, 549, 409}));
+  EXPECT_EQ(context.Settings.Layout.NumberOfKeys, 2);
 }
 
 TEST_F(EventSetWindowTest, AFrameTooSmallForItsWindowGrowsIntoTheScreen) {

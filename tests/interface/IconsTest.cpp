@@ -178,12 +178,12 @@ TEST_F(IconViewTest, AnImageBecomesTheEventsOwnIconAndOneOfTheUsers) {
   EXPECT_EQ(Picture(EventIcon(*event), MiniIconSize, Qt::green).pixelColor(8, 10), QColor(Qt::red));
   ASSERT_TRUE(DropFile(Put("plain.png", HalfRed(32, 32))));
   ASSERT_TRUE(DropFile(folder.filePath("wide.png")));
-  EXPECT_EQ(KestrinSettings::NumberOfUserIcons, 2) << "the same is not kept twice";
-  EXPECT_EQ(KestrinSettings::UserLargeIcons[0], event->GetOwnIcon()->large);
-  EXPECT_EQ(KestrinSettings::UserMiniIcons[0], event->GetOwnIcon()->mini);
+  EXPECT_EQ(context.Settings.NumberOfUserIcons, 2) << "the same is not kept twice";
+  EXPECT_EQ(context.Settings.UserLargeIcons[0], event->GetOwnIcon()->large);
+  EXPECT_EQ(context.Settings.UserMiniIcons[0], event->GetOwnIcon()->mini);
   Click("eventIcon");
   ClickIcon("iconMenu", NumberOfStandardIcons + 1);
-  EXPECT_EQ(event->GetOwnIcon()->large, KestrinSettings::UserLargeIcons[1]);
+  EXPECT_EQ(event->GetOwnIcon()->large, context.Settings.UserLargeIcons[1]);
   EXPECT_EQ(AlertTexts(), "");
 }
 
@@ -191,7 +191,7 @@ TEST_F(IconViewTest, AnImageLikeAStandardIconIsThatIcon) {
   OpenNew(ActionTab);
   ASSERT_TRUE(DropFile(Put("star.png", ImageOfBitmap(StandardLargeIconData(8), LargeIconSize))));
   EXPECT_EQ(Record().IconNumber, 8);
-  EXPECT_EQ(KestrinSettings::NumberOfUserIcons, 0);
+  EXPECT_EQ(context.Settings.NumberOfUserIcons, 0);
   QMimeData dragged;
   dragged.setData(DraggedIconType, QByteArray(1, 9));
   ASSERT_TRUE(Drop("eventIcon", dragged));
@@ -231,18 +231,18 @@ TEST_F(IconViewTest, AFileThatGivesNoIconChangesNothingAndIsNamed) {
     for (QWidget* widget : QApplication::topLevelWidgets())
       if (qobject_cast<AlertWindow*>(widget)) widget->close();
   }
-  EXPECT_EQ(KestrinSettings::NumberOfUserIcons, 0);
+  EXPECT_EQ(context.Settings.NumberOfUserIcons, 0);
   EXPECT_FALSE(set->HasBeenModified());
 }
 
 TEST_F(IconViewTest, ThePanelStaysOpenWhereItWasPut) {
-  KestrinSettings::IconPanelLocation = {210, 220};
+  context.Settings.IconPanelLocation = {210, 220};
   OpenNew(ActionTab);
   DropFile(Put("own.png", HalfRed(32, 32)));
   Click("eventIcon");
   Click("openIconPanel");
   QPointer<IconPanel> panel = &Find<IconPanel>("iconPanel");
-  EXPECT_EQ(KestrinSettings::OpenIconPanel, 1);
+  EXPECT_EQ(context.Settings.OpenIconPanel, 1);
   EXPECT_EQ(panel->geometry().topLeft(), QPoint(210, 220));
   ASSERT_TRUE(QTest::qWaitForWindowExposed(panel));
   ClickIcon("iconPanel", 3);
@@ -251,12 +251,12 @@ TEST_F(IconViewTest, ThePanelStaysOpenWhereItWasPut) {
   EXPECT_EQ(Record().IconNumber, OwnIconNumber);
   auto& icons = *panel->findChild<IconGrid*>();
   QTest::keyClick(&icons, Qt::Key_Delete);
-  EXPECT_EQ(KestrinSettings::NumberOfUserIcons, 0);
+  EXPECT_EQ(context.Settings.NumberOfUserIcons, 0);
   EXPECT_EQ(icons.count(), NumberOfStandardIcons);
   EXPECT_TRUE(event->GetOwnIcon()) << "the event keeps its own";
   panel->setGeometry(140, 150, panel->width(), panel->height());
-  EXPECT_TRUE(QTest::qWaitFor([] { return KestrinSettings::IconPanelLocation.x == 140; }));
-  EXPECT_EQ(KestrinSettings::IconPanelLocation.y, 150);
+  EXPECT_TRUE(QTest::qWaitFor([this] { return context.Settings.IconPanelLocation.x == 140; }));
+  EXPECT_EQ(context.Settings.IconPanelLocation.y, 150);
   EventWindow* first = window;
   OpenNew(ActionTab);
   Click("eventIcon");
@@ -270,7 +270,7 @@ TEST_F(IconViewTest, ThePanelStaysOpenWhereItWasPut) {
   set->RemoveEvent(event);
   EXPECT_FALSE(panel && panel->isVisible());
   DeleteClosed();
-  EXPECT_EQ(KestrinSettings::OpenIconPanel, 0);
+  EXPECT_EQ(context.Settings.OpenIconPanel, 0);
 }
 
 }  // namespace

@@ -22,18 +22,18 @@ class LeavingTest : public SavingOnScreen, public testing::WithParamInterface<co
   }
   void ExpectStays() {
     EXPECT_FALSE(It->Ended);
-    EXPECT_FALSE(FullQuitProcess || QuitProcess || It->App.IsQuitInProgress());
+    EXPECT_FALSE(It->App.FullQuitProcess || It->App.QuitProcess || It->App.IsQuitInProgress());
   }
   /// The only window is the one of this set.
   EventSet& Only(bool remembered = false) {
-    EventSet* const first = OpenSets::Sets.front().get();
+    EventSet* const first = It->Open.Sets.front().get();
     EventSet& set = OpenSet("Work.kestrin", remembered);
     WindowOf(*first).CloseNow();
     Run();
     return set;
   }
-  static EventSet& OnlyUntitled() {
-    EventSet& set = *OpenSets::Sets.front();
+  EventSet& OnlyUntitled() const {
+    EventSet& set = *It->Open.Sets.front();
     set.AddEvent(nullptr)->SetName("mine");
     return set;
   }
@@ -119,8 +119,8 @@ TEST_P(LeavingTest, AnUntitledSetThatIsNotSavedIsGoneForGood) {
   ASSERT_TRUE(Answer("Untitled event set 1", "Don't save"));
   ExpectEnded();
   Start();
-  EXPECT_THAT(OpenSets::Sets, testing::SizeIs(1));
-  EXPECT_EQ(OpenSets::Sets[0]->CountEvents(), 0);
+  EXPECT_THAT(It->Open.Sets, testing::SizeIs(1));
+  EXPECT_EQ(It->Open.Sets[0]->CountEvents(), 0);
 }
 
 TEST_P(LeavingTest, NobodyIsAskedAboutNoChangesNorAboutThoseOfDeliveries) {
@@ -134,7 +134,7 @@ TEST_P(LeavingTest, NobodyIsAskedAboutNoChangesNorAboutThoseOfDeliveries) {
   EXPECT_FALSE(WindowOf(set).isWindowModified());
   Leave(set);
   EXPECT_THAT(AlertTexts(), ElementsAre(HasSubstr("Tea")));
-  EXPECT_THAT(OpenSets::Sets, IsEmpty());
+  EXPECT_THAT(It->Open.Sets, IsEmpty());
   ASSERT_TRUE(Answer("Tea", "Ok"));
   ExpectEnded();
 }
@@ -164,7 +164,7 @@ TEST_F(LeavingAllTest, AQuitWaitsForEveryWindowAndOneCancelEndsItForAll) {
     ASSERT_TRUE(Answer("Home.kestrin", answer));
     EXPECT_FALSE(It->Ended);
     const bool saves = std::string(answer) == "Save";
-    EXPECT_EQ(FullQuitProcess, saves);
+    EXPECT_EQ(It->App.FullQuitProcess, saves);
     EXPECT_EQ(Answer("Work.kestrin", "Save"), saves) << "no question is left of a quit given up";
     EXPECT_EQ(It->Ended, saves);
     EXPECT_EQ(Set("Work.kestrin") != nullptr, !saves);

@@ -53,9 +53,7 @@ class BellOnScreen : public AppOnScreen {
 
   void StartWithBell() {
     Start();
-    AddOnNames.push_back("Bell");
-    Function_NewAddOnData.push_back(NewBell);
-    ++NumberOfEventHandlers;
+    It->Handlers.Add({"Bell", NewBell});
   }
   void MakeFile() {
     EventSet made(It->Core, Path("Work.kestrin"));
@@ -63,7 +61,7 @@ class BellOnScreen : public AppOnScreen {
     record.PeriodType = Daily;
     record.ApplyTime = true;
     record.TimeToApply = 9 * Hour;
-    Add(made, "Tea", Sunday + 9 * Hour, record).SetSelectedHandler(FindHandler("Bell"));
+    Add(made, "Tea", Sunday + 9 * Hour, record).SetSelectedHandler(It->Handlers.Find("Bell"));
     Add(made, "Cake", Sunday + 20 * Hour);
     ASSERT_TRUE(made.SaveCopy(Path("Work.kestrin")));
   }

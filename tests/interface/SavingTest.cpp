@@ -147,7 +147,7 @@ TEST_F(SavingTest, PanelsEndWithAQuitAndTheOneThatOpensFilesOutlivesTheWindows) 
 
   Start();
   Post(Message(OPEN_EVENT_SET));
-  WindowOf(*OpenSets::Sets.front()).close();
+  WindowOf(*It->Open.Sets.front()).close();
   Run();
   EXPECT_FALSE(It->Ended);
   auto* const again = Find<QFileDialog>("openPanel");

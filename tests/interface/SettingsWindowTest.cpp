@@ -52,11 +52,11 @@ struct SettingsWindowTest : testing::Test {
     for (const uint32 code : context.RunMessages())
       if (code == SETTINGS_CHANGED) {
         context.Ui.SettingsChanged();
-        WriteSettings(store, context.Notes);
+        WriteSettings(context.Settings, store, context.Notes);
       }
   }
   SettingsWindow& Open() {
-    KestrinSettings::WhenChanged = [this] {
+    context.Settings.WhenChanged = [this] {
       ++changes;
       context.Queue.Post(SETTINGS_CHANGED);
     };
@@ -73,9 +73,9 @@ struct SettingsWindowTest : testing::Test {
   SettingsWindow& Reopen() {
     OpenOne<SettingsWindow>()->close();
     RunMessages();
-    KestrinSettings::Reset();
+    static_cast<SettingsValues&>(context.Settings) = {};
     SettingsStore again(MakeBuiltInPrefs(context.Files, "/config"));
-    InitSettings(again, context.Notes);
+    InitSettings(context.Settings, again, context.Notes);
     return Open();
   }
   static std::vector<std::string> Listed(const QListWidget& list) {
@@ -94,8 +94,8 @@ TEST_F(SettingsWindowTest, EachCheckBoxSwitchesItsSettingByMouseAndKeyboard) {
     bool& Setting;
   } boxes[] = {
       {"rememberDefaults", "Remember window defaults", Qt::Key_W,
-       KestrinSettings::RememberWindowSetupAsDefault},
-      {"clock24", "24-hour clock", Qt::Key_C, KestrinSettings::Time24Hour},
+       context.Settings.RememberWindowSetupAsDefault},
+      {"clock24", "24-hour clock", Qt::Key_C, context.Settings.Time24Hour},
   };
   for (const auto& each : boxes) {
     SCOPED_TRACE(each.Name);
@@ -125,12 +125,12 @@ TEST_F(SettingsWindowTest, EachMenuStoresTheNumberOfItsItem) {
   } menus[] = {
       {"deliverEvents",
        "Deliver events from:",
-       KestrinSettings::WhichEventsToDeliver,
+       context.Settings.WhichEventsToDeliver,
        {"Open sets only", "Open sets and remembered sets", "Remembered sets only",
         "Remembered sets unless open", "Do not deliver events"}},
       {"openRemembered",
        "Open remembered sets:",
-       KestrinSettings::SelectedSetHandling,
+       context.Settings.SelectedSetHandling,
        {"Always", "If no other sets are opened", "Don't open"}},
   };
   for (const auto& each : menus) {
@@ -152,9 +152,9 @@ TEST_F(SettingsWindowTest, EachMenuStoresTheNumberOfItsItem) {
       EXPECT_EQ(menu->currentIndex(), item);
     }
   }
-  KestrinSettings::WhichEventsToDeliver = 7;
+  context.Settings.WhichEventsToDeliver = 7;
   EXPECT_EQ(Find<QComboBox>(Reopen(), "deliverEvents").currentIndex(), -1);
-  EXPECT_EQ(KestrinSettings::WhichEventsToDeliver, 7) << "looking changes nothing";
+  EXPECT_EQ(context.Settings.WhichEventsToDeliver, 7) << "looking changes nothing";
 }
 
 TEST_F(SettingsWindowTest, TheListFollowsWhatIsRememberedAndForgetsTheSelectedByButtonAndKey) {
@@ -166,27 +166,27 @@ TEST_F(SettingsWindowTest, TheListFollowsWhatIsRememberedAndForgetsTheSelectedBy
     QTest::mouseClick(list.viewport(), Qt::LeftButton, keys, place.center());
   };
   EXPECT_FALSE(forget.isEnabled());
-  for (const char* path : {"/a", "/b", "/c", "/d"}) KestrinSettings::RememberSet(path);
+  for (const char* path : {"/a", "/b", "/c", "/d"}) context.Settings.RememberSet(path);
   RunMessages();
   EXPECT_TRUE(forget.isEnabled());
   QTest::mouseClick(&forget, Qt::LeftButton);
   EXPECT_THAT(Listed(list), ElementsAre("/a", "/b", "/c", "/d")) << "nothing is selected";
   click(1, {});
   click(2, Qt::ControlModifier);
-  KestrinSettings::ForgetSet("/b");
-  KestrinSettings::RememberSet("/\xE4");
+  context.Settings.ForgetSet("/b");
+  context.Settings.RememberSet("/\xE4");
   RunMessages();
   EXPECT_THAT(Listed(list), ElementsAre("/a", "/c", "/d", "/\uFFFD"));
   changes = 0;
   QTest::mouseClick(&forget, Qt::LeftButton);
-  EXPECT_THAT(KestrinSettings::SetFileNames, ElementsAre("/a", "/d", "/\xE4"));
+  EXPECT_THAT(context.Settings.SetFileNames, ElementsAre("/a", "/d", "/\xE4"));
   EXPECT_EQ(changes, 1);
   QTest::mouseClick(&forget, Qt::LeftButton);
   EXPECT_THAT(Listed(list), ElementsAre("/a", "/d", "/\uFFFD")) << "no neighbour is selected now";
   click(0, {});
   click(2, Qt::ControlModifier);
   QTest::keyClick(&list, Qt::Key_Delete);
-  EXPECT_THAT(KestrinSettings::SetFileNames, ElementsAre("/d"));
+  EXPECT_THAT(context.Settings.SetFileNames, ElementsAre("/d"));
   click(0, {});
   QTest::keyClick(&list, Qt::Key_Delete);
   EXPECT_FALSE(forget.isEnabled());
@@ -226,7 +226,7 @@ TEST_F(SettingsWindowTest, ThereIsOneWindowThatHoldsTheApplicationAndComesBackWh
   Find<QCheckBox>(second, "rememberDefaults").click();
   second.setGeometry(90, 90, 650, 450);
   QTest::keyClick(&second, Qt::Key_W, Qt::ControlModifier);
-  EXPECT_EQ(KestrinSettings::SettingsWindowFrame, (Rect{40, 70, 739, 569})) << "not remembered";
+  EXPECT_EQ(context.Settings.SettingsWindowFrame, (Rect{40, 70, 739, 569})) << "not remembered";
 }
 
 TEST_F(SettingsWindowTest, AboutSaysWhatThisIsAndGoesWithTheOthers) {
@@ -251,7 +251,7 @@ TEST_F(SettingsWindowTest, AboutSaysWhatThisIsAndGoesWithTheOthers) {
 }
 
 TEST_F(SettingsWindowTest, TabWalksThroughTheControlsFromTopToBottom) {
-  KestrinSettings::RememberSet("/a");
+  context.Settings.RememberSet("/a");
   SettingsWindow& window = Open();
   for (const char* name : {"rememberDefaults", "deliverEvents", "openRemembered", "clock24",
                            "rememberedSets", "forgetSelected", "rememberDefaults"}) {
@@ -263,7 +263,7 @@ TEST_F(SettingsWindowTest, TabWalksThroughTheControlsFromTopToBottom) {
 
 TEST_F(SettingsWindowTest, ALongPathIsCutWithinItsRowAndShownWholeInATip) {
   const std::string path = "/home/eva/" + std::string(300, 'x') + "/work.kestrin";
-  KestrinSettings::RememberSet(path);
+  context.Settings.RememberSet(path);
   SettingsWindow& window = Open();
   auto& list = Find<QListWidget>(window, "rememberedSets");
   EXPECT_LE(list.visualItemRect(list.item(0)).width(), list.viewport()->width());

@@ -191,10 +191,10 @@ TEST_F(UndoTest, TheStatusLineSaysWhenTheSetRings) {
   };
   EventSet& set = OpenSet();
   for (const auto& row : rows) {
-    KestrinSettings::WhichEventsToDeliver = row.mode;
-    KestrinSettings::SetFileNames.clear();
-    if (row.remembered) KestrinSettings::SetFileNames = {Path("Work.kestrin")};
-    KestrinSettings::Changed();
+    It->Settings.WhichEventsToDeliver = row.mode;
+    It->Settings.SetFileNames.clear();
+    if (row.remembered) It->Settings.SetFileNames = {Path("Work.kestrin")};
+    It->Settings.Changed();
     Run();
     EXPECT_EQ(Line(set, "ringing"), row.text);
   }

@@ -301,7 +301,7 @@ TEST_F(WhenPageTest, TheClockOfTheSettingsShowsAtOnce) {
   OpenNew();
   Enter("date", "Nov 20 2026, 7:05 pm");
   EXPECT_EQ(FieldText("time"), "07:05 PM");
-  KestrinSettings::Time24Hour = true;
+  context.Settings.Time24Hour = true;
   context.Ui.SettingsChanged();
   EXPECT_EQ(FieldText("time"), "19:05");
   EXPECT_EQ(FieldText("date"), "Fri, Nov 20 2026, 19:05:00");

@@ -6,7 +6,7 @@
 
 namespace kestrin {
 
-Message RecordAlert(const AlertRequest& request) {
+Message RecordAlert(const AlertRequest& request, OpenSets& sets) {
   Message record;
   record.Set("Title", request.Title);
   record.Set("Text", request.Text);
@@ -16,8 +16,8 @@ Message RecordAlert(const AlertRequest& request) {
   record.Set("Default", int32{request.DefaultButton});
   record.Set("Warning", request.Kind == AlertKind::Warning);
   record.Set("Role", static_cast<int32>(request.Role));
-  const AutoLock open(OpenSets::Protect);
-  const EventSet* const set = OpenSets::FindHandle(request.Set);
+  const AutoLock open(sets.Protect);
+  const EventSet* const set = sets.FindHandle(request.Set);
   const Event* const event = set ? set->FindEvent(request.Event) : nullptr;
   if (event) {
     record.Set("EventSet", set->GetFileName());
@@ -51,12 +51,12 @@ std::optional<AlertRequest> AlertOfRecord(const Message& record) {
   return request;
 }
 
-Event* EventOfRecord(const Message& record) {
+Event* EventOfRecord(const Message& record, OpenSets& sets) {
   const auto path = record.Get<std::string>("EventSet");
   const auto name = record.Get<std::string>("Event");
   if (!path || !name) return nullptr;
-  const AutoLock open(OpenSets::Protect);
-  const EventSet* const set = OpenSets::FindFile(*path);
+  const AutoLock open(sets.Protect);
+  const EventSet* const set = sets.FindFile(*path);
   if (!set) return nullptr;
   const bool anyOccurrence = record.Get<int32>("Role") == static_cast<int32>(AlertRole::Question);
   for (const auto& event : set->Events())

@@ -1,6 +1,7 @@
 #include "core/app/KestrinApp.h"
 
-#include "core/app/AppState.h"
+#include <algorithm>
+
 #include "core/events/EventSet.h"
 #include "core/events/OpenSets.h"
 #include "core/loop/AlertDesk.h"
@@ -39,24 +40,27 @@ KestrinApp::KestrinApp(Context& context, AppParts parts)
           [this] { SaveRecoveryCopies(); }),
       recovery_(context.files, parts_.stateFolder) {}
 
-KestrinApp::~KestrinApp() { KestrinSettings::WhenChanged = nullptr; }
+KestrinApp::~KestrinApp() { context_.settings.WhenChanged = nullptr; }
 
 void KestrinApp::Construct() {
-  KestrinDir = parts_.kestrinDir;
   LaunchBackgroundApp(nullptr);
-  const AutoLock settings(KestrinSettings::Protect);
-  InitSettings(parts_.settings, context_.notices);
-  KestrinSettings::WhenChanged = [this] { context_.queue.Post(SETTINGS_CHANGED); };
+  const AutoLock settings(context_.settings.Protect);
+  InitSettings(context_.settings, parts_.settings, context_.notices);
+  context_.settings.WhenChanged = [this] { context_.queue.Post(SETTINGS_CHANGED); };
   parts_.loadHandlers();
-  const AutoLock open(OpenSets::Protect);
+  const AutoLock open(context_.openSets.Protect);
   ReadSelectedSets();
 }
 
+bool KestrinApp::IsBackgroundStart(const std::vector<std::string>& arguments) {
+  return std::find(arguments.begin(), arguments.end(), BackgroundArgument) != arguments.end();
+}
+
 void KestrinApp::ArgvReceived(const std::vector<std::string>& arguments) {
-  bool background = false;
-  for (const std::string& argument : arguments) background |= argument == BackgroundArgument;
-  const AutoLock settings(KestrinSettings::Protect);
-  const AutoLock open(OpenSets::Protect);
+  const bool background = IsBackgroundStart(arguments);
+  BackgroundOnlyStartup = BackgroundOnlyStartup || background;
+  const AutoLock settings(context_.settings.Protect);
+  const AutoLock open(context_.openSets.Protect);
   for (const std::string& argument : arguments) {
     if (argument == BackgroundArgument) continue;
     if (argument.empty())
@@ -71,8 +75,8 @@ void KestrinApp::ReadyToRun() {
   running_ = true;
   ShowRecordedAlerts();
   {
-    const AutoLock settings(KestrinSettings::Protect);
-    const AutoLock open(OpenSets::Protect);
+    const AutoLock settings(context_.settings.Protect);
+    const AutoLock open(context_.openSets.Protect);
     if (!BackgroundOnlyStartup && !DeliverOnly) OpenUserInterface();
   }
   CheckZone();
@@ -124,8 +128,8 @@ void KestrinApp::MessageReceived(const Message& message) {
 bool KestrinApp::WindowMessage(const Message& message) {
   switch (message.what) {
     case NEW_EVENT_SET: {
-      const AutoLock settings(KestrinSettings::Protect);
-      const AutoLock open(OpenSets::Protect);
+      const AutoLock settings(context_.settings.Protect);
+      const AutoLock open(context_.openSets.Protect);
       OpenSet("", true);
       return true;
     }
@@ -160,17 +164,17 @@ bool KestrinApp::WindowMessage(const Message& message) {
 
 void KestrinApp::SettingsChanged() {
   context_.ui.SettingsChanged();
-  const AutoLock settings(KestrinSettings::Protect);
-  WriteSettings(parts_.settings, context_.notices);
+  const AutoLock settings(context_.settings.Protect);
+  WriteSettings(context_.settings, parts_.settings, context_.notices);
 }
 
 /// A save here keeps what was delivered from being delivered again; until the alerts are closed a
 /// crash must deliver again rather than never.
 void KestrinApp::SaveDeliveredSets() {
   if (pass_.IsDealing()) return;
-  const AutoLock settings(KestrinSettings::Protect);
-  const AutoLock open(OpenSets::Protect);
-  for (const auto& set : OpenSets::Sets) {
+  const AutoLock settings(context_.settings.Protect);
+  const AutoLock open(context_.openSets.Protect);
+  for (const auto& set : context_.openSets.Sets) {
     const uint64 handle = set->GetHandle();
     if (!set->OnlyDeliveriesChanged() || set->IsUntitled() || context_.alerts.AnyFor(handle) ||
         context_.holds.CountFor(handle) > 0)
@@ -191,7 +195,7 @@ void KestrinApp::LaunchBackgroundApp(const Message* message) {
           "there.");
       AlreadyToldUser = true;
     }
-    const std::string path = KestrinDir + "/" + BackgroundFile;
+    const std::string path = parts_.KestrinDir + "/" + BackgroundFile;
     result = parts_.background.LaunchFile(path, message);
     if (runs(result)) parts_.background.RegisterFile(path);
   }
@@ -215,7 +219,7 @@ void KestrinApp::LaunchBackgroundApp(const Message* message) {
 }
 
 void KestrinApp::HelpRequested() {
-  const std::string path = KestrinDir + "/" + HelpFile;
+  const std::string path = parts_.KestrinDir + "/" + HelpFile;
   if (context_.files.Kind(path) == FileKind::Missing) {
     context_.notices.Inform(
         "Help file error",
@@ -237,8 +241,8 @@ void KestrinApp::HelpRequested() {
 
 void KestrinApp::RecomputeAll() {
   const int64 now = context_.clock.Now();
-  const AutoLock open(OpenSets::Protect);
-  for (const auto& set : OpenSets::Sets) {
+  const AutoLock open(context_.openSets.Protect);
+  for (const auto& set : context_.openSets.Sets) {
     const AutoLock lock(*set);
     const EventSet::DeliveryChange byItself(*set);
     for (const auto& event : set->Events()) {
@@ -252,11 +256,11 @@ void KestrinApp::CheckZone() {
   const Zone zone = parts_.systemZone();
   const bool changed = zone.Name() != context_.zone.Name();
   context_.zone = zone;
-  const AutoLock settings(KestrinSettings::Protect);
-  const bool known = !KestrinSettings::ZoneName.empty();
-  if (KestrinSettings::ZoneName == zone.Name() && !changed) return;
-  KestrinSettings::ZoneName = zone.Name();
-  KestrinSettings::Changed();
+  const AutoLock settings(context_.settings.Protect);
+  const bool known = !context_.settings.ZoneName.empty();
+  if (context_.settings.ZoneName == zone.Name() && !changed) return;
+  context_.settings.ZoneName = zone.Name();
+  context_.settings.Changed();
   if (known || changed) RecomputeAll();
 }
 

@@ -23,7 +23,7 @@ struct AppParts {
   BackgroundMessenger& background;
   BusPresence& bus;
   SettingsStore& settings;
-  std::string kestrinDir;   ///< folder of the real executable
+  std::string KestrinDir;   ///< folder of the real executable
   std::string stateFolder;  ///< $XDG_STATE_HOME/kestrin
   std::function<void()> loadHandlers;
   std::function<void()> unloadHandlers;
@@ -40,6 +40,8 @@ class KestrinApp : public DocumentApp {
 
   /// Starts the background deliverer, reads the settings, loads handlers and the remembered sets.
   void Construct();
+  /// Whether "-background" is among the arguments.
+  static bool IsBackgroundStart(const std::vector<std::string>& arguments);
   /// Opens the files named on the command line; with "-background" among them, without windows.
   void ArgvReceived(const std::vector<std::string>& arguments);
   void ReadyToRun();
@@ -60,6 +62,13 @@ class KestrinApp : public DocumentApp {
   Context& GetContext() { return context_; }
   DeliveryPass& Pass() { return pass_; }
   bool HasQuit() const { return hasQuit_; }
+
+  // The roles in which the program runs. Main thread.
+  bool BackgroundOnlyStartup = false;  ///< started with "-background": hand the time over and leave
+  bool DeliverOnly = false;            ///< woken by the background deliverer: deliver and leave
+  bool AlreadyToldUser = false;        ///< that the background deliverer could not be started
+  bool FullQuitProcess = false;        ///< the background deliverer is to quit too
+  bool QuitProcess = false;            ///< a quit is under way
 
  protected:
   bool CloseWindows() override;

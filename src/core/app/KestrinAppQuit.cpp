@@ -2,7 +2,6 @@
 #include <utility>
 
 #include "core/app/AlertRecord.h"
-#include "core/app/AppState.h"
 #include "core/app/KestrinApp.h"
 #include "core/events/EventSet.h"
 #include "core/events/OpenSets.h"
@@ -68,10 +67,10 @@ void KestrinApp::QuitMessage(const Message& message) {
 bool KestrinApp::CloseWindows() {
   // Closing a window may destroy its set: by handle, not by place.
   std::vector<uint64> handles;
-  for (const auto& set : OpenSets::Sets) handles.push_back(set->GetHandle());
+  for (const auto& set : context_.openSets.Sets) handles.push_back(set->GetHandle());
   bool all = true;
   for (const uint64 handle : handles)
-    if (EventSet* const set = OpenSets::FindHandle(handle); set && set->GetWindow())
+    if (EventSet* const set = context_.openSets.FindHandle(handle); set && set->GetWindow())
       all &= set->GetWindow()->RequestClose();
   // While a set's window stays, the quit may still be given up.
   if (all) context_.ui.CloseOtherWindows();
@@ -79,13 +78,13 @@ bool KestrinApp::CloseWindows() {
 }
 
 void KestrinApp::CommitAllEdits() {
-  for (const auto& set : OpenSets::Sets) set->CommitEdits();
+  for (const auto& set : context_.openSets.Sets) set->CommitEdits();
 }
 
 void KestrinApp::SaveModifiedSets() {
-  const AutoLock settings(KestrinSettings::Protect);
-  const AutoLock open(OpenSets::Protect);
-  for (const auto& set : OpenSets::Sets) {
+  const AutoLock settings(context_.settings.Protect);
+  const AutoLock open(context_.openSets.Protect);
+  for (const auto& set : context_.openSets.Sets) {
     const bool titled = !set->IsUntitled();
     if (!set->HasBeenModified() || (titled && SaveItself(*set))) {
       if (titled) recovery_.Forget(*set);
@@ -115,7 +114,7 @@ void KestrinApp::ReportUnsaved(const EventSet& set) {
 
 /// Before an overrun stops the program: everything modified, whatever the state it is in.
 void KestrinApp::SaveRecoveryCopies() {
-  for (const auto& set : OpenSets::Sets)
+  for (const auto& set : context_.openSets.Sets)
     if (set->HasBeenModified()) recovery_.SaveCopy(*set);
 }
 
@@ -126,8 +125,8 @@ void KestrinApp::Quit() {
     pass_.SendNextTime();
   SaveModifiedSets();
   {
-    const AutoLock settings(KestrinSettings::Protect);
-    WriteSettings(parts_.settings, context_.notices);
+    const AutoLock settings(context_.settings.Protect);
+    WriteSettings(context_.settings, parts_.settings, context_.notices);
   }
   if (!context_.alerts.Empty())
     return;  // a failed save is to be read first; its hold ends in a quit
@@ -145,13 +144,14 @@ void KestrinApp::ForcedQuit() {
   std::vector<Message> records;
   if (!recordShown_) records = recovery_.RecordedAlerts();
   for (const AlertRequest& request : context_.alerts.EndByForce())
-    if (request.Role != AlertRole::Prompt) records.push_back(RecordAlert(request));
+    if (request.Role != AlertRole::Prompt)
+      records.push_back(RecordAlert(request, context_.openSets));
   recovery_.RecordAlerts(records);
   pass_.SendNextTime();
   SaveModifiedSets();
   {
-    const AutoLock settings(KestrinSettings::Protect);
-    WriteSettings(parts_.settings, context_.notices);
+    const AutoLock settings(context_.settings.Protect);
+    WriteSettings(context_.settings, parts_.settings, context_.notices);
   }
   parts_.bus.Leave();
   End();
@@ -160,13 +160,13 @@ void KestrinApp::ForcedQuit() {
 void KestrinApp::End() {
   hasQuit_ = true;
   std::vector<SetWindow*> windows;
-  for (const auto& set : OpenSets::Sets)
+  for (const auto& set : context_.openSets.Sets)
     if (set->GetWindow()) windows.push_back(set->GetWindow());
   for (SetWindow* const window : windows) window->CloseNow();
   context_.ui.CloseOtherWindows();
   {
-    const AutoLock open(OpenSets::Protect);
-    OpenSets::Sets.clear();
+    const AutoLock open(context_.openSets.Protect);
+    context_.openSets.Sets.clear();
   }
   parts_.unloadHandlers();
   parts_.endLoop();

@@ -2,7 +2,6 @@
 #include <cstdio>
 
 #include "core/app/AlertRecord.h"
-#include "core/app/AppState.h"
 #include "core/app/KestrinApp.h"
 #include "core/events/EventSet.h"
 #include "core/events/OpenSets.h"
@@ -40,12 +39,13 @@ void KestrinApp::ReportOpening(ConstructorResult result, const std::string& path
 
 void KestrinApp::OpenSet(const std::string& path, bool openWindow) {
   if (path.empty()) {
-    OpenSets::Sets.push_back(std::make_unique<EventSet>(context_, GetNextUntitledWindowName()));
-    if (openWindow) Show(*OpenSets::Sets.back());
+    context_.openSets.Sets.push_back(
+        std::make_unique<EventSet>(context_, GetNextUntitledWindowName()));
+    if (openWindow) Show(*context_.openSets.Sets.back());
     return;
   }
   const std::string file = context_.files.Canonical(path);
-  if (EventSet* const open = OpenSets::FindFile(file)) {
+  if (EventSet* const open = context_.openSets.FindFile(file)) {
     if (openWindow) Show(*open);
     return;
   }
@@ -71,8 +71,8 @@ EventSet* KestrinApp::LoadSet(const std::string& file) {
     std::fprintf(stderr, "kestrin: %s: %s\n", file.c_str(), report.Fault.c_str());
   ReportOpening(result, file);
   if (result != ConstructorResult::Success || !versionOK) return nullptr;
-  OpenSets::Sets.push_back(std::move(set));
-  return OpenSets::Sets.back().get();
+  context_.openSets.Sets.push_back(std::move(set));
+  return context_.openSets.Sets.back().get();
 }
 
 /// A set on a disk that is not mounted is only away for now.
@@ -83,22 +83,22 @@ bool KestrinApp::KeepsMissingFile(const std::string& path) const {
 }
 
 void KestrinApp::ReadSelectedSets() {
-  std::vector<std::string>& names = KestrinSettings::SetFileNames;
+  std::vector<std::string>& names = context_.settings.SetFileNames;
   for (size_t i = 0; i < names.size();) {
     names[i] = context_.files.Canonical(names[i]);
     OpenSet(names[i], false);
-    if (OpenSets::FindFile(names[i]) || KeepsMissingFile(names[i])) {
+    if (context_.openSets.FindFile(names[i]) || KeepsMissingFile(names[i])) {
       ++i;
       continue;
     }
     names.erase(names.begin() + static_cast<std::ptrdiff_t>(i));
-    KestrinSettings::Changed();
+    context_.settings.Changed();
   }
 }
 
 bool KestrinApp::AnyWindow() const {
-  const AutoLock open(OpenSets::Protect);
-  for (const auto& set : OpenSets::Sets)
+  const AutoLock open(context_.openSets.Protect);
+  for (const auto& set : context_.openSets.Sets)
     if (set->GetWindow()) return true;
   return false;
 }
@@ -106,7 +106,7 @@ bool KestrinApp::AnyWindow() const {
 void KestrinApp::OpenRecovered() {
   for (const std::string& path : recovery_.Copies()) {
     bool isOpen = false;
-    for (const auto& set : OpenSets::Sets) isOpen |= set->RecoveredFrom() == path;
+    for (const auto& set : context_.openSets.Sets) isOpen |= set->RecoveredFrom() == path;
     if (isOpen) continue;
     EventSet* const set = LoadSet(path);
     if (!set) continue;
@@ -116,17 +116,17 @@ void KestrinApp::OpenRecovered() {
 }
 
 void KestrinApp::OpenUserInterface() {
-  const int32 handling = KestrinSettings::SelectedSetHandling;
+  const int32 handling = context_.settings.SelectedSetHandling;
   if (handling < ShowNever && (handling == ShowAlways || !AnyWindow()))
-    for (const std::string& name : KestrinSettings::SetFileNames)
-      if (EventSet* const set = OpenSets::FindFile(name)) Show(*set);
+    for (const std::string& name : context_.settings.SetFileNames)
+      if (EventSet* const set = context_.openSets.FindFile(name)) Show(*set);
   OpenRecovered();
   if (!AnyWindow()) OpenSet("", true);
 }
 
 void KestrinApp::OpenFiles(const Message& message) {
-  const AutoLock settings(KestrinSettings::Protect);
-  const AutoLock open(OpenSets::Protect);
+  const AutoLock settings(context_.settings.Protect);
+  const AutoLock open(context_.openSets.Protect);
   const bool window = message.Get<bool>("window").value_or(true);
   for (int i = 0; auto path = message.Get<std::string>(std::to_string(i)); ++i)
     OpenSet(*path, window);
@@ -136,9 +136,9 @@ void KestrinApp::OpenFiles(const Message& message) {
 void KestrinApp::Activate() {
   DeliverOnly = BackgroundOnlyStartup = false;
   if (!running_) return;  // ReadyToRun opens the user interface
-  const AutoLock settings(KestrinSettings::Protect);
-  const AutoLock open(OpenSets::Protect);
-  for (const auto& set : OpenSets::Sets)
+  const AutoLock settings(context_.settings.Protect);
+  const AutoLock open(context_.openSets.Protect);
+  for (const auto& set : context_.openSets.Sets)
     if (set->GetWindow()) {
       set->OpenWindow();
       return;
@@ -148,14 +148,14 @@ void KestrinApp::Activate() {
 
 void KestrinApp::RevertToSavedIfRemembered(const std::string& path) {
   {
-    const AutoLock settings(KestrinSettings::Protect);
-    const AutoLock open(OpenSets::Protect);
-    if (EventSet* const set = OpenSets::FindFile(path)) {
+    const AutoLock settings(context_.settings.Protect);
+    const AutoLock open(context_.openSets.Protect);
+    if (EventSet* const set = context_.openSets.FindFile(path)) {
       const EventSet::DeliveredEvents delivered = set->DeliveredUnsaved();
       const uint64 handle = set->GetHandle();
       SetWindow* const window = set->GetWindow();
       if (window) window->CloseNow();  // which may be the end of the set
-      OpenSets::Destroy(OpenSets::FindHandle(handle));
+      context_.openSets.Destroy(context_.openSets.FindHandle(handle));
       EventSet* const fresh = LoadSet(path);
       if (fresh) {
         const AutoLock lock(*fresh);
@@ -177,7 +177,7 @@ void KestrinApp::ShowRecordedAlerts() {
 void KestrinApp::ShowRecorded(size_t place) {
   const Message record = *recorded_[place];
   std::optional<AlertRequest> request = AlertOfRecord(record);
-  Event* const event = EventOfRecord(record);
+  Event* const event = EventOfRecord(record, context_.openSets);
   if (!request) {
     RecordedAlertDone(place);
     return;

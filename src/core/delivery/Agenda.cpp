@@ -12,14 +12,14 @@ namespace kestrin {
 
 namespace {
 
-void RecomputeAll() {
-  for (const auto& set : OpenSets::Sets)
+void RecomputeAll(const OpenSets& open) {
+  for (const auto& set : open.Sets)
     for (const auto& event : set->Events()) event->UpdateEventTime();
 }
 
-int64 EarliestDue() {
+int64 EarliestDue(const OpenSets& open) {
   int64 earliest = 0;
-  for (const auto& set : OpenSets::Sets) {
+  for (const auto& set : open.Sets) {
     Event* event = nullptr;
     const int64 time = set->GetNextEventTime(&event);
     if (time != 0 && (earliest == 0 || time < earliest)) earliest = time;
@@ -41,7 +41,7 @@ bool ComputeAgenda(VirtualEngine& engine, const AgendaRequest& request,
                    std::vector<AgendaEntry>& entries) {
   if (request.From >= request.To) return true;
   engine.clock.Time = request.From;
-  if (!request.Startup) RecomputeAll();
+  if (!request.Startup) RecomputeAll(engine.openSets);
   int64 due = 0;
   size_t names = 0;
   for (const AgendaEntry& entry : entries) names += entry.Event.size();
@@ -55,18 +55,18 @@ bool ComputeAgenda(VirtualEngine& engine, const AgendaRequest& request,
   DeliveryPass pass(
       engine.context, [&](const Message& message, bool) { next = message.Get<int32>("When"); },
       [] {});
-  due = EarliestDue();
+  due = EarliestDue(engine.openSets);
   pass.SetCounterForNextEvent(request.Startup);
   for (;;) {
     while (auto message = engine.queue.Take()) {
-      due = EarliestDue();
+      due = EarliestDue(engine.openSets);
       pass.MessageReceived(*message);
       if (entries.size() > MaxAgendaEntries || names > MaxAgendaNames) return false;
     }
     if (!next || *next >= request.To) return true;
     engine.clock.Time = std::max<int64>(engine.clock.Time, *next);
     next.reset();
-    due = EarliestDue();
+    due = EarliestDue(engine.openSets);
     pass.MessageReceived(Message(DELIVER_EVENTS));
   }
 }

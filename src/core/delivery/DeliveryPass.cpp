@@ -34,8 +34,8 @@ DeliveryPass::DeliveryPass(Context& context, SendTime sendTime, std::function<vo
 /// Ties go to the set that was opened first. Without a screen, what is due and needs one is passed
 /// over.
 DeliveryPass::Earliest DeliveryPass::FindEarliest() {
-  const AutoLock settings(KestrinSettings::Protect);
-  const AutoLock open(OpenSets::Protect);
+  const AutoLock settings(context_.settings.Protect);
+  const AutoLock open(context_.openSets.Protect);
   Earliest best;
   const bool mayPassOver = !context_.ui.HasScreen();
   const int64 now = mayPassOver ? context_.clock.Now() : 0;
@@ -45,7 +45,7 @@ DeliveryPass::Earliest DeliveryPass::FindEarliest() {
     if (best.waiting == 0 || since < best.waiting) best.waiting = since;
     return true;
   };
-  for (const auto& set : OpenSets::Sets) {
+  for (const auto& set : context_.openSets.Sets) {
     const AutoLock lock(*set);
     if (!set->Delivers(set->GetWindow() != nullptr)) continue;
     Event* event = nullptr;
@@ -108,9 +108,9 @@ void DeliveryPass::DealWith(const Earliest& earliest) {
   }
   earliest.set->Unlock();
   earliest.set->DropActing();
-  const AutoLock settings(KestrinSettings::Protect);
-  const AutoLock open(OpenSets::Protect);
-  OpenSets::DestroyDeparted();
+  const AutoLock settings(context_.settings.Protect);
+  const AutoLock open(context_.openSets.Protect);
+  context_.openSets.DestroyDeparted();
 }
 
 /// Only the set that was opened first is looked at: replies about other sets change nothing.
@@ -118,8 +118,9 @@ void DeliveryPass::AlertReply(const Message& message) {
   const auto set = static_cast<uint64>(message.Get<int64>("EventSet").value_or(0));
   const auto handle = static_cast<uint64>(message.Get<int64>("Event").value_or(0));
   if (message.Get<int32>("which") == 0) {
-    const AutoLock open(OpenSets::Protect);
-    EventSet* const first = OpenSets::Sets.empty() ? nullptr : OpenSets::Sets.front().get();
+    const AutoLock open(context_.openSets.Protect);
+    EventSet* const first =
+        context_.openSets.Sets.empty() ? nullptr : context_.openSets.Sets.front().get();
     if (first && first->GetHandle() == set) {
       const AutoLock lock(*first);
       Event* const event = first->FindEvent(handle);

@@ -15,7 +15,7 @@ void RecordingActions::DeliverEvent(Event& event, bool missed) {
 }
 
 VirtualEngine::VirtualEngine()
-    : context{clock,   files,   queue,   holds,          ui, alerts, notices,
-              desktop, workers, actions, Zone::System(), 1} {}
+    : context{clock,   files,   queue,    holds,    ui,       alerts,         notices, desktop,
+              workers, actions, openSets, settings, handlers, Zone::System(), 1} {}
 
 }  // namespace kestrin

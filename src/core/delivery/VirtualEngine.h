@@ -4,6 +4,8 @@
 #include <functional>
 
 #include "core/events/Context.h"
+#include "core/events/HandlerTable.h"
+#include "core/events/OpenSets.h"
 #include "core/loop/AlertDesk.h"
 #include "core/loop/Holds.h"
 #include "core/loop/MessageQueue.h"
@@ -13,6 +15,7 @@
 #include "core/ports/EventActions.h"
 #include "core/ports/UserInterface.h"
 #include "core/ports/Workers.h"
+#include "core/settings/KestrinSettings.h"
 
 namespace kestrin {
 
@@ -70,7 +73,7 @@ class RecordingActions final : public EventActions {
   std::function<void(DeliveryKind kind, Event& event, bool missed)> OnDelivery;
 };
 
-/// One at a time: it works on the process-wide sets, settings and handler table.
+/// Complete in itself: there may be several. Its table of handlers is empty at first.
 struct VirtualEngine {
   VirtualEngine();
 
@@ -84,7 +87,10 @@ struct VirtualEngine {
   EmptyDesktop desktop;
   EmptyWorkers workers;
   RecordingActions actions;
+  KestrinSettings settings;
+  HandlerTable handlers;
   Context context;
+  OpenSets openSets;
 };
 
 }  // namespace kestrin

@@ -11,9 +11,12 @@ namespace kestrin {
 class AlertDesk;
 class Desktop;
 class EventActions;
+class HandlerTable;
 class Holds;
+class KestrinSettings;
 class MessageQueue;
 class Notices;
+class OpenSets;
 class UserInterface;
 class Workers;
 
@@ -28,6 +31,9 @@ struct Context {
   Desktop& desktop;
   Workers& workers;
   EventActions& actions;
+  OpenSets& openSets;
+  KestrinSettings& settings;
+  HandlerTable& handlers;
   Zone zone;              ///< the system's zone; changed only between messages
   uint64 nextHandle = 1;  ///< handles of sets and events; never reused
 };

@@ -25,7 +25,7 @@ Event::Event(EventSet& owner) : owner_(owner), handle_(owner.GetContext().nextHa
   record_.DayOfWeek = static_cast<int8>(fields.weekday);
   record_.Month = static_cast<int8>(fields.month);
   record_.WeekOfMonth = DetermineWeekOfMonth(record_.DayOfMonth, record_.DayOfWeek);
-  record_.WindowFrame = KestrinSettings::EventWindowPosition.NextFrame();
+  record_.WindowFrame = owner.GetContext().settings.EventWindowPosition.NextFrame();
   SetSelectedHandler(MessageHandler);
 }
 
@@ -185,14 +185,15 @@ void Event::AdoptAddOnData(int32 row, std::unique_ptr<EventAddOnData> data) {
 }
 
 bool Event::SetSelectedHandler(int32 row) {
-  if (row < 0 || row >= NumberOfEventHandlers) return false;
+  const HandlerTable& handlers = owner_.GetContext().handlers;
+  if (!handlers.Has(row)) return false;
   if (row == selectedHandler_ && selectedData_) return true;
   std::unique_ptr<EventAddOnData> data = TakeOtherData(row);
   if (!data) {
     if (row == UnknownHandler) return false;
     bool ok = true;
     bool threw = false;
-    data = MakeAddOnData(row, this, nullptr, &ok, &threw);
+    data = handlers.MakeAddOnData(row, this, nullptr, &ok, &threw);
     if (!data) return false;
   }
   if (window_) window_->RemoveEditView();
@@ -213,9 +214,10 @@ std::unique_ptr<EventAddOnData> Event::TakeOtherData(int32 row) {
 }
 
 std::string Event::GetHandlerName() const {
-  if (selectedHandler_ != UnknownHandler) return AddOnNames[static_cast<size_t>(selectedHandler_)];
+  const HandlerTable& handlers = owner_.GetContext().handlers;
+  if (selectedHandler_ != UnknownHandler) return handlers.NameOf(selectedHandler_);
   const auto* unknown = dynamic_cast<const KeepsOriginalHandler*>(GetAddOnData());
-  return unknown ? unknown->GetOriginalHandler() : AddOnNames[UnknownHandler];
+  return unknown ? unknown->GetOriginalHandler() : handlers.NameOf(UnknownHandler);
 }
 
 void Event::TakeTimes(const EventTimes& times) {
@@ -254,8 +256,8 @@ int64 Event::Compare(const Event& a, const Event& b, int32 column) {
     case 3:
       return int64{a.GetNextEventTime()} - b.GetNextEventTime();
     case 4:
-      return strcasecmp(AddOnNames[static_cast<size_t>(a.selectedHandler_)],
-                        AddOnNames[static_cast<size_t>(b.selectedHandler_)]);
+      return strcasecmp(a.owner_.GetContext().handlers.NameOf(a.selectedHandler_),
+                        b.owner_.GetContext().handlers.NameOf(b.selectedHandler_));
     case 5:
       return status(a) - status(b);
     default:

@@ -1,22 +1,16 @@
 #include "kestrin/EventAddOnData.h"
 
-#include <atomic>
 #include <utility>
 
+#include "core/events/AddOnServices.h"
 #include "core/events/Context.h"
-#include "core/events/HandlerTable.h"
 #include "core/loop/Holds.h"
 #include "core/loop/MessageQueue.h"
 #include "core/ports/UserInterface.h"
 
 namespace kestrin {
 
-namespace {
-
-// Threads of handlers come here while the main thread may be unloading the table.
-Context* Services() { return std::atomic_ref(HandlerContext).load(); }
-
-}  // namespace
+constinit std::atomic<Context*> AddOnServices = nullptr;
 
 EventAddOnData::EventAddOnData(Event* attachedTo) : attachedTo_(attachedTo) {}
 
@@ -24,7 +18,7 @@ EventAddOnData::~EventAddOnData() { EventAddOnData::DestroyEditView(); }
 
 void EventAddOnData::DestroyEditView() {
   QWidget* view = std::exchange(editView_, nullptr);
-  Context* context = Services();
+  Context* context = AddOnServices;
   if (view && context) context->ui.DestroyEditView(view);
 }
 
@@ -36,11 +30,11 @@ void EventAddOnData::EAODReserved5() {}
 void EventAddOnData::EAODReserved6() {}
 
 void EventAddOnData::ProcessHold() {
-  if (Context* context = Services()) context->holds.ProcessHold();
+  if (Context* context = AddOnServices) context->holds.ProcessHold();
 }
 
 void EventAddOnData::ProcessDone() {
-  if (Context* context = Services()) context->queue.Post(PROCESS_HOLD_DONE);
+  if (Context* context = AddOnServices) context->queue.Post(PROCESS_HOLD_DONE);
 }
 
 ActsWithoutScreen::~ActsWithoutScreen() = default;

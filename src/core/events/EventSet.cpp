@@ -7,6 +7,7 @@
 #include "core/loop/Notices.h"
 #include "core/ports/Clock.h"
 #include "core/ports/UserInterface.h"
+#include "core/settings/KestrinSettings.h"
 
 namespace kestrin {
 
@@ -25,14 +26,8 @@ EventSet::EventSet(Context& context, const std::string& untitledName)
       handle_(context.nextHandle++),
       fileName_(untitledName),
       untitled_(true) {
-  layout_.WindowFrame = KestrinSettings::SetWindowPosition.NextFrame();
-  layout_.ColumnOrder = KestrinSettings::ColumnOrder;
-  layout_.ColumnShown = KestrinSettings::ColumnShown;
-  layout_.ColumnWidth = KestrinSettings::ColumnWidth;
-  layout_.NumberOfKeys = KestrinSettings::NumberOfKeys;
-  layout_.SortKeys = KestrinSettings::SortKeys;
-  layout_.SortModes = KestrinSettings::SortModes;
-  layout_.ViewMode = KestrinSettings::ViewMode;
+  layout_ = context.settings.Layout;
+  layout_.WindowFrame = context.settings.SetWindowPosition.NextFrame();
 }
 
 EventSet::~EventSet() = default;
@@ -195,9 +190,9 @@ void EventSet::CommitEdits() {
 }
 
 bool EventSet::Delivers(bool shown) const {
-  const AutoLock lock(KestrinSettings::Protect);
-  const bool remembered = KestrinSettings::IsFileRemembered(fileName_);
-  switch (KestrinSettings::WhichEventsToDeliver) {
+  const AutoLock lock(context_.settings.Protect);
+  const bool remembered = context_.settings.IsFileRemembered(fileName_);
+  switch (context_.settings.WhichEventsToDeliver) {
     case DeliverShown:
       return shown;
     case DeliverShownOrRemembered:
@@ -219,11 +214,12 @@ void EventSet::WindowClosed() {
     if (editor) editor->CloseNow();
   }
   const bool kept = DeliversUnseen();
-  const int32 mode = KestrinSettings::WhichEventsToDeliver;
+  const int32 mode = context_.settings.WhichEventsToDeliver;
   MessageQueue& queue = context_.queue;
   if (!kept) {
-    const AutoLock lock(OpenSets::Protect);
-    OpenSets::Destroy(this);
+    OpenSets& open = context_.openSets;
+    const AutoLock lock(open.Protect);
+    open.Destroy(this);
   }
   if (mode == DeliverShown || (mode == DeliverShownOrRemembered && !kept) ||
       (mode == DeliverRememberedNotShown && kept))

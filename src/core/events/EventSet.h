@@ -13,7 +13,7 @@
 
 #include "core/events/Event.h"
 #include "core/events/NextEventIndex.h"
-#include "core/settings/KestrinSettings.h"
+#include "core/settings/SetLayout.h"
 #include "support/FileDoor.h"
 #include "support/Locker.h"
 
@@ -21,18 +21,6 @@ namespace kestrin {
 
 class SetWindow;
 struct SetFileReport;
-
-/// How a set's window shows it. Opaque numbers in files; any value is kept.
-struct SetLayout {
-  Rect WindowFrame;
-  std::array<int32, NumberOfColumns> ColumnOrder{};
-  std::array<bool, NumberOfColumns> ColumnShown{};
-  std::array<float, NumberOfColumns> ColumnWidth{};
-  int32 NumberOfKeys = 0;
-  std::array<int32, MaxSortKeys> SortKeys{};
-  std::array<int32, MaxSortKeys> SortModes{};
-  int32 ViewMode = 0;
-};
 
 /// The set is the lock of its events. It is created, changed and destroyed in the main thread;
 /// other threads lock it to read.

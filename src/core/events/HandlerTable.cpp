@@ -1,39 +1,24 @@
 #include "core/events/HandlerTable.h"
 
-#include <atomic>
-
 namespace kestrin {
 
-int8 NumberOfEventHandlers = 0;
-std::vector<const char*> AddOnNames;
-std::vector<NewAddOnDataFunction> Function_NewAddOnData;
-std::vector<void*> AddOnImages;
-Context* HandlerContext = nullptr;
-
-int32 FindHandler(std::string_view name) {
-  for (int32 row = 0; row < NumberOfEventHandlers; ++row)
-    if (name == AddOnNames[static_cast<size_t>(row)]) return row;
+int32 HandlerTable::Find(std::string_view name) const {
+  for (int32 row = 0; row < NumberOfEventHandlers(); ++row)
+    if (name == NameOf(row)) return row;
   return UnknownHandler;
 }
 
-void ResetHandlerTable() {
-  NumberOfEventHandlers = 0;
-  AddOnNames.clear();
-  Function_NewAddOnData.clear();
-  AddOnImages.clear();
-  std::atomic_ref(HandlerContext).store(nullptr);  // threads of handlers may be reading it
-}
-
-std::unique_ptr<EventAddOnData> MakeAddOnData(int32 row, Event* event, EndianIndependentFile* file,
-                                              bool* ok, bool* threw) {
+std::unique_ptr<EventAddOnData> HandlerTable::MakeAddOnData(int32 row, Event* event,
+                                                            EndianIndependentFile* file, bool* ok,
+                                                            bool* threw) const {
   bool unasked = true;
   if (!ok) ok = &unasked;
   *ok = true;
   if (threw) *threw = false;
-  if (row < 0 || row >= NumberOfEventHandlers) return nullptr;
+  if (!Has(row)) return nullptr;
   try {
     return std::unique_ptr<EventAddOnData>(
-        Function_NewAddOnData[static_cast<size_t>(row)](event, file, ok));
+        rows_[static_cast<size_t>(row)].NewAddOnData(event, file, ok));
   } catch (...) {
     if (threw) *threw = true;
     return nullptr;

@@ -1,5 +1,5 @@
-// The process-wide table of event handlers: filled at start-up by LoadEventHandlers, not changed
-// until UnloadEventHandlers, read everywhere. Rows 0 to 4 are built in.
+// The table of event handlers: filled at start-up by LoadEventHandlers, not changed until
+// UnloadEventHandlers, read everywhere. Rows 0 to 4 are built in.
 #pragma once
 
 #include <memory>
@@ -11,28 +11,43 @@
 
 namespace kestrin {
 
-struct Context;
-
-extern int8 NumberOfEventHandlers;           ///< usable rows, built-ins included
-extern std::vector<const char*> AddOnNames;  ///< row i: display and file name
-extern std::vector<NewAddOnDataFunction> Function_NewAddOnData;  ///< row i: the factory
-extern std::vector<void*> AddOnImages;                           ///< entry i - 5 belongs to row i
-/// What handlers' services work with, while the table is loaded.
-extern Context* HandlerContext;
+class SettingsStore;
 
 inline constexpr int32 UnknownHandler = 0, MessageHandler = 2;
 inline constexpr int32 NumberOfBuiltInHandlers = 5;
 
-/// The first row of that name, or UnknownHandler.
-int32 FindHandler(std::string_view name);
+class HandlerTable {
+ public:
+  struct Row {
+    const char* AddOnName = "";  ///< displayed, and stored in files
+    NewAddOnDataFunction NewAddOnData = nullptr;
+    void* AddOnImage = nullptr;  ///< the loaded library; null for what is built in
+  };
 
-/// Empties the table; for tests and the end of the program.
-void ResetHandlerTable();
+  /// Usable rows, those that are built in included.
+  int32 NumberOfEventHandlers() const { return static_cast<int32>(rows_.size()); }
+  const std::vector<Row>& Rows() const { return rows_; }
+  bool Has(int32 row) const { return row >= 0 && row < NumberOfEventHandlers(); }
+  /// Of a row that there is.
+  const char* NameOf(int32 row) const { return rows_[static_cast<size_t>(row)].AddOnName; }
+  void Add(Row row) { rows_.push_back(row); }
+  void Clear() { rows_.clear(); }
 
-/// Calls the row's factory. Null when it gives null or throws (`threw` tells), with `*ok` as the
-/// factory left it; `*ok` starts true.
-std::unique_ptr<EventAddOnData> MakeAddOnData(int32 row, Event* event, EndianIndependentFile* file,
-                                              bool* ok, bool* threw);
+  /// The first row of that name, or UnknownHandler.
+  int32 Find(std::string_view name) const;
+
+  /// Calls the row's factory. Null when it gives null or throws (`threw` tells), with `*ok` as the
+  /// factory left it; `*ok` starts true.
+  std::unique_ptr<EventAddOnData> MakeAddOnData(int32 row, Event* event,
+                                                EndianIndependentFile* file, bool* ok,
+                                                bool* threw) const;
+
+  /// Behind ReadAddOnSetting and WriteAddOnSetting; null: there are none. Outlives the table.
+  SettingsStore* AddOnSettings = nullptr;
+
+ private:
+  std::vector<Row> rows_;
+};
 
 /// The data's SaveData; false when it throws.
 bool SaveAddOnData(EventAddOnData& data, EndianIndependentFile* file);

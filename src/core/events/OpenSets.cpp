@@ -7,17 +7,16 @@
 
 namespace kestrin {
 
-std::vector<std::unique_ptr<EventSet>> OpenSets::Sets;
-std::vector<std::unique_ptr<EventSet>> OpenSets::departed_;
-Locker OpenSets::Protect("Open sets", LockRank::OpenSets);
+OpenSets::OpenSets() = default;
+OpenSets::~OpenSets() = default;
 
-EventSet* OpenSets::FindFile(const std::string& path) {
+EventSet* OpenSets::FindFile(const std::string& path) const {
   for (const auto& set : Sets)
     if (set->GetFileName() == path) return set.get();
   return nullptr;
 }
 
-EventSet* OpenSets::FindHandle(uint64 handle) {
+EventSet* OpenSets::FindHandle(uint64 handle) const {
   for (const auto& set : Sets)
     if (set->GetHandle() == handle) return set.get();
   return nullptr;

@@ -11,23 +11,29 @@ namespace kestrin {
 
 class EventSet;
 
+/// Goes before the context that its sets work with.
 class OpenSets {
  public:
+  OpenSets();
+  ~OpenSets();
+  OpenSets(const OpenSets&) = delete;
+  OpenSets& operator=(const OpenSets&) = delete;
+
   /// Owned; in the order of opening. Guarded by Protect.
-  static std::vector<std::unique_ptr<EventSet>> Sets;
-  static Locker Protect;
+  std::vector<std::unique_ptr<EventSet>> Sets;
+  Locker Protect{"Open sets", LockRank::OpenSets};
 
   /// Callers hold Protect. Null when there is none.
-  static EventSet* FindFile(const std::string& path);
-  static EventSet* FindHandle(uint64 handle);
+  EventSet* FindFile(const std::string& path) const;
+  EventSet* FindHandle(uint64 handle) const;
   /// Takes the set out of the list and destroys it. While an action of it runs, that is left
   /// to DestroyDeparted.
-  static void Destroy(EventSet* set);
+  void Destroy(EventSet* set);
   /// What was delivered is in their files before they go.
-  static void DestroyDeparted();
+  void DestroyDeparted();
 
  private:
-  static std::vector<std::unique_ptr<EventSet>> departed_;
+  std::vector<std::unique_ptr<EventSet>> departed_;
 };
 
 }  // namespace kestrin

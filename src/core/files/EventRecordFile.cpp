@@ -178,12 +178,13 @@ const IconPair* WholeIcon(const Event& event) {
 
 bool ReadHandlerData(Event& event, const std::string& handlerName, EndianIndependentFile& file,
                      std::string& complaint) {
-  const int32 row = FindHandler(handlerName);
+  const HandlerTable& handlers = event.GetOwner()->GetContext().handlers;
+  const int32 row = handlers.Find(handlerName);
   // Only an add-on may fail in ways that leave the block to be kept; asking for the place costs.
   const int64 begin = row < NumberOfBuiltInHandlers ? 0 : file.Position();
   bool ok = true;
   bool threw = false;
-  std::unique_ptr<EventAddOnData> data = MakeAddOnData(row, &event, &file, &ok, &threw);
+  std::unique_ptr<EventAddOnData> data = handlers.MakeAddOnData(row, &event, &file, &ok, &threw);
   int32 keptBy = row;
   if (!data && row >= NumberOfBuiltInHandlers) {
     complaint = "The event handler \"" + handlerName +
@@ -191,7 +192,7 @@ bool ReadHandlerData(Event& event, const std::string& handlerName, EndianIndepen
                        : "\" gave no data for an event.  The event is kept unchanged.");
     file.Seek(begin - 1, SEEK_SET);
     keptBy = UnknownHandler;
-    data = MakeAddOnData(keptBy, &event, &file, &ok, &threw);
+    data = handlers.MakeAddOnData(keptBy, &event, &file, &ok, &threw);
   }
   if (!data) return false;
   if (keptBy == UnknownHandler)

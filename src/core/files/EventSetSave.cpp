@@ -7,6 +7,7 @@
 #include "core/loop/Notices.h"
 #include "core/ports/Clock.h"
 #include "core/ports/UserInterface.h"
+#include "core/settings/KestrinSettings.h"
 #include "kestrin/BufferedFile.h"
 #include "support/LocalTime.h"
 #include "support/Opened.h"
@@ -103,8 +104,8 @@ bool EventSet::SaveData(SavedBy by) {
     DiscardRecovered();
   }
   if (changedByOthers) {
-    const AutoLock lock(KestrinSettings::Protect);
-    if (KestrinSettings::IsFileRemembered(earlier)) KestrinSettings::RememberSet(fileName_);
+    const AutoLock lock(context_.settings.Protect);
+    if (context_.settings.IsFileRemembered(earlier)) context_.settings.RememberSet(fileName_);
     context_.notices.InformUser("The event set \"" + LeafOf(earlier) +
                                 "\" was changed by another program since Kestrin read it.  Your "
                                 "events were saved beside it as \"" +
@@ -132,10 +133,10 @@ bool EventSet::SaveAs(const std::string& path, bool remember) {
   }
   Remember(remember);
   if (!hadFile) return true;
-  const AutoLock lock(KestrinSettings::Protect);
+  const AutoLock lock(context_.settings.Protect);
   if (remember) {
-    KestrinSettings::ForgetSet(earlier);
-  } else if (wasRemembered && KestrinSettings::IsFileRemembered(earlier)) {
+    context_.settings.ForgetSet(earlier);
+  } else if (wasRemembered && context_.settings.IsFileRemembered(earlier)) {
     Message open(OPEN_FILES);
     open.Set("0", earlier);
     open.Set("window", false);
@@ -145,12 +146,12 @@ bool EventSet::SaveAs(const std::string& path, bool remember) {
 }
 
 void EventSet::Remember(bool remember) {
-  const AutoLock lock(KestrinSettings::Protect);
-  if (remember == KestrinSettings::IsFileRemembered(fileName_)) return;
+  const AutoLock lock(context_.settings.Protect);
+  if (remember == context_.settings.IsFileRemembered(fileName_)) return;
   if (remember)
-    KestrinSettings::RememberSet(fileName_);
+    context_.settings.RememberSet(fileName_);
   else
-    KestrinSettings::ForgetSet(fileName_);
+    context_.settings.ForgetSet(fileName_);
   // A set that delivers from now on is like an opened one.
   context_.queue.Post(remember ? SETS_OPENED : EVENT_SETS_CHANGED);
   if (window_) window_->SetChanged();

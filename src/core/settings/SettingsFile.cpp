@@ -6,14 +6,11 @@
 #include <span>
 #include <string>
 
-#include "core/settings/KestrinSettings.h"
 #include "support/Message.h"
 
 namespace kestrin {
 
 namespace {
-
-using Settings = KestrinSettings;
 
 constexpr uint32 LongType = FourCharCode("LONG"), BoolType = FourCharCode("BOOL"),
                  FloatType = FourCharCode("FLOT"), RectType = FourCharCode("RECT"),
@@ -73,11 +70,11 @@ struct Eraser {
 };
 
 template <typename Visitor>
-void VisitChoices(Visitor& visit) {
-  visit("SelectedSetHandling", LongType, One(Settings::SelectedSetHandling));
-  visit("WhichEventsToDeliver", LongType, One(Settings::WhichEventsToDeliver));
-  visit("Time24Hour", BoolType, One(Settings::Time24Hour));
-  visit("RememberWindowSetupAsDefault", BoolType, One(Settings::RememberWindowSetupAsDefault));
+void VisitChoices(Visitor& visit, SettingsValues& settings) {
+  visit("SelectedSetHandling", LongType, One(settings.SelectedSetHandling));
+  visit("WhichEventsToDeliver", LongType, One(settings.WhichEventsToDeliver));
+  visit("Time24Hour", BoolType, One(settings.Time24Hour));
+  visit("RememberWindowSetupAsDefault", BoolType, One(settings.RememberWindowSetupAsDefault));
 }
 
 template <typename Visitor>
@@ -87,67 +84,67 @@ void VisitFrame(Visitor& visit, const char* key, WindowPositionSet& position) {
 }
 
 template <typename Visitor>
-void VisitLayout(Visitor& visit) {
-  VisitFrame(visit, "SetWindowFrame", Settings::SetWindowPosition);
-  visit("ColumnOrder", LongType, std::span(Settings::ColumnOrder));
-  visit("ColumnShown", BoolType, std::span(Settings::ColumnShown));
-  visit("ColumnWidth", FloatType, std::span(Settings::ColumnWidth));
-  visit("ViewMode", LongType, One(Settings::ViewMode));
-  visit("NumberOfKeys", LongType, One(Settings::NumberOfKeys));
-  visit("SortKeys", LongType, std::span(Settings::SortKeys));
-  visit("SortModes", LongType, std::span(Settings::SortModes));
-  VisitFrame(visit, "EventWindowFrame", Settings::EventWindowPosition);
+void VisitLayout(Visitor& visit, SettingsValues& settings) {
+  VisitFrame(visit, "SetWindowFrame", settings.SetWindowPosition);
+  visit("ColumnOrder", LongType, std::span(settings.Layout.ColumnOrder));
+  visit("ColumnShown", BoolType, std::span(settings.Layout.ColumnShown));
+  visit("ColumnWidth", FloatType, std::span(settings.Layout.ColumnWidth));
+  visit("ViewMode", LongType, One(settings.Layout.ViewMode));
+  visit("NumberOfKeys", LongType, One(settings.Layout.NumberOfKeys));
+  visit("SortKeys", LongType, std::span(settings.Layout.SortKeys));
+  visit("SortModes", LongType, std::span(settings.Layout.SortModes));
+  VisitFrame(visit, "EventWindowFrame", settings.EventWindowPosition);
 }
 
 template <typename Visitor>
-void VisitSettingsWindow(Visitor& visit) {
-  visit("SettingsWindowFrame", RectType, One(Settings::SettingsWindowFrame));
+void VisitSettingsWindow(Visitor& visit, SettingsValues& settings) {
+  visit("SettingsWindowFrame", RectType, One(settings.SettingsWindowFrame));
 }
 
 template <typename Visitor>
-void VisitIconNumbers(Visitor& visit) {
-  visit("IconPanelLocation", PointType, One(Settings::IconPanelLocation));
-  visit("NumberOfUserIcons", LongType, One(Settings::NumberOfUserIcons));
+void VisitIconNumbers(Visitor& visit, SettingsValues& settings) {
+  visit("IconPanelLocation", PointType, One(settings.IconPanelLocation));
+  visit("NumberOfUserIcons", LongType, One(settings.NumberOfUserIcons));
 }
 
 // The count decides how many names there are, the bytes bound them.
-void ReadSetNames(Reader& read) {
+void ReadSetNames(Reader& read, SettingsValues& settings) {
   int32 count = 0;
   read("NumberOfSetsToUse", LongType, One(count));
   const auto stored = read.store.Get("SetsToUse");
   if (count <= 0 || !stored || stored->type != ByteType) return;
-  Settings::SetFileNames.clear();
+  settings.SetFileNames.clear();
   std::string_view rest = stored->bytes;
   for (; count > 0 && !rest.empty(); --count) {
     const std::string_view name = rest.substr(0, rest.find('\0'));
-    if (!name.empty()) Settings::SetFileNames.emplace_back(name);
+    if (!name.empty()) settings.SetFileNames.emplace_back(name);
     rest.remove_prefix(std::min(name.size() + 1, rest.size()));
   }
 }
 
-void ReadIcons(const SettingsStore& store) {
+void ReadIcons(const SettingsStore& store, SettingsValues& settings) {
   const auto stored = store.Get("UserIcons");
-  if (Settings::NumberOfUserIcons <= 0 || !stored || stored->type != ByteType ||
-      static_cast<int64>(stored->bytes.size()) != IconBytes * Settings::NumberOfUserIcons)
+  if (settings.NumberOfUserIcons <= 0 || !stored || stored->type != ByteType ||
+      static_cast<int64>(stored->bytes.size()) != IconBytes * settings.NumberOfUserIcons)
     return;
-  Settings::UserMiniIcons.clear();
-  Settings::UserLargeIcons.clear();
+  settings.UserMiniIcons.clear();
+  settings.UserLargeIcons.clear();
   for (std::string_view rest = stored->bytes; !rest.empty(); rest.remove_prefix(IconBytes)) {
-    Settings::UserMiniIcons.emplace_back(rest.substr(0, MiniIconBytes));
-    Settings::UserLargeIcons.emplace_back(rest.substr(MiniIconBytes, LargeIconBytes));
+    settings.UserMiniIcons.emplace_back(rest.substr(0, MiniIconBytes));
+    settings.UserLargeIcons.emplace_back(rest.substr(MiniIconBytes, LargeIconBytes));
   }
 }
 
-void ReadZoneName(const SettingsStore& store) {
+void ReadZoneName(const SettingsStore& store, SettingsValues& settings) {
   const auto stored = store.Get("ZoneName");
   if (stored && stored->type == TextType)
-    Settings::ZoneName = stored->bytes.substr(0, stored->bytes.find('\0'));
+    settings.ZoneName = stored->bytes.substr(0, stored->bytes.find('\0'));
 }
 
-void WriteSetNames(Writer& write) {
+void WriteSetNames(Writer& write, const SettingsValues& settings) {
   std::string names;
-  for (const std::string& name : Settings::SetFileNames) names.append(name).push_back('\0');
-  auto count = static_cast<int32>(Settings::SetFileNames.size());
+  for (const std::string& name : settings.SetFileNames) names.append(name).push_back('\0');
+  auto count = static_cast<int32>(settings.SetFileNames.size());
   write("NumberOfSetsToUse", LongType, One(count));
   if (names.empty())
     write.store.Delete("SetsToUse");
@@ -155,61 +152,61 @@ void WriteSetNames(Writer& write) {
     write.Bytes("SetsToUse", ByteType, names);
 }
 
-void WriteIcons(Writer& write) {
+void WriteIcons(Writer& write, const SettingsValues& settings) {
   std::string icons;
-  const size_t count = std::min(Settings::UserMiniIcons.size(), Settings::UserLargeIcons.size());
+  const size_t count = std::min(settings.UserMiniIcons.size(), settings.UserLargeIcons.size());
   for (size_t i = 0; i < count; ++i) {
-    std::string mini = Settings::UserMiniIcons[i], large = Settings::UserLargeIcons[i];
+    std::string mini = settings.UserMiniIcons[i], large = settings.UserLargeIcons[i];
     mini.resize(MiniIconBytes);
     large.resize(LargeIconBytes);
     icons += mini + large;
   }
   if (!icons.empty())
     write.Bytes("UserIcons", ByteType, icons);
-  else if (Settings::NumberOfUserIcons == 0)
+  else if (settings.NumberOfUserIcons == 0)
     write.store.Delete("UserIcons");
   // Else icons are there that could not be read: they stay as they are.
 }
 
 }  // namespace
 
-void InitSettings(SettingsStore& store, Notices& notices) {
+void InitSettings(KestrinSettings& settings, SettingsStore& store, Notices& notices) {
   if (store.InitStatus() != StatusOk)
     notices.HandleErrorAndExit("InitSettings: Libprefs failed to initialize");
   if (store.LoadStatus() != StatusOk)
     notices.HandleErrorAndExit("InitSettings: Libprefs failed to initialize settings");
-  const AutoLock lock(Settings::Protect);
+  const AutoLock lock(settings.Protect);
   Reader read{store};
-  ReadSetNames(read);
-  VisitChoices(read);
-  if (Settings::RememberWindowSetupAsDefault) VisitLayout(read);
-  VisitSettingsWindow(read);
-  VisitIconNumbers(read);
-  ReadIcons(store);
-  ReadZoneName(store);
+  ReadSetNames(read, settings);
+  VisitChoices(read, settings);
+  if (settings.RememberWindowSetupAsDefault) VisitLayout(read, settings);
+  VisitSettingsWindow(read, settings);
+  VisitIconNumbers(read, settings);
+  ReadIcons(store, settings);
+  ReadZoneName(store, settings);
   if (const std::string complaint = store.Complaint(); !complaint.empty())
     notices.ReportError(complaint);
 }
 
-void WriteSettings(SettingsStore& store, Notices& notices) {
-  const AutoLock lock(Settings::Protect);
+void WriteSettings(KestrinSettings& settings, SettingsStore& store, Notices& notices) {
+  const AutoLock lock(settings.Protect);
   Writer write{store};
-  WriteSetNames(write);
-  VisitChoices(write);
-  if (Settings::RememberWindowSetupAsDefault) {
-    VisitLayout(write);
-    VisitSettingsWindow(write);
+  WriteSetNames(write, settings);
+  VisitChoices(write, settings);
+  if (settings.RememberWindowSetupAsDefault) {
+    VisitLayout(write, settings);
+    VisitSettingsWindow(write, settings);
   } else {
     Eraser erase{store};
-    VisitLayout(erase);
-    VisitSettingsWindow(erase);
+    VisitLayout(erase, settings);
+    VisitSettingsWindow(erase, settings);
     // Of an earlier layout; nothing reads them any more.
     store.Delete("GroupActiveEventsFirst");
     store.Delete("AscendingOrder");
   }
-  VisitIconNumbers(write);
-  WriteIcons(write);
-  write.Bytes("ZoneName", TextType, Settings::ZoneName + '\0');
+  VisitIconNumbers(write, settings);
+  WriteIcons(write, settings);
+  write.Bytes("ZoneName", TextType, settings.ZoneName + '\0');
   const status_t saved = store.Save();
   if (saved != StatusOk) write.status = saved;
   const bool failed = write.status != StatusOk;

@@ -15,7 +15,7 @@ struct SettingValue {
   uint32 type = 0;
 };
 
-/// Callers hold KestrinSettings::Protect. Statuses other than StatusOk are the library's.
+/// Callers hold the lock of the settings. Statuses other than StatusOk are the library's.
 class SettingsStore {
  public:
   static constexpr const char* ApplicationName = "x-vnd.ZR-Kestrin";

@@ -18,9 +18,9 @@ namespace kestrin {
 
 namespace {
 
-QString HandlerLabel(int32 row) {
-  return row >= 0 && row < NumberOfEventHandlers ? ShownLine(AddOnNames[static_cast<size_t>(row)])
-                                                 : "Unknown";
+QString HandlerLabel(const Event& event, int32 row) {
+  const HandlerTable& handlers = event.GetOwner()->GetContext().handlers;
+  return handlers.Has(row) ? ShownLine(handlers.NameOf(row)) : "Unknown";
 }
 
 /// An add-on's view knows no better moment to store its texts than when they lose the focus.
@@ -77,7 +77,9 @@ void EventActionView::showEvent(QShowEvent* event) {
 
 void EventActionView::BuildMenu(QVBoxLayout& column) {
   handler_ = new ChoiceMenu("handler", "Event handler", [this](int32 row) { Select(row); });
-  for (int32 row = 0; row < NumberOfEventHandlers; ++row) handler_->Add(row, HandlerLabel(row));
+  const HandlerTable& handlers = GetEvent().GetOwner()->GetContext().handlers;
+  for (int32 row = 0; row < handlers.NumberOfEventHandlers(); ++row)
+    handler_->Add(row, HandlerLabel(GetEvent(), row));
   handler_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
   auto* caption = new QLabel("Event &handler:");
   caption->setBuddy(handler_);
@@ -101,14 +103,14 @@ void EventActionView::Select(int32 row) {
   bool selected = false;
   Write([&](Event& event) { selected = event.SetSelectedHandler(row); });
   if (!selected)
-    Report("Kestrin: The handler \"" + HandlerLabel(row) +
+    Report("Kestrin: The handler \"" + HandlerLabel(GetEvent(), row) +
            "\" could not make its data for the event.  The event keeps the handler it had.");
 }
 
 void EventActionView::ShowEvent() {
   const int32 row = GetEvent().GetSelectedHandler();
   handler_->SetOffered(UnknownHandler, GetEvent().GetAddOnData(UnknownHandler) != nullptr);
-  handler_->ShowValue(row, HandlerLabel(row));
+  handler_->ShowValue(row, HandlerLabel(GetEvent(), row));
   const QString hint = row == UnknownHandler
                            ? "Missing handler: " + ShownLine(GetEvent().GetHandlerName())
                            : QString();
@@ -140,7 +142,7 @@ void EventActionView::AddEditView() {
   try {
     view = viewed_->CreateEditView(GetEditViewRect());
   } catch (...) {
-    Report("Kestrin: The handler \"" + HandlerLabel(GetEvent().GetSelectedHandler()) +
+    Report("Kestrin: The handler \"" + HandlerLabel(GetEvent(), GetEvent().GetSelectedHandler()) +
            "\" failed to make its edit view.");
   }
   if (!view) return;
@@ -172,7 +174,7 @@ void EventActionView::RemoveEditView() {
   try {
     viewed->DestroyEditView();
   } catch (...) {
-    Report("Kestrin: The handler \"" + HandlerLabel(GetEvent().GetSelectedHandler()) +
+    Report("Kestrin: The handler \"" + HandlerLabel(GetEvent(), GetEvent().GetSelectedHandler()) +
            "\" failed to remove its edit view.");
   }
   viewed->RecordEditView(nullptr);

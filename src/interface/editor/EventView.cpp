@@ -4,7 +4,9 @@
 #include <QGridLayout>
 #include <QLabel>
 
+#include "core/events/Context.h"
 #include "core/events/EventSet.h"
+#include "core/settings/KestrinSettings.h"
 #include "core/timing/DateTimeText.h"
 #include "core/timing/EventRecord.h"
 #include "interface/common/ShownText.h"
@@ -93,10 +95,11 @@ void EventView::RedrawStatus() {
 
 /// A prewarning of a whole-day event may come at any hour: only midnight goes without saying.
 QString EventView::TimeText(int time) const {
-  const Zone& zone = GetEvent().GetOwner()->GetContext().zone;
+  const Context& context = GetEvent().GetOwner()->GetContext();
+  const Zone& zone = context.zone;
   const bool withTime = GetEvent().GetApplyTime() || GetSecondsIntoDay(time, zone) != 0;
   return QString::fromStdString(
-      GetDateTimeString(time, withTime, zone, KestrinSettings::Time24Hour));
+      GetDateTimeString(time, withTime, zone, context.settings.Time24Hour));
 }
 
 void EventView::CommitEdits() { CommitFields(); }

@@ -134,7 +134,8 @@ void EventWhenView::BuildStop(QGridLayout& grid) {
   connect(useStop_, &QCheckBox::clicked, this,
           [this](bool on) { Write([on](Event& event) { event.SetApplyStop(on); }); });
   stopTime_ = new TimeField(
-      "stopTime", [this] { return GetEvent().Record().StopTime; },
+      "stopTime", GetEvent().GetOwner()->GetContext(),
+      [this] { return GetEvent().Record().StopTime; },
       [this](int32 time) {
         Write([time](Event& event) { event.SetStopTime(time); });
         return true;
@@ -150,7 +151,8 @@ void EventWhenView::BuildTimeOfDay(QGridLayout& grid) {
   connect(useTime_, &QCheckBox::clicked, this,
           [this](bool on) { Write([on](Event& event) { event.SetApplyTime(on); }); });
   time_ = new TimeField(
-      "time", [this] { return TimeOfDay(); }, [this](int32 time) { return TakeTimeOfDay(time); });
+      "time", GetEvent().GetOwner()->GetContext(), [this] { return TimeOfDay(); },
+      [this](int32 time) { return TakeTimeOfDay(time); });
   time_->setAccessibleName("Time of day");
   AddField(time_);
   const int at = grid.rowCount();

@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "core/events/EventSet.h"
+#include "core/settings/KestrinSettings.h"
 #include "interface/common/Frames.h"
 #include "interface/common/ShownText.h"
 #include "interface/editor/EventTabView.h"
@@ -112,9 +113,10 @@ void EventWindow::ShowComplaint(const QString& last) {
 
 void EventWindow::OpenAtFrame() {
   layout()->activate();
-  setGeometry(GeometryOnScreen(event_->Record().WindowFrame,
-                               KestrinSettings::EventWindowPosition.DefaultFrame(),
-                               minimumSizeHint()));
+  setGeometry(
+      GeometryOnScreen(event_->Record().WindowFrame,
+                       event_->GetOwner()->GetContext().settings.EventWindowPosition.DefaultFrame(),
+                       minimumSizeHint()));
   opened_ = geometry();
 }
 
@@ -187,11 +189,12 @@ void EventWindow::CloseOwnPopup() {
 /// An event may delete itself, and so close its editor, while its set is locked: then the settings,
 /// which come before sets in the order of locks, wait.
 void EventWindow::RememberAsDefault() {
-  const auto remember = [frame = PlainFrameOf(*this)] {
-    const AutoLock settings(KestrinSettings::Protect);
-    if (!KestrinSettings::RememberWindowSetupAsDefault) return;
-    KestrinSettings::EventWindowPosition.SetDefaultFrame(frame);
-    KestrinSettings::Changed();
+  const auto remember = [&settings = event_->GetOwner()->GetContext().settings,
+                         frame = PlainFrameOf(*this)] {
+    const AutoLock lock(settings.Protect);
+    if (!settings.RememberWindowSetupAsDefault) return;
+    settings.EventWindowPosition.SetDefaultFrame(frame);
+    settings.Changed();
   };
   if (event_->GetOwner()->IsLocked())
     QMetaObject::invokeMethod(qApp, remember, Qt::QueuedConnection);

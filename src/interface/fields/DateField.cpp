@@ -10,6 +10,7 @@
 #include "core/events/Context.h"
 #include "core/events/EventSet.h"
 #include "core/ports/Clock.h"
+#include "core/settings/KestrinSettings.h"
 #include "core/timing/DateTimeText.h"
 #include "interface/fields/CalendarPopup.h"
 #include "interface/fields/TypedField.h"
@@ -63,7 +64,7 @@ void DateField::AddButton(const QString& objectName, const QString& accessibleNa
 QString DateField::ShowTime() const {
   const Shown shown = get_();
   return QString::fromStdString(GetDateTimeString(
-      shown.time, shown.withTime, ContextOf(event_).zone, KestrinSettings::Time24Hour));
+      shown.time, shown.withTime, ContextOf(event_).zone, ContextOf(event_).settings.Time24Hour));
 }
 
 QString DateField::TakeText(const QString& typed) {

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "core/events/Context.h"
 #include "core/settings/KestrinSettings.h"
 #include "core/timing/DateTimeText.h"
 
@@ -18,11 +19,12 @@ QString TakeTime(const QString& typed, const TimeField::Setter& set) {
 
 }  // namespace
 
-TimeField::TimeField(const char* objectName, Getter get, Setter set, QWidget* parent)
+TimeField::TimeField(const char* objectName, const Context& context, Getter get, Setter set,
+                     QWidget* parent)
     : TypedField(
           objectName,
-          [get = std::move(get)] {
-            return QString::fromStdString(GetTimeOfDayText(get(), KestrinSettings::Time24Hour));
+          [&context, get = std::move(get)] {
+            return QString::fromStdString(GetTimeOfDayText(get(), context.settings.Time24Hour));
           },
           [set = std::move(set)](const QString& text) { return TakeTime(text, set); }, parent) {
   setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);

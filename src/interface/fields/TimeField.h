@@ -6,6 +6,8 @@
 
 namespace kestrin {
 
+struct Context;
+
 /// Shows hours and minutes; seconds that the event had stay as long as nothing else is typed.
 class TimeField final : public TypedField {
   Q_OBJECT
@@ -15,7 +17,8 @@ class TimeField final : public TypedField {
   using Getter = std::function<int32()>;
   using Setter = std::function<bool(int32 secondsIntoDay)>;
 
-  TimeField(const char* objectName, Getter get, Setter set, QWidget* parent = nullptr);
+  TimeField(const char* objectName, const Context& context, Getter get, Setter set,
+            QWidget* parent = nullptr);
 
   QSize sizeHint() const override;
   QSize minimumSizeHint() const override { return sizeHint(); }

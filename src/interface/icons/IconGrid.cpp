@@ -55,7 +55,8 @@ std::optional<IconChoice> DraggedIcon(const QMimeData& data) {
   return IconChoice{OwnIconNumber, {bytes.substr(0, LargeIconBytes), bytes.substr(LargeIconBytes)}};
 }
 
-IconGrid::IconGrid(QWidget* parent) : QListWidget(parent) {
+IconGrid::IconGrid(KestrinSettings& settings, QWidget* parent)
+    : QListWidget(parent), settings_(settings) {
   setObjectName("icons");
   setAccessibleName("Icons");
   setViewMode(QListView::IconMode);
@@ -85,7 +86,7 @@ void IconGrid::ShowIcons(const IconChoice& now) {
   choices_.clear();
   for (int32 i = 0; i < NumberOfStandardIcons; ++i) Add({i, {}}, StandardIcon(i), IconName(i));
   int number = 0;
-  for (const IconPair& icon : UserIcons())
+  for (const IconPair& icon : UserIcons(settings_))
     Add({OwnIconNumber, icon}, OwnIcon(icon), QString("Own image %1").arg(++number));
   const auto current = std::find(choices_.begin(), choices_.end(), now);
   setCurrentRow(current == choices_.end() ? 0 : static_cast<int>(current - choices_.begin()));

@@ -19,11 +19,13 @@ struct IconChoice {
 inline constexpr const char* DraggedIconType = "application/x-vnd.ZR-KestrinIcon";
 std::optional<IconChoice> DraggedIcon(const QMimeData& data);
 
+class KestrinSettings;
+
 class IconGrid final : public QListWidget {
   Q_OBJECT
 
  public:
-  explicit IconGrid(QWidget* parent = nullptr);
+  explicit IconGrid(KestrinSettings& settings, QWidget* parent = nullptr);
 
   /// Reads the settings. The one that is there now becomes the current one.
   void ShowIcons(const IconChoice& now);
@@ -46,6 +48,7 @@ class IconGrid final : public QListWidget {
   void Choose(int row);
   bool IsUsers(int row) const;
 
+  KestrinSettings& settings_;
   std::vector<IconChoice> choices_;  ///< by row
 };
 

@@ -9,8 +9,8 @@
 
 namespace kestrin {
 
-IconMenu::IconMenu(const IconChoice& now, QWidget* parent)
-    : QFrame(parent, Qt::Popup), icons_(new IconGrid) {
+IconMenu::IconMenu(KestrinSettings& settings, const IconChoice& now, QWidget* parent)
+    : QFrame(parent, Qt::Popup), icons_(new IconGrid(settings)) {
   setObjectName("iconMenu");
   setAccessibleName("Icon");
   setAttribute(Qt::WA_DeleteOnClose);
@@ -21,8 +21,8 @@ IconMenu::IconMenu(const IconChoice& now, QWidget* parent)
     close();
     emit Chosen(choice);
   });
-  connect(icons_, &IconGrid::RemovalWanted, this, [this, now](const IconPair& icon) {
-    RemoveUserIcon(icon);
+  connect(icons_, &IconGrid::RemovalWanted, this, [this, &settings, now](const IconPair& icon) {
+    RemoveUserIcon(settings, icon);
     icons_->ShowIcons(now);
     adjustSize();
   });

@@ -14,7 +14,7 @@ class IconMenu final : public QFrame {
   Q_OBJECT
 
  public:
-  IconMenu(const IconChoice& now, QWidget* parent);
+  IconMenu(KestrinSettings& settings, const IconChoice& now, QWidget* parent);
 
   /// Below the widget, on its screen.
   void OpenAt(const QWidget& widget);

@@ -12,8 +12,8 @@
 
 namespace kestrin {
 
-IconPanel::IconPanel(const IconChoice& now, QWidget* owner)
-    : QWidget(owner, Qt::Tool), icons_(new IconGrid), now_(now) {
+IconPanel::IconPanel(KestrinSettings& settings, const IconChoice& now, QWidget* owner)
+    : QWidget(owner, Qt::Tool), settings_(settings), icons_(new IconGrid(settings)), now_(now) {
   setObjectName("iconPanel");
   setWindowTitle("Icons");
   setAttribute(Qt::WA_DeleteOnClose);
@@ -24,8 +24,8 @@ IconPanel::IconPanel(const IconChoice& now, QWidget* owner)
     now_ = choice;
     emit Chosen(choice);
   });
-  connect(icons_, &IconGrid::RemovalWanted, this, [](const IconPair& icon) {
-    RemoveUserIcon(icon);
+  connect(icons_, &IconGrid::RemovalWanted, this, [this](const IconPair& icon) {
+    RemoveUserIcon(settings_, icon);
     IconsChanged();
   });
   auto* file = new QPushButton("&Choose image file…");
@@ -39,8 +39,8 @@ IconPanel::IconPanel(const IconChoice& now, QWidget* owner)
 
 IconPanel::~IconPanel() {
   if (Opened() && Opened() != this) return;
-  const AutoLock settings(KestrinSettings::Protect);
-  KestrinSettings::OpenIconPanel = 0;
+  const AutoLock lock(settings_.Protect);
+  settings_.OpenIconPanel = 0;
 }
 
 IconPanel* IconPanel::Opened() {
@@ -54,9 +54,9 @@ void IconPanel::Open() {
   const QSize size = sizeHint();
   Point place;
   {
-    const AutoLock settings(KestrinSettings::Protect);
-    place = KestrinSettings::IconPanelLocation;
-    KestrinSettings::OpenIconPanel = 1;
+    const AutoLock lock(settings_.Protect);
+    place = settings_.IconPanelLocation;
+    settings_.OpenIconPanel = 1;
   }
   const Rect at{place.x, place.y, place.x + static_cast<float>(size.width() - 1),
                 place.y + static_cast<float>(size.height() - 1)};
@@ -72,10 +72,10 @@ void IconPanel::IconsChanged() {
 void IconPanel::moveEvent(QMoveEvent* event) {
   QWidget::moveEvent(event);
   if (!isVisible()) return;
-  const AutoLock settings(KestrinSettings::Protect);
-  KestrinSettings::IconPanelLocation = {static_cast<float>(geometry().x()),
-                                        static_cast<float>(geometry().y())};
-  KestrinSettings::Changed();
+  const AutoLock lock(settings_.Protect);
+  settings_.IconPanelLocation = {static_cast<float>(geometry().x()),
+                                 static_cast<float>(geometry().y())};
+  settings_.Changed();
 }
 
 void IconPanel::keyPressEvent(QKeyEvent* event) {

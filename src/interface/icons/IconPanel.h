@@ -14,7 +14,7 @@ class IconPanel final : public QWidget {
   Q_OBJECT
 
  public:
-  IconPanel(const IconChoice& now, QWidget* owner);
+  IconPanel(KestrinSettings& settings, const IconChoice& now, QWidget* owner);
   ~IconPanel() override;
 
   /// Closes the one that stands open and opens this one.
@@ -33,6 +33,7 @@ class IconPanel final : public QWidget {
  private:
   static IconPanel* Opened();
 
+  KestrinSettings& settings_;
   IconGrid* icons_;
   IconChoice now_;
 };

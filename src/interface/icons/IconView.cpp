@@ -84,7 +84,7 @@ void IconView::keyPressEvent(QKeyEvent* event) {
 
 void IconView::OpenMenu() {
   if (menu_ || !event_) return;
-  menu_ = new IconMenu(Now(), this);
+  menu_ = new IconMenu(event_->GetOwner()->GetContext().settings, Now(), this);
   connect(menu_, &IconMenu::Chosen, this, &IconView::Choose);
   connect(menu_, &IconMenu::FileWanted, this, &IconView::OpenFilePanel);
   connect(menu_, &IconMenu::PanelWanted, this, &IconView::OpenPanel);
@@ -107,7 +107,7 @@ void IconView::OpenFilePanel() {
 }
 
 void IconView::OpenPanel() {
-  panel_ = new IconPanel(Now(), window());
+  panel_ = new IconPanel(event_->GetOwner()->GetContext().settings, Now(), window());
   connect(panel_, &IconPanel::Chosen, this, &IconView::Choose);
   connect(panel_, &IconPanel::FileWanted, this, &IconView::OpenFilePanel);
   panel_->Open();
@@ -134,7 +134,7 @@ void IconView::Import(const QString& path) {
     return;
   }
   if (const int32 standard = StandardIconLike(*icon); standard >= 0) return Choose({standard, {}});
-  AddUserIcon(*icon);
+  AddUserIcon(event_->GetOwner()->GetContext().settings, *icon);
   IconPanel::IconsChanged();
   Choose({OwnIconNumber, *icon});
 }

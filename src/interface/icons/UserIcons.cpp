@@ -9,38 +9,38 @@ namespace kestrin {
 namespace {
 
 /// With Protect held. A stored count may promise more icons than there are.
-void Tell() {
-  KestrinSettings::NumberOfUserIcons = static_cast<int32>(KestrinSettings::UserMiniIcons.size());
-  KestrinSettings::Changed();
+void Tell(KestrinSettings& settings) {
+  settings.NumberOfUserIcons = static_cast<int32>(settings.UserMiniIcons.size());
+  settings.Changed();
 }
 
 }  // namespace
 
-std::vector<IconPair> UserIcons() {
-  const AutoLock settings(KestrinSettings::Protect);
-  const auto& large = KestrinSettings::UserLargeIcons;
-  const auto& mini = KestrinSettings::UserMiniIcons;
+std::vector<IconPair> UserIcons(KestrinSettings& settings) {
+  const AutoLock lock(settings.Protect);
+  const auto& large = settings.UserLargeIcons;
+  const auto& mini = settings.UserMiniIcons;
   std::vector<IconPair> icons;
   for (size_t i = 0; i < std::min(large.size(), mini.size()); ++i)
     icons.push_back({large[i], mini[i]});
   return icons;
 }
 
-void AddUserIcon(const IconPair& icon) {
-  const AutoLock settings(KestrinSettings::Protect);
-  if (KestrinSettings::WhichUserIcon(icon) >= 0) return;
-  KestrinSettings::UserMiniIcons.push_back(icon.mini);
-  KestrinSettings::UserLargeIcons.push_back(icon.large);
-  Tell();
+void AddUserIcon(KestrinSettings& settings, const IconPair& icon) {
+  const AutoLock lock(settings.Protect);
+  if (settings.WhichUserIcon(icon) >= 0) return;
+  settings.UserMiniIcons.push_back(icon.mini);
+  settings.UserLargeIcons.push_back(icon.large);
+  Tell(settings);
 }
 
-void RemoveUserIcon(const IconPair& icon) {
-  const AutoLock settings(KestrinSettings::Protect);
-  const int32 at = KestrinSettings::WhichUserIcon(icon);
+void RemoveUserIcon(KestrinSettings& settings, const IconPair& icon) {
+  const AutoLock lock(settings.Protect);
+  const int32 at = settings.WhichUserIcon(icon);
   if (at < 0) return;
-  KestrinSettings::UserMiniIcons.erase(KestrinSettings::UserMiniIcons.begin() + at);
-  KestrinSettings::UserLargeIcons.erase(KestrinSettings::UserLargeIcons.begin() + at);
-  Tell();
+  settings.UserMiniIcons.erase(settings.UserMiniIcons.begin() + at);
+  settings.UserLargeIcons.erase(settings.UserLargeIcons.begin() + at);
+  Tell(settings);
 }
 
 }  // namespace kestrin

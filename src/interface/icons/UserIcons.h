@@ -7,9 +7,11 @@
 
 namespace kestrin {
 
-std::vector<IconPair> UserIcons();
+class KestrinSettings;
+
+std::vector<IconPair> UserIcons(KestrinSettings& settings);
 /// Nothing happens when the icon is there already, or is not.
-void AddUserIcon(const IconPair& icon);
-void RemoveUserIcon(const IconPair& icon);
+void AddUserIcon(KestrinSettings& settings, const IconPair& icon);
+void RemoveUserIcon(KestrinSettings& settings, const IconPair& icon);
 
 }  // namespace kestrin

@@ -3,6 +3,7 @@
 #include "core/events/Event.h"
 #include "core/events/EventSet.h"
 #include "core/events/HandlerTable.h"
+#include "core/settings/KestrinSettings.h"
 #include "core/timing/DateTimeText.h"
 #include "core/timing/EventTypes.h"
 #include "interface/common/ShownText.h"
@@ -16,14 +17,15 @@ constexpr std::array<const char*, NumberOfColumns> Labels = {
     "", "Name", "Event time", "Next message time", "Handler", "Status"};
 
 QString TimeText(const Event& event, int32 time) {
-  const Zone& zone = event.GetOwner()->GetContext().zone;
+  const Context& context = event.GetOwner()->GetContext();
   return ShownText(
-      GetDateTimeString(time, event.GetApplyTime(), zone, KestrinSettings::Time24Hour));
+      GetDateTimeString(time, event.GetApplyTime(), context.zone, context.settings.Time24Hour));
 }
 
 QString HandlerText(const Event& event) {
-  const auto row = static_cast<size_t>(event.GetSelectedHandler());
-  return row < AddOnNames.size() ? ShownLine(AddOnNames[row]) : QString();
+  const HandlerTable& handlers = event.GetOwner()->GetContext().handlers;
+  const int32 row = event.GetSelectedHandler();
+  return handlers.Has(row) ? ShownLine(handlers.NameOf(row)) : QString();
 }
 
 QString StatusText(const Event& event) {

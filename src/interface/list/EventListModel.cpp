@@ -24,7 +24,7 @@ QVariant IconCell(const Event& event, int role) {
 
 }  // namespace
 
-EventListModel::EventListModel(EventSet& set) : set_(set) {
+EventListModel::EventListModel(EventSet& set) : set_(set), order_(set.GetContext().handlers) {
   std::vector<Event*> events;
   events.reserve(set.Events().size());
   for (const auto& event : set.Events()) events.push_back(event.get());

@@ -14,9 +14,9 @@ namespace {
 constexpr int32 InactiveStatus = 4;
 
 /// Row of the handler table -> place of its name among all names, equal names sharing one.
-std::vector<int32> RankHandlers() {
+std::vector<int32> RankHandlers(const HandlerTable& handlers) {
   std::vector<std::string> names;
-  for (const char* name : AddOnNames) names.push_back(FoldedText(name));
+  for (const HandlerTable::Row& row : handlers.Rows()) names.push_back(FoldedText(row.AddOnName));
   std::vector<std::string> sorted = names;
   std::sort(sorted.begin(), sorted.end());
   std::vector<int32> ranks;
@@ -28,7 +28,7 @@ std::vector<int32> RankHandlers() {
 
 }  // namespace
 
-EventOrder::EventOrder() : handlerRanks_(RankHandlers()) {}
+EventOrder::EventOrder(const HandlerTable& handlers) : handlerRanks_(RankHandlers(handlers)) {}
 
 int32 EventOrder::HandlerRank(int32 handler) const {
   const auto row = static_cast<size_t>(handler);

@@ -11,6 +11,7 @@
 namespace kestrin {
 
 class Event;
+class HandlerTable;
 
 /// Numbers of the list's columns. They stand in set files.
 enum Columns : int32 {
@@ -33,7 +34,7 @@ struct SortKey {
 /// event is found where it stood until Resort moves it.
 class EventOrder {
  public:
-  EventOrder();
+  explicit EventOrder(const HandlerTable& handlers);
   EventOrder(const EventOrder&) = delete;
   EventOrder& operator=(const EventOrder&) = delete;
 

@@ -1,7 +1,7 @@
 // The list of a set's events.
 #pragma once
 
-#include "core/settings/KestrinSettings.h"
+#include "core/settings/SetLayout.h"
 #include "interface/list/ColumnListView.h"
 #include "interface/list/EventListModel.h"
 #include "interface/list/EventSetViewInterface.h"

@@ -6,7 +6,7 @@
 #include <QStyleOptionHeader>
 #include <algorithm>
 
-#include "core/settings/KestrinSettings.h"
+#include "core/settings/SetLayout.h"
 
 namespace kestrin {
 

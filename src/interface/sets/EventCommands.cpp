@@ -2,6 +2,7 @@
 
 #include "core/events/EventSet.h"
 #include "core/ports/UserInterface.h"
+#include "core/settings/KestrinSettings.h"
 #include "interface/list/ListEventView.h"
 #include "interface/sets/EventClipboard.h"
 
@@ -14,7 +15,7 @@ void EventCommands::New() {
   if (!set_) return;
   Event* event = nullptr;
   {
-    const AutoLock settings(KestrinSettings::Protect);
+    const AutoLock settings(set_->GetContext().settings.Protect);
     const AutoLock lock(*set_);
     event = set_->AddEvent(nullptr);
   }
@@ -28,7 +29,7 @@ void EventCommands::Select(const Event* event) {
 
 void EventCommands::Edit(Event* event) {
   if (!set_ || !event) return;
-  const AutoLock settings(KestrinSettings::Protect);
+  const AutoLock settings(set_->GetContext().settings.Protect);
   const AutoLock lock(*set_);
   event->OpenWindow();
 }
@@ -62,7 +63,7 @@ void EventCommands::Paste() {
   event->SetShouldWindowOpen(false);
   const Event* added = nullptr;
   {
-    const AutoLock settings(KestrinSettings::Protect);
+    const AutoLock settings(set_->GetContext().settings.Protect);
     const AutoLock lock(*set_);
     added = set_->AddEvent(std::move(event));
   }

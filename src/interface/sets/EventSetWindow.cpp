@@ -11,6 +11,7 @@
 #include "core/app/DocumentApp.h"
 #include "core/events/EventSet.h"
 #include "core/loop/MessageCodes.h"
+#include "core/settings/KestrinSettings.h"
 #include "interface/common/DroppedFiles.h"
 #include "interface/common/Frames.h"
 #include "interface/common/ShownText.h"
@@ -86,9 +87,10 @@ void EventSetWindow::ConnectCommands() {
 EventSetWindow::~EventSetWindow() { Detach(); }
 
 void EventSetWindow::OpenAtFrame() {
-  const Rect fallback = KestrinSettings::SetWindowPosition.DefaultFrame();
+  const Rect fallback = set_->GetContext().settings.SetWindowPosition.DefaultFrame();
+  const Rect usual = SetLayout().WindowFrame;
   Rect frame = set_->Layout().WindowFrame;
-  const bool isChosen = frame.right - frame.left != InitialSetWindow.right - InitialSetWindow.left;
+  const bool isChosen = frame.right - frame.left != usual.right - usual.left;
   const auto needed = static_cast<float>(list_->WidthOfColumns());
   if (!isChosen && frame.right - frame.left < needed) frame.right = frame.left + needed;
   opened_ = GeometryOnScreen(frame, fallback, minimumSizeHint());
@@ -227,19 +229,14 @@ void EventSetWindow::Detach() {
 }
 
 void EventSetWindow::RememberAsDefault() {
-  AutoLock settings(KestrinSettings::Protect);
-  if (!KestrinSettings::RememberWindowSetupAsDefault) return;
-  AutoLock lock(*set_);
-  const SetLayout& layout = set_->Layout();
-  KestrinSettings::SetWindowPosition.SetDefaultFrame(PlainFrameOf(*this));
-  KestrinSettings::ColumnOrder = layout.ColumnOrder;
-  KestrinSettings::ColumnShown = layout.ColumnShown;
-  KestrinSettings::ColumnWidth = layout.ColumnWidth;
-  KestrinSettings::NumberOfKeys = std::min(layout.NumberOfKeys, MaxSortKeys);
-  KestrinSettings::SortKeys = layout.SortKeys;
-  KestrinSettings::SortModes = layout.SortModes;
-  KestrinSettings::ViewMode = layout.ViewMode;
-  KestrinSettings::Changed();
+  KestrinSettings& settings = set_->GetContext().settings;
+  const AutoLock settingsLock(settings.Protect);
+  if (!settings.RememberWindowSetupAsDefault) return;
+  const AutoLock lock(*set_);
+  settings.SetWindowPosition.SetDefaultFrame(PlainFrameOf(*this));
+  settings.Layout = set_->Layout();
+  settings.Layout.NumberOfKeys = std::min(settings.Layout.NumberOfKeys, MaxSortKeys);
+  settings.Changed();
 }
 
 void EventSetWindow::closeEvent(QCloseEvent* event) {

@@ -9,6 +9,7 @@
 #include "core/loop/AlertDesk.h"
 #include "core/loop/MessageCodes.h"
 #include "core/loop/Notices.h"
+#include "core/settings/KestrinSettings.h"
 #include "interface/sets/SetFilePanel.h"
 
 namespace kestrin {
@@ -40,8 +41,8 @@ void SetSaving::Save() {
 
 void SetSaving::SaveAs() {
   if (!set_) return;
-  const AutoLock settings(KestrinSettings::Protect);
-  OpenPanel(KestrinSettings::IsFileRemembered(set_->GetFileName()));
+  const AutoLock settings(set_->GetContext().settings.Protect);
+  OpenPanel(set_->GetContext().settings.IsFileRemembered(set_->GetFileName()));
 }
 
 void SetSaving::Remember() {
@@ -134,8 +135,8 @@ void SetSaving::NameChosen(const std::string& file) {
 }
 
 bool SetSaving::IsAnothers(const std::string& file) const {
-  const AutoLock open(OpenSets::Protect);
-  const EventSet* const holder = OpenSets::FindFile(file);
+  const AutoLock open(set_->GetContext().openSets.Protect);
+  const EventSet* const holder = set_->GetContext().openSets.FindFile(file);
   return holder && holder != set_;
 }
 

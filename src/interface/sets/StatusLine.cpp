@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "core/events/EventSet.h"
+#include "core/settings/KestrinSettings.h"
 #include "core/timing/DateTimeText.h"
 #include "interface/common/ShownText.h"
 #include "interface/sets/ElidedLabel.h"
@@ -15,7 +16,7 @@
 namespace kestrin {
 
 QString RingingText(const EventSet& set) {
-  const int32 mode = KestrinSettings::WhichEventsToDeliver;
+  const int32 mode = set.GetContext().settings.WhichEventsToDeliver;
   if (mode < DeliverShown || mode >= DeliverNothing)
     return QStringLiteral("Silent – delivery is switched off in the settings");
   const bool shown = set.Delivers(true), closed = set.Delivers(false);
@@ -84,7 +85,7 @@ void StatusLine::ShowNext() {
   if (const Event* event = set_->GetNextEvent()) {
     const std::string when =
         GetDateTimeString(event->GetNextEventTime(), event->GetApplyTime(), set_->GetContext().zone,
-                          KestrinSettings::Time24Hour);
+                          set_->GetContext().settings.Time24Hour);
     next_->SetText("Next: " + ShownLine(event->GetName()), ", " + ShownText(when));
   } else {
     next_->SetText(set_->CountEvents() == 0 ? QStringLiteral("No events yet")

@@ -31,8 +31,9 @@ QString EmptyText() {
 
 }  // namespace
 
-SelectedSetsView::SelectedSetsView(QAbstractButton& forgetButton, QWidget* parent)
-    : QListWidget(parent), forgetButton_(forgetButton) {
+SelectedSetsView::SelectedSetsView(KestrinSettings& settings, QAbstractButton& forgetButton,
+                                   QWidget* parent)
+    : QListWidget(parent), settings_(settings), forgetButton_(forgetButton) {
   setItemDelegate(new RowDelegate(this));
   setSelectionMode(ExtendedSelection);
   setTextElideMode(Qt::ElideMiddle);
@@ -69,18 +70,18 @@ void SelectedSetsView::ShowPaths(const std::vector<std::string>& paths) {
 }
 
 void SelectedSetsView::UpdateListContents() {
-  if (shown_ != KestrinSettings::SetFileNames) ShowPaths(KestrinSettings::SetFileNames);
+  if (shown_ != settings_.SetFileNames) ShowPaths(settings_.SetFileNames);
 }
 
 void SelectedSetsView::ForgetSelected() {
   const std::vector<std::string> selected = SelectedPaths();
   if (selected.empty()) return;
-  std::vector<std::string>& names = KestrinSettings::SetFileNames;
+  std::vector<std::string>& names = settings_.SetFileNames;
   for (const std::string& path : selected)
     if (const auto found = std::find(names.begin(), names.end(), path); found != names.end())
       names.erase(found);
   UpdateListContents();
-  KestrinSettings::Changed();
+  settings_.Changed();
 }
 
 void SelectedSetsView::keyPressEvent(QKeyEvent* event) {

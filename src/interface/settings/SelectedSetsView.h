@@ -9,7 +9,9 @@ class QAbstractButton;
 
 namespace kestrin {
 
-/// Shows the files of KestrinSettings::SetFileNames in their order, and keeps the button that
+class KestrinSettings;
+
+/// Shows the remembered files in their order, and keeps the button that
 /// forgets them in step. Paths too long for the view are cut in the middle and shown whole in a
 /// tool tip.
 class SelectedSetsView final : public QListWidget {
@@ -17,9 +19,10 @@ class SelectedSetsView final : public QListWidget {
 
  public:
   /// `forgetButton` outlives the view or goes with the same parent.
-  explicit SelectedSetsView(QAbstractButton& forgetButton, QWidget* parent = nullptr);
+  SelectedSetsView(KestrinSettings& settings, QAbstractButton& forgetButton,
+                   QWidget* parent = nullptr);
 
-  /// Both are called with KestrinSettings::Protect held. What is selected stays so.
+  /// Both are called with the settings locked. What is selected stays so.
   void UpdateListContents();
   void ForgetSelected();
 
@@ -36,6 +39,7 @@ class SelectedSetsView final : public QListWidget {
   void AddPath(const std::string& path);
   void ShowPaths(const std::vector<std::string>& paths);
 
+  KestrinSettings& settings_;
   std::vector<std::string> shown_;
   QAbstractButton& forgetButton_;
 };

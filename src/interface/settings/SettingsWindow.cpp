@@ -12,35 +12,30 @@
 
 namespace kestrin {
 
-namespace {
-
-constexpr Rect UsualFrame{60, 50, 342, 350};
-
-}  // namespace
-
-SettingsWindow::SettingsWindow(DocumentApp& application) : SideWindow(application) {
+SettingsWindow::SettingsWindow(KestrinSettings& settings, DocumentApp& application)
+    : SideWindow(application), settings_(settings) {
   setObjectName("settingsWindow");
   setWindowTitle("Kestrin settings");
   auto* column = new QVBoxLayout(this);
   column->addWidget(MakeCheckBox("rememberDefaults", "Remember &window defaults",
-                                 KestrinSettings::RememberWindowSetupAsDefault));
+                                 settings_.RememberWindowSetupAsDefault));
   auto* menus = new QFormLayout;
   menus->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
   AddMenu(*menus, "deliverEvents", "&Deliver events from:",
           {"Open sets only", "Open sets and remembered sets", "Remembered sets only",
            "Remembered sets unless open", "Do not deliver events"},
-          KestrinSettings::WhichEventsToDeliver);
+          settings_.WhichEventsToDeliver);
   AddMenu(*menus, "openRemembered",
           "&Open remembered sets:", {"Always", "If no other sets are opened", "Don't open"},
-          KestrinSettings::SelectedSetHandling);
+          settings_.SelectedSetHandling);
   column->addLayout(menus);
-  column->addWidget(MakeCheckBox("clock24", "24-hour &clock", KestrinSettings::Time24Hour));
+  column->addWidget(MakeCheckBox("clock24", "24-hour &clock", settings_.Time24Hour));
   column->addSpacing(style()->pixelMetric(QStyle::PM_LayoutVerticalSpacing, nullptr, this));
   column->addLayout(MakeList(), 1);
   SettingsChanged();
-  const AutoLock lock(KestrinSettings::Protect);
-  setGeometry(
-      GeometryOnScreen(KestrinSettings::SettingsWindowFrame, UsualFrame, minimumSizeHint()));
+  const AutoLock lock(settings_.Protect);
+  setGeometry(GeometryOnScreen(settings_.SettingsWindowFrame, SettingsValues().SettingsWindowFrame,
+                               minimumSizeHint()));
 }
 
 QCheckBox* SettingsWindow::MakeCheckBox(const char* objectName, const QString& label,
@@ -48,10 +43,10 @@ QCheckBox* SettingsWindow::MakeCheckBox(const char* objectName, const QString& l
   auto* box = new QCheckBox(label);
   box->setObjectName(objectName);
   show_.emplace_back([box, &setting] { box->setChecked(setting); });
-  connect(box, &QCheckBox::clicked, this, [&setting](bool on) {
-    const AutoLock lock(KestrinSettings::Protect);
+  connect(box, &QCheckBox::clicked, this, [this, &setting](bool on) {
+    const AutoLock lock(settings_.Protect);
     setting = on;
-    KestrinSettings::Changed();
+    settings_.Changed();
   });
   return box;
 }
@@ -65,10 +60,10 @@ void SettingsWindow::AddMenu(QFormLayout& form, const char* objectName, const QS
   show_.emplace_back([menu, &setting] {
     menu->setCurrentIndex(setting >= 0 && setting < menu->count() ? setting : -1);
   });
-  connect(menu, &QComboBox::activated, this, [&setting](int index) {
-    const AutoLock lock(KestrinSettings::Protect);
+  connect(menu, &QComboBox::activated, this, [this, &setting](int index) {
+    const AutoLock lock(settings_.Protect);
     setting = index;
-    KestrinSettings::Changed();
+    settings_.Changed();
   });
 }
 
@@ -76,7 +71,7 @@ QLayout* SettingsWindow::MakeList() {
   auto* label = new QLabel("Remembered &sets:");
   auto* forget = new QPushButton("&Forget selected");
   forget->setObjectName("forgetSelected");
-  sets_ = new SelectedSetsView(*forget);
+  sets_ = new SelectedSetsView(settings_, *forget);
   sets_->setObjectName("rememberedSets");
   sets_->setAccessibleName("Remembered sets");
   label->setBuddy(sets_);
@@ -91,20 +86,20 @@ QLayout* SettingsWindow::MakeList() {
 }
 
 void SettingsWindow::SettingsChanged() {
-  const AutoLock lock(KestrinSettings::Protect);
+  const AutoLock lock(settings_.Protect);
   for (const auto& show : show_) show();
 }
 
 void SettingsWindow::ForgetSelected() {
-  const AutoLock lock(KestrinSettings::Protect);
+  const AutoLock lock(settings_.Protect);
   sets_->ForgetSelected();
 }
 
 void SettingsWindow::Closing() {
-  const AutoLock lock(KestrinSettings::Protect);
-  if (!KestrinSettings::RememberWindowSetupAsDefault) return;
-  KestrinSettings::SettingsWindowFrame = PlainFrameOf(*this);
-  KestrinSettings::Changed();
+  const AutoLock lock(settings_.Protect);
+  if (!settings_.RememberWindowSetupAsDefault) return;
+  settings_.SettingsWindowFrame = PlainFrameOf(*this);
+  settings_.Changed();
 }
 
 }  // namespace kestrin

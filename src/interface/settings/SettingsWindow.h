@@ -12,6 +12,7 @@ class QFormLayout;
 
 namespace kestrin {
 
+class KestrinSettings;
 class SelectedSetsView;
 
 /// Every change takes effect at once. Opens where the settings say and leaves its place there when
@@ -20,7 +21,7 @@ class SettingsWindow final : public SideWindow {
   Q_OBJECT
 
  public:
-  explicit SettingsWindow(DocumentApp& application);
+  SettingsWindow(KestrinSettings& settings, DocumentApp& application);
 
   /// Shows what the settings hold now.
   void SettingsChanged();
@@ -36,6 +37,7 @@ class SettingsWindow final : public SideWindow {
   QLayout* MakeList();
   void ForgetSelected();
 
+  KestrinSettings& settings_;
   std::vector<std::function<void()>> show_;  ///< for each control: brings it in step
   SelectedSetsView* sets_ = nullptr;
 };

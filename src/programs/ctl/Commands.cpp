@@ -45,8 +45,9 @@ const char* NameOf(DeliveryKind kind) {
 }
 
 /// Set files rarely hold one: the time of day belongs to an occurrence.
-std::string TimeText(int64 time, bool withTime, const Zone& zone) {
-  return GetDateTimeString(static_cast<int32>(time), withTime, zone, KestrinSettings::Time24Hour);
+std::string TimeText(int64 time, bool withTime, const Context& context) {
+  return GetDateTimeString(static_cast<int32>(time), withTime, context.zone,
+                           context.settings.Time24Hour);
 }
 
 bool PrintNextJson(const EventSet& set) {
@@ -68,20 +69,23 @@ bool PrintNextJson(const EventSet& set) {
   return json.Finish();
 }
 
-bool PrintNextTable(const EventSet& set, const Zone& zone) {
+bool PrintNextTable(const EventSet& set) {
   if (set.Events().empty()) return std::puts("No events.") >= 0;
+  const Context& context = set.GetContext();
   const TextTable table({"Name", "Event time", "Next message time", "Status"});
   return table.Print(stdout, set.Events().size(), [&](size_t row) -> TextTable::Row {
     const EventRecord& record = set.Events()[row]->Record();
     return {TextTable::Cell(record.Name),
-            TimeText(record.ActualEventTime, HasTimeOfDay(record), zone),
-            TimeText(record.NextEventTime, MessageHasTimeOfDay(record), zone), StatusText(record)};
+            TimeText(record.ActualEventTime, HasTimeOfDay(record), context),
+            TimeText(record.NextEventTime, MessageHasTimeOfDay(record), context),
+            StatusText(record)};
   });
 }
 
-std::string EventForPeople(const EventRecord& record, int64 now, const Zone& zone) {
+std::string EventForPeople(const EventRecord& record, int64 now, const Context& context) {
   constexpr size_t DatesShown = 5;
-  const bool use24Hours = KestrinSettings::Time24Hour;
+  const Zone& zone = context.zone;
+  const bool use24Hours = context.settings.Time24Hour;
   std::string text = TextTable::Cell(record.Name, NameWidth) + "\n";
   if (!record.Active) text += "  Inactive: it is not delivered.\n";
   text += "  " + RuleSentence(record, zone, use24Hours) + "\n";
@@ -115,7 +119,7 @@ bool PrintAgendaJson(const std::vector<AgendaEntry>& entries, const SetPaths& se
 }
 
 bool PrintAgendaTable(const std::vector<AgendaEntry>& entries, const SetPaths& sets,
-                      const Zone& zone) {
+                      const Context& context) {
   if (entries.empty()) return std::puts("Nothing comes due in that time.") >= 0;
   TextTable::Row header = {"Time", "Delivery", "Event"};
   if (sets.size() > 1) header.emplace_back("Set");
@@ -124,7 +128,8 @@ bool PrintAgendaTable(const std::vector<AgendaEntry>& entries, const SetPaths& s
     const AgendaEntry& entry = entries[row];
     std::string kind = NameOf(entry.Kind);
     if (entry.Missed) kind += " (missed)";
-    TextTable::Row cells = {TimeText(entry.Time, true, zone), kind, TextTable::Cell(entry.Event)};
+    TextTable::Row cells = {TimeText(entry.Time, true, context), kind,
+                            TextTable::Cell(entry.Event)};
     if (sets.size() > 1) cells.push_back(TextTable::Cell(sets.at(entry.Set), PathWidth));
     return cells;
   });
@@ -136,7 +141,7 @@ bool GatherAgenda(VirtualEngine& engine, const CtlArguments& arguments,
   const AgendaRequest request{arguments.from, arguments.to, arguments.startup};
   std::unordered_set<std::string> seen;
   size_t pathText = 0;
-  KestrinSettings::WhichEventsToDeliver = DeliverRemembered;
+  engine.settings.WhichEventsToDeliver = DeliverRemembered;
   for (const std::string& file : arguments.files) {
     if (!seen.insert(engine.files.Canonical(file)).second) continue;
     engine.clock.Time = arguments.from;
@@ -144,7 +149,7 @@ bool GatherAgenda(VirtualEngine& engine, const CtlArguments& arguments,
     const EventSet* const set = ReadSet(engine, file, &report);
     if (!set) return false;
     sets[set->GetHandle()] = file;
-    KestrinSettings::SetFileNames = {set->GetFileName()};
+    engine.settings.SetFileNames = {set->GetFileName()};
     const size_t before = entries.size();
     const bool whole = ComputeAgenda(engine, request, entries);
     pathText += (entries.size() - before) * file.size();
@@ -152,7 +157,7 @@ bool GatherAgenda(VirtualEngine& engine, const CtlArguments& arguments,
       Complain(file, "there would be too many deliveries in that time; ask for a shorter one");
       return false;
     }
-    OpenSets::Sets.clear();
+    engine.openSets.Sets.clear();
   }
   if (sets.size() > 1)
     std::stable_sort(entries.begin(), entries.end(), [](const auto& a, const auto& b) {
@@ -191,8 +196,8 @@ EventSet* ReadSet(VirtualEngine& engine, const std::string& path, SetFileReport*
     Complain(path, report->Fault);
     return nullptr;
   }
-  OpenSets::Sets.push_back(std::move(set));
-  return OpenSets::Sets.back().get();
+  engine.openSets.Sets.push_back(std::move(set));
+  return engine.openSets.Sets.back().get();
 }
 
 int WrittenOut(bool written) {
@@ -207,8 +212,7 @@ int Next(VirtualEngine& engine, const CtlArguments& arguments) {
   EventSet* const set = ReadSet(engine, arguments.files[0], &report);
   if (!set) return ExitFailure;
   for (const auto& event : set->Events()) event->UpdateEventTime();
-  return WrittenOut(arguments.json ? PrintNextJson(*set)
-                                   : PrintNextTable(*set, engine.context.zone));
+  return WrittenOut(arguments.json ? PrintNextJson(*set) : PrintNextTable(*set));
 }
 
 int Show(VirtualEngine& engine, const CtlArguments& arguments) {
@@ -218,7 +222,7 @@ int Show(VirtualEngine& engine, const CtlArguments& arguments) {
   if (set->Events().empty()) return WrittenOut(std::puts("No events.") >= 0);
   bool written = true;
   for (const auto& event : set->Events()) {
-    const std::string text = EventForPeople(event->Record(), arguments.at, engine.context.zone);
+    const std::string text = EventForPeople(event->Record(), arguments.at, engine.context);
     written = written && std::fputs(text.c_str(), stdout) >= 0;
   }
   return WrittenOut(std::fflush(stdout) == 0 && written);
@@ -229,7 +233,7 @@ int AgendaCommand(VirtualEngine& engine, const CtlArguments& arguments) {
   std::vector<AgendaEntry> entries;
   if (!GatherAgenda(engine, arguments, entries, sets)) return ExitFailure;
   return WrittenOut(arguments.json ? PrintAgendaJson(entries, sets)
-                                   : PrintAgendaTable(entries, sets, engine.context.zone));
+                                   : PrintAgendaTable(entries, sets, engine.context));
 }
 
 int Check(VirtualEngine& engine, const CtlArguments& arguments) {
@@ -246,7 +250,7 @@ int Check(VirtualEngine& engine, const CtlArguments& arguments) {
     for (const auto& event : set->Events())
       if (const char* why = WhyRuleNeverYields(event->Record()); why && *why)
         lines += "  \"" + TextTable::Cell(event->GetName()) + "\": " + why + "\n";
-    OpenSets::Sets.clear();
+    engine.openSets.Sets.clear();
   }
   if (failed) return ExitFailure;
   return WrittenOut(std::fputs(lines.c_str(), stdout) >= 0 && std::fflush(stdout) == 0);

@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "core/events/Event.h"
+#include "core/settings/SetLayout.h"
 #include "core/timing/EventRecord.h"
 #include "programs/ctl/Commands.h"
 #include "programs/ctl/JsonWriter.h"

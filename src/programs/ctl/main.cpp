@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "core/events/AddOnServices.h"
 #include "core/ports/Clock.h"
 #include "core/timing/DateTimeText.h"
 #include "handlers/LoadEventHandlers.h"
@@ -121,6 +122,7 @@ int main(int argc, char** argv) {
   if (command == std::end(Commands))
     return Wrong(argc > 1 ? "there is no command \"" + std::string(name) + "\"" : "no command");
   VirtualEngine engine;
+  const kestrin::ServesAddOns serves(engine.context);
   CtlArguments arguments;
   const std::string wrong =
       Parse(*command, argc, argv, kestrin::SystemClock().Now(), engine.context.zone, arguments);

@@ -1,20 +1,22 @@
 // kestrin: edits event sets and delivers events; one process per session bus.
 #include <QApplication>
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "core/app/AppState.h"
 #include "core/app/KestrinApp.h"
+#include "core/events/AddOnServices.h"
+#include "core/events/HandlerTable.h"
+#include "core/events/OpenSets.h"
 #include "core/loop/AlertDesk.h"
 #include "core/loop/MessageCodes.h"
 #include "core/loop/Notices.h"
 #include "core/ports/Clock.h"
 #include "core/ports/Workers.h"
 #include "core/settings/BuiltInPrefs.h"
+#include "core/settings/KestrinSettings.h"
 #include "handlers/HandlerActions.h"
 #include "handlers/LoadEventHandlers.h"
 #include "interface/QtUserInterface.h"
@@ -55,14 +57,14 @@ struct Parts {
   AppParts ForApp() {
     return {background,
             bus,
-            settings,
+            store,
             ExecutableFolder(),
             StateFolder() + "/kestrin",
             [this] {
-              LoadEventHandlers(context, &settings, ExecutableFolder(),
+              LoadEventHandlers(context, &store, ExecutableFolder(),
                                 FromEnvironment("HOME") + UserAddOns);
             },
-            UnloadEventHandlers,
+            [this] { UnloadEventHandlers(context); },
             Zone::System,
             [] { QCoreApplication::exit(); }};
   }
@@ -78,10 +80,14 @@ struct Parts {
   SystemDesktop desktop;
   ThreadWorkers workers;
   HandlerActions actions;
-  Context context{clock,   files,   queue,   holds,          ui, alerts, notices,
-                  desktop, workers, actions, Zone::System(), 1};
+  KestrinSettings settings;
+  HandlerTable handlers;
+  Context context{clock,   files,   queue,    holds,    ui,       alerts,         notices, desktop,
+                  workers, actions, openSets, settings, handlers, Zone::System(), 1};
+  OpenSets openSets;
+  const ServesAddOns serves{context};
   BusBackground background{bus.Connection(), files};
-  SettingsStore settings{
+  SettingsStore store{
       OpenPrefs(files, ConfigFolder(), ExecutableFolder(), FromEnvironment("LIBRARY_PATH"))};
   KestrinApp app{context, ForApp()};
 };
@@ -117,8 +123,6 @@ int Run(int argc, char** argv) {
   if (const char* const answer = AnswerTo(argc, argv, Help, Version)) return Say(answer);
   const Start start{{argv + 1, argv + argc}, ActivationToken(), StartedByBus()};
   ForgetHowStarted();
-  BackgroundOnlyStartup =
-      std::find(argv + 1, argv + argc, std::string("-background")) != argv + argc;
   MessageQueue queue;
   ApplicationBus bus(queue);
   const Arrival arrival = bus.Arrive(start);
@@ -128,12 +132,13 @@ int Run(int argc, char** argv) {
   const std::optional<std::string> whyNoDisplay = WhyNoDisplay();
   const auto toolkit = BuildToolkit(argc, argv, !whyNoDisplay);
   bus.Dispatch();
-  if (whyNoDisplay && !BackgroundOnlyStartup && !queue.Holds(DELIVER_EVENTS)) {
+  const bool inBackground = KestrinApp::IsBackgroundStart(start.arguments);
+  if (whyNoDisplay && !inBackground && !queue.Holds(DELIVER_EVENTS)) {
     std::fprintf(stderr, "kestrin: no window can be opened: %s\n", whyNoDisplay->c_str());
     return 1;
   }
   // A person's start opens the user interface, whatever the bus had waiting.
-  if (!start.byBus && !BackgroundOnlyStartup && !whyNoDisplay) queue.Post(ACTIVATE);
+  if (!start.byBus && !inBackground && !whyNoDisplay) queue.Post(ACTIVATE);
   Parts parts(queue, bus);
   const int status = RunLoop(parts, start.arguments);
   // After a forced end commands may still be running in threads that know these parts.

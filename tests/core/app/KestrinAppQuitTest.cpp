@@ -60,17 +60,17 @@ TEST_F(KestrinAppQuitTest, AWindowThatAsksDecides) {
     EXPECT_EQ(window.CloseRequests, 1);
     EXPECT_EQ(window.Commits, 1) << "before it is asked";
     EXPECT_TRUE(It->App.IsQuitInProgress());
-    EXPECT_TRUE(QuitProcess && FullQuitProcess);
+    EXPECT_TRUE(It->App.QuitProcess && It->App.FullQuitProcess);
     if (cancels) {
       It->App.CancelQuitProcess();
-      EXPECT_FALSE(QuitProcess || FullQuitProcess);
+      EXPECT_FALSE(It->App.QuitProcess || It->App.FullQuitProcess);
     }
     CloseWindow();
     EXPECT_TRUE(It->Ended);
     EXPECT_EQ(NameIn(Work), "changed") << "saved without another question";
     EXPECT_EQ(It->Background.Times.empty(), !cancels);
     EXPECT_EQ(It->Background.Calls.back(), cancels ? "launch" : "quit");
-    EXPECT_EQ(NumberOfEventHandlers, 0) << "unloaded";
+    EXPECT_EQ(It->World.Handlers.NumberOfEventHandlers(), 0) << "unloaded";
   }
 }
 
@@ -110,7 +110,7 @@ TEST_F(KestrinAppQuitTest, WhatWaitsIsHandledBeforeAQuitIsDecided) {
     It->World.Queue.Post(waiting);
     Run();
     EXPECT_EQ(It->Ended, ends);
-    EXPECT_EQ(FullQuitProcess, ends) << "a window that opens cancels";
+    EXPECT_EQ(It->App.FullQuitProcess, ends) << "a window that opens cancels";
     EXPECT_EQ(Shown().size(), ends ? 0u : 2u);
   }
   for (const bool wakes : {true, false}) {
@@ -146,7 +146,7 @@ TEST_F(KestrinAppQuitTest, WhatArrivesWhileItLeavesIsServedAndThenItLeavesAgain)
     EXPECT_EQ(It->Ended, !opens);
     EXPECT_EQ(It->Bus.Left, opens ? 1 : 2);
     EXPECT_EQ(Delivered().size(), 1u);
-    EXPECT_FALSE(FullQuitProcess);
+    EXPECT_FALSE(It->App.FullQuitProcess);
     EXPECT_EQ(It->Background.Times.back(), Sunday + Day + Day) << "the deliverer is asked again";
   }
 }
@@ -211,7 +211,7 @@ TEST_F(KestrinAppQuitTest, AutomaticSavesReportOnceAndMakeNoCopy) {
 TEST_F(KestrinAppQuitTest, AForcedEndKeepsEverything) {
   StartEditing();
   Post(Message(NEW_EVENT_SET));
-  EventSet& untitled = *OpenSets::Sets.back();
+  EventSet& untitled = *It->World.Open.Sets.back();
   Event& event = *untitled.AddEvent(nullptr);
   ASSERT_EQ(Ui().EditorWindows.size(), 1u);
   Ui().EditorWindows[0]->WhenCommitting = [&event] { event.SetName("typed"); };

@@ -32,7 +32,7 @@ TEST_F(KestrinAppTest, TheSettingAndTheArgumentsSayWhatTheEditorShows) {
   WriteSet(Home, {});
   for (const auto& [handling, named, shown] : rows) {
     Remember({Work});
-    Configure([&] { KestrinSettings::SelectedSetHandling = handling; });
+    Configure([&](KestrinSettings& settings) { settings.SelectedSetHandling = handling; });
     Start(std::vector<std::string>(named ? 1 : 0, "/sets/../sets/Home.kestrin"));
     EXPECT_EQ(Shown(), shown) << "H = " << handling;
     EXPECT_NE(Set(Work), nullptr) << "loaded for delivery in any case";
@@ -54,7 +54,7 @@ TEST_F(KestrinAppTest, StartUpOnlyHandsTheTimeOverAndLeaves) {
   EXPECT_THAT(Shown(), IsEmpty());
   Start({"-backgrounds"});
   EXPECT_THAT(Shown(), ElementsAre(Work));
-  Configure([] { KestrinSettings::WhichEventsToDeliver = DeliverShown; });
+  Configure([](KestrinSettings& settings) { settings.WhichEventsToDeliver = DeliverShown; });
   Start({"-background"});
   EXPECT_EQ(It->Background.Times.back(), 0) << "nothing is shown, so nothing is pending";
 }
@@ -66,7 +66,7 @@ TEST_F(KestrinAppTest, RememberedFilesAreForgottenOnlyIfTheyAreGone) {
   Disk.Put("/sets/New", newer);
   Remember({"/sets/Gone", Work, "/sets/Bad", "/mnt/disk/Away", "/sets/New"});
   Start();
-  EXPECT_THAT(KestrinSettings::SetFileNames, ElementsAre(Work, "/mnt/disk/Away"));
+  EXPECT_THAT(It->World.Settings.SetFileNames, ElementsAre(Work, "/mnt/disk/Away"));
   EXPECT_THAT(
       Alerts(),
       ElementsAre(
@@ -108,9 +108,9 @@ TEST_F(KestrinAppTest, WhatWasDueInASetThatIsOpenedMayHaveBeenMissed) {
   EXPECT_THAT(Delivered(), ElementsAre("Tea missed"));
   // Shown alone delivers: a set that is loaded but not shown is like one that is not open.
   Remember({Home});
-  Configure([] {
-    KestrinSettings::WhichEventsToDeliver = DeliverShown;
-    KestrinSettings::SelectedSetHandling = ShowNever;
+  Configure([](KestrinSettings& settings) {
+    settings.WhichEventsToDeliver = DeliverShown;
+    settings.SelectedSetHandling = ShowNever;
   });
   Start();
   EXPECT_THAT(Delivered(), IsEmpty());
@@ -189,7 +189,7 @@ TEST_F(KestrinAppTest, AnotherZoneRecomputesAllButTheOverdueAndTheNagging) {
   SystemZone = Zone::Load("Asia/Tokyo").value();
   Post(Message(DELIVER_EVENTS));
   EXPECT_THAT(nextTimes(), ElementsAre(25, 9, 7));
-  EXPECT_EQ(KestrinSettings::ZoneName, "Asia/Tokyo");
+  EXPECT_EQ(It->World.Settings.ZoneName, "Asia/Tokyo");
 }
 
 TEST_F(KestrinAppTest, TheDelivererIsStartedAndItsFailuresAreToldOnce) {
@@ -217,7 +217,7 @@ TEST_F(KestrinAppTest, TheDelivererIsStartedAndItsFailuresAreToldOnce) {
     It->Background.OfName = row.name;
     It->Background.OfFile = row.file;
     It->Background.Calls.clear();
-    AlreadyToldUser = row.told;
+    It->App.AlreadyToldUser = row.told;
     It->App.LaunchBackgroundApp(nullptr);
     Run();
     ASSERT_EQ(Alerts().size(), row.texts.size());
@@ -226,7 +226,7 @@ TEST_F(KestrinAppTest, TheDelivererIsStartedAndItsFailuresAreToldOnce) {
       Answer(0);
     }
     EXPECT_EQ(It->Background.Calls, row.calls);
-    EXPECT_EQ(AlreadyToldUser, row.toldThen);
+    EXPECT_EQ(It->App.AlreadyToldUser, row.toldThen);
   }
   It->Background.OfName = It->Background.OfFile = Failed;
   CloseWindow();

@@ -52,14 +52,13 @@ class AgendaTest : public SetTestBase {
  protected:
   /// Two sets whose times were last computed two days before the stretch.
   void OpenRandomSets(Context& context, unsigned seed) {
-    OpenSets::Sets.clear();
     std::mt19937 random(seed);
     context.zone = Zone::Load("Europe/Berlin").value();
     for (int number = 0; number < 2; ++number) {
       const std::string name = "set " + std::to_string(number);
-      OpenSets::Sets.push_back(std::make_unique<EventSet>(context, name));
-      EventSet& set = *OpenSets::Sets.back();
-      KestrinSettings::RememberSet(name);
+      context.openSets.Sets.push_back(std::make_unique<EventSet>(context, name));
+      EventSet& set = *context.openSets.Sets.back();
+      context.settings.RememberSet(name);
       for (int i = 0; i < 12; ++i)
         set.AddEvent(std::make_unique<Event>(
                          set, RandomRecord(random, name + " event " + std::to_string(i))))
@@ -80,7 +79,7 @@ class AgendaTest : public SetTestBase {
     OpenRandomSets(world.Core, Seed);
     world.Time.JumpTo(From);
     if (!startup)
-      for (const auto& set : OpenSets::Sets)
+      for (const auto& set : world.Open.Sets)
         for (const auto& event : set->Events()) event->UpdateEventTime();
     pass.SetCounterForNextEvent(startup);
     std::vector<std::string> lines;
@@ -92,7 +91,6 @@ class AgendaTest : public SetTestBase {
       for (const auto& each : std::exchange(world.Actions.Deliveries, {}))
         lines.push_back(Line(time, each.Kind, each.Name, each.Missed));
     }
-    OpenSets::Sets.clear();
     return lines;
   }
 
@@ -105,12 +103,11 @@ class AgendaTest : public SetTestBase {
     const char* const kinds[] = {"prewarning", "event", "nag"};
     std::vector<std::string> lines;
     for (const AgendaEntry& entry : entries) {
-      const EventSet* const set = OpenSets::Sets[entry.Event < "set 1" ? 0 : 1].get();
+      const EventSet* const set = engine.openSets.Sets[entry.Event < "set 1" ? 0 : 1].get();
       EXPECT_EQ(entry.Set, set->GetHandle());
       lines.push_back(
           Line(entry.Time, kinds[static_cast<int>(entry.Kind)], entry.Event, entry.Missed));
     }
-    OpenSets::Sets.clear();
     return lines;
   }
 

@@ -53,15 +53,15 @@ TEST_F(DeliveryPassTest, TheSettingSaysWhichSetsDeliver) {
               {4, {false, false, false, false}}};
   for (const auto& [mode, expected] : rows)
     for (size_t i = 0; i < 4; ++i) {
-      KestrinSettings::WhichEventsToDeliver = mode;
+      World.Settings.WhichEventsToDeliver = mode;
       EventSet& set = NewSet("/sets/" + std::to_string(i));
       Add(set, OnceAt(Now));
       if (i % 2 == 1) set.OpenWindow();
-      if (i < 2) KestrinSettings::ForgetSet(set.GetFileName());
+      if (i < 2) World.Settings.ForgetSet(set.GetFileName());
       Pass.SetCounterForNextEvent(false);
       EXPECT_EQ(Delivered().size(), expected[i] ? 1u : 0u) << "mode " << mode << ", set " << i;
       if (set.GetWindow()) World.Ui.SetWindows[0]->CloseNow();
-      OpenSets::Sets.clear();
+      World.Open.Sets.clear();
       World.RunMessages();
     }
 }
@@ -210,7 +210,7 @@ TEST_F(DeliveryPassTest, AReplyActsOnlyOnTheEventAndOccurrenceItIsFor) {
     EXPECT_EQ(World.Holding.Count(), 0) << "the hold is given back in any case";
     while (World.Queue.Take()) {
     }
-    OpenSets::Sets.clear();
+    World.Open.Sets.clear();
   }
 }
 
@@ -310,7 +310,7 @@ TEST_F(DeliveryPassTest, TheTableOfStatesOnThePageHolds) {
     EXPECT_TRUE(World.Queue.Holds(EVENT_DEALT_WITH));
     while (World.Queue.Take()) {
     }
-    OpenSets::Sets.clear();
+    World.Open.Sets.clear();
   }
 }
 

@@ -120,8 +120,8 @@ TEST_F(EventSetTest, AClosedWindowEndsTheSetUnlessItDeliversUnseen) {
   for (const auto& each : cases) {
     SCOPED_TRACE(testing::Message() << "mode " << each.mode << ", remembered " << each.remembered);
     EventSet& set = NewSet();
-    KestrinSettings::WhichEventsToDeliver = each.mode;
-    if (!each.remembered) KestrinSettings::ForgetSet(set.GetFileName());
+    World.Settings.WhichEventsToDeliver = each.mode;
+    if (!each.remembered) World.Settings.ForgetSet(set.GetFileName());
     for (int i = 0; i < 3; ++i) Add(set, DailyAt(Sunday + Day)).OpenWindow();
     set.OpenWindow();
     FakeSetWindow& window = *World.Ui.SetWindows[0];
@@ -129,10 +129,10 @@ TEST_F(EventSetTest, AClosedWindowEndsTheSetUnlessItDeliversUnseen) {
     World.Messages.clear();
     window.CloseNow();
     EXPECT_THAT(World.Ui.EditorWindows, IsEmpty());
-    ASSERT_EQ(OpenSets::Sets.size(), each.kept ? 1u : 0u);
+    ASSERT_EQ(World.Open.Sets.size(), each.kept ? 1u : 0u);
     World.RunMessages();
     EXPECT_EQ(World.CountMessages(EVENT_SETS_CHANGED), each.told ? 1 : 0);
-    OpenSets::Sets.clear();
+    World.Open.Sets.clear();
   }
 }
 

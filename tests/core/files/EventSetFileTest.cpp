@@ -97,7 +97,7 @@ TEST_F(EventSetFileTest, AnIconThatIsNotWholeIsLeftOut) {
     record.IconNumber = -2;
     Add(set, record).AdoptIcon(std::make_unique<IconPair>(icon));
     ASSERT_TRUE(set.SaveData());
-    OpenSets::Sets.clear();
+    World.Open.Sets.clear();
     const auto again = Read(Path);
     ASSERT_TRUE(again) << Report.Fault;
     EXPECT_EQ(again->Events()[0]->Record().IconNumber, saved);
@@ -140,7 +140,7 @@ TEST_F(EventSetSaveTest, AFailureAnywhereLosesNeitherTheFileNorTheChanges) {
         Door.FailAt = 0;
         if (!Door.HasFailed()) {
           ASSERT_GT(n, 8) << "too few calls for a whole replacement";
-          OpenSets::Sets.clear();
+          World.Open.Sets.clear();
           break;
         }
         SCOPED_TRACE("call " + std::to_string(n) + ", " + Door.Failed);
@@ -156,25 +156,25 @@ TEST_F(EventSetSaveTest, AFailureAnywhereLosesNeitherTheFileNorTheChanges) {
         EXPECT_EQ(NameIn(Path), "Butter");
         EXPECT_EQ(set.GetFileName(), Path);
         EXPECT_THAT(Notices(), IsEmpty()) << "nobody else has written";
-        OpenSets::Sets.clear();
+        World.Open.Sets.clear();
       }
 }
 
 TEST_F(EventSetSaveTest, AFileThatOthersHaveChangedIsLeftAlone) {
   for (const bool remembered : {true, false}) {
     EventSet& set = SavedSet();
-    if (!remembered) KestrinSettings::ForgetSet(Path);
+    if (!remembered) World.Settings.ForgetSet(Path);
     const std::string theirs = "somebody else's bytes";
     Disk.Put(Path, theirs);
     set.Events()[0]->SetName("Toast");
     // As the application does it: with the list locked.
-    const AutoLock settings(KestrinSettings::Protect);
-    const AutoLock open(OpenSets::Protect);
+    const AutoLock settings(World.Settings.Protect);
+    const AutoLock open(World.Open.Protect);
     ASSERT_TRUE(set.SaveData(SavedBy::Itself));
     EXPECT_EQ(Disk.Bytes(Path), theirs);
     EXPECT_EQ(set.GetFileName(), Beside);
     EXPECT_EQ(NameIn(Beside), "Toast");
-    EXPECT_EQ(KestrinSettings::IsFileRemembered(Beside), remembered);
+    EXPECT_EQ(World.Settings.IsFileRemembered(Beside), remembered);
     EXPECT_THAT(Notices(),
                 ElementsAre("The event set \"Work.kestrin\" was changed by another program since "
                             "Kestrin read it.  Your events were saved beside it as \"Work (kept "
@@ -185,14 +185,14 @@ TEST_F(EventSetSaveTest, AFileThatOthersHaveChangedIsLeftAlone) {
     EXPECT_THAT(Notices(), IsEmpty()) << "it stays with that name";
     Disk.Remove(Beside);
     Disk.Remove(Path);
-    OpenSets::Sets.clear();
-    KestrinSettings::SetFileNames.clear();
+    World.Open.Sets.clear();
+    World.Settings.SetFileNames.clear();
   }
 }
 
 TEST_F(EventSetSaveTest, ADownloadedSetStaysMarkedUntilTheUserSavesIt) {
   SavedSet();
-  OpenSets::Sets.clear();
+  World.Open.Sets.clear();
   Disk.SetAttribute(Path, Origin, "https://example.org/set");
   auto set = Read(Path);
   ASSERT_TRUE(set->IsDownloaded());

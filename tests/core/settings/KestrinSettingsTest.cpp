@@ -20,7 +20,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-using Settings = KestrinSettings;
 
 constexpr const char* File = "/c/Kestrin/KestrinSettings.json";
 constexpr uint32 Long = FourCharCode("LONG"), Bool = FourCharCode("BOOL"),
@@ -32,65 +31,65 @@ std::string BytesOf(int32 value) {
 
 std::array<float, 4> Sides(Rect rect) { return {rect.left, rect.top, rect.right, rect.bottom}; }
 
-// Every member that a key may change, as one text.
-std::string Snapshot() {
-  return testing::PrintToString(std::tuple(
-             Settings::SetFileNames, Settings::SelectedSetHandling, Settings::WhichEventsToDeliver,
-             Settings::ViewMode, Settings::NumberOfKeys, Settings::NumberOfUserIcons,
-             Settings::Time24Hour, Settings::RememberWindowSetupAsDefault, Settings::UserMiniIcons,
-             Settings::UserLargeIcons, Settings::ZoneName)) +
-         testing::PrintToString(std::tuple(
-             Sides(Settings::SetWindowPosition.DefaultFrame()),
-             Sides(Settings::EventWindowPosition.DefaultFrame()),
-             Sides(Settings::SettingsWindowFrame), Settings::ColumnOrder, Settings::ColumnShown,
-             Settings::ColumnWidth, Settings::SortKeys, Settings::SortModes,
-             Settings::IconPanelLocation.x, Settings::IconPanelLocation.y));
-}
-
 struct KestrinSettingsTest : testing::Test {
   TestContext context;
+  KestrinSettings& Settings = context.Settings;
   MemoryFileDoor disk;
   FailingFileDoor door{disk};
   std::unique_ptr<SettingsStore> store;
 
   KestrinSettingsTest() { Restart(); }
-  ~KestrinSettingsTest() override { Settings::Reset(); }
 
   /// As at the start of the program, with what was saved.
   void Restart() {
-    Settings::Reset();
+    static_cast<SettingsValues&>(Settings) = {};
     store = std::make_unique<SettingsStore>(MakeBuiltInPrefs(door, "/c"));
   }
-  void Init() { InitSettings(*store, context.Notes); }
-  void Write() { WriteSettings(*store, context.Notes); }
+  // Every member that a key may change, as one text.
+  std::string Snapshot() const {
+    return testing::PrintToString(std::tuple(
+               Settings.SetFileNames, Settings.SelectedSetHandling, Settings.WhichEventsToDeliver,
+               Settings.Layout.ViewMode, Settings.Layout.NumberOfKeys, Settings.NumberOfUserIcons,
+               Settings.Time24Hour, Settings.RememberWindowSetupAsDefault, Settings.UserMiniIcons,
+               Settings.UserLargeIcons, Settings.ZoneName)) +
+           testing::PrintToString(
+               std::tuple(Sides(Settings.SetWindowPosition.DefaultFrame()),
+                          Sides(Settings.EventWindowPosition.DefaultFrame()),
+                          Sides(Settings.SettingsWindowFrame), Settings.Layout.ColumnOrder,
+                          Settings.Layout.ColumnShown, Settings.Layout.ColumnWidth,
+                          Settings.Layout.SortKeys, Settings.Layout.SortModes,
+                          Settings.IconPanelLocation.x, Settings.IconPanelLocation.y));
+  }
+  void Init() { InitSettings(Settings, *store, context.Notes); }
+  void Write() { WriteSettings(Settings, *store, context.Notes); }
 };
 
 TEST_F(KestrinSettingsTest, ASetIsRememberedOnceAndForgottenOnce) {
   int changes = 0;
-  Settings::WhenChanged = [&changes] { ++changes; };
-  for (const char* path : {"/a", "/b", "/a"}) Settings::RememberSet(path);
-  EXPECT_THAT(Settings::SetFileNames, ElementsAre("/a", "/b"));
-  for (const char* path : {"/c", "/a"}) Settings::ForgetSet(path);
-  EXPECT_THAT(Settings::SetFileNames, ElementsAre("/b"));
+  Settings.WhenChanged = [&changes] { ++changes; };
+  for (const char* path : {"/a", "/b", "/a"}) Settings.RememberSet(path);
+  EXPECT_THAT(Settings.SetFileNames, ElementsAre("/a", "/b"));
+  for (const char* path : {"/c", "/a"}) Settings.ForgetSet(path);
+  EXPECT_THAT(Settings.SetFileNames, ElementsAre("/b"));
   EXPECT_EQ(changes, 3);
 }
 
 TEST_F(KestrinSettingsTest, ListsAndTextsAreThereAgainAfterARestart) {
-  Settings::SetFileNames = {"/home/u/a.kestrin", "/home/u/b \xff"};
-  Settings::ColumnShown = {false, true, false, true, false, true};
-  Settings::ColumnWidth = {0.1f, 2, 3, 4, 5, 6};
-  Settings::NumberOfUserIcons = 2;
-  Settings::UserMiniIcons = {std::string(256, 'm'), std::string(256, 'n')};
-  Settings::UserLargeIcons = {std::string(1024, 'x'), std::string(1024, 'y')};
-  Settings::ZoneName = "Europe/Berlin";
+  Settings.SetFileNames = {"/home/u/a.kestrin", "/home/u/b \xff"};
+  Settings.Layout.ColumnShown = {false, true, false, true, false, true};
+  Settings.Layout.ColumnWidth = {0.1f, 2, 3, 4, 5, 6};
+  Settings.NumberOfUserIcons = 2;
+  Settings.UserMiniIcons = {std::string(256, 'm'), std::string(256, 'n')};
+  Settings.UserLargeIcons = {std::string(1024, 'x'), std::string(1024, 'y')};
+  Settings.ZoneName = "Europe/Berlin";
   const std::string before = Snapshot();
   Write();
   Restart();
   Init();
   EXPECT_EQ(Snapshot(), before);
   for (const int32 mini : {0, 1})
-    EXPECT_EQ(Settings::WhichUserIcon({.large = Settings::UserLargeIcons[1],
-                                       .mini = Settings::UserMiniIcons[static_cast<size_t>(mini)]}),
+    EXPECT_EQ(Settings.WhichUserIcon({.large = Settings.UserLargeIcons[1],
+                                      .mini = Settings.UserMiniIcons[static_cast<size_t>(mini)]}),
               mini == 1 ? 1 : -1);
   const auto stamp = disk.Stamp(File);
   Write();
@@ -143,9 +142,9 @@ TEST_F(KestrinSettingsTest, TheCountSplitsTheNamesAndTheBytesBoundThem) {
     store->Set("NumberOfSetsToUse", BytesOf(count), Long);
     store->Set("SetsToUse", bytes, Byte);
     Init();
-    EXPECT_EQ(Settings::SetFileNames, names) << bytes;
+    EXPECT_EQ(Settings.SetFileNames, names) << bytes;
   }
-  Settings::SetFileNames.clear();
+  Settings.SetFileNames.clear();
   Write();
   EXPECT_FALSE(store->Get("SetsToUse"));
   EXPECT_EQ(store->Get("NumberOfSetsToUse")->bytes, BytesOf(0));
@@ -158,13 +157,13 @@ TEST_F(KestrinSettingsTest, IconsOfTheWrongSizeAreNeitherReadNorLost) {
     store->Set("NumberOfUserIcons", BytesOf(count), Long);
     store->Set("UserIcons", bytes, Byte);
     Init();
-    EXPECT_EQ(Settings::NumberOfUserIcons, count);
-    EXPECT_THAT(Settings::UserMiniIcons, IsEmpty());
+    EXPECT_EQ(Settings.NumberOfUserIcons, count);
+    EXPECT_THAT(Settings.UserMiniIcons, IsEmpty());
     Write();
     EXPECT_EQ(store->Get("UserIcons")->bytes, bytes);
     EXPECT_EQ(store->Get("NumberOfUserIcons")->bytes, BytesOf(count));
   }
-  Settings::NumberOfUserIcons = 0;
+  Settings.NumberOfUserIcons = 0;
   Write();
   EXPECT_FALSE(store->Get("UserIcons"));
 }
@@ -172,8 +171,8 @@ TEST_F(KestrinSettingsTest, IconsOfTheWrongSizeAreNeitherReadNorLost) {
 TEST_F(KestrinSettingsTest, WithoutRememberingTheLayoutIsDeletedButTheSettingsFrameIsRead) {
   for (const char* key : {"AscendingOrder", "GroupActiveEventsFirst"}) store->Set(key, "1", Bool);
   store->Set("Beep volume", "11", FourCharCode("CSTR"));
-  Settings::ViewMode = 2;
-  Settings::SettingsWindowFrame = {1, 2, 3, 4};
+  Settings.Layout.ViewMode = 2;
+  Settings.SettingsWindowFrame = {1, 2, 3, 4};
   Write();
   EXPECT_TRUE(store->Get("AscendingOrder")) << "deleted only when not remembering";
   store->Set("RememberWindowSetupAsDefault", std::string(1, '\0'), Bool);
@@ -181,8 +180,8 @@ TEST_F(KestrinSettingsTest, WithoutRememberingTheLayoutIsDeletedButTheSettingsFr
 
   Restart();
   Init();
-  EXPECT_EQ(Settings::ViewMode, 0) << "stored, but not to be used";
-  EXPECT_EQ(Settings::SettingsWindowFrame, (Rect{1, 2, 3, 4}));
+  EXPECT_EQ(Settings.Layout.ViewMode, 0) << "stored, but not to be used";
+  EXPECT_EQ(Settings.SettingsWindowFrame, (Rect{1, 2, 3, 4}));
   Write();
   for (const char* key :
        {"SetWindowFrame", "ColumnOrder", "ViewMode", "SortKeys", "EventWindowFrame",
@@ -196,7 +195,7 @@ TEST_F(KestrinSettingsTest, AFailureIsReportedOnceUntilASaveSucceedsAndADamagedF
   door.FailFromThen = true;
   for (const auto& [failAt, told] : {std::pair(1, 1), {1, 0}, {0, 0}, {1, 1}}) {
     door.FailAt = failAt;
-    Settings::ViewMode += 1;
+    Settings.Layout.ViewMode += 1;
     Write();
     context.RunMessages();
     int alerts = 0;
@@ -219,7 +218,7 @@ TEST(KestrinSettingsDeathTest, AStoreThatCannotBeOpenedEndsTheProgram) {
     if (initFails) library.PREFInit = [](const char*, void**) { return -ENOMEM; };
     library.PREFLoadSet = [](void*, const char*, int32, void**) { return -EIO; };
     SettingsStore store(library);
-    InitSettings(store, context.Notes);
+    InitSettings(context.Settings, store, context.Notes);
   };
   EXPECT_EXIT(start(true), testing::ExitedWithCode(0),
               "InitSettings: Libprefs failed to initialize\n");

@@ -159,7 +159,7 @@ TEST_F(AlertOnScreenTest, ASetWindowOpensWhereItWasLeft) {
     ASSERT_TRUE(QTest::qWaitFor([&] { return IsActive(window); }));
     EXPECT_EQ(window.geometry(), QRect(100, 120, 400, 300)) << opening;
     EXPECT_EQ(set.Layout().WindowFrame, (Rect{100, 120, 499, 419})) << "it does not creep";
-    KestrinSettings::RememberSet(set.GetFileName());
+    context.Settings.RememberSet(set.GetFileName());
     window.CloseNow();
     ASSERT_TRUE(QTest::qWaitFor([&] { return IsActive(typing); }));
   }

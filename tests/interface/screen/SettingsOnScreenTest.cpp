@@ -18,7 +18,7 @@ SettingsWindow* OpenSettings() {
 
 TEST(SettingsOnScreenTest, TheWindowOpensWhereItWasLeftWithoutCreeping) {
   ScreenContext context;
-  KestrinSettings::SettingsWindowFrame = {100, 120, 649, 569};
+  context.Settings.SettingsWindowFrame = {100, 120, 649, 569};
   for (int opening = 0; opening < 3; ++opening) {
     context.Ui.ShowSettingsWindow();
     QPointer<SettingsWindow> window = OpenSettings();
@@ -26,7 +26,7 @@ TEST(SettingsOnScreenTest, TheWindowOpensWhereItWasLeftWithoutCreeping) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return window->geometry() == QRect(100, 120, 550, 450); }));
     QTest::keyClick(window, Qt::Key_Escape);
     ASSERT_TRUE(QTest::qWaitFor([&] { return !window; }));
-    EXPECT_EQ(KestrinSettings::SettingsWindowFrame, (Rect{100, 120, 649, 569})) << opening;
+    EXPECT_EQ(context.Settings.SettingsWindowFrame, (Rect{100, 120, 649, 569})) << opening;
   }
 }
 
