@@ -1,4 +1,4 @@
-// Processor time of reading a set and of reckoning every event's next time anew.
+// Processor time of reading a set and of computing every event's next time anew.
 //
 //   next-bench FILE [RUNS]
 //

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# What reading 100,000 mixed events and reckoning their next times costs.
+# What reading 100,000 mixed events and computing their next times costs.
 #   bench/next.sh [RUNS]
 # Inside one process, and as a whole process beside "remind -n", which finds and prints the next
 # occurrences of as many comparable reminders (Debian package "remind"). Status 1 when a figure

@@ -1,9 +1,10 @@
-// Any bytes as an event set file: reading, reckoning and delivering never fall over, and what was
+// Any bytes as an event set file: reading, computing and delivering never fall over, and what was
 // read once is saved and read again without a change.
 #include <cstdio>
 #include <cstdlib>
 
 #include "core/events/Event.h"
+#include "core/events/EventProgress.h"
 #include "core/events/EventSet.h"
 #include "core/events/HandlerTable.h"
 #include "core/files/EventSetFile.h"
@@ -41,7 +42,7 @@ std::string Written(EventSet& set, MemoryFileDoor& disk) {
   return *disk.Bytes("/written");
 }
 
-void Reckon(EventSet& set, FakeClock& clock, int64 now) {
+void Recompute(EventSet& set, FakeClock& clock, int64 now) {
   clock.JumpTo(now);
   for (const auto& event : set.Events()) {
     event->UpdateEventTime();
@@ -56,7 +57,7 @@ void Deliver(EventSet& set) {
   for (int round = 0; round < 3; ++round) {
     Event* event = nullptr;
     if (set.GetNextEventTime(&event) == 0) return;
-    event->MoveOn();
+    MoveOn(*event);
   }
 }
 
@@ -73,10 +74,10 @@ void TryFile(const std::string& bytes, const Zone& zone) {
   Demand(again != nullptr, "what was written can be read");
   Demand(Written(*again, disk) == once, "reading and writing again changes nothing");
   for (const int64 now : Moments) {
-    Reckon(*set, world.Time, now);
+    Recompute(*set, world.Time, now);
     Deliver(*set);
   }
-  Demand(!Written(*set, disk).empty(), "what was reckoned can be written");
+  Demand(!Written(*set, disk).empty(), "what was recomputed can be written");
 }
 
 }  // namespace

@@ -55,7 +55,7 @@ class LogData final : public kestrin::EventAddOnData, public kestrin::ActsWithou
  public:
   using EventAddOnData::EventAddOnData;
 
-  /// Nothing is set up for an event, so the count is 0. What a later version may have stored behind
+  /// Nothing is set up for an event, so the count is 0. What a later version may have stored after
   /// it is kept.
   bool Read(kestrin::EndianIndependentFile& file) {
     uint32 count = 0;

@@ -78,7 +78,7 @@ class BufferedFile {
   /// Unread bytes in the buffer; below 1 when there are none.
   int32 BytesAhead() const { return fill_ - position_; }
   const uint8* Ahead() const { return buffer_.get() + position_; }
-  /// Consumes `count` bytes of the buffer and returns them, if at least one more lies behind them;
+  /// Consumes `count` bytes of the buffer and returns them, if at least one more follows them;
   /// else null, with nothing changed.
   const uint8* TakeFromBuffer(int32 count) {
     if (count >= BytesAhead()) return nullptr;

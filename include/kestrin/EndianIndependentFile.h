@@ -10,7 +10,7 @@ namespace kestrin {
 
 /// A new or erased file gets this machine's order; an existing one keeps its own, and numbers are
 /// swapped on the way in and out. The marker byte is hidden: positions and sizes count from the
-/// byte behind it, but for Position(), which counts it. SetTo neither reads nor writes a marker.
+/// byte after it, but for Position(), which counts it. SetTo neither reads nor writes a marker.
 class EndianIndependentFile : public BufferedFile {
  public:
   status_t InitCheck() const override;
@@ -41,6 +41,7 @@ class EndianIndependentFile : public BufferedFile {
   int32 WriteRaw(const void* data, size_t count);
   int32 ReadRaw(void* data, size_t count);
 
+  /// What the marker says, for add-ons. A marker that is neither 0 nor 1 is of the foreign order.
   bool IsBigEndian() const { return fileByteOrder_ == 1; }
   bool IsNativeEndian() const { return fileByteOrder_ == hostByteOrder_; }
 

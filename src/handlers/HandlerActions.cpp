@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "core/delivery/EventDelivery.h"
 #include "core/events/EventSet.h"
 #include "core/events/HandlerTable.h"
 #include "core/loop/AlertDesk.h"
@@ -16,16 +17,17 @@ namespace kestrin {
 namespace {
 
 struct Reminder {
-  char kind;
+  ReminderKind kind;
   AlertRole role;
   MessageCode reply;
   const char* title;
   const char* stopButton;
 };
 
-constexpr Reminder Prewarning = {0, AlertRole::Prewarning, PREWARN_ALERT_REPLY,
-                                 "Kestrin prewarning", "No more prewarnings"};
-constexpr Reminder Nagging = {1, AlertRole::Nag, NAG_ALERT_REPLY, "Kestrin nag", "No more nagging"};
+constexpr Reminder Prewarning = {ReminderKind::Prewarning, AlertRole::Prewarning,
+                                 PREWARN_ALERT_REPLY, "Kestrin prewarning", "No more prewarnings"};
+constexpr Reminder Nagging = {ReminderKind::Nag, AlertRole::Nag, NAG_ALERT_REPLY, "Kestrin nag",
+                              "No more nagging"};
 
 /// The reply releases the hold.
 Message ReplyTo(const Reminder& reminder, const DeliveredEvent& delivered, int which) {

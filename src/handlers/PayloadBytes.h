@@ -27,7 +27,7 @@ class PayloadText {
   bool Empty() const { return *Get() == '\0'; }
 };
 
-/// A text behind a flag, which is there even when the count says that nothing follows.
+/// A text after a flag, which is there even when the count says that nothing follows.
 struct FlaggedText {
   PayloadText Text;
   bool Flag = false;

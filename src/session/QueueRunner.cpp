@@ -16,11 +16,11 @@ constexpr QEvent::Type WakeUpEvent = QEvent::User;
 struct QueueRunner::WakeUp {
   std::mutex guard;
   QueueRunner* runner = nullptr;
-  bool awake = false;  // an event or the timer is under way
+  bool busy = false;  // an event or the timer is under way
 
   void Call() {
     const std::lock_guard lock(guard);
-    if (!runner || std::exchange(awake, true)) return;
+    if (!runner || std::exchange(busy, true)) return;
     QCoreApplication::postEvent(runner, new QEvent(WakeUpEvent));
   }
 };
@@ -53,8 +53,8 @@ void QueueRunner::Turn() {
 // again from within what it calls.
 void QueueRunner::GoOnOrRest() {
   const std::lock_guard lock(wakeUp_->guard);
-  wakeUp_->awake = !queue_.Empty();
-  if (!wakeUp_->awake)
+  wakeUp_->busy = !queue_.Empty();
+  if (!wakeUp_->busy)
     nextTurn_.stop();
   else if (!nextTurn_.isActive())
     nextTurn_.start(0, this);

@@ -7,7 +7,7 @@ namespace kestrin {
 
 /// Grows the heap by about `bytes` at once and asks the system to back it with large pages. Nothing
 /// is taken from the system yet. Where the small pages of a set of 100,000 events are fetched one
-/// by one, fetching them costs more than reading and reckoning the events.
+/// by one, fetching them costs more than reading and computing the events.
 void ExpectOnHeap(size_t bytes);
 
 }  // namespace kestrin

@@ -9,6 +9,8 @@
 #include <string_view>
 #include <utility>
 
+#include "support/CalendarMonth.h"
+
 namespace kestrin {
 
 namespace {
@@ -18,32 +20,15 @@ constexpr int64 MaxYear = 100'000'000'000, MaxMonth = 100'000'000'000;
 constexpr int64 MaxDay = 10'000'000'000'000, MaxHour = 100'000'000'000'000;
 constexpr int64 MaxMinute = 10'000'000'000'000'000, MaxSecond = 1'000'000'000'000'000'000;
 
-constexpr int64 DaysPerEra = 146097;   // 400 years
-constexpr int64 DaysToEpoch = 719468;  // from 1 March of year 0 to 1 January 1970
+// After 400 years the calendar repeats itself.
+constexpr int64 MonthsPerEra = 4800, DaysPerEra = 146097;
 
 // The changes of the clocks between these two are listed: all that int32 times can meet, and a
 // year.
 constexpr int64 FirstListed = int64{INT32_MIN} - 366 * SecondsPerDay;
 constexpr int64 EndListed = int64{INT32_MAX} + 366 * SecondsPerDay;
 
-constexpr int64 FloorDivide(int64 value, int64 by) {
-  const int64 quotient = value / by;
-  return value % by < 0 ? quotient - 1 : quotient;
-}
-
 constexpr int64 Within(int64 value, int64 limit) { return std::clamp(value, -limit, limit); }
-
-// The year begins in March here, so that the leap day is its last.
-constexpr int64 DaysBeforeMonth(int64 monthFromMarch) { return (153 * monthFromMarch + 2) / 5; }
-
-int64 DaysToFirstOfMonth(int64 year, int64 month) {
-  const int64 marchYear = month < 2 ? year - 1 : year;
-  const int64 era = FloorDivide(marchYear, 400);
-  const int64 yearOfEra = marchYear - era * 400;
-  const int64 monthFromMarch = month < 2 ? month + 10 : month - 2;
-  return era * DaysPerEra + yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 +
-         DaysBeforeMonth(monthFromMarch) - DaysToEpoch;
-}
 
 std::string_view AfterZoneFolder(std::string_view path) {
   constexpr std::string_view mark = "zoneinfo/";
@@ -75,31 +60,24 @@ Zone FromEnvironment(std::string name) {
 }  // namespace
 
 Civil ToCivil(const CivilFields& fields) {
-  const int64 months = Within(fields.month, MaxMonth);
-  const int64 carriedYears = FloorDivide(months, 12);
-  const int64 days =
-      DaysToFirstOfMonth(Within(fields.year, MaxYear) + carriedYears, months - carriedYears * 12) +
-      Within(fields.day, MaxDay) - 1;
-  return {days * SecondsPerDay + Within(fields.hour, MaxHour) * 3600 +
-          Within(fields.minute, MaxMinute) * 60 + Within(fields.second, MaxSecond)};
+  const int64 month = Within(fields.year, MaxYear) * 12 + Within(fields.month, MaxMonth);
+  const int64 era = FloorDivide(month, MonthsPerEra);
+  const int64 day =
+      era * DaysPerEra + FirstDayOf(month - era * MonthsPerEra) + Within(fields.day, MaxDay) - 1;
+  return OnDay(day, Within(fields.hour, MaxHour) * 3600 + Within(fields.minute, MaxMinute) * 60 +
+                        Within(fields.second, MaxSecond));
 }
 
 CivilFields ToFields(Civil time) {
-  const int64 days = FloorDivide(time.seconds, SecondsPerDay);
+  const int64 day = DayOf(time);
   const int32 sinceMidnight = SecondsIntoDay(time);
-  const int64 shifted = days + DaysToEpoch;
-  const int64 era = FloorDivide(shifted, DaysPerEra);
-  const int64 dayOfEra = shifted - era * DaysPerEra;
-  const int64 yearOfEra =
-      (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / (DaysPerEra - 1)) / 365;
-  const int64 dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
-  const int64 monthFromMarch = (5 * dayOfYear + 2) / 153;
-  const bool nextYear = monthFromMarch >= 10;
+  const int64 era = FloorDivide(day, DaysPerEra);
+  const DayInMonth date = MonthOf(day - era * DaysPerEra);
 
   CivilFields fields;
-  fields.year = era * 400 + yearOfEra + (nextYear ? 1 : 0);
-  fields.month = nextYear ? monthFromMarch - 10 : monthFromMarch + 2;
-  fields.day = dayOfYear - DaysBeforeMonth(monthFromMarch) + 1;
+  fields.year = era * 400 + date.month / 12;
+  fields.month = date.month % 12;
+  fields.day = date.day;
   fields.hour = sinceMidnight / 3600;
   fields.minute = sinceMidnight / 60 % 60;
   fields.second = sinceMidnight % 60;
@@ -107,15 +85,9 @@ CivilFields ToFields(Civil time) {
   return fields;
 }
 
-int WeekdayOf(Civil time) {
-  const int64 days = FloorDivide(time.seconds, SecondsPerDay);
-  return static_cast<int>(((days + 4) % 7 + 7) % 7);
-}
+int WeekdayOf(Civil time) { return static_cast<int>(WeekdayOfDay(DayOf(time))); }
 
-Civil MidnightOf(Civil time) {
-  const int64 days = FloorDivide(time.seconds, SecondsPerDay);
-  return {std::max(days, INT64_MIN / SecondsPerDay) * SecondsPerDay};
-}
+Civil MidnightOf(Civil time) { return OnDay(std::max(DayOf(time), INT64_MIN / SecondsPerDay), 0); }
 
 int32 SecondsIntoDay(Civil time) {
   const int64 rest = time.seconds % SecondsPerDay;

@@ -8,6 +8,7 @@
 #include <set>
 #include <utility>
 
+#include "support/Hex.h"
 #include "support/OwnedText.h"
 
 namespace kestrin {
@@ -23,18 +24,6 @@ constexpr int DeepestNesting = 8;
 constexpr int MostElements = 100000;
 
 // ---- Writing ----
-
-std::string ToHex(std::string_view bytes) {
-  constexpr char digits[] = "0123456789abcdef";
-  std::string hex;
-  hex.reserve(bytes.size() * 2);
-  for (const char byte : bytes) {
-    const auto value = static_cast<unsigned char>(byte);
-    hex += digits[value >> 4];
-    hex += digits[value & 15];
-  }
-  return hex;
-}
 
 json TextToJson(std::string_view text) {
   if (IsUtf8(text)) return std::string(text);
@@ -94,28 +83,15 @@ bool FromJson(const json* from, bool& value) {
   return true;
 }
 
-int HexDigit(char digit) {
-  if (digit >= '0' && digit <= '9') return digit - '0';
-  if (digit >= 'a' && digit <= 'f') return digit - 'a' + 10;
-  return -1;
-}
-
-bool FromHex(const json* from, std::string& bytes) {
+bool BytesFromJson(const json* from, std::string& bytes) {
   if (!from || !from->is_string()) return false;
-  const auto& hex = from->get_ref<const std::string&>();
-  if (hex.size() % 2 != 0) return false;
-  bytes.clear();
-  bytes.reserve(hex.size() / 2);
-  for (size_t at = 0; at < hex.size(); at += 2) {
-    const int high = HexDigit(hex[at]), low = HexDigit(hex[at + 1]);
-    if (high < 0 || low < 0) return false;
-    bytes += static_cast<char>(high << 4 | low);
-  }
-  return true;
+  std::optional<std::string> held = FromHex(from->get_ref<const std::string&>());
+  if (held) bytes = std::move(*held);
+  return held.has_value();
 }
 
 bool FromJson(const json* from, std::string& text) {
-  if (!from || !from->is_string()) return from && FromHex(Member(*from, "bytes"), text);
+  if (!from || !from->is_string()) return from && BytesFromJson(Member(*from, "bytes"), text);
   text = from->get_ref<const std::string&>();
   return true;
 }
@@ -141,7 +117,7 @@ bool FromJson(const json* from, Rect& rect) {
 
 bool FromJson(const json* from, RawData& raw) {
   return from && FromJson(Member(*from, "code"), raw.type) &&
-         FromHex(Member(*from, "bytes"), raw.bytes);
+         BytesFromJson(Member(*from, "bytes"), raw.bytes);
 }
 
 template <typename T>

@@ -20,7 +20,7 @@ EventRecord Minutely(const std::string& name) {
   return record;
 }
 
-/// The last weekday of every month since 1901, reckoned from a month that is longer than most.
+/// The last weekday of every month since 1901, counted from a month that is longer than most.
 EventRecord LongestWalk() {
   EventRecord record;
   record.Name.clear();

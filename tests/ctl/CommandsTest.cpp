@@ -1,4 +1,4 @@
-// What next and agenda reckon, and how kestrinctl is called.
+// What next and agenda compute, and how kestrinctl is called.
 #include <filesystem>
 #include <sstream>
 
@@ -67,7 +67,7 @@ TEST_F(CommandsTest, ShowSaysEachRuleInWordsAndWhenItComes) {
   EXPECT_EQ(Run({"show", "none"}).out, "No events.\n");
 }
 
-TEST_F(CommandsTest, NextReckonsInTheZoneOfTheProcess) {
+TEST_F(CommandsTest, NextComputesInTheZoneOfTheProcess) {
   EventRecord asleep = DailyAt(9 * Hour, "asleep");
   asleep.Active = false;
   MakeSet("set", {OnceAt(Saturday, "gone"), DailyAt(9 * Hour, "breakfast"), asleep});
@@ -110,11 +110,11 @@ TEST_F(CommandsTest, AgendaShowsEveryKindOfDelivery) {
       Agenda({"--from", Text(Saturday), "--to", Text(Saturday + 2 * Day + 2 * Hour + 1), "set"}),
       (Lines{"+1800 prewarning call", "+3600 event lunch", "+5400 prewarning call",
              "+7200 event call", "+90000 event lunch", "+176400 event lunch", "+180000 nag call"}));
-  const std::string at = Text(Saturday + 1800), behind = Text(Saturday + 1801);
+  const std::string at = Text(Saturday + 1800), after = Text(Saturday + 1801);
   EXPECT_EQ(Agenda({"--from", Text(Saturday), "--to", at, "set"}), Lines{});
-  EXPECT_EQ(Agenda({"--from", Text(Saturday), "--to", behind, "set"}),
+  EXPECT_EQ(Agenda({"--from", Text(Saturday), "--to", after, "set"}),
             Lines{"+1800 prewarning call"});
-  EXPECT_EQ(Agenda({"--from", behind, "--to", at, "set"}), Lines{});
+  EXPECT_EQ(Agenda({"--from", after, "--to", at, "set"}), Lines{});
   EXPECT_EQ(Run({"agenda", "--from", Text(Saturday - 7 * Day), "set"}).out.find("call"),
             std::string::npos)
       << "a week does not reach its own weekday";

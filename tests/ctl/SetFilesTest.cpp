@@ -37,7 +37,7 @@ class SetFilesTest : public CtlTest {
   }
 };
 
-TEST_F(SetFilesTest, WhatIsReadIsDumpedAsItStandsInTheFileAndReckonedWith) {
+TEST_F(SetFilesTest, WhatIsReadIsDumpedAsItStandsInTheFileAndComputedWith) {
   ASSERT_GT(Expected["read"].size(), 25u);
   for (const auto& [name, expected] : Expected["read"].items()) {
     SCOPED_TRACE(name);

@@ -35,7 +35,7 @@ RULES = fields("""
     DeleteOnceDelivered flag, Comment text, IconNumber i""")
 ICONS = fields("LargeIcon raw, MiniIcon raw")  # only of IconNumber -2
 WINDOW = fields("WindowFrame f, WindowOpen flag")
-RESERVED = fields("reserved flag")  # behind WINDOW in 1.0, behind BEFORE since
+RESERVED = fields("reserved flag")  # after WINDOW in 1.0, after BEFORE since
 HANDLER = fields("TabShown i, HandlerName text")
 BLOCK = fields("count I, data raw")
 LAYOUT = fields("WindowFrame f, ColumnOrder i, ColumnShown flag, ColumnWidth f, NumberOfKeys i, "
@@ -177,7 +177,7 @@ NAN, INF = math.nan, math.inf
 
 
 def readable():
-    """name: (events, arguments of make_set, bytes behind the end)"""
+    """name: (events, arguments of make_set, bytes after the end)"""
     rules = [OUT_OF_TABLE | dict(PeriodType=period, TimingType=timing)
              for period in [-1, *range(13)] for timing in (-1, 0, 1, 2, 3)]
     zero = [event(PeriodType=period, Multiple=0, SubIntType=unit, ApplyPrewarn=1, PrewarnType=unit,
@@ -266,9 +266,9 @@ def refused():
 def make_all():
     files, expected = {}, {"read": {}, "refused": {}}
 
-    def add(name, events, behind=b"", **arguments):
+    def add(name, events, after=b"", **arguments):
         made = make_set(events, **arguments)
-        files[name] = made.bytes + behind
+        files[name] = made.bytes + after
         expected["read"][name] = {"dump": dump(events, **arguments),
                                   "saved": saved_again(events, **arguments).hex()}
 
@@ -277,8 +277,8 @@ def make_all():
             add(f"golden/full-{version.decode()}-{word}.kestrin", FULL, version=version, order=order, layout=FULL_LAYOUT)
     add("golden/no-events.kestrin", [])
     add("golden/tea.kestrin", [event()])
-    for name, (events, arguments, behind) in readable().items():
-        add(f"readable/{name}.kestrin", events, behind, **arguments)
+    for name, (events, arguments, after) in readable().items():
+        add(f"readable/{name}.kestrin", events, after, **arguments)
     for name, (content, complaint) in refused().items():
         files[f"refused/{name}.kestrin"] = content
         expected["refused"][f"refused/{name}.kestrin"] = complaint

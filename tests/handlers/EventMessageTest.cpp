@@ -36,7 +36,7 @@ class EventMessageTest : public HandlerTestBase {
 
   Message Generated() const {
     Message message;
-    EXPECT_TRUE(Subject->GenerateMessageForEvent(&message));
+    EXPECT_TRUE(GenerateMessageForEvent(*Subject, &message));
     return message;
   }
   /// The event with every field a message can have.
@@ -94,7 +94,7 @@ TEST_F(EventMessageTest, ThePageAndTheCodeAgree) {
   }
 }
 
-TEST_F(EventMessageTest, EveryFieldArrivesAndTheTimesAreReckonedAnew) {
+TEST_F(EventMessageTest, EveryFieldArrivesAndTheTimesAreComputedAnew) {
   FillSubject();
   Subject->SetPeriodType(MultiWeekly);
   Subject->SetMultiple(3);
@@ -110,7 +110,7 @@ TEST_F(EventMessageTest, EveryFieldArrivesAndTheTimesAreReckonedAnew) {
   EXPECT_GT(pasted->GetNextEventTime(), World.Time.Now());
   Message again;
   Subject->UpdateEventTime();
-  ASSERT_TRUE(pasted->GenerateMessageForEvent(&again));
+  ASSERT_TRUE(GenerateMessageForEvent(*pasted, &again));
   EXPECT_EQ(again, Generated());
   EXPECT_EQ(Told, "");
   EXPECT_EQ(Other.CountEvents(), 0) << "adding is the caller's";
@@ -126,7 +126,7 @@ TEST_F(EventMessageTest, AMissingHandlersDataIsKeptByteForByteEvenALot) {
     ASSERT_TRUE(pasted);
     EXPECT_EQ(pasted->GetSelectedHandler(), UnknownHandler);
     Message again;
-    ASSERT_TRUE(pasted->GenerateMessageForEvent(&again));
+    ASSERT_TRUE(GenerateMessageForEvent(*pasted, &again));
     EXPECT_EQ(again.Get<std::string>("HandlerName"), "Chime");
     EXPECT_EQ(again.Get<RawData>("HandlerData").value_or(RawData{bytes.type, ""}), bytes);
   }
@@ -151,7 +151,7 @@ TEST_F(EventMessageTest, AnAddOnThatFailsHarmsNothing) {
     data->Bytes = what;
     Subject->AdoptAddOnData(row, std::move(data));
     Message message;
-    EXPECT_FALSE(Subject->GenerateMessageForEvent(&message)) << what;
+    EXPECT_FALSE(GenerateMessageForEvent(*Subject, &message)) << what;
   }
   Select<MessageDataHandler>("Message").SetMessage("kept");
   Message message = Generated();
@@ -212,7 +212,7 @@ TEST_F(EventMessageTest, WhateverIsTakenCanBeSavedAndReadAgain) {
                   values[random() % std::size(values)]);
     auto event = EventFromMessage(Other, damaged).NewEvent;
     if (!event) continue;
-    ASSERT_TRUE(event->GenerateMessageForEvent(&taken.emplace_back()));
+    ASSERT_TRUE(GenerateMessageForEvent(*event, &taken.emplace_back()));
     Other.AddEvent(std::move(event));
   }
   ASSERT_GT(taken.size(), 100u);
@@ -222,7 +222,7 @@ TEST_F(EventMessageTest, WhateverIsTakenCanBeSavedAndReadAgain) {
   ASSERT_EQ(again->Events().size(), taken.size());
   for (size_t i = 0; i < taken.size(); ++i) {
     Message message;
-    ASSERT_TRUE(again->Events()[i]->GenerateMessageForEvent(&message));
+    ASSERT_TRUE(GenerateMessageForEvent(*again->Events()[i], &message));
     ASSERT_EQ(message.Flatten(), taken[i].Flatten());
   }
 }

@@ -105,7 +105,7 @@ TEST_F(LoadEventHandlersTest, RowsFollowFoldersAndNamesAndTheFirstOfANameWins) {
       cleanedUp.push_back(static_cast<const int*>(dlsym(row.AddOnImage, "CleanedUp")));
   EXPECT_THAT(cleanedUp, testing::SizeIs(4));
   UnloadEventHandlers(World.Core);
-  for (const int* count : cleanedUp) EXPECT_EQ(*count, 1) << "also behind one that throws";
+  for (const int* count : cleanedUp) EXPECT_EQ(*count, 1) << "also after one that throws";
   EXPECT_EQ(World.Handlers.NumberOfEventHandlers(), 0);
   fs::remove_all(root_ / "app");
   fs::remove_all(root_ / "user");

@@ -24,7 +24,7 @@ class FakeEventActions final : public EventActions {
   bool Able = true;                       ///< what CanDeliver answers
   std::function<void(Event&)> WhenEvent;  ///< may be null; called within DeliverEvent
 
-  /// The names of what was delivered since the last time, with " missed" behind.
+  /// The names of what was delivered since the last time, with " missed" appended.
   std::vector<std::string> TakeNames() {
     std::vector<std::string> names;
     for (const auto& each : std::exchange(Deliveries, {}))

@@ -119,7 +119,7 @@ TEST_F(EditViewsTest, AnAskingBoxIsKeptThoughNothingElseChanges) {
     EXPECT_EQ(Find("handler").accessibleDescription(), "Event handler");
   }
   Message copied;
-  ASSERT_TRUE(event->GenerateMessageForEvent(&copied));
+  ASSERT_TRUE(GenerateMessageForEvent(*event, &copied));
   const auto pasted = EventFromMessage(*set, copied).NewEvent;
   EXPECT_TRUE(dynamic_cast<ActOnFileDataHandler&>(*pasted->GetAddOnData()).GetVerify());
   EXPECT_TRUE(DataOf<ActOnFileDataHandler>().GetVerify());
@@ -190,7 +190,7 @@ TEST_F(EditViewsTest, AnAddOnBringsItsOwnView) {
   EXPECT_EQ(event->GetAddOnData()->GetEditView(), view);
   EXPECT_GT(DataOf<DiaryData>().Frame.bottom, DataOf<DiaryData>().Frame.top + 20);
   QTest::keyClick(&Find("handler"), Qt::Key_Tab);
-  EXPECT_TRUE(Find("addOnField").hasFocus()) << "it stands behind the menu";
+  EXPECT_TRUE(Find("addOnField").hasFocus()) << "it comes after the menu";
   QTest::keyClicks(&Find("addOnField"), "Dear diary");
   window->CommitEdits();
   EXPECT_EQ(DataOf<DiaryData>().Text, "Dear diary");

@@ -1,6 +1,7 @@
 #include <QAccessible>
 #include <QCheckBox>
 
+#include "core/delivery/EventDelivery.h"
 #include "harness/EditorDriver.h"
 
 namespace kestrin {
@@ -115,7 +116,7 @@ TEST_F(EventEditorTest, AnEventThatDeletesItselfTakesItsEditorAlong) {
   QTest::keyClick(&Find("date"), Qt::Key_Down, Qt::AltModifier);  // with the calendar open
   EXPECT_TRUE(QApplication::activePopupWidget());
   set->Lock();
-  event->DealWithEvent(false);
+  DealWithEvent(*event, false);
   set->Unlock();
   EXPECT_THAT(set->Events(), IsEmpty());
   EXPECT_FALSE(QApplication::activePopupWidget());

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "core/delivery/EventDelivery.h"
 #include "core/events/Event.h"
 #include "core/events/EventSet.h"
 #include "core/events/OpenSets.h"
@@ -101,7 +102,7 @@ void DeliveryPass::PassWithStartupFlag() {
 void DeliveryPass::DealWith(const Earliest& earliest) {
   earliest.set->Lock();
   const int64 begun = context_.clock.SteadyMicroseconds();
-  earliest.event->DealWithEvent(passStartup_);
+  DealWithEvent(*earliest.event, passStartup_);
   if (context_.clock.SteadyMicroseconds() - begun > DealWithEventLimit) {
     beforeStop_();
     StopInDebugger();

@@ -1,7 +1,5 @@
 #include "core/events/Event.h"
 
-#include <strings.h>
-
 #include <algorithm>
 
 #include "core/events/EventSet.h"
@@ -56,9 +54,9 @@ void Event::SetName(std::string_view name) {
 }
 
 void Event::SetActive(bool active) {
-  const bool awakes = active && !record_.Active;
+  const bool isSwitchedOn = active && !record_.Active;
   record_.Active = active;
-  if (awakes && record_.NextEventTime != 0 && record_.NextEventTime <= Now()) {
+  if (isSwitchedOn && record_.NextEventTime != 0 && record_.NextEventTime <= Now()) {
     UpdateEventTime();
     return;
   }
@@ -96,12 +94,10 @@ void Event::SetTimingType(enum TimingType type) { StoreTiming(record_.TimingType
 
 /// EventTime becomes the day of `day` joined, on the wall clock, with the time of day in use.
 bool Event::JoinDayAndTime(int32 day) {
-  Civil civil = MidnightOf(LocalZone().AtMoment(day));
-  if (record_.ApplyTime) civil.seconds += record_.TimeToApply;
-  const int64 moment = LocalZone().ToMoment(civil);
-  if (!FitsTime(moment)) return false;
-  record_.EventTime = static_cast<int32>(moment);
-  return true;
+  const std::optional<int32> joined =
+      OnDayOf(day, record_.ApplyTime ? record_.TimeToApply : 0, LocalZone());
+  if (joined) record_.EventTime = *joined;
+  return joined.has_value();
 }
 
 bool Event::SetEventTime(int32 time, bool useTimeOfDay) {
@@ -164,8 +160,8 @@ void Event::SetDeliverIfMissed(bool deliver) { StorePlain(record_.DeliverIfMisse
 void Event::SetDeleteOnceDelivered(bool on) { StorePlain(record_.DeleteOnceDelivered, on); }
 
 void Event::SetIcon(int32 index, std::unique_ptr<IconPair> own) {
-  if (index == -2 && !own) return;
-  ownIcon_ = index == -2 ? std::move(own) : nullptr;
+  if (index == OwnIconNumber && !own) return;
+  ownIcon_ = index == OwnIconNumber ? std::move(own) : nullptr;
   record_.IconNumber = index;
   owner_.EventModified(this);
 }
@@ -220,21 +216,18 @@ std::string Event::GetHandlerName() const {
   return unknown ? unknown->GetOriginalHandler() : handlers.NameOf(UnknownHandler);
 }
 
-void Event::TakeTimes(const EventTimes& times) {
+void Event::SetTimes(const EventTimes& times) {
   record_.ActualEventTime = times.ActualEventTime;
   record_.NextEventTime = times.NextEventTime;
   record_.Status = times.Status;
-}
-
-void Event::TellTimes() {
   if (window_) window_->RedrawTimes();
   owner_.EventModified(this);
 }
 
 void Event::UpdateEventTime() {
-  TakeTimes(ComputeEventTimes(record_, Now(), LocalZone(), skipPrewarn_));
+  const bool skipPrewarn = skipPrewarn_;
   skipNag_ = skipPrewarn_ = false;
-  TellTimes();
+  SetTimes(ComputeEventTimes(record_, Now(), LocalZone(), skipPrewarn));
 }
 
 void Event::OpenWindow() {
@@ -242,27 +235,6 @@ void Event::OpenWindow() {
     window_->Activate();
   else
     window_ = owner_.GetContext().ui.OpenEventWindow(*this);
-}
-
-int64 Event::Compare(const Event& a, const Event& b, int32 column) {
-  const auto status = [](const Event& event) {
-    return event.GetActive() ? int64{event.GetStatus()} : 4;
-  };
-  switch (column) {
-    case 1:
-      return strcasecmp(a.GetName().c_str(), b.GetName().c_str());
-    case 2:
-      return int64{a.GetActualEventTime()} - b.GetActualEventTime();
-    case 3:
-      return int64{a.GetNextEventTime()} - b.GetNextEventTime();
-    case 4:
-      return strcasecmp(a.owner_.GetContext().handlers.NameOf(a.selectedHandler_),
-                        b.owner_.GetContext().handlers.NameOf(b.selectedHandler_));
-    case 5:
-      return status(a) - status(b);
-    default:
-      return 0;
-  }
 }
 
 }  // namespace kestrin

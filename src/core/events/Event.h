@@ -1,5 +1,4 @@
-// One reminder: its record, the setters with their side effects, its handler's data, and the
-// delivery state machine.
+// One reminder: its record, the setters with their side effects, and its handler's data.
 #pragma once
 
 #include <memory>
@@ -17,7 +16,6 @@ namespace kestrin {
 
 class EditorWindow;
 class EventSet;
-class Message;
 
 enum class ConstructorResult : int32 { Success = 0, CouldNotOpen = 1, CouldNotRead = 2 };
 
@@ -84,11 +82,9 @@ class Event {
   void SetWindowFrame(Rect frame) { record_.WindowFrame = frame; }
   void SetTabShown(int32 tab) { record_.TabShown = tab; }
   void SetShouldWindowOpen(bool open) { record_.ShouldWindowOpen = open; }
-  void SetSkipPrewarn(bool skip) { skipPrewarn_ = skip; }
-  void SetSkipNag(bool skip) { skipNag_ = skip; }
-  /// `own` is kept only for index -2.
+  /// `own` is kept only for OwnIconNumber, which needs it.
   void SetIcon(int32 index, std::unique_ptr<IconPair> own);
-  /// For readers: the bitmaps that belong to the icon number -2. Notifies nobody.
+  /// For readers: the bitmaps that belong to OwnIconNumber. Notifies nobody.
   void AdoptIcon(std::unique_ptr<IconPair> own) { ownIcon_ = std::move(own); }
   /// The event's own bitmaps, or null.
   const IconPair* GetOwnIcon() const { return ownIcon_.get(); }
@@ -105,32 +101,26 @@ class Event {
   /// For readers: puts data into a slot and selects it. Notifies nobody.
   void AdoptAddOnData(int32 row, std::unique_ptr<EventAddOnData> data);
 
-  /// Adds the event's fields and its handler's data to an empty message. False, with the message
-  /// of no use, when the handler fails.
-  bool GenerateMessageForEvent(Message* message) const;
-
   /// Recomputes the times and the status as at now and tells everybody.
   void UpdateEventTime();
 
-  /// Delivers whatever is due, advances the state and posts EVENT_DEALT_WITH, once. An event whose
-  /// times were changed while its action ran keeps them. Called with the set locked; returns with
-  /// it unlocked when an alert or a handler was served. The event may be gone afterwards.
-  /// `checkMissed`: the pass follows a start, so events may have been missed.
-  void DealWithEvent(bool checkMissed);
-
-  /// Advances the state as after a delivery, delivering nothing: for what was delivered before its
-  /// set was read again. The event may be gone afterwards.
-  void MoveOn();
+  // For delivery.
+  /// Takes what was worked out elsewhere and tells everybody.
+  void SetTimes(const EventTimes& times);
+  /// Whether the rest of this occurrence's prewarnings or nags is left out, until the times are
+  /// recomputed.
+  bool GetSkipPrewarn() const { return skipPrewarn_; }
+  bool GetSkipNag() const { return skipNag_; }
+  void SetSkipPrewarn(bool skip) { skipPrewarn_ = skip; }
+  void SetSkipNag(bool skip) { skipNag_ = skip; }
   /// Whether its action runs now, which needs it and its data.
   bool IsActing() const { return acting_; }
+  void SetActing(bool acting) { acting_ = acting; }
 
   /// Opens the editor, or activates it.
   void OpenWindow();
   EditorWindow* GetWindow() const { return window_; }
   void WindowClosed() { window_ = nullptr; }
-
-  /// Difference (negative, 0, positive) of two events in a list column; names compare without case.
-  static int64 Compare(const Event& a, const Event& b, int32 column);
 
   // For NextEventIndex alone.
   uint64 indexStamp = 0;  ///< place in the set's list: smaller stands earlier
@@ -144,23 +134,9 @@ class Event {
   template <typename T, typename V>
   void StorePlain(T& field, V value);
   bool JoinDayAndTime(int32 day);
-  void TakeTimes(const EventTimes& times);
-  void TellTimes();
   std::unique_ptr<EventAddOnData> TakeOtherData(int32 row);
   const Zone& LocalZone() const;
   int64 Now() const;
-
-  bool IsLate(int64 now) const;
-  void DropPrewarnings(int64 now);
-  void PassOverMissed();
-  template <typename Action>
-  void Deliver(int32 found, Action act);
-  void EventDelivered();
-  void PrewarningDelivered(int64 now);
-  void OccurrenceDelivered(int64 now);
-  void NagDelivered(int64 now);
-  void StepNag(int64 after);
-  void DeleteSelf();
 
   EventSet& owner_;
   uint64 handle_;
@@ -178,10 +154,5 @@ class Event {
   bool skipNag_ = false;
   bool skipPrewarn_ = false;
 };
-
-/// The text of a prewarning (kind 0) or nag (kind 1).
-std::string GetNagOrPrewarnMessage(char kind, const std::string& name, int32 when,
-                                   bool useTimeOfDay, const std::string& userText, int64 now,
-                                   const Zone& zone);
 
 }  // namespace kestrin

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/events/EventProgress.h"
 #include "core/events/OpenSets.h"
 #include "core/loop/MessageQueue.h"
 #include "core/loop/Notices.h"
@@ -155,12 +156,12 @@ void EventSet::MoveOnDelivered(DeliveredEvents delivered, int64 now) {
     if (known == delivered.end()) continue;
     delivered.erase(known);
     RecordDelivered(*event, state.status);
-    event->MoveOn();
+    MoveOn(*event);
   }
 }
 
 std::string EventSet::LeafOf(const std::string& path) {
-  // The last slash with something behind it.
+  // The last slash with something after it.
   for (size_t at = path.size(); at-- > 0;)
     if (path[at] == '/' && at + 1 < path.size()) return path.substr(at + 1);
   return path;

@@ -6,8 +6,11 @@
 #include <type_traits>
 #include <utility>
 
+#include "core/events/EventSet.h"
 #include "core/events/HandlerTable.h"
+#include "core/files/EventFields.h"
 #include "core/files/EventRecordFile.h"
+#include "core/timing/EventTypes.h"
 #include "kestrin/EndianIndependentFile.h"
 #include "support/MemoryFile.h"
 #include "support/OwnedText.h"
@@ -17,9 +20,8 @@ namespace kestrin {
 namespace {
 
 constexpr uint32 IconCode = FourCharCode("iBit"), HandlerDataCode = FourCharCode("hDat");
-constexpr int32 OwnIcon = -2;
 constexpr int32 FileBufferSize = 4096;
-/// As far as a handler can read behind a count of 0.
+/// As far as a handler can read after a count of 0.
 constexpr size_t ZerosWithoutData = size_t{64} << 10;
 
 /// An empty file for a handler's block, known to nobody else.
@@ -29,87 +31,40 @@ struct BlockFile : EndianIndependentFile {
                               OpenReadWrite | OpenCreate | OpenErase, FileBufferSize) {}
 };
 
-// ---- The table: what comes before the icon, and what comes behind it. ----
-
-template <typename Record, typename Visitor>
-void VisitRule(Record& record, Visitor& visit) {
-  visit.Field("Status", record.Status);
-  visit.Field("PeriodType", record.PeriodType);
-  visit.Field("Multiple", record.Multiple);
-  visit.Field("TimeType", record.TimingType);
-  visit.Field("RememberType", record.RememberType);
-  visit.Field("SelectEventTime", record.EventTime);
-  visit.Field("DayOfMonth", record.DayOfMonth);
-  visit.Field("WeekOfMonth", record.WeekOfMonth);
-  visit.Field("DayOfWeek", record.DayOfWeek);
-  visit.Field("Month", record.Month);
-  visit.Field("MultiStartTime", record.MultiStartTime);
-  visit.Field("ApplyTime", record.ApplyTime);
-  visit.Field("SecondsIntoDay", record.TimeToApply);
-  visit.Field("SubIntType", record.SubIntType);
-  visit.Field("ApplyStop", record.ApplyStop);
-  visit.Field("StopTime", record.StopTime);
-}
-
-template <typename Record, typename Visitor>
-void VisitBeforeIcon(Record& record, Visitor& visit) {
-  visit.Field("Name", record.Name);
-  visit.Field("NextEventTime", record.NextEventTime);
-  visit.Field("ActualEventTime", record.ActualEventTime);
-  visit.Field("Active", record.Active);
-  VisitRule(record, visit);
-  visit.Field("ApplyPrewarn", record.ApplyPrewarn);
-  visit.Field("PrewarnTime", record.PrewarnTime);
-  visit.Field("PrewarnType", record.PrewarnType);
-  visit.Field("ApplyPrewarnRepeat", record.ApplyPrewarnRepeat);
-  visit.Field("PrewarnRepeatTime", record.PrewarnRepeatTime);
-  visit.Field("PrewarnRepeatType", record.PrewarnRepeatType);
-  visit.OptionalText("PrewarnMessage", record.PrewarnMessage);
-  visit.Field("ApplyNag", record.ApplyNag);
-  visit.Field("NagRepeatTime", record.NagRepeatTime);
-  visit.Field("NagRepeatType", record.NagRepeatType);
-  visit.OptionalText("NagMessage", record.NagMessage);
-  visit.Field("DeliverIfMissed", record.DeliverIfMissed);
-  visit.Field("DeleteOnceDelivered", record.DeleteOnceDelivered);
-  visit.OptionalText("Comment", record.Comment);
-  visit.Field("IconNum", record.IconNumber);
-}
-
-template <typename Record, typename Visitor>
-void VisitBehindIcon(Record& record, Visitor& visit) {
-  visit.Field("WindowFrame", record.WindowFrame);
-  visit.Field("ShownTab", record.TabShown);
-}
-
 // ---- Writing ----
 
 class FieldAdder {
  public:
-  explicit FieldAdder(Message& message) : message_(message) {}
+  FieldAdder(const IconPair* icon, Message& message) : icon_(icon), message_(message) {}
 
   template <typename T>
-  void Field(const char* name, const T& value) {
-    message_.Set(name, value);
+  void Field(const FieldName& name, const T& value) {
+    message_.Set(name.message, value);
   }
-  void Field(const char* name, uint32 value) { message_.Set(name, static_cast<int32>(value)); }
-  void OptionalText(const char* name, const std::string& text) {
-    if (!text.empty()) message_.Set(name, text);
+  void Field(const FieldName& name, uint32 value) { Field(name, static_cast<int32>(value)); }
+  void OptionalText(const FieldName& name, const std::string& text) {
+    if (!text.empty()) Field(name, text);
   }
+  void AfterStatus() {}
+  void Icon(int32 number) {
+    Field("IconNum", number);
+    if (number != OwnIconNumber) return;
+    whole_ = icon_ && icon_->large.size() == LargeIconBytes && icon_->mini.size() == MiniIconBytes;
+    if (!whole_) return;
+    message_.Set("LargeIcon", RawData{IconCode, icon_->large});
+    message_.Set("MiniIcon", RawData{IconCode, icon_->mini});
+  }
+  void WindowOpen(bool) {}  // a copy's editor does not stand open
+  bool IsWhole() const { return whole_; }
 
  private:
+  const IconPair* icon_;
   Message& message_;
+  bool whole_ = true;
 };
 
-bool AddIcon(const IconPair* icon, Message& message) {
-  if (!icon || icon->large.size() != LargeIconBytes || icon->mini.size() != MiniIconBytes)
-    return false;
-  message.Set("LargeIcon", RawData{IconCode, icon->large});
-  message.Set("MiniIcon", RawData{IconCode, icon->mini});
-  return true;
-}
-
-/// What a handler writes behind a count of 0; a reader without it finds zeros there.
-bool AddBehindNothing(EndianIndependentFile& file, Message& message) {
+/// What a handler writes after a count of 0; a reader without it finds zeros there.
+bool AddAfterNothing(EndianIndependentFile& file, Message& message) {
   const int64 size = std::clamp<int64>(file.BytesLeft(), 0, ZerosWithoutData);
   RawData raw{HandlerDataCode, std::string(static_cast<size_t>(size), '\0')};
   if (file.ReadRaw(raw.bytes.data(), raw.bytes.size()) != size) return false;
@@ -123,7 +78,7 @@ bool AddHandlerData(EventAddOnData* data, Message& message) {
   uint32 count = 0;
   if (!data || file.InitCheck() != StatusOk || !SaveAddOnData(*data, &file)) return false;
   if (file.Seek(0, SEEK_SET) != 0 || file.ReadNumber(&count, sizeof count, 1) != 1) return false;
-  if (count == 0) return AddBehindNothing(file, message);
+  if (count == 0) return AddAfterNothing(file, message);
   if (count > file.BytesLeft()) return false;
   RawData raw{HandlerDataCode, std::string(count, '\0')};
   if (file.ReadRaw(raw.bytes.data(), count) != static_cast<int32>(count)) return false;
@@ -138,20 +93,20 @@ class FieldTaker {
   explicit FieldTaker(const Message& message) : message_(message) {}
 
   template <typename T>
-  void Field(const char* name, T& value) {
-    const std::optional<T> held = message_.Get<T>(name);
+  void Field(const FieldName& name, T& value) {
+    const std::optional<T> held = message_.Get<T>(name.message);
     if (held)
       value = *held;
     else
       whole_ = false;
   }
-  void Field(const char* name, uint32& value) {
+  void Field(const FieldName& name, uint32& value) {
     int32 bits = 0;
     Field(name, bits);
     value = static_cast<uint32>(bits);
   }
-  void Field(const char* name, std::string& text) {
-    const std::optional<std::string> held = message_.Get<std::string>(name);
+  void Field(const FieldName& name, std::string& text) {
+    const std::optional<std::string> held = message_.Get<std::string>(name.message);
     if (!held) {
       whole_ = false;
       return;
@@ -160,9 +115,19 @@ class FieldTaker {
     text = FitText(*held, &wasCut);
     anyCut_ |= wasCut;
   }
-  void OptionalText(const char* name, std::string& text) {
-    if (message_.Has(name)) Field(name, text);
+  void OptionalText(const FieldName& name, std::string& text) {
+    if (message_.Has(name.message)) Field(name, text);
   }
+  void AfterStatus() {}
+  void Icon(int32& number) {
+    Field("IconNum", number);
+    if (number != OwnIconNumber) return;
+    icon_ = std::make_unique<IconPair>();
+    Bytes("LargeIcon", IconCode, icon_->large);
+    Bytes("MiniIcon", IconCode, icon_->mini);
+    whole_ &= icon_->large.size() == LargeIconBytes && icon_->mini.size() == MiniIconBytes;
+  }
+  void WindowOpen(bool&) {}
   void Bytes(const char* name, uint32 code, std::string& bytes) {
     std::optional<RawData> raw = message_.Get<RawData>(name);
     if (raw && raw->type == code)
@@ -170,13 +135,7 @@ class FieldTaker {
     else
       whole_ = false;
   }
-  std::unique_ptr<IconPair> Icon() {
-    auto icon = std::make_unique<IconPair>();
-    Bytes("LargeIcon", IconCode, icon->large);
-    Bytes("MiniIcon", IconCode, icon->mini);
-    whole_ &= icon->large.size() == LargeIconBytes && icon->mini.size() == MiniIconBytes;
-    return icon;
-  }
+  std::unique_ptr<IconPair> TakeIcon() { return std::move(icon_); }
   /// Another name than the one in the message would be another handler: nothing is cut.
   void HandlerName(std::string& name) {
     const bool textsCut = std::exchange(anyCut_, false);
@@ -189,55 +148,54 @@ class FieldTaker {
 
  private:
   const Message& message_;
+  std::unique_ptr<IconPair> icon_;
   bool whole_ = true;
   bool anyCut_ = false;
 };
 
-/// `behind`: what follows a count of 0.
-bool WriteBlock(const std::string& bytes, std::string behind, EndianIndependentFile& file) {
+/// `afterNothing`: what follows a count of 0.
+bool WriteBlock(const std::string& bytes, std::string afterNothing, EndianIndependentFile& file) {
   auto count = static_cast<uint32>(bytes.size());
-  behind.resize(ZerosWithoutData);
-  if (count > 0) behind = bytes;
+  afterNothing.resize(ZerosWithoutData);
+  const std::string& rest = count > 0 ? bytes : afterNothing;
   return file.InitCheck() == StatusOk && file.WriteNumber(&count, sizeof count, 1) == 1 &&
-         file.WriteRaw(behind.data(), behind.size()) == static_cast<int32>(behind.size()) &&
+         file.WriteRaw(rest.data(), rest.size()) == static_cast<int32>(rest.size()) &&
          file.Seek(0, SEEK_SET) == 0;
 }
 
 }  // namespace
 
-bool Event::GenerateMessageForEvent(Message* message) const {
-  EventRecord record = record_;
-  if (acting_) {  // what is being delivered is not delivered by a copy
-    const EventTimes next = ComputeEventTimes(record_, Now(), LocalZone());
+bool GenerateMessageForEvent(const Event& event, Message* message) {
+  EventRecord record = event.Record();
+  if (event.IsActing()) {  // what is being delivered is not delivered by a copy
+    const Context& context = event.GetOwner()->GetContext();
+    const EventTimes next = ComputeEventTimes(record, context.clock.Now(), context.zone);
     record.ActualEventTime = next.ActualEventTime;
     record.NextEventTime = next.NextEventTime;
     record.Status = next.Status;
   }
-  FieldAdder add(*message);
-  VisitBeforeIcon(record, add);
-  if (record.IconNumber == OwnIcon && !AddIcon(GetOwnIcon(), *message)) return false;
-  VisitBehindIcon(record, add);
-  message->Set("HandlerName", GetHandlerName());
-  return AddHandlerData(GetAddOnData(), *message);
+  FieldAdder add(event.GetOwnIcon(), *message);
+  VisitEventFields(std::as_const(record), add);
+  if (!add.IsWhole()) return false;
+  message->Set("HandlerName", event.GetHandlerName());
+  return AddHandlerData(event.GetAddOnData(), *message);
 }
 
 EventFromMessageResult EventFromMessage(EventSet& owner, const Message& message) {
   EventRecord record;
-  std::unique_ptr<IconPair> icon;
-  std::string handlerName, handlerData, behind;
+  std::string handlerName, handlerData, afterNothing;
   FieldTaker take(message);
-  VisitBeforeIcon(record, take);
-  if (record.IconNumber == OwnIcon) icon = take.Icon();
-  VisitBehindIcon(record, take);
+  VisitEventFields(record, take);
   take.HandlerName(handlerName);
   if (message.Has("HandlerData")) take.Bytes("HandlerData", HandlerDataCode, handlerData);
-  if (message.Has("HandlerBehind")) take.Bytes("HandlerBehind", HandlerDataCode, behind);
+  if (message.Has("HandlerBehind")) take.Bytes("HandlerBehind", HandlerDataCode, afterNothing);
   BlockFile file;
-  if (message.what != 0 || !take.IsWhole() || !WriteBlock(handlerData, behind, file)) return {};
+  if (message.what != 0 || !take.IsWhole() || !WriteBlock(handlerData, afterNothing, file))
+    return {};
 
   EventFromMessageResult result;
   auto event = std::make_unique<Event>(owner, std::move(record));
-  event->AdoptIcon(std::move(icon));
+  event->AdoptIcon(take.TakeIcon());
   if (!ReadHandlerData(*event, handlerName, file, result.Complaint)) return {};
   event->UpdateEventTime();
   if (take.AnyCut())

@@ -2,6 +2,8 @@
 
 #include "core/events/EventSet.h"
 #include "core/events/HandlerTable.h"
+#include "core/files/EventFields.h"
+#include "core/timing/EventTypes.h"
 #include "support/OwnedText.h"
 
 namespace kestrin {
@@ -11,160 +13,76 @@ namespace {
 /// Reads field after field; after the first that fails nothing more is read.
 class FieldReader {
  public:
-  explicit FieldReader(EndianIndependentFile& file) : file_(file) {}
+  FieldReader(EndianIndependentFile& file, SetFileVersionIndex version)
+      : file_(file), isFirstVersion_(version == 0) {}
 
   template <typename T>
-  void Number(const char* field, T& value) {
+  void Field(const FieldName& name, T& value) {
     if (fault_) return;
-    if (file_.ReadNumber(&value, sizeof value, 1) != 1) fault_ = field;
+    if (file_.ReadNumber(&value, sizeof value, 1) != 1) fault_ = name.record;
   }
-  void Flag(const char* field, bool& value) {
+  void Field(const FieldName& name, bool& value) {
     uint8 byte = 0;
-    Number(field, byte);
+    Field(name, byte);
     if (!fault_) value = byte != 0;
   }
-  void Text(const char* field, std::string& value) {
+  void Field(const FieldName& name, std::string& value) {
     value.clear();
     if (fault_ || file_.TakeEmptyString()) return;
     const status_t status = file_.ReadString(buffer_, TextLimit);
     if (status != StatusOk) {
-      fault_ = field;
+      fault_ = name.record;
       tooLong_ = status == StatusError;
     }
     value.assign(fault_ ? "" : buffer_);
   }
-  void Raw(const char* field, std::string& bytes, int32 count) {
-    if (fault_) return;
-    bytes.resize(static_cast<size_t>(count));
-    if (file_.ReadRaw(bytes.data(), bytes.size()) != count) fault_ = field;
+  void Field(const FieldName& name, Rect& frame) {
+    Field(name, frame.left);
+    Field(name, frame.top);
+    Field(name, frame.right);
+    Field(name, frame.bottom);
   }
-  void Frame(const char* field, Rect& frame) {
-    Number(field, frame.left);
-    Number(field, frame.top);
-    Number(field, frame.right);
-    Number(field, frame.bottom);
+  void OptionalText(const FieldName& name, std::string& value) { Field(name, value); }
+  void AfterStatus() {
+    if (!isFirstVersion_) ReservedFlag();
   }
+  void Icon(int32& number) {
+    Field("icon number", number);
+    if (number != OwnIconNumber) return;
+    icon_ = std::make_unique<IconPair>();
+    Bytes("large icon", icon_->large, LargeIconBytes);
+    Bytes("mini icon", icon_->mini, MiniIconBytes);
+  }
+  void WindowOpen(bool& open) {
+    Field("the open flag", open);
+    if (isFirstVersion_) ReservedFlag();
+  }
+
   bool Failed() const { return fault_ != nullptr; }
   std::string Fault() const {
     return std::string(fault_) +
            (tooLong_ ? " has no end within 4096 bytes" : " is cut off by the end of the file");
   }
+  std::unique_ptr<IconPair> TakeIcon() { return std::move(icon_); }
 
  private:
+  void ReservedFlag() {
+    uint8 reserved = 0;
+    Field("the reserved flag", reserved);
+  }
+  void Bytes(const char* field, std::string& bytes, int32 count) {
+    if (fault_) return;
+    bytes.resize(static_cast<size_t>(count));
+    if (file_.ReadRaw(bytes.data(), bytes.size()) != count) fault_ = field;
+  }
+
   EndianIndependentFile& file_;
+  const bool isFirstVersion_;
+  std::unique_ptr<IconPair> icon_;
   const char* fault_ = nullptr;
   bool tooLong_ = false;
   char buffer_[TextLimit];
 };
-
-void ReadWhen(FieldReader& in, TimingRule& rule) {
-  in.Number("PeriodType", rule.PeriodType);
-  in.Number("Multiple", rule.Multiple);
-  in.Number("TimingType", rule.TimingType);
-  in.Number("RememberType", rule.RememberType);
-  in.Number("EventTime", rule.EventTime);
-  in.Number("DayOfMonth", rule.DayOfMonth);
-  in.Number("WeekOfMonth", rule.WeekOfMonth);
-  in.Number("DayOfWeek", rule.DayOfWeek);
-  in.Number("Month", rule.Month);
-  in.Number("MultiStartTime", rule.MultiStartTime);
-  in.Flag("ApplyTime", rule.ApplyTime);
-  in.Number("TimeToApply", rule.TimeToApply);
-  in.Number("SubIntType", rule.SubIntType);
-  in.Flag("ApplyStop", rule.ApplyStop);
-  in.Number("StopTime", rule.StopTime);
-}
-
-void ReadReminders(FieldReader& in, EventRecord& record) {
-  in.Flag("ApplyPrewarn", record.ApplyPrewarn);
-  in.Number("PrewarnTime", record.PrewarnTime);
-  in.Number("PrewarnType", record.PrewarnType);
-  in.Flag("ApplyPrewarnRepeat", record.ApplyPrewarnRepeat);
-  in.Number("PrewarnRepeatTime", record.PrewarnRepeatTime);
-  in.Number("PrewarnRepeatType", record.PrewarnRepeatType);
-  in.Text("PrewarnMessage", record.PrewarnMessage);
-  in.Flag("ApplyNag", record.ApplyNag);
-  in.Number("NagRepeatTime", record.NagRepeatTime);
-  in.Number("NagRepeatType", record.NagRepeatType);
-  in.Text("NagMessage", record.NagMessage);
-  in.Flag("DeliverIfMissed", record.DeliverIfMissed);
-  in.Flag("DeleteOnceDelivered", record.DeleteOnceDelivered);
-  in.Text("Comment", record.Comment);
-}
-
-std::unique_ptr<IconPair> ReadIcon(FieldReader& in, EventRecord& record) {
-  in.Number("icon number", record.IconNumber);
-  if (record.IconNumber != -2) return nullptr;
-  auto icon = std::make_unique<IconPair>();
-  in.Raw("large icon", icon->large, LargeIconBytes);
-  in.Raw("mini icon", icon->mini, MiniIconBytes);
-  return icon;
-}
-
-/// Writes field after field; after the first that fails nothing more is written.
-class FieldWriter {
- public:
-  explicit FieldWriter(EndianIndependentFile& file) : file_(file) {}
-
-  template <typename T>
-  void Number(T value) {
-    whole_ = whole_ && file_.WriteNumber(&value, sizeof value, 1) == 1;
-  }
-  void Flag(bool value) { Number(static_cast<uint8>(value ? 1 : 0)); }
-  void Text(const std::string& text) {
-    whole_ = whole_ && file_.WriteString(text.c_str()) == StatusOk;
-  }
-  void Raw(const std::string& bytes) {
-    whole_ =
-        whole_ && file_.WriteRaw(bytes.data(), bytes.size()) == static_cast<int32>(bytes.size());
-  }
-  void Frame(const Rect& frame) {
-    Number(frame.left);
-    Number(frame.top);
-    Number(frame.right);
-    Number(frame.bottom);
-  }
-  bool Whole() const { return whole_; }
-
- private:
-  EndianIndependentFile& file_;
-  bool whole_ = true;
-};
-
-void WriteWhen(FieldWriter& out, const TimingRule& rule) {
-  out.Number(rule.PeriodType);
-  out.Number(rule.Multiple);
-  out.Number(rule.TimingType);
-  out.Number(rule.RememberType);
-  out.Number(rule.EventTime);
-  out.Number(rule.DayOfMonth);
-  out.Number(rule.WeekOfMonth);
-  out.Number(rule.DayOfWeek);
-  out.Number(rule.Month);
-  out.Number(rule.MultiStartTime);
-  out.Flag(rule.ApplyTime);
-  out.Number(rule.TimeToApply);
-  out.Number(rule.SubIntType);
-  out.Flag(rule.ApplyStop);
-  out.Number(rule.StopTime);
-}
-
-void WriteReminders(FieldWriter& out, const EventRecord& record) {
-  out.Flag(record.ApplyPrewarn);
-  out.Number(record.PrewarnTime);
-  out.Number(record.PrewarnType);
-  out.Flag(record.ApplyPrewarnRepeat);
-  out.Number(record.PrewarnRepeatTime);
-  out.Number(record.PrewarnRepeatType);
-  out.Text(record.PrewarnMessage);
-  out.Flag(record.ApplyNag);
-  out.Number(record.NagRepeatTime);
-  out.Number(record.NagRepeatType);
-  out.Text(record.NagMessage);
-  out.Flag(record.DeliverIfMissed);
-  out.Flag(record.DeleteOnceDelivered);
-  out.Text(record.Comment);
-}
 
 /// Null unless it has the bytes that a record of its own icon promises.
 const IconPair* WholeIcon(const Event& event) {
@@ -173,6 +91,53 @@ const IconPair* WholeIcon(const Event& event) {
       icon && icon->large.size() == LargeIconBytes && icon->mini.size() == MiniIconBytes;
   return whole ? icon : nullptr;
 }
+
+/// Writes field after field; after the first that fails nothing more is written.
+class FieldWriter {
+ public:
+  FieldWriter(const Event& event, EndianIndependentFile& file) : event_(event), file_(file) {}
+
+  template <typename T>
+  void Field(const FieldName&, T value) {
+    Number(value);
+  }
+  void Field(const FieldName&, bool value) { Number(static_cast<uint8>(value ? 1 : 0)); }
+  void Field(const FieldName&, const std::string& text) {
+    whole_ = whole_ && file_.WriteString(text.c_str()) == StatusOk;
+  }
+  void Field(const FieldName&, const Rect& frame) {
+    for (const float edge : {frame.left, frame.top, frame.right, frame.bottom}) Number(edge);
+  }
+  void OptionalText(const FieldName& name, const std::string& text) { Field(name, text); }
+  void AfterStatus() { Field("the reserved flag", true); }
+  void Icon(int32 number) {
+    const IconPair* icon = number == OwnIconNumber ? WholeIcon(event_) : nullptr;
+    Number(number == OwnIconNumber && !icon ? NoIconNumber : number);
+    if (!icon) return;
+    Bytes(icon->large);
+    Bytes(icon->mini);
+  }
+  /// A set that is not shown keeps which of its editors opened with it.
+  void WindowOpen(bool open) {
+    const bool isShown = event_.GetOwner()->GetWindow() != nullptr;
+    Field("the open flag", isShown ? event_.GetWindow() != nullptr : open);
+  }
+  bool Whole() const { return whole_; }
+
+ private:
+  template <typename T>
+  void Number(T value) {
+    whole_ = whole_ && file_.WriteNumber(&value, sizeof value, 1) == 1;
+  }
+  void Bytes(const std::string& bytes) {
+    whole_ =
+        whole_ && file_.WriteRaw(bytes.data(), bytes.size()) == static_cast<int32>(bytes.size());
+  }
+
+  const Event& event_;
+  EndianIndependentFile& file_;
+  bool whole_ = true;
+};
 
 }  // namespace
 
@@ -205,30 +170,17 @@ bool ReadHandlerData(Event& event, const std::string& handlerName, EndianIndepen
 std::unique_ptr<Event> ReadEventRecord(EventSet& owner, EndianIndependentFile& file,
                                        SetFileVersionIndex version, std::string& fault,
                                        std::string& complaint, int64* handlerDataAt) {
-  FieldReader in(file);
+  FieldReader in(file, version);
   EventRecord record;
-  in.Text("Name", record.Name);
-  in.Number("NextEventTime", record.NextEventTime);
-  in.Number("ActualEventTime", record.ActualEventTime);
-  in.Flag("Active", record.Active);
-  in.Number("Status", record.Status);
-  uint8 reserved = 0;
-  if (version != 0) in.Number("the reserved flag", reserved);
-  ReadWhen(in, record);
-  ReadReminders(in, record);
-  std::unique_ptr<IconPair> icon = ReadIcon(in, record);
-  in.Frame("WindowFrame", record.WindowFrame);
-  in.Flag("the open flag", record.ShouldWindowOpen);
-  if (version == 0) in.Number("the reserved flag", reserved);
-  in.Number("TabShown", record.TabShown);
+  VisitEventFields(record, in);
   std::string handlerName;
-  in.Text("handler name", handlerName);
+  in.Field("handler name", handlerName);
   if (in.Failed()) {
     fault = in.Fault();
     return nullptr;
   }
   auto event = std::make_unique<Event>(owner, std::move(record));
-  event->AdoptIcon(std::move(icon));
+  event->AdoptIcon(in.TakeIcon());
   if (handlerDataAt) *handlerDataAt = file.Position();
   if (!ReadHandlerData(*event, handlerName, file, complaint)) {
     fault = "the data of its handler \"" + handlerName + "\" cannot be read";
@@ -238,27 +190,9 @@ std::unique_ptr<Event> ReadEventRecord(EventSet& owner, EndianIndependentFile& f
 }
 
 bool WriteEventRecord(Event& event, EndianIndependentFile& file) {
-  FieldWriter out(file);
-  const EventRecord& record = event.Record();
-  out.Text(record.Name);
-  out.Number(record.NextEventTime);
-  out.Number(record.ActualEventTime);
-  out.Flag(record.Active);
-  out.Number(record.Status);
-  out.Flag(true);
-  WriteWhen(out, record);
-  WriteReminders(out, record);
-  const IconPair* icon = record.IconNumber == -2 ? WholeIcon(event) : nullptr;
-  out.Number(record.IconNumber == -2 && !icon ? -1 : record.IconNumber);
-  if (icon) {
-    out.Raw(icon->large);
-    out.Raw(icon->mini);
-  }
-  out.Frame(record.WindowFrame);
-  // A set that is not shown keeps which of its editors opened with it.
-  out.Flag(event.GetOwner()->GetWindow() ? event.GetWindow() != nullptr : record.ShouldWindowOpen);
-  out.Number(record.TabShown);
-  out.Text(event.GetHandlerName());
+  FieldWriter out(event, file);
+  VisitEventFields(event.Record(), out);
+  out.Field("handler name", event.GetHandlerName());
   return out.Whole() && event.GetAddOnData() && SaveAddOnData(*event.GetAddOnData(), &file);
 }
 

@@ -70,7 +70,7 @@ ConstructorResult Fail(SetFileReport& report, std::string fault) {
   return ConstructorResult::CouldNotRead;
 }
 
-/// The handler's block begins at `blockAt` with its count; what it read behind that is its data.
+/// The handler's block begins at `blockAt` with its count; what it read after that is its data.
 void ReportHandlerData(EndianIndependentFile& file, const Event& event, SetFileReport& report,
                        int64 blockAt) {
   const int64 dataAt = blockAt + 4;

@@ -21,7 +21,7 @@ struct SetFileReport {
   bool BigEndian = false;
   std::string Fault;      ///< what is wrong with the file, for people; empty after a success
   std::string Complaint;  ///< an add-on failed, its events are kept; for people
-  /// Called after each event with the place of its handler's data, behind the count, in the file.
+  /// Called after each event with the place of its handler's data, after the count, in the file.
   std::function<void(const Event& event, int64 offset, int64 length)> OnHandlerData;
 };
 

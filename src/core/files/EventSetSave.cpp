@@ -41,7 +41,7 @@ bool EventSet::WriteTo(const std::string& path) {
   const AutoLock lock(*this);
   Opened<EndianIndependentFile> file(context_.files, path, OpenWriteOnly | OpenCreate | OpenErase,
                                      WriteBuffer);
-  return file.InitCheck() == StatusOk && WriteSetFile(*this, file) && file.Sync() == StatusOk;
+  return file.InitCheck() == StatusOk && WriteSetFile(*this, file);
 }
 
 bool EventSet::SaveCopy(const std::string& path) {

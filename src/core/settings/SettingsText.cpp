@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 
+#include "support/Hex.h"
 #include "support/OwnedText.h"
 
 namespace kestrin {
@@ -115,36 +116,6 @@ bool AppendNumber(std::string& bytes, Form form, const Json& number) {
   return true;
 }
 
-int HexDigit(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  return -1;
-}
-
-std::string HexOf(const std::string& bytes) {
-  constexpr const char* Digits = "0123456789abcdef";
-  std::string text;
-  text.reserve(bytes.size() * 2);
-  for (const char c : bytes) {
-    text += Digits[static_cast<unsigned char>(c) >> 4];
-    text += Digits[static_cast<unsigned char>(c) & 15];
-  }
-  return text;
-}
-
-bool AppendHex(std::string& bytes, const Json& json) {
-  if (!json.is_string()) return false;
-  const auto& text = json.get_ref<const std::string&>();
-  if (text.size() % 2 != 0) return false;
-  for (size_t at = 0; at < text.size(); at += 2) {
-    const int high = HexDigit(text[at]), low = HexDigit(text[at + 1]);
-    if (high < 0 || low < 0) return false;
-    bytes += static_cast<char>(high << 4 | low);
-  }
-  return true;
-}
-
 // Texts one after another, each ended by a NUL, none empty.
 std::optional<Json> TextsOf(const std::string& bytes) {
   if (bytes.empty() || bytes.back() != '\0' || !IsUtf8(bytes)) return std::nullopt;
@@ -173,7 +144,7 @@ bool AppendTexts(std::string& bytes, const Json& list) {
 std::optional<std::string> BytesOf(uint32 type, const Json& entry) {
   std::string bytes;
   if (const auto hex = entry.find("hex"); hex != entry.end())
-    return AppendHex(bytes, *hex) ? std::optional(bytes) : std::nullopt;
+    return hex->is_string() ? FromHex(hex->get_ref<const std::string&>()) : std::nullopt;
   if (const auto texts = entry.find("texts"); texts != entry.end())
     return AppendTexts(bytes, *texts) ? std::optional(bytes) : std::nullopt;
   const auto value = entry.find("value");
@@ -210,7 +181,7 @@ std::string WriteSettingsText(const SettingsMap& settings) {
   std::string text = "{";
   for (const auto& [key, data] : settings) {
     Json entry = ReadableForm(data);
-    if (entry.is_null()) entry = {{"type", TypeText(data.type)}, {"hex", HexOf(data.bytes)}};
+    if (entry.is_null()) entry = {{"type", TypeText(data.type)}, {"hex", ToHex(data.bytes)}};
     text += text.size() == 1 ? "\n  " : ",\n  ";
     text += Json(key).dump() + ": " + entry.dump();
   }

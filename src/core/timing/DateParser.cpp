@@ -5,10 +5,10 @@
 #include <utility>
 #include <vector>
 
-#include "core/timing/CalendarMonth.h"
 #include "core/timing/DateTokens.h"
 #include "core/timing/EventTiming.h"
 #include "core/timing/EventTypes.h"
+#include "support/CalendarMonth.h"
 
 namespace kestrin {
 

@@ -131,13 +131,14 @@ int32 hastimeinfo_parsedate(std::string_view text, int64 now, const Zone& zone, 
   return read ? read->moment : -1;
 }
 
-const char* WhyNoDate(std::string_view text, int64 now, const Zone& zone) {
+std::optional<std::string_view> WhyNoDate(std::string_view text, int64 now, const Zone& zone) {
   const std::string fixed = GetFixedTime(text);
   if (!IsDate(fixed, now, zone))
     return "This is no date. Type one like Nov 20 2026, tomorrow, or Friday, 3 pm "
            "(with a comma before the time).";
   const std::optional<ReadMoment> read = ReadDate(fixed, now, zone);
-  return read && read->moment > 0 ? "" : DateOutOfRange;
+  if (!read || read->moment <= 0) return DateOutOfRange;
+  return std::nullopt;
 }
 
 int32 ParseDate(std::string_view text, int64 now, const Zone& zone) {

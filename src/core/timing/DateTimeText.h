@@ -1,6 +1,7 @@
 // Moments as text, and typed text as moments. Texts are English and do not follow the locale.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -34,8 +35,8 @@ int32 hastimeinfo_parsedate(std::string_view text, int64 now, const Zone& zone, 
 inline constexpr char DateOutOfRange[] = "Only dates from 1970 to January 18, 2038 can be kept.";
 
 /// Why an event cannot take the typed text as a date: it is none, or no time from 1970 to the end
-/// of stored times in January 2038. A sentence for the person who typed it; empty when it can.
-const char* WhyNoDate(std::string_view text, int64 now, const Zone& zone);
+/// of stored times in January 2038. A sentence for the person who typed it.
+std::optional<std::string_view> WhyNoDate(std::string_view text, int64 now, const Zone& zone);
 
 /// The parser under hastimeinfo_parsedate, for text that GetFixedTime has already rewritten.
 int32 ParseDate(std::string_view text, int64 now, const Zone& zone);

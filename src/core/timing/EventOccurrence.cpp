@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "core/timing/CalendarMonth.h"
 #include "core/timing/EventTiming.h"
+#include "support/CalendarMonth.h"
 
 namespace kestrin {
 

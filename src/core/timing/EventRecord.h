@@ -51,7 +51,7 @@ struct EventRecord : TimingRule {
   bool DeliverIfMissed = true;
   bool DeleteOnceDelivered = false;
   bool ShouldWindowOpen = true;
-  int32 IconNumber = 0;  ///< -2 = own bitmaps, -1 = none, 0 and up = standard icon
+  int32 IconNumber = 0;  ///< a standard icon, OwnIconNumber or NoIconNumber
   int32 TabShown = 0;
   Rect WindowFrame;
 };

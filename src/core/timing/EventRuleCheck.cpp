@@ -1,61 +1,61 @@
 #include "core/timing/EventRuleCheck.h"
 
-#include "core/timing/EventTiming.h"
-
 namespace kestrin {
 
 namespace {
 
-constexpr const char* Fine = "";
+constexpr std::nullopt_t Fine = std::nullopt;
 
 bool IsWithin(int32 value, int32 least, int32 most) { return value >= least && value <= most; }
 
-const char* WhyNoDayOfWeek(const TimingRule& rule) {
-  return IsWithin(rule.DayOfWeek, 0, 6) ? Fine : "There is no such weekday; choose one of seven.";
+WhyNot Unless(bool isFine, const char* sentence) { return isFine ? WhyNot() : WhyNot(sentence); }
+
+WhyNot WhyNoDayOfWeek(const TimingRule& rule) {
+  return Unless(IsWithin(rule.DayOfWeek, 0, 6), "There is no such weekday; choose one of seven.");
 }
 
-const char* WhyNoMonth(const TimingRule& rule) {
-  return IsWithin(rule.Month, 0, 11) ? Fine : "There is no such month; choose one of twelve.";
+WhyNot WhyNoMonth(const TimingRule& rule) {
+  return Unless(IsWithin(rule.Month, 0, 11), "There is no such month; choose one of twelve.");
 }
 
-const char* WhyNoDayByRule(const TimingRule& rule) {
+WhyNot WhyNoDayByRule(const TimingRule& rule) {
   const bool yearly = rule.PeriodType == Annually || rule.PeriodType == MultiAnnually;
   const bool byDayOfMonth = rule.TimingType == ByDayOfMonth;
   if (byDayOfMonth && !IsWithin(rule.DayOfMonth, 1, 59))
     return "No month has such a day; choose a day from the list.";
   if (!byDayOfMonth && !IsWithin(rule.WeekOfMonth, 0, 7))
     return "No month has such a week; choose a week from the list.";
-  if (!byDayOfMonth && *WhyNoDayOfWeek(rule)) return WhyNoDayOfWeek(rule);
+  if (const WhyNot why = byDayOfMonth ? Fine : WhyNoDayOfWeek(rule)) return why;
   if (yearly) return WhyNoMonth(rule);
   return CountsBackFromMonth(rule) && rule.Month != EachMonthsOwnEnd ? WhyNoMonth(rule) : Fine;
 }
 
-const char* WhyNoYear(const TimingRule& rule) {
+WhyNot WhyNoYear(const TimingRule& rule) {
   if (!IsWithin(rule.TimingType, 0, NumberOfTimingTypes - 1))
     return "There is no such way to choose the day; choose a type from the list.";
   return rule.TimingType == ByDate ? Fine : WhyNoDayByRule(rule);
 }
 
-const char* WhyNoSubDailyStep(const TimingRule& rule) {
+WhyNot WhyNoSubDailyStep(const TimingRule& rule) {
   switch (rule.SubIntType) {
     case Months:
       return "A day cannot be divided by months; choose hours or minutes.";
     case Weeks:
     case Days:
-      return rule.Multiple ? Fine : "A step of 0 never comes round; enter 1 or more.";
+      return Unless(rule.Multiple, "A step of 0 never comes round; enter 1 or more.");
     case Hours:
-      return rule.Multiple ? Fine : "Every 0 hours never comes round; enter 1 or more.";
+      return Unless(rule.Multiple, "Every 0 hours never comes round; enter 1 or more.");
     case Minutes:
-      return rule.Multiple ? Fine : "Every 0 minutes never comes round; enter 1 or more.";
+      return Unless(rule.Multiple, "Every 0 minutes never comes round; enter 1 or more.");
     default:
       return "There is no such unit of time; choose hours or minutes.";
   }
 }
 
-const char* WhyNoRepeat(uint32 count, int32 unit) {
+WhyNot WhyNoRepeat(uint32 count, int32 unit) {
   if (!IsWithin(unit, 0, NumberOfIntervalTypes - 1))
     return "There is no such unit of time; choose a unit from the list.";
-  return count ? Fine : "Repeated every 0 units, a message never comes again; enter 1 or more.";
+  return Unless(count, "Repeated every 0 units, a message never comes again; enter 1 or more.");
 }
 
 /// A rule without a fault that asks the same of its values.
@@ -84,7 +84,7 @@ int8 MonthOnceChosen(const TimingRule& rule, const Zone& zone) {
   return static_cast<int8>(ToFields(zone.AtMoment(rule.EventTime)).month);
 }
 
-const char* WhyNoOccurrence(const TimingRule& rule) {
+WhyNot WhyNoOccurrence(const TimingRule& rule) {
   switch (rule.PeriodType) {
     case Once:
     case Daily:
@@ -98,15 +98,16 @@ const char* WhyNoOccurrence(const TimingRule& rule) {
     case Weekly:
       return WhyNoDayOfWeek(rule);
     case MultiAnnually:
-      return rule.Multiple ? WhyNoYear(rule) : "Every 0 years never comes round; enter 1 or more.";
+      return rule.Multiple ? WhyNoYear(rule)
+                           : WhyNot("Every 0 years never comes round; enter 1 or more.");
     case MultiMonthly:
       return rule.Multiple ? WhyNoDayByRule(rule)
-                           : "Every 0 months never comes round; enter 1 or more.";
+                           : WhyNot("Every 0 months never comes round; enter 1 or more.");
     case MultiWeekly:
       return rule.Multiple ? WhyNoDayOfWeek(rule)
-                           : "Every 0 weeks never comes round; enter 1 or more.";
+                           : WhyNot("Every 0 weeks never comes round; enter 1 or more.");
     case MultiDaily:
-      return rule.Multiple ? Fine : "Every 0 days never comes round; enter 1 or more.";
+      return Unless(rule.Multiple, "Every 0 days never comes round; enter 1 or more.");
     case SubDaily:
       return WhyNoSubDailyStep(rule);
     default:
@@ -114,22 +115,17 @@ const char* WhyNoOccurrence(const TimingRule& rule) {
   }
 }
 
-const char* WhyRuleNeverYields(const TimingRule& rule) {
-  const char* why = WhyNoOccurrence(rule);
-  if (*why) return why;
-  if (rule.ApplyPrewarn) {
-    if (!IsWithin(rule.PrewarnType, 0, NumberOfIntervalTypes - 1))
-      return "There is no such unit of time; choose a unit from the list.";
-    why = rule.ApplyPrewarnRepeat ? WhyNoRepeat(rule.PrewarnRepeatTime, rule.PrewarnRepeatType)
-                                  : Fine;
-  }
-  if (!*why && rule.ApplyNag) why = WhyNoRepeat(rule.NagRepeatTime, rule.NagRepeatType);
-  return why;
+WhyNot WhyRuleNeverYields(const TimingRule& rule) {
+  if (const WhyNot why = WhyNoOccurrence(rule)) return why;
+  if (rule.ApplyPrewarn && !IsWithin(rule.PrewarnType, 0, NumberOfIntervalTypes - 1))
+    return "There is no such unit of time; choose a unit from the list.";
+  if (rule.ApplyPrewarn && rule.ApplyPrewarnRepeat)
+    if (const WhyNot why = WhyNoRepeat(rule.PrewarnRepeatTime, rule.PrewarnRepeatType)) return why;
+  return rule.ApplyNag ? WhyNoRepeat(rule.NagRepeatTime, rule.NagRepeatType) : Fine;
 }
 
-const char* WhyChangeRefused(const TimingRule& rule,
-                             const std::function<void(TimingRule&)>& change) {
-  TimingRule candidate = *WhyRuleNeverYields(rule) ? FaultlessLike(rule) : rule;
+WhyNot WhyChangeRefused(const TimingRule& rule, const std::function<void(TimingRule&)>& change) {
+  TimingRule candidate = WhyRuleNeverYields(rule) ? FaultlessLike(rule) : rule;
   change(candidate);
   return WhyRuleNeverYields(candidate);
 }

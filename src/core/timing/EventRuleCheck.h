@@ -3,20 +3,27 @@
 #pragma once
 
 #include <functional>
+#include <optional>
+#include <string_view>
 
 #include "core/timing/EventRecord.h"
 #include "support/LocalTime.h"
 
 namespace kestrin {
 
-/// Why the rule gives no occurrence at any time; empty when it does. A period type without a name
-/// counts as such a fault. WhyRuleNeverYields also looks at prewarnings and nags.
-const char* WhyNoOccurrence(const TimingRule& rule);
+/// A sentence, or nothing when all is well.
+using WhyNot = std::optional<std::string_view>;
 
-/// Why a change of one value would make a rule that can never yield, for the person who asks for
-/// it; empty when it would not. A fault that the rule has elsewhere does not count.
-const char* WhyChangeRefused(const TimingRule& rule,
-                             const std::function<void(TimingRule&)>& change);
+/// Why the rule gives no occurrence at any time. A period type without a name counts as such a
+/// fault.
+WhyNot WhyNoOccurrence(const TimingRule& rule);
+
+/// The same, and what is wrong with the prewarnings and nags that the rule asks for.
+WhyNot WhyRuleNeverYields(const TimingRule& rule);
+
+/// Why a change of one value would make a rule that can never yield. A fault that the rule has
+/// elsewhere does not count.
+WhyNot WhyChangeRefused(const TimingRule& rule, const std::function<void(TimingRule&)>& change);
 
 /// Whether the rule looks for its day backwards from an end that `Month` says: a monthly kind by
 /// day of week, WeekOfMonth 4 or more.

@@ -1,6 +1,6 @@
 #include "core/timing/EventSteps.h"
 
-#include "core/timing/CalendarMonth.h"
+#include "support/CalendarMonth.h"
 
 namespace kestrin {
 

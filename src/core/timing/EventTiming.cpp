@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <optional>
 
-#include "core/timing/CalendarMonth.h"
 #include "core/timing/EventOccurrence.h"
 #include "core/timing/EventRuleCheck.h"
 #include "core/timing/EventSteps.h"
+#include "support/CalendarMonth.h"
 
 namespace kestrin {
 
@@ -25,7 +25,7 @@ std::optional<int32> ComputeActual(const TimingRule& rule, int64 now, const Zone
     const int32 time = rule.PeriodType == Once ? rule.EventTime : rule.ActualEventTime;
     return time > now ? std::optional(time) : std::nullopt;
   }
-  if (*WhyNoOccurrence(rule)) return std::nullopt;
+  if (WhyNoOccurrence(rule)) return std::nullopt;
   const std::optional<int64> next = NextOccurrence(rule, now, zone);
   return next && FitsTime(*next) ? std::optional(Stored(*next)) : std::nullopt;
 }
@@ -79,11 +79,6 @@ bool IsSameDay(int64 a, int64 b, const Zone& zone) {
   return DayOf(zone.AtMoment(a)) == DayOf(zone.AtMoment(b));
 }
 
-int32 GetLast12AM(int32 time, const Zone& zone) {
-  const int64 midnight = zone.ToMoment(MidnightOf(zone.AtMoment(time)));
-  return Stored(std::max<int64>(midnight, INT32_MIN));
-}
-
 int32 GetSecondsIntoDay(int32 time, const Zone& zone) {
   return SecondsIntoDay(zone.AtMoment(time));
 }
@@ -95,23 +90,13 @@ std::optional<int32> OnDayOf(int32 day, int32 secondsIntoDay, const Zone& zone) 
   return Stored(moment);
 }
 
-int32 DaysInMonth(int32 month, int32 year) {
-  constexpr int32 lengths[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-  const int64 wholeYear = year + FloorDivide(month, 12);
-  const int64 inYear = month - 12 * FloorDivide(month, 12);
-  return inYear == 1 && wholeYear % 4 == 0 ? 29 : lengths[inYear];
-}
-
 int8 DetermineWeekOfMonth(int8 dayOfMonth, int8 dayOfWeek) {
   int w = dayOfWeek - dayOfMonth % 7;
   if (w < 0) w += 7;
   return static_cast<int8>((dayOfMonth + w - 1) / 7);
 }
 
-int32 FoldIntoDay(int64 seconds) {
-  const int64 rest = seconds % SecondsPerDay;
-  return Stored(rest < 0 ? rest + SecondsPerDay : rest);
-}
+int32 FoldIntoDay(int64 seconds) { return SecondsIntoDay(Civil{seconds}); }
 
 bool FitsTime(int64 time) { return time >= INT32_MIN && time <= INT32_MAX; }
 

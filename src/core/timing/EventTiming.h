@@ -26,9 +26,6 @@ EventTimes NextPrewarning(const TimingRule& rule, int64 now, const Zone& zone);
 /// The next nag after `now`; a step that can never advance ends the nagging (DoneWithEvent, 0).
 EventTimes NextNag(const TimingRule& rule, int64 now, const Zone& zone);
 
-/// Why the rule can never yield an occurrence, as a sentence for the user; empty when it can.
-const char* WhyRuleNeverYields(const TimingRule& rule);
-
 /// Whether the rule says a time of day; a sub-daily one does by its start.
 inline bool HasTimeOfDay(const TimingRule& rule) {
   return rule.ApplyTime || rule.PeriodType == SubDaily;
@@ -41,21 +38,18 @@ inline bool MessageHasTimeOfDay(const TimingRule& rule) {
 /// Whether two moments fall on one day of the wall clock.
 bool IsSameDay(int64 a, int64 b, const Zone& zone);
 
-/// Local midnight at or before `time`; the wall-clock time of day.
-int32 GetLast12AM(int32 time, const Zone& zone);
+/// The wall-clock time of day.
 int32 GetSecondsIntoDay(int32 time, const Zone& zone);
 /// The day of `day`, joined on the wall clock with a time of day; nothing where no time can hold
 /// that.
 std::optional<int32> OnDayOf(int32 day, int32 secondsIntoDay, const Zone& zone);
-/// Month 0..11 (larger months carry into the year), year since 1900. Every fourth year is leap.
-int32 DaysInMonth(int32 month, int32 year);
 /// The 0-based row of a day in a month calendar whose weeks start on Monday.
 int8 DetermineWeekOfMonth(int8 dayOfMonth, int8 dayOfWeek);
 
 /// Folds any count of seconds into 0..86399.
 int32 FoldIntoDay(int64 seconds);
 
-/// `time` cut to what int32 can hold; anything beyond is "no time" for the caller to treat.
+/// Whether int32 can hold `time`, so that it can be stored.
 bool FitsTime(int64 time);
 
 }  // namespace kestrin

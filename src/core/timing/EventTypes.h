@@ -59,6 +59,9 @@ inline constexpr std::array<std::string_view, 7> DayAbbr = {"Sun", "Mon", "Tue",
 inline constexpr std::array<std::string_view, 12> MonthAbbr = {
     "Jan", "Feb", "Mar", "Apr", "May", "Jun", "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
 
+/// The icon numbers that stand for something else than a standard icon, which are 0 and up.
+inline constexpr int32 OwnIconNumber = -2, NoIconNumber = -1;
+
 /// Which TimingType (column) each PeriodicityType (row) admits.
 inline constexpr bool AllowableTypeCombination[NumberOfPeriodTypes][NumberOfTimingTypes] = {
     {true, false, false}, {true, true, true},   {false, true, true}, {false, false, true},

@@ -4,13 +4,13 @@
 #include <optional>
 #include <string_view>
 
-#include "core/timing/CalendarMonth.h"
 #include "core/timing/DateTimeText.h"
 #include "core/timing/DateTokens.h"
 #include "core/timing/EventOccurrence.h"
 #include "core/timing/EventRuleCheck.h"
 #include "core/timing/EventSteps.h"
 #include "core/timing/EventTiming.h"
+#include "support/CalendarMonth.h"
 
 namespace kestrin {
 
@@ -257,8 +257,8 @@ std::string CountedBackFrom(const TimingRule& rule) {
 std::string RuleSentence(const TimingRule& rule, const Zone& zone, bool use24Hours) {
   const Sentence sentence(rule, zone, use24Hours);
   const bool isKnown = rule.PeriodType >= 0 && rule.PeriodType < NumberOfPeriodTypes;
-  if (isKnown && *WhyNoOccurrence(rule))
-    return std::string("Never rings. ") + WhyNoOccurrence(rule);
+  if (const WhyNot why = WhyNoOccurrence(rule); isKnown && why)
+    return "Never rings. " + std::string(*why);
   const std::string when = isKnown ? sentence.Occurrences() : sentence.OnceOn(rule.ActualEventTime);
   return when + Warns(rule) + Nags(rule) + ".";
 }

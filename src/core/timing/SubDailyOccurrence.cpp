@@ -1,7 +1,7 @@
-#include "core/timing/CalendarMonth.h"
 #include "core/timing/EventOccurrence.h"
 #include "core/timing/EventTiming.h"
 #include "core/timing/EventTypes.h"
+#include "support/CalendarMonth.h"
 
 namespace kestrin {
 

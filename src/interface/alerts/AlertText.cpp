@@ -73,7 +73,7 @@ void AlertText::ShowText(const QString& text, QSize largest, int lowest) {
   updateGeometry();
 }
 
-/// The widget reckons a few pixels more than the text takes: where all of it fits there is no bar.
+/// The widget asks for a few pixels more than the text takes: where all of it fits there is no bar.
 void AlertText::ChooseScrollBar() {
   const bool smaller = height() + 2 < hint_.height() || width() + 2 < hint_.width();
   setVerticalScrollBarPolicy(scrolls_                 ? Qt::ScrollBarAlwaysOn

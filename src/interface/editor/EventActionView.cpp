@@ -31,7 +31,7 @@ void TakeFocusAndGiveItBack(const QWidget& view) {
   typing->setFocus();
 }
 
-/// Puts what takes the focus in the view, which came last, behind `before` in the order of tabs.
+/// Puts what takes the focus in the view, which came last, after `before` in the order of tabs.
 void PutInTabOrder(QWidget* before, QWidget* view) {
   std::vector<QWidget*> widgets;
   QWidget* each = view;

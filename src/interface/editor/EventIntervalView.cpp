@@ -38,12 +38,12 @@ EventIntervalView::EventIntervalView(QWidget* caption, IntervalParts parts, cons
 }
 
 QString EventIntervalView::TakeNumber(uint32 number) {
-  const char* why = WhyChangeRefused(event_.Record(), [this, number](TimingRule& rule) {
+  const WhyNot why = WhyChangeRefused(event_.Record(), [this, number](TimingRule& rule) {
     parts_.use(rule);
     rule.*parts_.number = number;
   });
-  if (!*why) write_([this, number](Event& event) { (event.*parts_.setNumber)(number); });
-  return why;
+  if (!why) write_([this, number](Event& event) { (event.*parts_.setNumber)(number); });
+  return why ? QString::fromStdString(std::string(*why)) : QString();
 }
 
 void EventIntervalView::ShowEvent() {

@@ -35,10 +35,10 @@ PeriodicityIntervalView::PeriodicityIntervalView(const Event& event, EditorPage:
 }
 
 QString PeriodicityIntervalView::TakeMultiple(uint32 multiple) {
-  const char* why =
+  const WhyNot why =
       WhyChangeRefused(event_.Record(), [multiple](TimingRule& rule) { rule.Multiple = multiple; });
-  if (!*why) write_([multiple](Event& event) { event.SetMultiple(multiple); });
-  return why;
+  if (!why) write_([multiple](Event& event) { event.SetMultiple(multiple); });
+  return why ? QString::fromStdString(std::string(*why)) : QString();
 }
 
 void PeriodicityIntervalView::ShowEvent() {

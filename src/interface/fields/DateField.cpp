@@ -71,12 +71,12 @@ QString DateField::TakeText(const QString& typed) {
   const Context& context = ContextOf(event_);
   const int64 now = context.clock.Now();
   std::string text = typed.toStdString();
-  if (*WhyNoDate(text, now, context.zone)) {
+  if (WhyNoDate(text, now, context.zone)) {
     const std::string rest = WithoutShownWeekday(typed).toStdString();
-    if (!*WhyNoDate(rest, now, context.zone)) text = rest;
+    if (!WhyNoDate(rest, now, context.zone)) text = rest;
   }
-  if (const char* why = WhyNoDate(text, now, context.zone); *why)
-    return QuotedText(typed) + ": " + why;
+  if (const auto why = WhyNoDate(text, now, context.zone))
+    return QuotedText(typed) + ": " + QString::fromStdString(std::string(*why));
   bool hasTime = false;
   const int32 time = hastimeinfo_parsedate(text, now, context.zone, &hasTime);
   hasTime |= typed.contains("midnight", Qt::CaseInsensitive);  // it looks like a day alone

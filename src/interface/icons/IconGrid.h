@@ -4,7 +4,8 @@
 #include <QListWidget>
 #include <vector>
 
-#include "interface/icons/StandardIcons.h"
+#include "core/timing/EventTypes.h"
+#include "support/Bitmap.h"
 
 namespace kestrin {
 

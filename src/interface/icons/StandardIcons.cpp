@@ -8,6 +8,7 @@
 #include <QStyleOption>
 
 #include "core/events/Event.h"
+#include "core/timing/EventTypes.h"
 #include "interface/icons/ColourMapped.h"
 #include "interface/icons/IconDrawing.h"
 
@@ -137,7 +138,7 @@ const std::string& StandardMiniIconData(int32 index) {
 int32 WhichStandardIcon(const IconPair& icon) {
   for (int32 i = 0; i < NumberOfStandardIcons; ++i)
     if (icon.large == StandardLargeIconData(i) && icon.mini == StandardMiniIconData(i)) return i;
-  return -1;
+  return NoIconNumber;
 }
 
 }  // namespace kestrin

@@ -12,9 +12,6 @@ namespace kestrin {
 
 class Event;
 
-/// The numbers that stand for something else than a standard icon.
-inline constexpr int32 OwnIconNumber = -2, NoIconNumber = -1;
-
 /// Sharp at any size and screen density; a number outside the table gives the null icon.
 QIcon StandardIcon(int32 index);
 QIcon OwnIcon(const IconPair& icon);
@@ -27,7 +24,7 @@ QString IconName(int32 index);
 /// Rows 0 to 10 of the standard icons as bitmaps.
 const std::string& StandardLargeIconData(int32 index);
 const std::string& StandardMiniIconData(int32 index);
-/// The standard icon with these bytes, or -1.
+/// The standard icon with these bytes, or NoIconNumber.
 int32 WhichStandardIcon(const IconPair& icon);
 
 }  // namespace kestrin

@@ -71,11 +71,6 @@ void ColumnListView::ScrollToColumn(int column) {
   bar.setValue(std::min(left, std::max(bar.value(), left + width - viewport()->width())));
 }
 
-uint32 ColumnListView::ColumnFlags(int column) const {
-  const uint32 flags = columns_[static_cast<size_t>(column)].flags;
-  return isColumnHidden(column) ? flags | CLVColumn::Hidden : flags & ~CLVColumn::Hidden;
-}
-
 std::vector<int> ColumnListView::DisplayOrder() const {
   std::vector<int> order;
   for (int place = 0; place < header_->count(); ++place)

@@ -29,7 +29,6 @@ class ColumnListView : public QTreeView {
   void Build(QAbstractItemModel& model, const std::vector<CLVColumn>& columns,
              const std::vector<int>& order, std::vector<SortKey> keys);
 
-  uint32 ColumnFlags(int column) const;
   std::vector<int> DisplayOrder() const;
   void ShowColumn(int column, bool shown);
   const std::vector<SortKey>& SortKeys() const { return header_->Keys(); }

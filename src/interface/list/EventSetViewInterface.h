@@ -1,4 +1,5 @@
-// A view of a set's events, as the set's window knows it.
+// A view of a set's events, as the set's window knows it. The operations are those of any view
+// mode: they stand whole for a further one, also those that the list's window does not need.
 #pragma once
 
 #include "interface/list/EventOrder.h"

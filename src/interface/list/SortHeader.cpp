@@ -65,7 +65,7 @@ void SortHeader::focusInEvent(QFocusEvent* event) {
   Reach(isShown ? reached_ : NextShown(-1, 1));
 }
 
-/// -1 starts before the first column, or behind the last one, and is what there is at the other
+/// -1 starts before the first column, or after the last one, and is what there is at the other
 /// end.
 int SortHeader::NextShown(int column, int direction) const {
   int place = column >= 0 ? visualIndex(column) : direction > 0 ? -1 : count();

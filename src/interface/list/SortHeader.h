@@ -9,7 +9,7 @@
 namespace kestrin {
 
 /// A click makes a column the only sort key; a click on the only key turns it round. With Shift, it
-/// adds a key behind the others, or turns it round where it stands. Each key's column shows an
+/// adds a key after the others, or turns it round where it stands. Each key's column shows an
 /// arrow, and its rank when there are several. With the focus, the arrow keys choose a column,
 /// Space clicks it, and the arrow keys move it with Control and resize it with Shift.
 class SortHeader final : public QHeaderView {

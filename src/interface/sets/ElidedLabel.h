@@ -5,7 +5,7 @@
 
 namespace kestrin {
 
-/// Shows a text and, behind it, an ending that is never cut: where there is too little room, the
+/// Shows a text and, after it, an ending that is never cut: where there is too little room, the
 /// end of the text becomes an ellipsis and the tool tip tells the whole.
 class ElidedLabel final : public QWidget {
   Q_OBJECT

@@ -15,7 +15,7 @@ namespace kestrin {
 
 bool CopyEvent(Event& event) {
   Message message;
-  if (!event.GenerateMessageForEvent(&message)) {
+  if (!GenerateMessageForEvent(event, &message)) {
     QGuiApplication::clipboard()->clear();
     return false;
   }

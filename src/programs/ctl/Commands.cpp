@@ -13,6 +13,7 @@
 #include "core/settings/KestrinSettings.h"
 #include "core/timing/DateTimeText.h"
 #include "core/timing/EventRecord.h"
+#include "core/timing/EventRuleCheck.h"
 #include "core/timing/EventTypes.h"
 #include "core/timing/RuleSentence.h"
 #include "programs/ctl/JsonWriter.h"
@@ -248,8 +249,8 @@ int Check(VirtualEngine& engine, const CtlArguments& arguments) {
              " events, version " + report.Version + ", " +
              (report.BigEndian ? "big-endian" : "little-endian") + "\n";
     for (const auto& event : set->Events())
-      if (const char* why = WhyRuleNeverYields(event->Record()); why && *why)
-        lines += "  \"" + TextTable::Cell(event->GetName()) + "\": " + why + "\n";
+      if (const WhyNot why = WhyRuleNeverYields(event->Record()))
+        lines += "  \"" + TextTable::Cell(event->GetName()) + "\": " + std::string(*why) + "\n";
     engine.openSets.Sets.clear();
   }
   if (failed) return ExitFailure;

@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "core/events/Event.h"
+#include "core/files/EventFields.h"
 #include "core/settings/SetLayout.h"
 #include "core/timing/EventRecord.h"
 #include "programs/ctl/Commands.h"
@@ -31,72 +32,45 @@ void WriteNumber(JsonWriter& json, const char* key, int64 value) {
   json.Number(value);
 }
 
-void WriteFlag(JsonWriter& json, const char* key, bool value) {
-  json.Key(key);
-  json.Boolean(value);
-}
+class FieldDumper {
+ public:
+  FieldDumper(JsonWriter& json, const IconPair* icon) : json_(json), icon_(icon) {}
 
-void WriteText(JsonWriter& json, const char* key, const std::string& text) {
-  json.Key(key);
-  json.Text(text);
-}
+  template <typename T>
+  void Field(const FieldName& name, T value) {
+    WriteNumber(json_, name.record, value);
+  }
+  void Field(const FieldName& name, bool value) {
+    json_.Key(name.record);
+    json_.Boolean(value);
+  }
+  void Field(const FieldName& name, const std::string& text) {
+    json_.Key(name.record);
+    json_.Text(text);
+  }
+  void Field(const FieldName& name, const Rect& frame) { WriteFrame(json_, name.record, frame); }
+  void OptionalText(const FieldName& name, const std::string& text) { Field(name, text); }
+  void AfterStatus() {}
+  void Icon(int32 number) {
+    WriteNumber(json_, "IconNumber", number);
+    if (!icon_) return;
+    json_.Key("LargeIcon");
+    json_.Hex(icon_->large);
+    json_.Key("MiniIcon");
+    json_.Hex(icon_->mini);
+  }
+  void WindowOpen(bool open) { Field("WindowOpen", open); }
 
-void WriteWhen(JsonWriter& json, const TimingRule& rule) {
-  WriteNumber(json, "PeriodType", rule.PeriodType);
-  WriteNumber(json, "Multiple", rule.Multiple);
-  WriteNumber(json, "TimingType", rule.TimingType);
-  WriteNumber(json, "RememberType", rule.RememberType);
-  WriteNumber(json, "EventTime", rule.EventTime);
-  WriteNumber(json, "DayOfMonth", rule.DayOfMonth);
-  WriteNumber(json, "WeekOfMonth", rule.WeekOfMonth);
-  WriteNumber(json, "DayOfWeek", rule.DayOfWeek);
-  WriteNumber(json, "Month", rule.Month);
-  WriteNumber(json, "MultiStartTime", rule.MultiStartTime);
-  WriteFlag(json, "ApplyTime", rule.ApplyTime);
-  WriteNumber(json, "TimeToApply", rule.TimeToApply);
-  WriteNumber(json, "SubIntType", rule.SubIntType);
-  WriteFlag(json, "ApplyStop", rule.ApplyStop);
-  WriteNumber(json, "StopTime", rule.StopTime);
-}
-
-void WriteReminders(JsonWriter& json, const EventRecord& record) {
-  WriteFlag(json, "ApplyPrewarn", record.ApplyPrewarn);
-  WriteNumber(json, "PrewarnTime", record.PrewarnTime);
-  WriteNumber(json, "PrewarnType", record.PrewarnType);
-  WriteFlag(json, "ApplyPrewarnRepeat", record.ApplyPrewarnRepeat);
-  WriteNumber(json, "PrewarnRepeatTime", record.PrewarnRepeatTime);
-  WriteNumber(json, "PrewarnRepeatType", record.PrewarnRepeatType);
-  WriteText(json, "PrewarnMessage", record.PrewarnMessage);
-  WriteFlag(json, "ApplyNag", record.ApplyNag);
-  WriteNumber(json, "NagRepeatTime", record.NagRepeatTime);
-  WriteNumber(json, "NagRepeatType", record.NagRepeatType);
-  WriteText(json, "NagMessage", record.NagMessage);
-  WriteFlag(json, "DeliverIfMissed", record.DeliverIfMissed);
-  WriteFlag(json, "DeleteOnceDelivered", record.DeleteOnceDelivered);
-  WriteText(json, "Comment", record.Comment);
-}
+ private:
+  JsonWriter& json_;
+  const IconPair* icon_;
+};
 
 void WriteEvent(JsonWriter& json, const Event& event, std::string_view handlerData) {
-  const EventRecord& record = event.Record();
   json.BeginObject();
-  WriteText(json, "Name", record.Name);
-  WriteNumber(json, "NextEventTime", record.NextEventTime);
-  WriteNumber(json, "ActualEventTime", record.ActualEventTime);
-  WriteFlag(json, "Active", record.Active);
-  WriteNumber(json, "Status", record.Status);
-  WriteWhen(json, record);
-  WriteReminders(json, record);
-  WriteNumber(json, "IconNumber", record.IconNumber);
-  if (const IconPair* icon = event.GetOwnIcon()) {
-    json.Key("LargeIcon");
-    json.Hex(icon->large);
-    json.Key("MiniIcon");
-    json.Hex(icon->mini);
-  }
-  WriteFrame(json, "WindowFrame", record.WindowFrame);
-  WriteFlag(json, "WindowOpen", record.ShouldWindowOpen);
-  WriteNumber(json, "TabShown", record.TabShown);
-  WriteText(json, "HandlerName", event.GetHandlerName());
+  FieldDumper dump(json, event.GetOwnIcon());
+  VisitEventFields(event.Record(), dump);
+  dump.Field("HandlerName", event.GetHandlerName());
   json.Key("HandlerData");
   json.Hex(handlerData);
   json.EndObject();

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 
+#include "support/Hex.h"
 #include "support/OwnedText.h"
 
 namespace kestrin {
@@ -11,7 +12,6 @@ namespace kestrin {
 namespace {
 
 constexpr size_t BufferSize = 65536;
-constexpr char HexDigits[] = "0123456789abcdef";
 
 bool NeedsEscape(char c) {
   const auto byte = static_cast<unsigned char>(c);
@@ -106,8 +106,7 @@ void JsonWriter::Quoted(std::string_view text) {
       buffer_ += "\\n";
     } else if (byte < 0x20 || byte == 0x7f) {
       buffer_ += "\\u00";
-      buffer_ += HexDigits[byte >> 4];
-      buffer_ += HexDigits[byte & 15];
+      AppendHex(buffer_, {&c, 1});
     } else {
       buffer_ += c;
     }
@@ -136,11 +135,7 @@ void JsonWriter::Text(std::string_view text) {
 void JsonWriter::Hex(std::string_view bytes) {
   BeforeValue();
   buffer_ += '"';
-  for (const char c : bytes) {
-    const auto byte = static_cast<unsigned char>(c);
-    buffer_ += HexDigits[byte >> 4];
-    buffer_ += HexDigits[byte & 15];
-  }
+  AppendHex(buffer_, bytes);
   buffer_ += '"';
 }
 

@@ -96,7 +96,7 @@ std::string Parse(const Command& command, int argc, char** argv, int64_t now,
       int64_t& time = text == "--at"   ? arguments.at
                       : text == "--to" ? arguments.to
                                        : arguments.from;
-      if (i + 1 == argc) return text + " wants a time behind it";
+      if (i + 1 == argc) return text + " wants a time after it";
       if (!ParseTime(argv[++i], now, zone, time))
         return std::string("\"") + argv[i] + "\" is not a time that can be used";
       toGiven |= text == "--to";

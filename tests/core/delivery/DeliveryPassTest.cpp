@@ -2,6 +2,7 @@
 // deliverer is told, and what replies of alerts do: on messages that go through the queue.
 #include "core/delivery/DeliveryPass.h"
 
+#include "core/delivery/EventDelivery.h"
 #include "core/loop/Holds.h"
 #include "harness/PageTable.h"
 #include "harness/SetTestBase.h"
@@ -316,16 +317,18 @@ TEST_F(DeliveryPassTest, TheTableOfStatesOnThePageHolds) {
 
 TEST(NagOrPrewarnMessageTest, SaysWhatAndWhen) {
   const struct {
-    char kind;
+    ReminderKind kind;
     int32 when;
     bool timed;
     const char* text;
     const char* message;
   } rows[] = {
-      {0, Sunday + 12 * Hour, false, "Hot.", "The event \"Tea\" will occur today.\n\nHot."},
-      {1, Sunday - 6 * Day + 9 * Hour + 5 * Minute, true, "Late.",
+      {ReminderKind::Prewarning, Sunday + 12 * Hour, false, "Hot.",
+       "The event \"Tea\" will occur today.\n\nHot."},
+      {ReminderKind::Nag, Sunday - 6 * Day + 9 * Hour + 5 * Minute, true, "Late.",
        "The event \"Tea\" occurred at 9:05 AM on Monday, November 9,  2026.\n\nLate."},
-      {0, Sunday + 13 * Hour, true, "%s", "The event \"Tea\" will occur at 1:00 PM today.\n\n%s"},
+      {ReminderKind::Prewarning, Sunday + 13 * Hour, true, "%s",
+       "The event \"Tea\" will occur at 1:00 PM today.\n\n%s"},
   };
   for (const auto& row : rows)
     EXPECT_EQ(GetNagOrPrewarnMessage(row.kind, "Tea", row.when, row.timed, row.text,

@@ -111,7 +111,7 @@ TEST(DateParser, SaysWhetherATextIsNoDateOrOutOfReach) {
       {"Nov 20 2026 3 pm", "comma"},
   };
   for (const auto& row : rows) {
-    const std::string why = WhyNoDate(row.typed, now, zone);
+    const std::string why(WhyNoDate(row.typed, now, zone).value_or(""));
     EXPECT_EQ(why.empty(), !*row.saying) << row.typed << ": " << why;
     EXPECT_NE(why.find(row.saying), std::string::npos) << row.typed << ": " << why;
   }

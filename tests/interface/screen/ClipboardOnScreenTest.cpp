@@ -57,7 +57,7 @@ struct ClipboardOnScreenTest : testing::Test {
 TEST_F(ClipboardOnScreenTest, AnotherKestrinPastesAnEventWithItsDataSmallAndLarge) {
   for (const size_t size : {size_t{20}, size_t{2} << 20}) {
     Message copied;
-    ASSERT_TRUE(set.AddEvent(nullptr)->GenerateMessageForEvent(&copied));
+    ASSERT_TRUE(GenerateMessageForEvent(*set.AddEvent(nullptr), &copied));
     copied.Set("Name", std::string("Tea \u2615"));
     copied.Set("HandlerName", std::string("Chime"));
     copied.Set("HandlerData", RawData{FourCharCode("hDat"), std::string(size, '\xA5')});

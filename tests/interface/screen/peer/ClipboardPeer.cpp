@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "core/files/EventMessage.h"
 #include "handlers/MessageDataHandler.h"
 #include "harness/ScreenContext.h"
 #include "interface/sets/EventClipboard.h"
@@ -23,7 +24,7 @@ int Paste() {
   ScreenContext context;
   const auto event = EventFromClipboard(context.NewSet());
   Message message;
-  const bool whole = event && event->GenerateMessageForEvent(&message);
+  const bool whole = event && GenerateMessageForEvent(*event, &message);
   return Say(whole ? message.Flatten() : "nothing");
 }
 

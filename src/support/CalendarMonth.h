@@ -1,4 +1,4 @@
-// Whole-number calendar arithmetic for the rules that walk many months: no zone, no normalising.
+// Whole-number calendar arithmetic: no zone. What walks many months works on these numbers alone.
 // Days are counted from 1970-01-01, months from January of the year 0 (proleptic Gregorian).
 #pragma once
 
@@ -13,6 +13,7 @@ struct DayInMonth {
   int64 day;  ///< 1..31, or beyond where a caller has yet to let it run over
 };
 
+/// Rounds towards minus infinity; `by` is positive.
 inline constexpr int64 FloorDivide(int64 value, int64 by) {
   return value / by - (value % by < 0 ? 1 : 0);
 }
@@ -65,7 +66,7 @@ inline constexpr Civil OnDay(int64 day, int64 secondsIntoDay) {
 
 /// 0 = Sunday.
 inline constexpr int64 WeekdayOfDay(int64 day) {
-  constexpr int64 wholeWeeks = 7'000'000'000'000;  // makes every day positive
+  constexpr int64 wholeWeeks = 700'000'000'000'000;  // makes every day positive
   return static_cast<int64>(static_cast<uint64>(day + 4 + wholeWeeks) % 7);
 }
 
