@@ -1,6 +1,7 @@
 #include "session/ApplicationBus.h"
 
 #include <QtDBus/QDBusMetaType>
+#include <algorithm>
 #include <optional>
 
 #include "core/loop/MessageCodes.h"
@@ -72,7 +73,7 @@ Arrival ApplicationBus::Arrive(const Start& start) {
     reason_ = OneLine(connection_.lastError().message());
     return Arrival::NoBus;
   }
-  if (!start.byBus) TellEnvironment();
+  if (!start.environment.empty()) TellEnvironment(start.environment);
   connection_.connect(QString(), "/org/freedesktop/DBus/Local", "org.freedesktop.DBus.Local",
                       "Disconnected", &receiver_, SLOT(BusEnded()));
   connection_.registerVirtualObject(ApplicationObject, &receiver_);
@@ -90,14 +91,22 @@ Arrival ApplicationBus::Arrive(const Start& start) {
   return arrival;
 }
 
-// No answer is waited for: the bus deals with it before it deals with anything we send later.
-void ApplicationBus::TellEnvironment() {
+// No answer is waited for: the bus deals with it before it deals with anything we send later. The
+// system's manager of services, where there is one, starts some of them with variables of its own.
+void ApplicationBus::TellEnvironment(const std::map<std::string, std::string>& told) {
   QMap<QString, QString> environment;
-  for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "XAUTHORITY", "XDG_CURRENT_DESKTOP"})
-    if (qEnvironmentVariableIsSet(name)) environment[name] = qEnvironmentVariable(name);
-  if (environment.isEmpty()) return;
+  QStringList lines;
+  for (const auto& [name, value] : told) {
+    environment[QString::fromStdString(name)] = QString::fromStdString(value);
+    lines << QString::fromStdString(name + "=" + value);
+  }
   qDBusRegisterMetaType<QMap<QString, QString>>();
   connection_.send(MakeBusCall("UpdateActivationEnvironment") << QVariant::fromValue(environment));
+  QDBusMessage manager =
+      QDBusMessage::createMethodCall("org.freedesktop.systemd1", "/org/freedesktop/systemd1",
+                                     "org.freedesktop.systemd1.Manager", "SetEnvironment");
+  manager.setAutoStartService(false);
+  connection_.send(manager << lines);
 }
 
 bool ApplicationBus::TakeName() {
@@ -140,8 +149,9 @@ void ApplicationBus::Dispatch() {
 bool ApplicationBus::Leave() {
   if (!hasName_) return true;
   hasName_ = false;
+  leaveBy_ = std::chrono::steady_clock::now() + LeavingPatience;
   // The same is true of this answer: nothing else is sent to the name from here on.
-  Call(MakeBusCall("ReleaseName") << ApplicationBusName);
+  LastCall(MakeBusCall("ReleaseName") << ApplicationBusName);
   const std::vector<BusReceiver::Held> held = receiver_.HoldBackWaiting();
   if (held.empty()) return true;
   if (!TakeName()) {
@@ -157,11 +167,11 @@ bool ApplicationBus::Leave() {
 
 void ApplicationBus::Forward(const std::vector<BusReceiver::Held>& held) {
   // By the owner's unique name, if it is still there; else the bus starts another.
-  const QDBusMessage owner = Call(MakeBusCall("GetNameOwner") << ApplicationBusName);
+  const QDBusMessage owner = LastCall(MakeBusCall("GetNameOwner") << ApplicationBusName);
   const QString destination =
       IsError(owner) ? ApplicationBusName : owner.arguments().value(0).toString();
   for (const auto& [message, call] : held) {
-    const QDBusMessage reply = Call(MakeApplicationCall(message, destination));
+    const QDBusMessage reply = LastCall(MakeApplicationCall(message, destination));
     if (!call.isReplyRequired()) continue;
     connection_.send(IsError(reply) ? call.createErrorReply(QDBusError(reply))
                                     : call.createReply());
@@ -171,6 +181,13 @@ void ApplicationBus::Forward(const std::vector<BusReceiver::Held>& held) {
 // Blocks without an event loop: no message of ours is handled meanwhile.
 QDBusMessage ApplicationBus::Call(const QDBusMessage& call, std::chrono::milliseconds patience) {
   return connection_.call(call, QDBus::Block, static_cast<int>(patience.count()));
+}
+
+// While leaving: all of them together within a bound.
+QDBusMessage ApplicationBus::LastCall(const QDBusMessage& call) {
+  const auto left =
+      std::chrono::ceil<std::chrono::milliseconds>(leaveBy_ - std::chrono::steady_clock::now());
+  return Call(call, std::max(left, std::chrono::milliseconds(1)));
 }
 
 }  // namespace kestrin

@@ -3,6 +3,7 @@
 
 #include <QtDBus/QDBusConnection>
 #include <chrono>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,8 @@ struct Start {
   std::vector<std::string> arguments;  ///< without the program's own name
   std::string activationToken;
   bool byBus = false;
+  /// For what the bus starts; see DisplayProbe.h.
+  std::map<std::string, std::string> environment = {};
 };
 
 enum class Arrival {
@@ -56,11 +59,12 @@ class ApplicationBus final : public BusPresence {
   bool TakeName();
   bool NameHasOwner();
   Arrival HandOver(const Start& start, bool& ownerIsGone);
-  void TellEnvironment();
+  void TellEnvironment(const std::map<std::string, std::string>& told);
   void Forward(const std::vector<BusReceiver::Held>& held);
   QDBusMessage Call(const QDBusMessage& call, std::chrono::milliseconds patience = BusPatience);
+  QDBusMessage LastCall(const QDBusMessage& call);
 
-  static constexpr std::chrono::milliseconds BusPatience{3000};
+  static constexpr std::chrono::milliseconds BusPatience{3000}, LeavingPatience{1000};
 
   MessageQueue& queue_;
   std::chrono::milliseconds patience_;
@@ -68,6 +72,7 @@ class ApplicationBus final : public BusPresence {
   QDBusConnection connection_;
   std::string reason_;
   bool hasName_ = false;
+  std::chrono::steady_clock::time_point leaveBy_;
 };
 
 }  // namespace kestrin

@@ -21,6 +21,23 @@ namespace {
 
 using Reason = std::optional<std::string>;
 
+// What desktops and people set to make programs of this toolkit look like the rest.
+constexpr const char* Looks[] = {"XDG_CURRENT_DESKTOP",
+                                 "XDG_SESSION_TYPE",
+                                 "XDG_SESSION_DESKTOP",
+                                 "KDE_FULL_SESSION",
+                                 "KDE_SESSION_VERSION",
+                                 "QT_QPA_PLATFORMTHEME",
+                                 "QT_STYLE_OVERRIDE",
+                                 "QT_SCALE_FACTOR",
+                                 "QT_SCREEN_SCALE_FACTORS",
+                                 "QT_SCALE_FACTOR_ROUNDING_POLICY",
+                                 "QT_ENABLE_HIGHDPI_SCALING",
+                                 "QT_FONT_DPI",
+                                 "QT_WAYLAND_FORCE_DPI",
+                                 "XCURSOR_THEME",
+                                 "XCURSOR_SIZE"};
+
 std::string Variable(const char* name) {
   const char* value = getenv(name);
   return value ? value : "";
@@ -62,12 +79,16 @@ bool HasWaylandPlugin() {
   });
 }
 
+bool ReachesWayland(const std::string& name) {
+  return CanConnect(name.starts_with('/') ? name : RuntimeFolder() + "/" + name);
+}
+
 Reason WhyNoWayland() {
   if (!HasWaylandPlugin()) return "Qt has no plugin for Wayland here";
   if (!Variable("WAYLAND_SOCKET").empty()) return std::nullopt;
   std::string name = Variable("WAYLAND_DISPLAY");
   if (name.empty()) name = "wayland-0";
-  if (CanConnect(name.starts_with('/') ? name : RuntimeFolder() + "/" + name)) return std::nullopt;
+  if (ReachesWayland(name)) return std::nullopt;
   return "the Wayland display \"" + name + "\" cannot be reached";
 }
 
@@ -103,6 +124,25 @@ std::optional<std::string> WhyNoDisplay() {
     reasons.append(reasons.empty() ? "" : "; ").append(*reason);
   }
   return reasons;
+}
+
+std::map<std::string, std::string> DisplayEnvironment() {
+  std::map<std::string, std::string> told;
+  const auto tell = [&told](const char* name) {
+    if (const std::string value = Variable(name); !value.empty()) told[name] = value;
+  };
+  if (!WhyNoX()) {
+    tell("DISPLAY");
+    tell("XAUTHORITY");
+  }
+  const std::string wayland = Variable("WAYLAND_DISPLAY");
+  if (!wayland.empty() && ReachesWayland(wayland)) tell("WAYLAND_DISPLAY");
+  if (told.empty()) return told;
+  for (const char* name : Looks) tell(name);
+  // A platform without a screen is this process's own affair.
+  const std::string platform = Variable("QT_QPA_PLATFORM");
+  if (platform.starts_with("xcb") || platform.starts_with("wayland")) tell("QT_QPA_PLATFORM");
+  return told;
 }
 
 }  // namespace kestrin

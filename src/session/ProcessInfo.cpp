@@ -15,6 +15,16 @@ namespace kestrin {
 namespace {
 
 constexpr const char* StarterMarks[] = {"DBUS_STARTER_ADDRESS", "DBUS_STARTER_BUS_TYPE"};
+// Each with the identity or file that follows it.
+constexpr std::string_view SessionOptions[] = {"-session",
+                                               "--session",
+                                               "-smid",
+                                               "-xtsessionID",
+                                               "-clientId",
+                                               "--sm-client-id",
+                                               "--sm-client-state-file",
+                                               "--sm-config-prefix"};
+constexpr std::string_view SessionSwitch = "--sm-client-disable";
 constexpr const char* TokenNames[] = {"XDG_ACTIVATION_TOKEN", "DESKTOP_STARTUP_ID"};
 
 std::string Variable(const char* name) {
@@ -90,6 +100,21 @@ std::vector<std::string> DataFolders() {
     start = end + 1;
   }
   return folders;
+}
+
+std::vector<std::string> ArgumentsOf(int argc, char** argv) {
+  std::vector<std::string> arguments;
+  for (int i = 1; i < argc; ++i) {
+    const std::string_view argument = argv[i];
+    const std::string_view name = argument.substr(0, argument.find('='));
+    const bool known = std::find(std::begin(SessionOptions), std::end(SessionOptions), name) !=
+                       std::end(SessionOptions);
+    if (known && name == argument)
+      ++i;
+    else if (!(known && name.starts_with("--")) && argument != SessionSwitch)
+      arguments.emplace_back(argument);
+  }
+  return arguments;
 }
 
 bool StartedByBus() {

@@ -20,6 +20,10 @@ std::string RuntimeFolder();
 /// DataFolder() first, then the system's.
 std::vector<std::string> DataFolders();
 
+/// The arguments, without the program's own name and without what a session manager adds when it
+/// starts a program of an earlier session again: those name no files.
+std::vector<std::string> ArgumentsOf(int argc, char** argv);
+
 /// Whether the bus started this process. A shell that the bus once started, and a command typed
 /// there, carry the same marks in the environment, but have a terminal.
 bool StartedByBus();

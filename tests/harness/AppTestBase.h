@@ -34,6 +34,7 @@ class AppTestBase : public testing::Test {
                [this, &test] { test.LoadHandlers(World.Core); }, [this] { World.Handlers.Clear(); },
                [&test] { return test.SystemZone; }, [this] { Ended = true; }}) {
       World.Ui.App = &App;
+      Background.Queue = &World.Queue;
       World.Core.zone = test.SystemZone;
       World.Time.JumpTo(test.Now);
     }

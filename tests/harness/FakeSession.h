@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "core/loop/MessageQueue.h"
 #include "core/ports/BackgroundMessenger.h"
 #include "core/ports/BusPresence.h"
 
@@ -13,28 +14,26 @@ namespace kestrin {
 
 class FakeBackground final : public BackgroundMessenger {
  public:
-  LaunchResult OfName = LaunchResult::AlreadyRunning, OfFile = LaunchResult::Failed;
-  std::vector<std::string> Calls;  ///< "launch", "file PATH", "register PATH", "quit"
+  bool ByName = true, ByFile = false, InTrash = false;  ///< how it can be reached
+  std::vector<std::string> Calls;                       ///< "launch", "file PATH", "quit"
+  MessageQueue* Queue = nullptr;                        ///< gets the outcome, once it is known
   /// The "When" of every NextEventMessage that arrived; 0 stands for nothing pending.
   std::vector<int64> Times;
 
-  LaunchResult Launch(const Message* message) override {
+  void Launch(const Message* message, const std::string& file) override {
     Calls.emplace_back("launch");
-    return Take(OfName, message);
+    const bool spawns = !ByName && !file.empty();
+    if (spawns) Calls.push_back("file " + file);
+    const bool runs = ByName || (spawns && ByFile);
+    if (message && runs) Times.push_back(message->Get<int32>("When").value_or(0));
+    if (file.empty()) return;
+    Message outcome(BACKGROUND_LAUNCHED);
+    outcome.Set("runs", runs);
+    outcome.Set("inTrash", InTrash);
+    if (Queue) Queue->Post(std::move(outcome));
   }
-  LaunchResult LaunchFile(const std::string& path, const Message* message) override {
-    Calls.push_back("file " + path);
-    return Take(OfFile, message);
-  }
-  void RegisterFile(const std::string& path) override { Calls.push_back("register " + path); }
   void AskToQuit() override { Calls.emplace_back("quit"); }
-
- private:
-  LaunchResult Take(LaunchResult result, const Message* message) {
-    const bool arrived = result == LaunchResult::Started || result == LaunchResult::AlreadyRunning;
-    if (message && arrived) Times.push_back(message->Get<int32>("When").value_or(0));
-    return result;
-  }
+  std::optional<Message> Finish() override { return std::nullopt; }
 };
 
 class FakeBus final : public BusPresence {

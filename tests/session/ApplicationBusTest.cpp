@@ -183,14 +183,16 @@ TEST_F(ApplicationBusTest, FindsTheMessageItWasStartedForBeforeItsRoleIsDecided)
 
 TEST_F(ApplicationBusTest, APersonsStartTellsTheBusItsDisplay) {
   Activatable(BackgroundBusName, Install("KestrinBackground"));
-  const ScopedVariables display("DISPLAY", ":77");
   SystemFileDoor files;
-  for (const bool byBus : {true, false}) {
+  for (const bool reached : {false, true}) {
     ApplicationBus bus(queue_);
-    ASSERT_EQ(bus.Arrive({{}, {}, byBus}), Arrival::First);
-    BusBackground background(bus.Connection(), files);
-    EXPECT_EQ(background.Launch(nullptr), LaunchResult::Started);
-    EXPECT_THAT(NextLine(), testing::EndsWith(byBus ? "DISPLAY=" : "DISPLAY=:77"));
+    kestrin::Start start;
+    if (reached) start.environment["DISPLAY"] = ":77";
+    ASSERT_EQ(bus.Arrive(start), Arrival::First);
+    BusBackground background(bus.Connection(), files, queue_);
+    background.Launch(nullptr, {});
+    background.Finish();
+    EXPECT_THAT(NextLine(), testing::EndsWith(reached ? "DISPLAY=:77" : "DISPLAY="));
     background.AskToQuit();
     EXPECT_EQ(NextLine(), "deliverer got 5f515251 ");
     while (HasOwner(BackgroundBusName)) continue;

@@ -18,15 +18,19 @@ using testing::HasSubstr;
 using testing::StartsWith;
 namespace fs = std::filesystem;
 
+Message Launched(bool runs, bool inTrash = false) {
+  Message outcome(BACKGROUND_LAUNCHED);
+  outcome.Set("runs", runs);
+  outcome.Set("inTrash", inTrash);
+  return outcome;
+}
+
 class BusBackgroundTest : public SessionBus {
  protected:
   BusBackgroundTest() { next_.Set("When", int32{5}); }
 
-  void EndDeliverer() {
-    const auto id = CallBus("GetConnectionUnixProcessID", {BackgroundBusName}).arguments().value(0);
-    ASSERT_NE(id.toInt(), 0);
-    kill(id.toInt(), SIGKILL);
-    while (HasOwner(BackgroundBusName)) continue;
+  pid_t Deliverer() {
+    return CallBus("GetConnectionUnixProcessID", {BackgroundBusName}).arguments().value(0).toInt();
   }
 
   std::string ActivationProgram(const char* name) {
@@ -34,64 +38,124 @@ class BusBackgroundTest : public SessionBus {
     return ActivatedProgram(ReadFile(file), name).value_or("none");
   }
 
-  SystemFileDoor files_;
+  std::optional<Message> NextMessage() {
+    RunUntil([this] { return !queue_.Empty(); });
+    return queue_.Take();
+  }
+  /// What comes of it, in a running application or in one that leaves.
+  std::optional<Message> Launch(const Message* message, const std::string& file = Nowhere) {
+    background_.Launch(message, file);
+    leaving_ = !leaving_;
+    return leaving_ ? background_.Finish() : NextMessage();
+  }
+
   // Longer than any test takes, on a busy machine too.
   static constexpr milliseconds Long{60'000};
-  BusBackground background_{Client(), files_, Long};
+  static constexpr char Nowhere[] = "/nonexistent/KestrinBackground";
+  SystemFileDoor files_;
+  MessageQueue queue_;
+  BusBackground background_{Client(), files_, queue_, {Long, Long, Long, Long}};
   Message next_{NEXT_EVENT_MESSAGE};
+  bool leaving_ = false;
 };
 
 TEST_F(BusBackgroundTest, ReachesTheDelivererByName) {
   Activatable(BackgroundBusName, Install("KestrinBackground"));
   background_.AskToQuit();
+  EXPECT_FALSE(background_.Finish());
   EXPECT_FALSE(HasOwner(BackgroundBusName));
-  EXPECT_EQ(background_.Launch(&next_), LaunchResult::Started);
+  EXPECT_EQ(Launch(&next_), Launched(true));
   EXPECT_THAT(NextLine(), StartsWith("KestrinBackground up"));
   EXPECT_EQ(NextLine(), "deliverer got 53657445 5");
-  EXPECT_EQ(background_.Launch(nullptr), LaunchResult::AlreadyRunning);
+  EXPECT_EQ(Launch(nullptr), Launched(true));
   const Message nothingPending(NEXT_EVENT_MESSAGE);
-  EXPECT_EQ(background_.Launch(&nothingPending), LaunchResult::AlreadyRunning);
+  background_.Launch(&nothingPending, {});
   EXPECT_EQ(NextLine(), "deliverer got 53657445 ");
   background_.AskToQuit();
   EXPECT_EQ(NextLine(), "deliverer got 5f515251 ");
+  EXPECT_EQ(NextMessage(), Message(BACKGROUND_GONE));
+}
+
+TEST_F(BusBackgroundTest, AKilledDelivererIsMissedAndANewerMessageTakesThePlaceOfOneUnderWay) {
+  Activatable(BackgroundBusName, Install("KestrinBackground"));
+  const Message nothingPending(NEXT_EVENT_MESSAGE);
+  background_.Launch(&nothingPending, Nowhere);
+  background_.Launch(&next_, {});
+  EXPECT_EQ(NextMessage(), Launched(true));
+  EXPECT_THAT(NextLine(), StartsWith("KestrinBackground up"));
+  EXPECT_EQ(NextLine(), "deliverer got 53657445 5");
+  EXPECT_TRUE(NoLine());
+  kill(Deliverer(), SIGSTOP);
+  background_.Launch(&nothingPending, Nowhere);
+  background_.Launch(&next_, Nowhere);
+  kill(Deliverer(), SIGKILL);  // with both unread
+  EXPECT_THAT((std::vector{*NextMessage(), *NextMessage()}),
+              testing::UnorderedElementsAre(Launched(true), Message(BACKGROUND_GONE)));
+  EXPECT_THAT(NextLine(), StartsWith("KestrinBackground up"));
+  EXPECT_EQ(NextLine(), "deliverer got 53657445 5");
+}
+
+TEST_F(BusBackgroundTest, AStoppedDelivererHoldsNobodyUp) {
+  Activatable(BackgroundBusName, Install("KestrinBackground"));
+  EXPECT_EQ(Launch(nullptr), Launched(true));
+  EXPECT_THAT(NextLine(), StartsWith("KestrinBackground up"));
+  kill(Deliverer(), SIGSTOP);
+  constexpr milliseconds Short{50};
+  BusBackground background(Client(), files_, queue_, {Short, Long, Long, Long});
+  background.Launch(&next_, Nowhere);
+  EXPECT_EQ(NextMessage(), Launched(true)) << "the message waits where it is read later";
+  BusBackground leaving(Client(), files_, queue_, {Long, Long, Short, Long});
+  leaving.Launch(nullptr, Nowhere);
+  leaving.Launch(&next_, Nowhere);
+  EXPECT_FALSE(leaving.Finish());
+  kill(Deliverer(), SIGCONT);
+  for (int i = 0; i < 2; ++i) EXPECT_EQ(NextLine(), "deliverer got 53657445 5");
 }
 
 TEST_F(BusBackgroundTest, AFileStartedByPathIsKnownByNameAfterwards) {
   const fs::path program = Install("KestrinBackground", "it's a \"f\xc3\xbcr\" $x\\n #1\n");
   const int leaked = dup(0);
-  EXPECT_EQ(background_.Launch(&next_), LaunchResult::Failed);
-  EXPECT_EQ(background_.LaunchFile(program, &next_), LaunchResult::Started);
+  background_.Launch(&next_, program);
+  EXPECT_EQ(NextMessage(), Launched(true));
   close(leaked);
   EXPECT_EQ(NextLine(), "KestrinBackground up: 0 files own session DISPLAY=");
   EXPECT_EQ(NextLine(), "deliverer got 53657445 5");
-  background_.RegisterFile(program);
   EXPECT_EQ(ActivationProgram(BackgroundBusName), program);
   EXPECT_EQ(ActivationProgram(ApplicationBusName), program.parent_path() / "kestrin");
   const QStringList known = CallBus("ListActivatableNames").arguments().value(0).toStringList();
   EXPECT_TRUE(known.contains(BackgroundBusName) && known.contains(ApplicationBusName));
 
-  EndDeliverer();
-  EXPECT_EQ(background_.Launch(&next_), LaunchResult::Started);
+  kill(Deliverer(), SIGKILL);
+  EXPECT_EQ(NextMessage(), Message(BACKGROUND_GONE));
+  EXPECT_EQ(Launch(&next_), Launched(true));
   EXPECT_THAT(NextLine(), StartsWith("KestrinBackground up"));
   EXPECT_EQ(NextLine(), "deliverer got 53657445 5");
 }
 
-TEST_F(BusBackgroundTest, RegistersOnlyWhatTheBusDoesNotKnowOrWhatHasGone) {
-  const fs::path program = Install("KestrinBackground"), application = Install("kestrin");
+TEST_F(BusBackgroundTest, OneThatIsStillStartingIsAskedToQuitToo) {
+  background_.Launch(nullptr, Install("KestrinBackground"));
+  ASSERT_TRUE(RunUntil([this] { return !NoLine(); }));
+  background_.AskToQuit();
+  background_.Finish();
+  EXPECT_THAT(NextLine(), StartsWith("KestrinBackground up"));
+  EXPECT_EQ(NextLine(), "deliverer got 5f515251 ");
+}
+
+TEST_F(BusBackgroundTest, WhatHasGoneIsRegisteredAnew) {
+  const fs::path program = Install("KestrinBackground"),
+                 other = Install("KestrinBackground", "other");
   Activatable(BackgroundBusName, program);
-  Activatable(ApplicationBusName, application);
-  background_.RegisterFile("/elsewhere/KestrinBackground");
-  EXPECT_EQ(ActivationProgram(BackgroundBusName), program);
   fs::remove(program);
-  background_.RegisterFile("/elsewhere/KestrinBackground");
-  EXPECT_EQ(ActivationProgram(BackgroundBusName), "/elsewhere/KestrinBackground");
-  EXPECT_EQ(ActivationProgram(ApplicationBusName), "/elsewhere/kestrin");
+  EXPECT_EQ(Launch(&next_, other), Launched(true));
+  EXPECT_EQ(ActivationProgram(BackgroundBusName), other);
+  EXPECT_EQ(ActivationProgram(ApplicationBusName), other.parent_path() / "kestrin");
 }
 
 TEST_F(BusBackgroundTest, RefusesTheTrash) {
   Activatable(BackgroundBusName, Install("KestrinBackground", "data/Trash/files"));
-  EXPECT_EQ(background_.Launch(&next_), LaunchResult::InTrash);
-  EXPECT_TRUE(NoLine());
+  EXPECT_EQ(Launch(&next_), Launched(false, true));
+  EXPECT_EQ(Launch(&next_, Install("KestrinBackground")), Launched(true, true));
+  EXPECT_THAT(NextLine(), StartsWith("KestrinBackground up"));
   for (const char* path : {"/.Trash-1000/files/k", "/mnt/x/.Trash/1000/files/a/k"})
     EXPECT_TRUE(LiesInTrash(files_, path)) << path;
   for (const char* path : {"/Trash/files/k", "/.Trash-x/k", "/.Trash-1000", "/.Trashes/1/k"})
@@ -99,40 +163,33 @@ TEST_F(BusBackgroundTest, RefusesTheTrash) {
 }
 
 TEST_F(BusBackgroundTest, AProgramThatIsMissingOrLeavesFailsAtOnce) {
-  Activatable(BackgroundBusName, "/nonexistent/KestrinBackground");
-  EXPECT_EQ(background_.Launch(nullptr), LaunchResult::Failed);
+  Activatable(BackgroundBusName, Nowhere);
   const auto begin = std::chrono::steady_clock::now();
-  EXPECT_EQ(background_.LaunchFile("/nonexistent/KestrinBackground", &next_), LaunchResult::Failed);
-  EXPECT_EQ(background_.LaunchFile("/etc/passwd", &next_), LaunchResult::Failed);
-  EXPECT_EQ(background_.LaunchFile(Install("Leaving"), &next_), LaunchResult::Failed);
+  for (const std::string& file : {std::string(Nowhere), std::string("/etc/passwd"),
+                                  Install("Leaving").string(), Install("Leaving2").string()})
+    EXPECT_EQ(Launch(&next_, file), Launched(false)) << file;
   EXPECT_LT(std::chrono::steady_clock::now() - begin, Long / 2);
   // The one child left is the bus; a zombie would be found first.
   EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), 0);
 }
 
-TEST_F(BusBackgroundTest, AProgramThatHangsStaysWithinTheBoundAndIsNotStartedTwice) {
+TEST_F(BusBackgroundTest, AProgramThatHangsIsNotStartedTwice) {
   const fs::path hanging = Install("Hanging");
-  Activatable(BackgroundBusName, hanging);
-  BusBackground background(Client(), files_, milliseconds(300));
-  const auto fails = [](const auto& call) {
-    const auto begin = std::chrono::steady_clock::now();
-    EXPECT_EQ(call(), LaunchResult::Failed);
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, milliseconds(2500));
-  };
-  fails([&] { return background.Launch(&next_); });
+  constexpr milliseconds Short{300};
+  BusBackground background(Client(), files_, queue_, {Long, Short, Long, Long});
+  for (int i = 0; i < 2; ++i) {
+    background.Launch(&next_, hanging);
+    EXPECT_EQ(NextMessage(), Launched(false));
+  }
   EXPECT_THAT(NextLine(), HasSubstr("Hanging up"));
-  fails([&] { return background.LaunchFile(hanging, &next_); });
-  EXPECT_THAT(NextLine(), HasSubstr("Hanging up"));
-  fails([&] { return background.LaunchFile(hanging, nullptr); });
   EXPECT_TRUE(NoLine());
 }
 
 TEST_F(BusBackgroundTest, WithoutABusEverythingFailsAtOnce) {
-  BusBackground background(QDBusConnection("none"), files_);
-  EXPECT_EQ(background.Launch(&next_), LaunchResult::Failed);
-  EXPECT_EQ(background.LaunchFile(Install("KestrinBackground"), &next_), LaunchResult::Failed);
-  background.RegisterFile("/elsewhere/KestrinBackground");
-  EXPECT_EQ(ActivationProgram(BackgroundBusName), "none");
+  BusBackground background(QDBusConnection("none"), files_, queue_);
+  background.Launch(&next_, Install("KestrinBackground"));
+  EXPECT_EQ(queue_.Take(), Launched(false));
+  EXPECT_TRUE(NoLine());
 }
 
 TEST(ActivationFile, ReadsWhatOthersWrite) {

@@ -111,7 +111,7 @@ int RunHeir(QCoreApplication& application) {
 int main(int argc, char** argv) {
   const std::string name = std::filesystem::path(argv[0]).filename();
   if (name == "kestrin") return RunApplication(argc, argv);
-  if (name == "Leaving") return 0;
+  if (name.starts_with("Leaving")) return 0;
   const std::string facts = std::to_string(FilesBeyondTheFirstThree()) + " files " +
                             (getsid(0) == getpid() ? "own" : "other") +
                             " session DISPLAY=" + qEnvironmentVariable("DISPLAY").toStdString();

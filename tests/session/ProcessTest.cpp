@@ -85,6 +85,27 @@ TEST(ProcessInfo, ForgetsHowItWasStarted) {
   EXPECT_EQ(getenv("DBUS_STARTER_ADDRESS"), nullptr);
 }
 
+TEST(ProcessInfo, WhatASessionManagerAddsIsNoFile) {
+  const char* given[] = {"kestrin",
+                         "-session",
+                         "10c_1_2",
+                         "a",
+                         "--sm-client-id=7",
+                         "--sm-client-id",
+                         "7",
+                         "-smid",
+                         "8",
+                         "-backgrounds",
+                         "-session=x",
+                         "--sm-client-disable",
+                         "-background",
+                         "-session"};
+  std::vector<char*> arguments;
+  for (const char*& argument : given) arguments.push_back(const_cast<char*>(argument));
+  EXPECT_THAT(ArgumentsOf(static_cast<int>(arguments.size()), arguments.data()),
+              testing::ElementsAre("a", "-backgrounds", "-session=x", "-background"));
+}
+
 class DisplayProbeTest : public testing::Test {
  protected:
   const TemporaryFolder temporary_;
@@ -106,6 +127,8 @@ TEST_F(DisplayProbeTest, SaysWhyThereIsNone) {
   }
   const ScopedVariables dead("DISPLAY", "unix:/nonexistent.98765");
   EXPECT_THAT(WhyNoDisplay().value_or(""), HasSubstr("\"unix:/nonexistent.98765\""));
+  const ScopedVariables scale("QT_SCALE_FACTOR", "2");
+  EXPECT_THAT(DisplayEnvironment(), testing::IsEmpty()) << "others may have a display that works";
   const ScopedVariables platform("QT_QPA_PLATFORM", "wayland;xcb");
   EXPECT_THAT(WhyNoDisplay().value_or(""), HasSubstr("; "));
 }
@@ -122,8 +145,13 @@ TEST_F(DisplayProbeTest, FindsAWaylandDisplayOnlyWithTheToolkitsPart) {
   (folder_ / "wayland-7").string().copy(address.sun_path, sizeof address.sun_path - 1);
   const void* untyped = &address;
   ASSERT_EQ(bind(server, static_cast<const sockaddr*>(untyped), sizeof address), 0);
-  ASSERT_EQ(listen(server, 1), 0);
+  ASSERT_EQ(listen(server, 9), 0);
   EXPECT_FALSE(WhyNoDisplay());
+  const ScopedVariables others(
+      {{"DISPLAY", ":98765"}, {"QT_SCALE_FACTOR", "2"}, {"QT_QPA_PLATFORM", "offscreen"}});
+  EXPECT_THAT(DisplayEnvironment(),
+              testing::ElementsAre(testing::Pair("QT_SCALE_FACTOR", "2"),
+                                   testing::Pair("WAYLAND_DISPLAY", "wayland-7")));
   close(server);
 }
 

@@ -3,7 +3,7 @@ import pathlib
 import sys
 
 sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "harness"))
-from world import APPLICATION, DELIVERER, WorldTest, daily, main  # noqa: E402
+from world import APPLICATION, BIN, DELIVERER, WorldTest, daily, main  # noqa: E402
 
 
 class Roles(WorldTest):
@@ -18,7 +18,7 @@ class Roles(WorldTest):
         self.keys("day", "ctrl+shift+q")
         self.left(application)
         self.gone(DELIVERER)
-        self.assertEqual(self.read("run/kestrin/next-event"), "")
+        self.assertEqual(self.read("run/kestrin/next-event"), "0\n")
 
     def test_later_starts_hand_over_and_closing_the_last_window_leaves(self):
         first = self.start(self.make_set("one"))
@@ -45,6 +45,29 @@ class Roles(WorldTest):
         self.left(self.start(self.make_set("other")))
         self.window("other")
         self.assertEqual((len(self.windows()), self.pid_of(APPLICATION)), (2, process))
+
+    def test_a_start_by_hand_opens_the_user_interface_whatever_the_bus_has_waiting(self):
+        soon = self.now() + 4
+        self.remember_tea(soon)
+        # What the bus starts never takes the name: the wake-up waits for the start by hand.
+        idle = self.write("idle", f"#!/bin/sh\n: > '{self.path('called')}'\nexec sleep 60\n", 0o755)
+        for name, program in (APPLICATION, idle), (DELIVERER, BIN / "KestrinBackground"):
+            self.write(f"data/dbus-1/services/{name}.service", f"[D-BUS Service]\nName={name}\nExec={program}\n")
+        self.hand_over(soon)
+        self.until(lambda: (self.home / "called").exists(), "the wake-up")
+        self.start()
+        self.window("day")
+        self.alert("Tea").press("Ok")
+
+    def test_a_killed_deliverer_is_started_again_and_hears_the_time(self):
+        later = self.now() + 3600
+        self.remember_tea(later)
+        self.start()
+        self.until(lambda: self.pid_of(DELIVERER) and self.when() == later, "the time")
+        killed = self.pid_of(DELIVERER)
+        (self.home / "run/kestrin/next-event").unlink()
+        self.kill(DELIVERER)
+        self.until(lambda: self.pid_of(DELIVERER) not in (0, killed) and self.when() == later, "it, again")
 
 
 if __name__ == "__main__":

@@ -33,7 +33,7 @@ KestrinApp::KestrinApp(Context& context, AppParts parts)
           context,
           [this](const Message& message, bool mayFail) {
             if (mayFail)
-              parts_.background.Launch(&message);
+              parts_.background.Launch(&message, {});
             else
               LaunchBackgroundApp(&message);
           },
@@ -96,7 +96,7 @@ void KestrinApp::MessageReceived(const Message& message) {
     if (message.what == PREWARN_ALERT_REPLY || message.what == NAG_ALERT_REPLY) SaveDeliveredSets();
     return;
   }
-  if (WindowMessage(message)) return;
+  if (WindowMessage(message) || BackgroundMessage(message)) return;
   switch (message.what) {
     case PROCESS_HOLD_DONE:
       context_.holds.ProcessDone(static_cast<uint64>(message.Get<int64>("EventSet").value_or(0)));
@@ -110,6 +110,13 @@ void KestrinApp::MessageReceived(const Message& message) {
       break;
     case SETTINGS_CHANGED:
       SettingsChanged();
+      break;
+    case SESSION_SAVED:
+      SessionSaved();
+      break;
+    case RESUMED:
+      CheckZone();
+      pass_.PassWithStartupFlag();
       break;
     case QUIT_REQUESTED:
       QuitMessage(message);
@@ -183,23 +190,34 @@ void KestrinApp::SaveDeliveredSets() {
   }
 }
 
-void KestrinApp::LaunchBackgroundApp(const Message* message) {
-  const auto runs = [](LaunchResult result) {
-    return result == LaunchResult::Started || result == LaunchResult::AlreadyRunning;
-  };
-  LaunchResult result = parts_.background.Launch(message);
-  if (!runs(result)) {
-    if (result == LaunchResult::InTrash && !AlreadyToldUser) {
-      context_.notices.ReportError(
-          "Please remove KestrinBackground from the trash, the system refuses to launch it from "
-          "there.");
-      AlreadyToldUser = true;
-    }
-    const std::string path = parts_.KestrinDir + "/" + BackgroundFile;
-    result = parts_.background.LaunchFile(path, message);
-    if (runs(result)) parts_.background.RegisterFile(path);
+bool KestrinApp::BackgroundMessage(const Message& message) {
+  switch (message.what) {
+    case BACKGROUND_LAUNCHED:
+      BackgroundLaunched(message);
+      return true;
+    case BACKGROUND_GONE:
+      if (FullQuitProcess) return true;
+      LaunchBackgroundApp(nullptr);
+      pass_.SendNextTime();
+      return true;
+    default:
+      return false;
   }
-  if (runs(result)) {
+}
+
+void KestrinApp::LaunchBackgroundApp(const Message* message) {
+  parts_.background.Launch(message, parts_.KestrinDir + "/" + BackgroundFile);
+}
+
+/// The user is told of the failure once, and once more when a later attempt succeeds.
+void KestrinApp::BackgroundLaunched(const Message& outcome) {
+  if (outcome.Get<bool>("inTrash").value_or(false) && !AlreadyToldUser) {
+    context_.notices.ReportError(
+        "Please remove KestrinBackground from the trash, the system refuses to launch it from "
+        "there.");
+    AlreadyToldUser = true;
+  }
+  if (outcome.Get<bool>("runs").value_or(false)) {
     if (AlreadyToldUser)
       context_.notices.Inform("Kestrin",
                               "Kestrin successfully started its background executable, and can now "

@@ -53,6 +53,8 @@ class KestrinApp : public DocumentApp {
   /// Re-reads an open set from its file, without a window; what was delivered stays delivered.
   void RevertToSavedIfRemembered(const std::string& path);
   std::string GetNextUntitledWindowName();
+  /// Starts the background deliverer unless it runs, and hands it the message (may be null). Waits
+  /// for nothing; a failure is told when it is known.
   void LaunchBackgroundApp(const Message* message);
   void FullQuit();
   void HelpRequested();
@@ -88,7 +90,10 @@ class KestrinApp : public DocumentApp {
 
   // Messages.
   bool WindowMessage(const Message& message);
+  bool BackgroundMessage(const Message& message);
+  void BackgroundLaunched(const Message& outcome);
   void SettingsChanged();
+  void SessionSaved();
   void SaveDeliveredSets();
   void RecomputeAll();
 

@@ -37,9 +37,10 @@ void KestrinApp::QuitAgain(bool ifIdle) {
 
 bool KestrinApp::SomethingWaits() const {
   const MessageQueue& queue = context_.queue;
-  for (const uint32 code : {uint32{NEW_EVENT_SET}, uint32{OPEN_FILES}, uint32{SETS_OPENED},
-                            uint32{SET_DISCARDED}, uint32{ACTIVATE}, uint32{DELIVER_EVENTS},
-                            uint32{EVENT_DEALT_WITH}, uint32{EVENT_SETS_CHANGED}})
+  for (const uint32 code :
+       {uint32{NEW_EVENT_SET}, uint32{OPEN_FILES}, uint32{SETS_OPENED}, uint32{SET_DISCARDED},
+        uint32{ACTIVATE}, uint32{DELIVER_EVENTS}, uint32{EVENT_DEALT_WITH},
+        uint32{EVENT_SETS_CHANGED}, uint32{BACKGROUND_LAUNCHED}})
     if (queue.Holds(code)) return true;
   return pass_.IsDealing();
 }
@@ -128,6 +129,7 @@ void KestrinApp::Quit() {
     const AutoLock settings(context_.settings.Protect);
     WriteSettings(context_.settings, parts_.settings, context_.notices);
   }
+  if (const auto outcome = parts_.background.Finish()) BackgroundLaunched(*outcome);
   if (!context_.alerts.Empty())
     return;  // a failed save is to be read first; its hold ends in a quit
   if (parts_.bus.Leave()) {
@@ -136,6 +138,14 @@ void KestrinApp::Quit() {
   }
   CancelQuitProcess();
   QuitWhenIdle();
+}
+
+/// The session may go on all the same: nothing closes.
+void KestrinApp::SessionSaved() {
+  CommitAllEdits();
+  SaveModifiedSets();
+  const AutoLock settings(context_.settings.Protect);
+  WriteSettings(context_.settings, parts_.settings, context_.notices);
 }
 
 void KestrinApp::ForcedQuit() {
@@ -153,6 +163,7 @@ void KestrinApp::ForcedQuit() {
     const AutoLock settings(context_.settings.Protect);
     WriteSettings(context_.settings, parts_.settings, context_.notices);
   }
+  parts_.background.Finish();
   parts_.bus.Leave();
   End();
 }

@@ -31,7 +31,11 @@ enum MessageCode : uint32 {
   ACTIVATE = FourCharCode("Actv"),        ///< a second plain launch: open or raise the interface
   ALERTS_WAITING = FourCharCode("Alrt"),  ///< the alert desk has windows to open
   SETTINGS_CHANGED = FourCharCode("StCh"),
-  FORCED_QUIT = FourCharCode("FrcQ"),     ///< a signal or the end of the desktop session
+  SESSION_SAVED = FourCharCode("SnSv"),    ///< the desktop's session is saved, or is about to end
+  RESUMED = FourCharCode("Rsmd"),          ///< the machine has slept
+  BACKGROUND_GONE = FourCharCode("BgGn"),  ///< the background deliverer has ended
+  BACKGROUND_LAUNCHED = FourCharCode("BgLd"),  ///< bools "runs", "inTrash": what has come of it
+  FORCED_QUIT = FourCharCode("FrcQ"),          ///< a signal or the end of the desktop session
   PASSES_AT_REST = FourCharCode("Rest"),  ///< nothing is due any more: save what delivery changed
 };
 

@@ -1,27 +1,28 @@
 // The road to the background deliverer, as a port.
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "support/Message.h"
 
 namespace kestrin {
 
-enum class LaunchResult { Started, AlreadyRunning, InTrash, Failed };
-
-/// Main thread. Each call returns within a few seconds at the worst.
+/// Main thread. Nothing but Finish waits for the deliverer or the bus. When a deliverer that ran is
+/// gone, BACKGROUND_GONE is posted.
 class BackgroundMessenger {
  public:
   virtual ~BackgroundMessenger() = default;
   /// Reaches the deliverer by its bus name, letting the bus start it, and hands it the message (may
-  /// be null).
-  virtual LaunchResult Launch(const Message* message) = 0;
-  /// Starts the file at `path`, then hands over the message.
-  virtual LaunchResult LaunchFile(const std::string& path, const Message* message) = 0;
-  /// Lets the bus know the file, so that the next Launch works.
-  virtual void RegisterFile(const std::string& path) = 0;
+  /// be null). If that fails, starts `file` and lets the bus know it. What has come of it is posted
+  /// as BACKGROUND_LAUNCHED; with an empty `file` nothing but the name is tried, and nothing
+  /// posted. A message that comes while an earlier one is under way takes its place.
+  virtual void Launch(const Message* message, const std::string& file) = 0;
   /// Asks a running deliverer to quit.
   virtual void AskToQuit() = 0;
+  /// When leaving: waits, a second at most, for what is under way. The BACKGROUND_LAUNCHED that
+  /// comes of it is returned, not posted.
+  virtual std::optional<Message> Finish() = 0;
 };
 
 }  // namespace kestrin

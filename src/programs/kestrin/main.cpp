@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,9 +22,11 @@
 #include "handlers/LoadEventHandlers.h"
 #include "interface/QtUserInterface.h"
 #include "programs/Asked.h"
+#include "programs/kestrin/DesktopSession.h"
 #include "session/ApplicationBus.h"
 #include "session/BusBackground.h"
 #include "session/DisplayProbe.h"
+#include "session/LogindWatch.h"
 #include "session/ProcessInfo.h"
 #include "session/QueueRunner.h"
 #include "session/SystemDesktop.h"
@@ -86,7 +89,7 @@ struct Parts {
                   workers, actions, openSets, settings, handlers, Zone::System(), 1};
   OpenSets openSets;
   const ServesAddOns serves{context};
-  BusBackground background{bus.Connection(), files};
+  BusBackground background{bus.Connection(), files, queue};
   SettingsStore store{
       OpenPrefs(files, ConfigFolder(), ExecutableFolder(), FromEnvironment("LIBRARY_PATH"))};
   KestrinApp app{context, ForApp()};
@@ -95,6 +98,7 @@ struct Parts {
 /// With a screen the toolkit's windows, without one its event loop alone.
 std::unique_ptr<QCoreApplication> BuildToolkit(int& argc, char** argv, bool screen) {
   QCoreApplication::setApplicationName("kestrin");
+  QCoreApplication::setQuitLockEnabled(false);  // the program decides when it ends
   if (!screen) return std::make_unique<QCoreApplication>(argc, argv);
   QGuiApplication::setDesktopFileName("vnd.ZR.Kestrin");
   auto toolkit = std::make_unique<QApplication>(argc, argv);
@@ -111,17 +115,19 @@ int RunLoop(Parts& parts, const std::vector<std::string>& arguments) {
   while (auto message = parts.queue.Take()) app.MessageReceived(*message);
   if (!app.HasQuit()) app.ReadyToRun();
   if (app.HasQuit()) return 0;
+  const LogindWatch logind(parts.queue);
+  std::optional<DesktopSession> session;
+  if (auto* const gui = qobject_cast<QGuiApplication*>(QCoreApplication::instance()))
+    session.emplace(*gui, app, parts.queue);
   const QueueRunner runner(parts.queue,
                            [&app](const Message& message) { app.MessageReceived(message); });
-  if (auto* const gui = qobject_cast<QGuiApplication*>(QCoreApplication::instance()))
-    QObject::connect(gui, &QGuiApplication::commitDataRequest, gui,
-                     [&app] { app.MessageReceived(Message(FORCED_QUIT)); });
   return app.HasQuit() ? 0 : QCoreApplication::exec();
 }
 
 int Run(int argc, char** argv) {
   if (const char* const answer = AnswerTo(argc, argv, Help, Version)) return Say(answer);
-  const Start start{{argv + 1, argv + argc}, ActivationToken(), StartedByBus()};
+  Start start{ArgumentsOf(argc, argv), ActivationToken(), StartedByBus(), {}};
+  if (!start.byBus) start.environment = DisplayEnvironment();
   ForgetHowStarted();
   MessageQueue queue;
   ApplicationBus bus(queue);

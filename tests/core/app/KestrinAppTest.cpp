@@ -197,25 +197,24 @@ TEST_F(KestrinAppTest, TheDelivererIsStartedAndItsFailuresAreToldOnce) {
   const std::string missing = "Kestrin was unable to locate its background executable (the file";
   const std::string works = "Kestrin successfully started its background executable, and can now";
   const std::string trash = "Please remove KestrinBackground from the trash, the system refuses";
-  const std::string file = "file /opt/KestrinBackground", known = "register /opt/KestrinBackground";
-  using enum LaunchResult;
+  const std::string file = "file /opt/KestrinBackground";
   using Texts = std::vector<std::string>;
   const struct {
-    LaunchResult name, file;
-    bool told;
+    bool byName, byFile, inTrash, told;
     Texts texts;
     bool toldThen;
     Texts calls;
-  } rows[] = {{Started, Failed, false, {}, false, {"launch"}},
-              {AlreadyRunning, Failed, true, {works}, false, {"launch"}},
-              {Failed, Failed, false, {missing}, true, {"launch", file}},
-              {Failed, Failed, true, {}, true, {"launch", file}},
-              {Failed, Started, false, {}, false, {"launch", file, known}},
-              {InTrash, Started, false, {trash, works}, false, {"launch", file, known}}};
+  } rows[] = {{true, false, false, false, {}, false, {"launch"}},
+              {true, false, false, true, {works}, false, {"launch"}},
+              {false, false, false, false, {missing}, true, {"launch", file}},
+              {false, false, false, true, {}, true, {"launch", file}},
+              {false, true, false, false, {}, false, {"launch", file}},
+              {false, true, true, false, {trash, works}, false, {"launch", file}}};
   Start();
   for (const auto& row : rows) {
-    It->Background.OfName = row.name;
-    It->Background.OfFile = row.file;
+    It->Background.ByName = row.byName;
+    It->Background.ByFile = row.byFile;
+    It->Background.InTrash = row.inTrash;
     It->Background.Calls.clear();
     It->App.AlreadyToldUser = row.told;
     It->App.LaunchBackgroundApp(nullptr);
@@ -228,7 +227,7 @@ TEST_F(KestrinAppTest, TheDelivererIsStartedAndItsFailuresAreToldOnce) {
     EXPECT_EQ(It->Background.Calls, row.calls);
     EXPECT_EQ(It->App.AlreadyToldUser, row.toldThen);
   }
-  It->Background.OfName = It->Background.OfFile = Failed;
+  It->Background.ByName = It->Background.ByFile = It->Background.InTrash = false;
   CloseWindow();
   EXPECT_TRUE(It->Ended) << "nothing pending: that it cannot be reached is not reported";
 }
