@@ -5,14 +5,11 @@ the program, so that the two can disagree.
   make_golden.py                  compares the files; exit status 1 when one differs, is missing, or
                                   is not made here
   make_golden.py --write          writes them
-  make_golden.py --expected FILE  writes, as JSON, what a reader finds in each, what it is saved as,
-                                  and what is said of those that are refused
 
   golden/    the same events in every version and byte order, a set of none, the set of the page
   readable/  odd files that are read, each named by what is odd about it
   refused/   damaged files, each named by its damage
 """
-import json
 import math
 import pathlib
 import struct
@@ -264,6 +261,7 @@ def refused():
 
 
 def make_all():
+    """The files by their names; what a reader finds in each, what it is saved as, what is said of the refused."""
     files, expected = {}, {"read": {}, "refused": {}}
 
     def add(name, events, after=b"", **arguments):
@@ -286,10 +284,7 @@ def make_all():
 
 
 def main():
-    files, expected = make_all()
-    if sys.argv[1:2] == ["--expected"]:
-        pathlib.Path(sys.argv[2]).write_text(json.dumps(expected))
-        return 0
+    files, _ = make_all()
     if sys.argv[1:] == ["--write"]:
         for name, content in files.items():
             (HOME / name).parent.mkdir(parents=True, exist_ok=True)
