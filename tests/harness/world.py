@@ -20,7 +20,7 @@ their text, controls by name and role as a screen reader tells them. Processes: 
 deliverer waits for. `self.errors()` is what was written to standard error, by the started ones as well as
 by those that the bus started.
 
-A process has room for one world (libatspi knows one bus), so every test runs in a process of its own:
+What needs no screen is a `BusTest`. A process has room for one world (libatspi knows one bus), so every test runs in a process of its own:
 `walk.py` runs all of them, `walk.py Class.test` one. ctest does the same. KESTRIN_BIN: the programs' folder.
 """
 import ctypes
@@ -117,7 +117,8 @@ class Alert:
                          f"the end of the alert: {self.text}")
 
 
-class WorldTest(unittest.TestCase):
+class BusTest(unittest.TestCase):
+    """Folders, a session bus and processes, without a screen."""
     def setUp(self):
         LIBC.prctl(36, 1)  # PR_SET_CHILD_SUBREAPER: whatever loses its parent is ended here
         self.home = pathlib.Path(tempfile.mkdtemp(prefix="kestrin-test-"))
@@ -140,17 +141,19 @@ class WorldTest(unittest.TestCase):
         config, log = self.write("bus.conf", BUS.format(self.home)), open(self.home / "errors", "ab")
         self.addCleanup(log.close)
         self.log = log
-        bus = subprocess.Popen(["dbus-daemon", f"--config-file={config}", "--nofork", "--print-address"],
-                               env=self.environment, stdout=subprocess.PIPE, stderr=log, text=True,
-                               preexec_fn=lambda: LIBC.prctl(1, signal.SIGKILL))  # PR_SET_PDEATHSIG
-        address = bus.stdout.readline().strip()
-        bus.stdout.close()
+        self.daemon = subprocess.Popen(
+            ["dbus-daemon", f"--config-file={config}", "--nofork", "--print-address"], env=self.environment,
+            stdout=subprocess.PIPE, stderr=log, text=True,
+            preexec_fn=lambda: LIBC.prctl(1, signal.SIGKILL))  # PR_SET_PDEATHSIG
+        address = self.daemon.stdout.readline().strip()
+        self.daemon.stdout.close()
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = address
         os.environ.update(DBUS_SESSION_BUS_ADDRESS=address, XDG_RUNTIME_DIR=self.environment["XDG_RUNTIME_DIR"])
         flags = Gio.DBusConnectionFlags
         self.bus = Gio.DBusConnection.new_for_address_sync(
             address, flags.AUTHENTICATION_CLIENT | flags.MESSAGE_BUS_CONNECTION)
         self.bus.set_exit_on_close(False)
+        self.context = GLib.MainContext.default()
 
     def end_all(self):
         """Everything that was started, by whom ever."""
@@ -217,10 +220,15 @@ class WorldTest(unittest.TestCase):
     def now():
         return int(time.time())
 
+    def seen(self):
+        return ""
+
     def until(self, condition, what):
-        """What the condition gives once that is true."""
+        """What the condition gives once that is true; what comes over the bus is taken meanwhile."""
         end = time.monotonic() + PATIENCE
         while True:
+            while self.context.iteration(False):
+                pass
             try:
                 if found := condition():
                     return found
@@ -230,15 +238,23 @@ class WorldTest(unittest.TestCase):
                 self.fail(f"not seen: {what}\n{self.seen()}\n{self.errors()}")
             time.sleep(0.02)
 
-    def start(self, *arguments, screen=True, program="kestrin", folder="home"):
+    def start(self, *arguments, screen=True, program="kestrin", folder="home", **variables):
         display = {"DISPLAY": os.environ["DISPLAY"]} if screen else {}
-        return subprocess.Popen([BIN / program, *arguments], env=self.environment | display, cwd=self.home / folder,
-                                stderr=self.log)
+        return subprocess.Popen([BIN / program, *arguments], env=self.environment | display | variables,
+                                cwd=self.home / folder, stderr=self.log)
+
+    def output(self, *command):
+        """What another program on that screen says."""
+        return subprocess.run(command, env=self.environment | {"DISPLAY": os.environ["DISPLAY"]}, check=False,
+                              stdout=subprocess.PIPE, stderr=self.log).stdout
 
     def left(self, process):
         """It ends by itself, and well."""
+        self.assertEqual(self.status(process), 0, self.errors())
+
+    def status(self, process):
         self.until(lambda: process.poll() is not None, f"the end of {process.args}")
-        self.assertEqual(process.returncode, 0, self.errors())
+        return process.returncode
 
     def hand_over(self, when, screen=True):
         self.left(self.start("-background", screen=screen))
@@ -267,8 +283,19 @@ class WorldTest(unittest.TestCase):
         return self.ask_bus(DELIVERER, "/vnd/ZR/KestrinBackground", "org.freedesktop.DBus.Properties", "Get",
                             GLib.Variant("(ss)", ("vnd.ZR.Kestrin.Messages", "When")))[0]
 
-    # The screen
+    def post(self, code, fields="", name=DELIVERER, path="/vnd/ZR/KestrinBackground"):
+        """Posts a message with fields in GLib's notation: "'When': <5>". The error's name, "" for none."""
+        text = f"(uint32 {code}, {{{fields}}})" if fields else f"(uint32 {code}, @a{{sv}} {{}})"
+        message = GLib.Variant.parse(GLib.VariantType("(ua{sv})"), text, None, None)
+        try:
+            self.ask_bus(name, path, "vnd.ZR.Kestrin.Messages", "Post", message)
+            return ""
+        except GLib.Error as error:
+            return Gio.DBusError.get_remote_error(error)
 
+
+class WorldTest(BusTest):
+    """The same with a screen."""
     def nodes(self):
         """All windows that are shown."""
         desktop = Atspi.get_desktop(0)
@@ -295,6 +322,7 @@ class WorldTest(unittest.TestCase):
                           f'alert "{part}"')
 
     def seen(self):
+        """What a failure tells."""
         try:
             return "\n".join([f"windows: {self.windows()}", *(f"alert: {each.text}" for each in self.alerts())])
         except GLib.Error as error:
@@ -369,7 +397,8 @@ def main():
         chosen = [test.id().removeprefix("__main__.") for suite in suites for test in suite]
     if len(chosen) > 1:
         sys.exit(max(subprocess.call([sys.executable, walk, name]) for name in chosen))
-    if "KESTRIN_TEST_ON_SCREEN" not in os.environ:
+    test_class = getattr(sys.modules["__main__"], chosen[0].split(".")[0])
+    if issubclass(test_class, WorldTest) and "KESTRIN_TEST_ON_SCREEN" not in os.environ:
         os.environ["KESTRIN_TEST_ON_SCREEN"] = "1"
         on_screen = str(TESTS / "harness/on_screen")
         os.execv(on_screen, [on_screen, sys.executable, walk, *chosen])
