@@ -8,6 +8,7 @@
 #include <QPointer>
 #include <QTemporaryDir>
 #include <QVBoxLayout>
+#include <QWheelEvent>
 
 #include "core/events/HandlerTable.h"
 #include "core/files/EventMessage.h"
@@ -28,6 +29,11 @@ struct PlainData : EventAddOnData {
   QWidget* CreateEditView(Rect) override { return nullptr; }
   bool SaveData(EndianIndependentFile*) override { return true; }
   void DealWithEvent(bool) override {}
+};
+
+struct BrokenViewData final : PlainData {
+  using PlainData::PlainData;
+  QWidget* CreateEditView(Rect) override { throw std::runtime_error("no view"); }
 };
 
 /// Stores its text, as add-ons do, when the field says that editing is finished.
@@ -60,6 +66,7 @@ struct EditViewsTest : EditorTest {
     AddRow("Diary", New<DiaryData>);
     AddRow("Plain & simple", New<PlainData>);
     AddRow("Broken data", NewNothing);
+    AddRow("Broken view", New<BrokenViewData>);
   }
   void AddRow(const char* name, NewAddOnDataFunction factory) {
     context.Handlers.Add({name, factory});
@@ -188,7 +195,9 @@ TEST_F(EditViewsTest, AnAddOnBringsItsOwnView) {
   ASSERT_TRUE(Choose("handler", "Diary"));
   QPointer<QWidget> view = &Find("editView");
   EXPECT_EQ(event->GetAddOnData()->GetEditView(), view);
-  EXPECT_GT(DataOf<DiaryData>().Frame.bottom, DataOf<DiaryData>().Frame.top + 20);
+  const Rect& frame = DataOf<DiaryData>().Frame;  // its sides are pixels of it
+  EXPECT_EQ(QSizeF(frame.right - frame.left, frame.bottom - frame.top),
+            Find("editViewFrame").size() - QSize(1, 1));
   QTest::keyClick(&Find("handler"), Qt::Key_Tab);
   EXPECT_TRUE(Find("addOnField").hasFocus()) << "it comes after the menu";
   QTest::keyClicks(&Find("addOnField"), "Dear diary");
@@ -204,8 +213,28 @@ TEST_F(EditViewsTest, AnAddOnBringsItsOwnView) {
   EXPECT_EQ(AlertTexts(), "");
 }
 
+TEST_F(EditViewsTest, TheWheelChoosesOnlyWhereTheFocusIs) {
+  OpenNew(ActionTab);
+  QWidget& menu = Find("handler");
+  const auto turn = [&menu] {
+    const QPointF at = menu.rect().center();
+    QWheelEvent down(at, menu.mapToGlobal(at), {}, {0, -120}, {}, {}, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(&menu, &down);
+  };
+  Find("eventName").setFocus();
+  turn();
+  EXPECT_EQ(event->GetHandlerName(), "Message");
+  menu.setFocus();
+  turn();
+  EXPECT_NE(event->GetHandlerName(), "Message");
+}
+
 TEST_F(EditViewsTest, AnAddOnWithoutDataIsReportedAndNotTaken) {
   OpenNew(ActionTab);
+  Choose("handler", "Broken view");
+  EXPECT_EQ(event->GetHandlerName(), "Broken view");
+  EXPECT_THAT(AlertTexts(), HasSubstr("\"Broken view\" failed to make its edit view"));
+  Choose("handler", "Message");
   Choose("handler", "Broken data");
   EXPECT_EQ(event->GetSelectedHandler(), MessageHandler) << "as it was";
   EXPECT_EQ(Find<QComboBox>("handler").currentText(), "Message");

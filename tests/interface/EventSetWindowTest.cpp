@@ -41,12 +41,14 @@ TEST_F(EventSetWindowTest, TheFrameIsStoredWhenThePersonChangesItAndBecomesTheDe
   EXPECT_EQ(set.Layout().WindowFrame, (Rect{50, 60, 549, 409}));
   EXPECT_FALSE(set.HasBeenModified());
   set.Layout().NumberOfKeys = 2;
+  set.Layout().SortModes[0] = 1;
   window.showMaximized();
   QCoreApplication::processEvents();
   window.CloseNow();
   EXPECT_EQ(context.Settings.SetWindowPosition.DefaultFrame(), (Rect{50, 60, 549, 409}))
       << "not the whole screen";
   EXPECT_EQ(context.Settings.Layout.NumberOfKeys, 2);
+  EXPECT_EQ(context.Settings.Layout.SortModes[0], 1);
 
   context.Settings.RememberWindowSetupAsDefault = false;
   EventSet& forgotten = context.NewSet();

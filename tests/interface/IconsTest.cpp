@@ -140,8 +140,10 @@ TEST_F(IconViewTest, AnIconIsChosenByMouseAndByKeys) {
   OpenNew(ActionTab);
   QWidget& button = Find("eventIcon");
   Click("eventIcon");
+  const QImage before = button.grab().toImage();
   ClickIcon("iconMenu", 6);
   EXPECT_EQ(Record().IconNumber, 6);
+  EXPECT_NE(button.grab().toImage(), before) << "it is drawn";
   EXPECT_EQ(button.accessibleName(), "Icon: Heart");
   EXPECT_FALSE(Find("iconMenu").isVisible());
   DeleteClosed();

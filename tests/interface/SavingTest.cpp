@@ -80,10 +80,12 @@ TEST_F(SavingTest, SaveAsKeepsWhatIsRememberedInStepWithTheBox) {
 
 TEST_F(SavingTest, WhatRangBeforeTheNameChangedDoesNotRingAgainFromTheOldFile) {
   EventSet& set = OpenSet("Work.kestrin", true);
+  Change(set);
+  Choose(WindowOf(set), "Save");
   set.SetModified();
   It->Time.JumpTo(Sunday + 9 * Hour);
   Post(Message(DELIVER_EVENTS));
-  ASSERT_TRUE(Answer("Tea", "Ok"));
+  ASSERT_TRUE(Answer("changed", "Ok"));
   Choose(WindowOf(set), "Save as…");
   Accept("Other", false);
   ASSERT_TRUE(Set("Work.kestrin"));

@@ -228,6 +228,7 @@ TEST_F(WhenPageTest, WhatNobodyTypedKeepsItsSeconds) {
   record.ApplyStop = record.ApplyTime = true;
   record.StopTime = 17 * Hour + 59;
   OpenRecord(record);
+  EXPECT_FALSE(Find("time").isEnabled()) << "the start has it";
   Enter("stopTime", "05:00 PM");  // as it was shown
   EXPECT_EQ(Record().StopTime, 17 * Hour + 59);
   EXPECT_FALSE(set->HasBeenModified());

@@ -69,6 +69,29 @@ class Person(WorldTest):
         self.close("Open event sets")
         self.left(application)
 
+    def test_an_event_passes_through_the_clipboard_between_processes(self):
+        kind, set_of = "application/x-vnd.ZR-KestrinEvent", lambda name: self.path(f"home/{name}.kestrin")
+        xclip = ["xclip", "-selection", "clipboard", "-t"]
+        self.write_set("home/From.kestrin", daily("Tea \u2615 & cake", self.now() + 3600, say("Milk first.")))
+        self.start(set_of("From"))
+
+        def copied():
+            self.keys("From.kestrin", "space", "ctrl+c")
+            return self.output(*xclip, "text/plain", "-o") == "Tea \u2615 & cake".encode()
+        self.until(copied, "the name")
+        event = self.output(*xclip, kind, "-o")
+        self.kill(APPLICATION)
+        self.gone(APPLICATION)
+        self.write("event", event)
+        application = self.start(self.write_set("home/To.kestrin"))
+        for type_of, events in ("text/plain", []), (kind, ["Tea \u2615 & cake"]):
+            self.output("sh", "-c", f"{' '.join(xclip)} {type_of} -i '{self.path('event')}' >/dev/null")
+            self.keys("To.kestrin", "ctrl+v", "ctrl+s")
+            self.until(lambda: list(self.saved(set_of("To"))) == events, "what was pasted")
+        self.assertEqual(self.saved(set_of("To"))["Tea \u2615 & cake"]["HandlerData"], b"Milk first.\0".hex())
+        self.keys("To.kestrin", "ctrl+q")
+        self.left(application)
+
     def test_finds_the_help_beside_the_program(self):
         self.open_with("text/html", "Reader", f"cp \"$1\" '{self.path('page read')}'")
         self.start()

@@ -35,9 +35,11 @@ std::vector<uint32> RootProperty(const std::string& name) {
   return {values, values + xcb_get_property_value_length(held.get()) / 4};
 }
 
+/// Both the window manager and the toolkit have to say so: the toolkit repeats a request that it
+/// made before the window was there, and then a later one of another window is overruled.
 bool IsActive(const QWidget& window) {
   const std::vector<uint32> active = RootProperty("_NET_ACTIVE_WINDOW");
-  return !active.empty() && active[0] == window.winId();
+  return !active.empty() && active[0] == window.winId() && window.isActiveWindow();
 }
 
 /// From the lowest window to the highest.
