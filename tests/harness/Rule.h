@@ -1,6 +1,11 @@
 // Rules written as one would say them: Rule(Monthly, ByDayOfMonth).On(31).At(7, 30).
 #pragma once
 
+#include <absl/time/time.h>
+
+#include <stdexcept>
+#include <string>
+
 #include "core/timing/EventRecord.h"
 #include "support/LocalTime.h"
 
@@ -47,6 +52,14 @@ struct Rule : TimingRule {
     return *this;
   }
 };
+
+/// "2026-03-29 02:30 +0100".
+inline int32 MomentOf(const std::string& text) {
+  absl::Time time;
+  std::string fault;
+  if (!absl::ParseTime("%Y-%m-%d %H:%M %z", text, &time, &fault)) throw std::logic_error(fault);
+  return static_cast<int32>(absl::ToUnixSeconds(time));
+}
 
 /// The moment of a wall clock in UTC; months count from 1.
 inline int32 Utc(int64 year, int64 month, int64 day, int64 hour = 0, int64 minute = 0) {

@@ -151,6 +151,13 @@ TEST_F(BusBackgroundTest, WhatHasGoneIsRegisteredAnew) {
   EXPECT_EQ(ActivationProgram(ApplicationBusName), other.parent_path() / "kestrin");
 }
 
+TEST_F(BusBackgroundTest, TheApplicationIsRegisteredThoughTheDelivererIsKnown) {
+  Activatable(BackgroundBusName, Install("Leaving"));
+  const fs::path program = Install("KestrinBackground");
+  EXPECT_EQ(Launch(&next_, program), Launched(true));
+  EXPECT_EQ(ActivationProgram(ApplicationBusName), program.parent_path() / "kestrin");
+}
+
 TEST_F(BusBackgroundTest, RefusesTheTrash) {
   Activatable(BackgroundBusName, Install("KestrinBackground", "data/Trash/files"));
   EXPECT_EQ(Launch(&next_), Launched(false, true));

@@ -106,6 +106,7 @@ TEST_F(DeliveryPassTest, WhatIsDueIsWorkedOffInOrderAndTheDelivererHearsOnce) {
   World.Actions.WhenEvent = [this](Event& event) {
     EXPECT_TRUE(Pass.IsDealing());
     if (event.GetName() == "first") {
+      Pass.PassWithStartupFlag();
       World.Queue.Post(EVENT_SETS_CHANGED);
       World.Queue.Post(DELIVER_EVENTS);
     }
@@ -118,6 +119,9 @@ TEST_F(DeliveryPassTest, WhatIsDueIsWorkedOffInOrderAndTheDelivererHearsOnce) {
   EXPECT_EQ(World.CountMessages(EVENT_DEALT_WITH), 6);
   EXPECT_EQ(World.CountMessages(PASSES_AT_REST), 1);
   EXPECT_FALSE(Pass.IsDealing());
+  World.Time.JumpTo(Now + 100);
+  Run(Message(DELIVER_EVENTS));
+  EXPECT_THAT(Delivered(), ElementsAre("ahead")) << "no start any more";
 }
 
 TEST_F(DeliveryPassTest, OnlyAWakeUpThatIsLateItselfMakesEventsMissed) {
@@ -290,7 +294,10 @@ TEST_F(DeliveryPassTest, TheTableOfStatesOnThePageHolds) {
     Settle(set);
     World.Actions.Deliveries.clear();
     bool locked = false;
-    World.Actions.WhenEvent = [&](Event&) { locked = set.IsLocked(); };
+    World.Actions.WhenEvent = [&](Event&) {
+      locked = set.IsLocked();
+      EXPECT_TRUE(set.SaveData());
+    };
     World.Time.JumpTo(TimeOf(row[3]));
 
     Pass.SetCounterForNextEvent(row[4] == "start");
@@ -303,6 +310,7 @@ TEST_F(DeliveryPassTest, TheTableOfStatesOnThePageHolds) {
     EXPECT_FALSE(locked) << "the set stays locked while the handler acts";
     EXPECT_FALSE(set.IsLocked());
     EXPECT_TRUE(set.OnlyDeliveriesChanged());
+    EXPECT_EQ(set.DeliveredUnsaved().size(), World.Actions.Deliveries.size()) << "saved before";
     const bool there = set.HasEvent(event);
     EXPECT_EQ(there ? NameOf(event->GetStatus()) : "deleted", row[6]);
     EXPECT_EQ(there ? event->GetNextEventTime() : 0, TimeOf(row[7]));
@@ -325,8 +333,8 @@ TEST(NagOrPrewarnMessageTest, SaysWhatAndWhen) {
   } rows[] = {
       {ReminderKind::Prewarning, Sunday + 12 * Hour, false, "Hot.",
        "The event \"Tea\" will occur today.\n\nHot."},
-      {ReminderKind::Nag, Sunday - 6 * Day + 9 * Hour + 5 * Minute, true, "Late.",
-       "The event \"Tea\" occurred at 9:05 AM on Monday, November 9,  2026.\n\nLate."},
+      {ReminderKind::Nag, Sunday - 6 * Day + 12 * Hour + 5 * Minute, true, "Late.",
+       "The event \"Tea\" occurred at 12:05 PM on Monday, November 9,  2026.\n\nLate."},
       {ReminderKind::Prewarning, Sunday + 13 * Hour, true, "%s",
        "The event \"Tea\" will occur at 1:00 PM today.\n\n%s"},
   };

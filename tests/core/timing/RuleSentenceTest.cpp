@@ -8,6 +8,7 @@
 
 #include "core/timing/DateTimeText.h"
 #include "core/timing/EventRuleCheck.h"
+#include "core/timing/EventTiming.h"
 #include "harness/PageTable.h"
 #include "harness/Rule.h"
 
@@ -49,6 +50,8 @@ TimingRule RuleOf(const std::string& text) {
       rule.TimingType = name == "ByDayOfMonth" ? 1 : 2;
     else if (value.empty())
       Fields.at(name)(rule, 1);
+    else if (value.find('+') != value.npos)
+      Fields.at(name)(rule, MomentOf(value));
     else if (value.find('-') != value.npos)
       Fields.at(name)(rule, ParseDate(value, Now, Berlin));
     else
@@ -70,6 +73,16 @@ TEST(RuleSentence, EveryRuleOfThePageIsSaidAndComesAsThePageSays) {
     EXPECT_EQ(dates.empty() ? "none" : dates, row[2]) << row[0];
   }
   EXPECT_EQ(kinds.size(), Kinds.size());
+}
+
+TEST(EventTimingZones, TheTableOfThePageHolds) {
+  const auto rows = TableOfPage("time-rules.md", "| zone | rule | now |");
+  EXPECT_GT(rows.size(), 30U);
+  for (const auto& row : rows) {
+    const EventTimes times =
+        ComputeEventTimes(RuleOf(row.at(1)), MomentOf(row.at(2)), *Zone::Load(row.at(0)));
+    EXPECT_EQ(times.NextEventTime, MomentOf(row.at(3))) << testing::PrintToString(row);
+  }
 }
 
 }  // namespace
