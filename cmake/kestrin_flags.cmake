@@ -7,6 +7,9 @@ target_compile_options(
                           -Wimplicit-fallthrough -Wformat=2
                           # g++ 12 reports the standard library's own string concatenation (105651)
                           $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
+# A release knows no folder it was built in, so that every folder gives the same bytes.
+target_compile_options(kestrin_flags INTERFACE
+                       $<$<CONFIG:Release>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=>)
 if(KESTRIN_SANITIZE)
   target_compile_options(kestrin_flags INTERFACE -fsanitize=${KESTRIN_SANITIZE} -fno-sanitize-recover=all
                          # g++ 12 takes the checks it put in itself for uses of unset pointers
