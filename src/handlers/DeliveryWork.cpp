@@ -5,6 +5,7 @@
 
 #include "core/events/EventSet.h"
 #include "core/loop/AlertDesk.h"
+#include "core/loop/AppMessages.h"
 #include "core/loop/Holds.h"
 #include "core/loop/MessageCodes.h"
 #include "core/ports/Desktop.h"
@@ -46,9 +47,7 @@ void AskThenWork(const DeliveredEvent& delivered, DeliveryWork work) {
       delivered.context->holds.ProcessHold();
       StartWork(delivered, shared);
     }
-    Message done(PROCESS_HOLD_DONE);
-    done.Set("EventSet", static_cast<int64>(delivered.Set));
-    delivered.context->queue.Post(std::move(done));
+    delivered.context->queue.Post(HoldDone(delivered.Set));
   };
   delivered.context->alerts.Show(std::move(request));
 }

@@ -6,6 +6,7 @@
 #include "core/events/EventSet.h"
 #include "core/events/HandlerTable.h"
 #include "core/loop/AlertDesk.h"
+#include "core/loop/AppMessages.h"
 #include "core/loop/Holds.h"
 #include "core/loop/MessageCodes.h"
 #include "core/loop/Notices.h"
@@ -29,16 +30,6 @@ constexpr Reminder Prewarning = {ReminderKind::Prewarning, AlertRole::Prewarning
 constexpr Reminder Nagging = {ReminderKind::Nag, AlertRole::Nag, NAG_ALERT_REPLY, "Kestrin nag",
                               "No more nagging"};
 
-/// The reply releases the hold.
-Message ReplyTo(const Reminder& reminder, const DeliveredEvent& delivered, int which) {
-  Message reply(reminder.reply);
-  reply.Set("which", static_cast<int32>(which));
-  reply.Set("Event", static_cast<int64>(delivered.Event));
-  reply.Set("EventSet", static_cast<int64>(delivered.Set));
-  reply.Set("Occurrence", delivered.Occurrence);
-  return reply;
-}
-
 void Remind(const Event& event, const Reminder& reminder, const std::string& userText) {
   const DeliveredEvent delivered(event);
   Context& context = *delivered.context;
@@ -51,7 +42,9 @@ void Remind(const Event& event, const Reminder& reminder, const std::string& use
   request.HarmlessButton = 1;
   request.DefaultButton = 1;
   request.Done = [delivered, &reminder](int which) {
-    delivered.context->queue.Post(ReplyTo(reminder, delivered, which));
+    // The reply releases the hold.
+    delivered.context->queue.Post(
+        AlertReply(reminder.reply, delivered.Set, delivered.Event, delivered.Occurrence, which));
   };
   context.holds.ProcessHold(delivered.Set);
   context.alerts.Show(std::move(request));

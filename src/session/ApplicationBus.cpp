@@ -4,7 +4,8 @@
 #include <algorithm>
 #include <optional>
 
-#include "core/loop/MessageCodes.h"
+#include "core/loop/AppMessages.h"
+#include "core/ports/BackgroundArgument.h"
 #include "session/BusMessages.h"
 #include "session/BusNames.h"
 #include "session/FileUri.h"
@@ -14,7 +15,6 @@ namespace kestrin {
 namespace {
 
 constexpr char ConnectionName[] = "kestrin";
-constexpr char BackgroundArgument[] = "-background";
 
 constexpr uint32 DoNotQueue = 4;                      // a flag of RequestName
 constexpr uint32 PrimaryOwner = 1, AlreadyOwner = 4;  // answers of RequestName
@@ -35,25 +35,21 @@ std::string OneLine(const QString& text) { return text.simplified().toStdString(
 // What the arguments ask the running application for. Nothing when they ask for nothing; the
 // argument that names no file in `nameless`.
 std::optional<Message> MessageOf(const Start& start, std::optional<std::string>& nameless) {
-  Message message(OPEN_FILES);
+  std::vector<std::string> files;
   bool background = false;
-  size_t files = 0;
   for (const std::string& argument : start.arguments) {
     if (argument == BackgroundArgument) {
       background = true;
     } else if (const std::optional<std::string> path = AbsolutePath(argument)) {
-      message.Set(std::to_string(files++), *path);
+      files.push_back(*path);
     } else {
       nameless = argument;
       return std::nullopt;
     }
   }
   // What made the bus start this process reaches the name's owner without us.
-  if (files == 0 && (background || start.byBus)) return std::nullopt;
-  if (files == 0)
-    message.what = ACTIVATE;
-  else
-    message.Set("window", !background);
+  if (files.empty() && (background || start.byBus)) return std::nullopt;
+  Message message = files.empty() ? Message(ACTIVATE) : OpenFiles(files, !background);
   if (!start.activationToken.empty()) message.Set("token", start.activationToken);
   return message;
 }

@@ -2,7 +2,7 @@
 
 #include <QtDBus/QDBusArgument>
 
-#include "core/loop/MessageCodes.h"
+#include "core/loop/AppMessages.h"
 #include "session/BusNames.h"
 #include "session/FileUri.h"
 
@@ -83,14 +83,13 @@ ReadCall ReadOpen(const QDBusMessage& call) {
   const QStringList uris = call.arguments().at(0).toStringList();
   const QVariantMap platformData = FieldsAt(call, 1);
   if (uris.isEmpty()) return {};
-  Message message(OPEN_FILES);
-  int number = 0;
+  std::vector<std::string> paths;
   for (const QString& uri : uris) {
     const std::optional<std::string> path = PathOfFileUri(uri.toStdString());
     if (!path) return Refused(InvalidArgumentsError, "Not the URI of a file: " + uri);
-    message.Set(std::to_string(number++), *path);
+    paths.push_back(*path);
   }
-  message.Set("window", !platformData.value(BackgroundKey).toBool());
+  Message message = OpenFiles(paths, !platformData.value(BackgroundKey).toBool());
   HandTokenOn(platformData, message);
   return Taken(std::move(message));
 }

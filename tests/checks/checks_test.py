@@ -113,6 +113,19 @@ class Tree(unittest.TestCase):
                                      capture_output=True, text=True, check=False)
                 self.assertEqual((run.returncode, "A.cpp" in run.stdout), (status, status == 1))
 
+    def test_long_class(self):
+        """Its definition and the members in other files count together."""
+        member = "int A::{}() {{\n" + "\n" * 196 + "}}\n\n"
+        for extra, status in (("", 0), ("A::A() = default;\n", 1)):
+            with self.subTest(extra=extra):
+                self.lay({"src/core/loop/A.h": "class A {\n  int b, c;\n\n};\n",
+                          "src/core/loop/A.cpp": "class B;\n" + member.format("b") + extra,
+                          "src/core/loop/AMore.cpp": member.format("c")})
+                run = subprocess.run([sys.executable, CHECKS / "lengths.py", self.root],
+                                     capture_output=True, text=True, check=False)
+                self.assertEqual((run.returncode, "class A: 401" in run.stdout),
+                                 (status, status == 1))
+
     def test_linked_program(self):
         """A program that is linked with GLib, uses streams and has a global breaks three rules."""
         source = self.root / "a.cpp"

@@ -44,7 +44,7 @@ class AppOnScreen : public testing::Test {
           App(Core, {Background, Bus, Store, folder, folder + "/state",
                      [this] { LoadBuiltInHandlers(Core); }, [this] { Handlers.Clear(); },
                      [] { return SystemZone; }, [this] { Ended = true; }}) {
-      Ui.Connect(Core, App);
+      Ui.Connect(Core, App.Ending());
     }
     FakeClock Time;
     SystemFileDoor Files;

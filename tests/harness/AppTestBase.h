@@ -33,7 +33,7 @@ class AppTestBase : public testing::Test {
               {Background, Bus, Store, "/opt", "/state",
                [this, &test] { test.LoadHandlers(World.Core); }, [this] { World.Handlers.Clear(); },
                [&test] { return test.SystemZone; }, [this] { Ended = true; }}) {
-      World.Ui.App = &App;
+      World.Ui.App = &App.Ending();
       Background.Queue = &World.Queue;
       World.Core.zone = test.SystemZone;
       World.Time.JumpTo(test.Now);
@@ -84,7 +84,7 @@ class AppTestBase : public testing::Test {
     It->App.Construct();
     It->App.ArgvReceived(arguments);
     Run();
-    if (!It->App.HasQuit()) It->App.ReadyToRun();
+    if (!It->App.Ending().HasQuit()) It->App.ReadyToRun();
     Run();
   }
   /// A start that remembers one set, of these events.

@@ -22,7 +22,8 @@ class LeavingTest : public SavingOnScreen, public testing::WithParamInterface<co
   }
   void ExpectStays() {
     EXPECT_FALSE(It->Ended);
-    EXPECT_FALSE(It->App.FullQuitProcess || It->App.QuitProcess || It->App.IsQuitInProgress());
+    EXPECT_FALSE(It->App.Ending().FullQuitProcess || It->App.Ending().QuitProcess ||
+                 It->App.Ending().IsQuitInProgress());
   }
   /// The only window is the one of this set.
   EventSet& Only(bool remembered = false) {
@@ -164,7 +165,7 @@ TEST_F(LeavingAllTest, AQuitWaitsForEveryWindowAndOneCancelEndsItForAll) {
     ASSERT_TRUE(Answer("Home.kestrin", answer));
     EXPECT_FALSE(It->Ended);
     const bool saves = std::string(answer) == "Save";
-    EXPECT_EQ(It->App.FullQuitProcess, saves);
+    EXPECT_EQ(It->App.Ending().FullQuitProcess, saves);
     EXPECT_EQ(Answer("Work.kestrin", "Save"), saves) << "no question is left of a quit given up";
     EXPECT_EQ(It->Ended, saves);
     EXPECT_EQ(Set("Work.kestrin") != nullptr, !saves);

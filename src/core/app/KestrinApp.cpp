@@ -7,6 +7,7 @@
 #include "core/loop/AlertDesk.h"
 #include "core/loop/MessageQueue.h"
 #include "core/loop/Notices.h"
+#include "core/ports/BackgroundArgument.h"
 #include "core/ports/Desktop.h"
 #include "core/ports/UserInterface.h"
 #include "core/ports/Workers.h"
@@ -18,16 +19,12 @@ namespace kestrin {
 
 namespace {
 
-constexpr char BackgroundArgument[] = "-background";
-constexpr char BackgroundSignature[] = "application/x-vnd.ZR-KestrinBackground";
-constexpr char BackgroundFile[] = "KestrinBackground";
 constexpr char HelpFile[] = "Kestrin documentation.html";
 
 }  // namespace
 
 KestrinApp::KestrinApp(Context& context, AppParts parts)
-    : DocumentApp(context.holds),
-      context_(context),
+    : context_(context),
       parts_(std::move(parts)),
       pass_(
           context,
@@ -35,21 +32,26 @@ KestrinApp::KestrinApp(Context& context, AppParts parts)
             if (mayFail)
               parts_.background.Launch(&message, {});
             else
-              LaunchBackgroundApp(&message);
+              background_.LaunchBackgroundApp(&message);
           },
-          [this] { SaveRecoveryCopies(); }),
-      recovery_(context.files, parts_.stateFolder) {}
+          [this] { saving_.SaveRecoveryCopies(); }),
+      recovery_(context.files, parts_.stateFolder),
+      background_(context.notices, parts_.background, parts_.KestrinDir),
+      saving_(context, recovery_),
+      recorded_(context, recovery_),
+      opening_(context, recovery_),
+      ending_(context, parts_, pass_, saving_, recorded_, background_) {}
 
 KestrinApp::~KestrinApp() { context_.settings.WhenChanged = nullptr; }
 
 void KestrinApp::Construct() {
-  LaunchBackgroundApp(nullptr);
+  background_.LaunchBackgroundApp(nullptr);
   const AutoLock settings(context_.settings.Protect);
   InitSettings(context_.settings, parts_.settings, context_.notices);
   context_.settings.WhenChanged = [this] { context_.queue.Post(SETTINGS_CHANGED); };
   parts_.loadHandlers();
   const AutoLock open(context_.openSets.Protect);
-  ReadSelectedSets();
+  opening_.ReadSelectedSets();
 }
 
 bool KestrinApp::IsBackgroundStart(const std::vector<std::string>& arguments) {
@@ -67,27 +69,28 @@ void KestrinApp::ArgvReceived(const std::vector<std::string>& arguments) {
       context_.notices.ReportCompoundError(
           "KestrinApp::ArgvReceived: Could not create BPath for file ", argument, ".");
     else
-      OpenSet(argument, !background);
+      opening_.OpenSet(argument, !background);
   }
 }
 
 void KestrinApp::ReadyToRun() {
-  running_ = true;
-  ShowRecordedAlerts();
+  opening_.BeginRunning();
+  ending_.BeginRunning();
+  recorded_.ShowAgain();
   {
     const AutoLock settings(context_.settings.Protect);
     const AutoLock open(context_.openSets.Protect);
-    if (!BackgroundOnlyStartup && !DeliverOnly) OpenUserInterface();
+    if (!BackgroundOnlyStartup && !DeliverOnly) opening_.OpenUserInterface();
   }
   CheckZone();
   if (!DeliverOnly) pass_.PassWithStartupFlag();
   if (!BackgroundOnlyStartup && !DeliverOnly) return;
-  if (AnyWindow() || CountRegWindProcHolds() > 0) return;
-  QuitWhenIdle();
+  if (opening_.AnyWindow() || ending_.CountRegWindProcHolds() > 0) return;
+  ending_.QuitWhenIdle();
 }
 
 void KestrinApp::MessageReceived(const Message& message) {
-  if (hasQuit_) return;
+  if (ending_.HasQuit()) return;
   if (message.what == DELIVER_EVENTS) {
     DeliverOnly = true;
     CheckZone();
@@ -112,20 +115,20 @@ void KestrinApp::MessageReceived(const Message& message) {
       SettingsChanged();
       break;
     case SESSION_SAVED:
-      SessionSaved();
+      ending_.SessionSaved();
       break;
     case RESUMED:
       CheckZone();
       pass_.PassWithStartupFlag();
       break;
     case QUIT_REQUESTED:
-      QuitMessage(message);
+      ending_.QuitMessage(message);
       break;
     case FULL_QUIT_REQUESTED:
-      FullQuit();
+      ending_.FullQuit();
       break;
     case FORCED_QUIT:
-      ForcedQuit();
+      ending_.ForcedQuit();
       break;
     default:
       break;
@@ -137,7 +140,7 @@ bool KestrinApp::WindowMessage(const Message& message) {
     case NEW_EVENT_SET: {
       const AutoLock settings(context_.settings.Protect);
       const AutoLock open(context_.openSets.Protect);
-      OpenSet("", true);
+      opening_.OpenSet("", true);
       return true;
     }
     case OPEN_EVENT_SET:
@@ -169,70 +172,54 @@ bool KestrinApp::WindowMessage(const Message& message) {
   }
 }
 
+void KestrinApp::OpenFiles(const Message& message) {
+  const AutoLock settings(context_.settings.Protect);
+  const AutoLock open(context_.openSets.Protect);
+  const bool window = message.Get<bool>("window").value_or(true);
+  for (int i = 0; auto path = message.Get<std::string>(std::to_string(i)); ++i)
+    opening_.OpenSet(*path, window);
+  if (window) DeliverOnly = BackgroundOnlyStartup = false;
+}
+
+void KestrinApp::Activate() {
+  DeliverOnly = BackgroundOnlyStartup = false;
+  if (!opening_.IsRunning()) return;  // ReadyToRun opens the user interface
+  const AutoLock settings(context_.settings.Protect);
+  const AutoLock open(context_.openSets.Protect);
+  opening_.Activate();
+}
+
+void KestrinApp::RevertToSavedIfRemembered(const std::string& path) {
+  {
+    const AutoLock settings(context_.settings.Protect);
+    const AutoLock open(context_.openSets.Protect);
+    opening_.RevertToSaved(path);
+  }
+  pass_.PassWithStartupFlag();
+}
+
 void KestrinApp::SettingsChanged() {
   context_.ui.SettingsChanged();
   const AutoLock settings(context_.settings.Protect);
   WriteSettings(context_.settings, parts_.settings, context_.notices);
 }
 
-/// A save here keeps what was delivered from being delivered again; until the alerts are closed a
-/// crash must deliver again rather than never.
 void KestrinApp::SaveDeliveredSets() {
-  if (pass_.IsDealing()) return;
-  const AutoLock settings(context_.settings.Protect);
-  const AutoLock open(context_.openSets.Protect);
-  for (const auto& set : context_.openSets.Sets) {
-    const uint64 handle = set->GetHandle();
-    if (!set->OnlyDeliveriesChanged() || set->IsUntitled() || context_.alerts.AnyFor(handle) ||
-        context_.holds.CountFor(handle) > 0)
-      continue;
-    SaveItself(*set);
-  }
+  if (!pass_.IsDealing()) saving_.SaveDeliveredSets();
 }
 
 bool KestrinApp::BackgroundMessage(const Message& message) {
   switch (message.what) {
     case BACKGROUND_LAUNCHED:
-      BackgroundLaunched(message);
+      background_.Launched(message);
       return true;
     case BACKGROUND_GONE:
-      if (FullQuitProcess) return true;
-      LaunchBackgroundApp(nullptr);
+      if (ending_.FullQuitProcess) return true;
+      background_.LaunchBackgroundApp(nullptr);
       pass_.SendNextTime();
       return true;
     default:
       return false;
-  }
-}
-
-void KestrinApp::LaunchBackgroundApp(const Message* message) {
-  parts_.background.Launch(message, parts_.KestrinDir + "/" + BackgroundFile);
-}
-
-/// The user is told of the failure once, and once more when a later attempt succeeds.
-void KestrinApp::BackgroundLaunched(const Message& outcome) {
-  if (outcome.Get<bool>("inTrash").value_or(false) && !AlreadyToldUser) {
-    context_.notices.ReportError(
-        "Please remove KestrinBackground from the trash, the system refuses to launch it from "
-        "there.");
-    AlreadyToldUser = true;
-  }
-  if (outcome.Get<bool>("runs").value_or(false)) {
-    if (AlreadyToldUser)
-      context_.notices.Inform("Kestrin",
-                              "Kestrin successfully started its background executable, and can now "
-                              "deliver events normally.",
-                              "Continue");
-    AlreadyToldUser = false;
-  } else if (!AlreadyToldUser) {
-    AlreadyToldUser = true;
-    context_.notices.ReportCompoundError(
-        "Kestrin was unable to locate its background executable (the file should be named "
-        "\"KestrinBackground\", and should have the signature \"",
-        BackgroundSignature,
-        "\").  Normally, it should be in the same folder as Kestrin.  Without it, Kestrin will be "
-        "unable to inform you when events occur, although you can still edit event sets and the "
-        "events they contain.");
   }
 }
 
@@ -247,14 +234,14 @@ void KestrinApp::HelpRequested() {
         "Cancel");
     return;
   }
-  ProcessHold();
+  ending_.ProcessHold();
   const bool started = context_.workers.Start("Help", [&context = context_, path] {
     if (!context.desktop.Launch(path))
       context.notices.ReportCompoundError("Kestrin found no program that shows its help, \"", path,
                                           "\".  Any web browser does.");
     context.queue.Post(PROCESS_HOLD_DONE);
   });
-  if (!started) ProcessDone();
+  if (!started) ending_.ProcessDone();
 }
 
 void KestrinApp::RecomputeAll() {

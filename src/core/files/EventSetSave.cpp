@@ -3,6 +3,7 @@
 
 #include "core/events/EventSet.h"
 #include "core/files/EventSetFile.h"
+#include "core/loop/AppMessages.h"
 #include "core/loop/MessageQueue.h"
 #include "core/loop/Notices.h"
 #include "core/ports/Clock.h"
@@ -137,10 +138,7 @@ bool EventSet::SaveAs(const std::string& path, bool remember) {
   if (remember) {
     context_.settings.ForgetSet(earlier);
   } else if (wasRemembered && context_.settings.IsFileRemembered(earlier)) {
-    Message open(OPEN_FILES);
-    open.Set("0", earlier);
-    open.Set("window", false);
-    context_.queue.Post(std::move(open));
+    context_.queue.Post(OpenFiles({earlier}, false));
   }
   return true;
 }

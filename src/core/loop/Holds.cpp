@@ -1,5 +1,7 @@
 #include "core/loop/Holds.h"
 
+#include "core/loop/AppMessages.h"
+
 namespace kestrin {
 
 void Holds::ProcessHold(uint64 set) {
@@ -16,9 +18,7 @@ void Holds::ProcessDone(uint64 set) {
     if (found != perSet_.end() && --found->second == 0) perSet_.erase(found);
   }
   if (count_.fetch_sub(1) != 1) return;
-  Message quit(QUIT_REQUESTED);
-  quit.Set("IfIdle", true);
-  queue_.Post(std::move(quit));
+  queue_.Post(QuitIfIdle());
 }
 
 int32 Holds::CountFor(uint64 set) const {

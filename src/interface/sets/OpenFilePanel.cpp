@@ -9,8 +9,8 @@
 #include "core/events/Context.h"
 #include "core/events/EventSet.h"
 #include "core/loop/AlertDesk.h"
+#include "core/loop/AppMessages.h"
 #include "core/loop/Holds.h"
-#include "core/loop/MessageCodes.h"
 #include "interface/common/FilePanels.h"
 #include "interface/sets/EventSetWindow.h"
 #include "interface/sets/SetFilePanel.h"
@@ -30,9 +30,7 @@ QString StartFolder() {
 }  // namespace
 
 void PostOpenFiles(Context& context, const std::vector<std::string>& files) {
-  Message open(OPEN_FILES);
-  for (size_t i = 0; i < files.size(); ++i) open.Set(std::to_string(i), files[i]);
-  context.queue.Post(std::move(open));
+  context.queue.Post(OpenFiles(files));
 }
 
 OpenFilePanel::OpenFilePanel(Context& context)

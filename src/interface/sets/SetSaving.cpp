@@ -7,7 +7,7 @@
 #include "core/events/EventSet.h"
 #include "core/events/OpenSets.h"
 #include "core/loop/AlertDesk.h"
-#include "core/loop/MessageCodes.h"
+#include "core/loop/AppMessages.h"
 #include "core/loop/Notices.h"
 #include "core/settings/KestrinSettings.h"
 #include "interface/sets/SetFilePanel.h"
@@ -101,9 +101,7 @@ void SetSaving::Discard() {
     set_->DiscardRecovered();
   } else {
     set_->SaveDeliveriesAlone();
-    Message discarded(SET_DISCARDED);
-    discarded.Set("path", set_->GetFileName());
-    set_->GetContext().queue.Post(std::move(discarded));
+    set_->GetContext().queue.Post(SetDiscarded(set_->GetFileName()));
   }
   AllowClosing();
 }
@@ -198,9 +196,7 @@ void SetSaving::AllowClosing() {
   const bool quits = application_.IsQuitInProgress();
   emit CloseAllowed();
   if (!quits) return;
-  Message again(QUIT_REQUESTED);
-  again.Set("Again", true);
-  queue.Post(std::move(again));
+  queue.Post(QuitOnceMore(false));
 }
 
 /// And with it a quit that waits for this window.

@@ -7,6 +7,8 @@
 #include <string.h>
 #include <unistd.h>
 
+#include "core/ports/BackgroundArgument.h"
+
 namespace kestrin {
 
 namespace {
@@ -43,8 +45,7 @@ pid_t LaunchApplication() {
   posix_spawnattr_setflags(&attributes,
                            POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
 
-  char argument[] = "-background";
-  char* arguments[] = {path, argument, nullptr};
+  char* arguments[] = {path, const_cast<char*>(BackgroundArgument), nullptr};
   pid_t child = 0;
   const int error = posix_spawn(&child, path, nullptr, &attributes, arguments, environ);
   posix_spawnattr_destroy(&attributes);

@@ -54,7 +54,7 @@ std::string FromEnvironment(const char* name) {
 struct Parts {
   Parts(MessageQueue& messages, ApplicationBus& applicationBus)
       : queue(messages), bus(applicationBus) {
-    ui.Connect(context, app);
+    ui.Connect(context, app.Ending());
   }
 
   AppParts ForApp() {
@@ -113,15 +113,15 @@ int RunLoop(Parts& parts, const std::vector<std::string>& arguments) {
   app.ArgvReceived(arguments);
   // What the bus had waiting decides the role: it comes before ReadyToRun.
   while (auto message = parts.queue.Take()) app.MessageReceived(*message);
-  if (!app.HasQuit()) app.ReadyToRun();
-  if (app.HasQuit()) return 0;
+  if (!app.Ending().HasQuit()) app.ReadyToRun();
+  if (app.Ending().HasQuit()) return 0;
   const LogindWatch logind(parts.queue);
   std::optional<DesktopSession> session;
   if (auto* const gui = qobject_cast<QGuiApplication*>(QCoreApplication::instance()))
     session.emplace(*gui, app, parts.queue);
   const QueueRunner runner(parts.queue,
                            [&app](const Message& message) { app.MessageReceived(message); });
-  return app.HasQuit() ? 0 : QCoreApplication::exec();
+  return app.Ending().HasQuit() ? 0 : QCoreApplication::exec();
 }
 
 int Run(int argc, char** argv) {

@@ -1,5 +1,6 @@
 // How the application ends: by itself, by the user's wish, or by force; what puts a quit off, and
 // that nothing is lost on the way.
+#include "core/loop/AppMessages.h"
 #include "harness/AppTestBase.h"
 
 namespace kestrin {
@@ -32,11 +33,6 @@ class KestrinAppQuitTest : public AppTestBase {
     const size_t name = 1 + sizeof "1.2" + 4;
     return bytes.size() > name ? bytes.c_str() + name : "";
   }
-  static Message IfIdle() {
-    Message quit(QUIT_REQUESTED);
-    quit.Set("IfIdle", true);
-    return quit;
-  }
 };
 
 TEST_F(KestrinAppQuitTest, AnOpenAlertLetsAQuitWaitAndWhatItIsStays) {
@@ -59,11 +55,11 @@ TEST_F(KestrinAppQuitTest, AWindowThatAsksDecides) {
     Post(Message(FULL_QUIT_REQUESTED));
     EXPECT_EQ(window.CloseRequests, 1);
     EXPECT_EQ(window.Commits, 1) << "before it is asked";
-    EXPECT_TRUE(It->App.IsQuitInProgress());
-    EXPECT_TRUE(It->App.QuitProcess && It->App.FullQuitProcess);
+    EXPECT_TRUE(It->App.Ending().IsQuitInProgress());
+    EXPECT_TRUE(It->App.Ending().QuitProcess && It->App.Ending().FullQuitProcess);
     if (cancels) {
-      It->App.CancelQuitProcess();
-      EXPECT_FALSE(It->App.QuitProcess || It->App.FullQuitProcess);
+      It->App.Ending().CancelQuitProcess();
+      EXPECT_FALSE(It->App.Ending().QuitProcess || It->App.Ending().FullQuitProcess);
     }
     CloseWindow();
     EXPECT_TRUE(It->Ended);
@@ -78,9 +74,9 @@ TEST_F(KestrinAppQuitTest, AWindowThatIsNoSetsHoldsTheApplicationAndGoesWhenAQui
   for (const bool byForce : {false, true}) {
     StartEditing();
     bool open = true;
-    It->App.RegisterWindow();
+    It->App.Ending().RegisterWindow();
     Ui().WhenClosingOthers = [this, &open] {
-      if (std::exchange(open, false)) It->App.UnregisterWindow();
+      if (std::exchange(open, false)) It->App.Ending().UnregisterWindow();
     };
     Ui().SetWindows.at(0)->RefuseToClose = true;
     Post(Message(QUIT_REQUESTED));
@@ -110,7 +106,7 @@ TEST_F(KestrinAppQuitTest, WhatWaitsIsHandledBeforeAQuitIsDecided) {
     It->World.Queue.Post(waiting);
     Run();
     EXPECT_EQ(It->Ended, ends);
-    EXPECT_EQ(It->App.FullQuitProcess, ends) << "a window that opens cancels";
+    EXPECT_EQ(It->App.Ending().FullQuitProcess, ends) << "a window that opens cancels";
     EXPECT_EQ(Shown().size(), ends ? 0u : 2u);
   }
   for (const bool wakes : {true, false}) {
@@ -127,9 +123,9 @@ TEST_F(KestrinAppQuitTest, WhatWaitsIsHandledBeforeAQuitIsDecided) {
 
 TEST_F(KestrinAppQuitTest, OnlyAnIdleApplicationEndsByItself) {
   StartEditing();
-  Post(IfIdle());
+  Post(QuitIfIdle());
   EXPECT_FALSE(It->Ended) << "a window holds it";
-  Start({}, {Message(ACTIVATE), IfIdle()});
+  Start({}, {Message(ACTIVATE), QuitIfIdle()});
   EXPECT_THAT(Shown(), ElementsAre(Work)) << "before its role is known it does not leave";
   Wake();
   EXPECT_TRUE(It->Ended);
@@ -146,7 +142,7 @@ TEST_F(KestrinAppQuitTest, WhatArrivesWhileItLeavesIsServedAndThenItLeavesAgain)
     EXPECT_EQ(It->Ended, !opens);
     EXPECT_EQ(It->Bus.Left, opens ? 1 : 2);
     EXPECT_EQ(Delivered().size(), 1u);
-    EXPECT_FALSE(It->App.FullQuitProcess);
+    EXPECT_FALSE(It->App.Ending().FullQuitProcess);
     EXPECT_EQ(It->Background.Times.back(), Sunday + Day + Day) << "the deliverer is asked again";
   }
 }

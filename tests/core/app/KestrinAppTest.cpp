@@ -216,8 +216,8 @@ TEST_F(KestrinAppTest, TheDelivererIsStartedAndItsFailuresAreToldOnce) {
     It->Background.ByFile = row.byFile;
     It->Background.InTrash = row.inTrash;
     It->Background.Calls.clear();
-    It->App.AlreadyToldUser = row.told;
-    It->App.LaunchBackgroundApp(nullptr);
+    It->App.Background().AlreadyToldUser = row.told;
+    It->App.Background().LaunchBackgroundApp(nullptr);
     Run();
     ASSERT_EQ(Alerts().size(), row.texts.size());
     for (const std::string& text : row.texts) {
@@ -225,7 +225,7 @@ TEST_F(KestrinAppTest, TheDelivererIsStartedAndItsFailuresAreToldOnce) {
       Answer(0);
     }
     EXPECT_EQ(It->Background.Calls, row.calls);
-    EXPECT_EQ(It->App.AlreadyToldUser, row.toldThen);
+    EXPECT_EQ(It->App.Background().AlreadyToldUser, row.toldThen);
   }
   It->Background.ByName = It->Background.ByFile = It->Background.InTrash = false;
   CloseWindow();

@@ -1,0 +1,27 @@
+// What main hands the application over besides the context.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "core/ports/BackgroundMessenger.h"
+#include "core/ports/BusPresence.h"
+#include "core/settings/SettingsStore.h"
+#include "support/LocalTime.h"
+
+namespace kestrin {
+
+/// All outlive the application.
+struct AppParts {
+  BackgroundMessenger& background;
+  BusPresence& bus;
+  SettingsStore& settings;
+  std::string KestrinDir;   ///< folder of the real executable
+  std::string stateFolder;  ///< $XDG_STATE_HOME/kestrin
+  std::function<void()> loadHandlers;
+  std::function<void()> unloadHandlers;
+  std::function<Zone()> systemZone;
+  std::function<void()> endLoop;  ///< called when the program is to end
+};
+
+}  // namespace kestrin

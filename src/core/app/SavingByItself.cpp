@@ -1,0 +1,62 @@
+#include "core/app/SavingByItself.h"
+
+#include "core/events/EventSet.h"
+#include "core/events/OpenSets.h"
+#include "core/loop/AlertDesk.h"
+#include "core/loop/Holds.h"
+#include "core/loop/Notices.h"
+#include "core/settings/KestrinSettings.h"
+
+namespace kestrin {
+
+/// A save here keeps what was delivered from being delivered again; until the alerts are closed a
+/// crash must deliver again rather than never.
+void SavingByItself::SaveDeliveredSets() {
+  const AutoLock settings(context_.settings.Protect);
+  const AutoLock open(context_.openSets.Protect);
+  for (const auto& set : context_.openSets.Sets) {
+    const uint64 handle = set->GetHandle();
+    if (!set->OnlyDeliveriesChanged() || set->IsUntitled() || context_.alerts.AnyFor(handle) ||
+        context_.holds.CountFor(handle) > 0)
+      continue;
+    SaveItself(*set);
+  }
+}
+
+void SavingByItself::SaveModifiedSets() {
+  const AutoLock settings(context_.settings.Protect);
+  const AutoLock open(context_.openSets.Protect);
+  for (const auto& set : context_.openSets.Sets) {
+    const bool titled = !set->IsUntitled();
+    if (!set->HasBeenModified() || (titled && SaveItself(*set))) {
+      if (titled) recovery_.Forget(*set);
+      continue;
+    }
+    // What only deliveries have changed is delivered again.
+    if (titled && set->OnlyDeliveriesChanged()) continue;
+    if (!recovery_.SaveCopy(*set) && !titled) ReportUnsaved(*set);
+  }
+}
+
+bool SavingByItself::SaveItself(EventSet& set) {
+  if (!set.SaveData(EventSet::SavedBy::Itself)) {
+    ReportUnsaved(set);
+    return false;
+  }
+  reported_.erase(set.GetHandle());
+  return true;
+}
+
+/// Once: the quit that follows when the alert is closed goes on.
+void SavingByItself::ReportUnsaved(const EventSet& set) {
+  if (!reported_.insert(set.GetHandle()).second) return;
+  context_.notices.ReportCompoundError("Kestrin was unable to save the event set ",
+                                       set.GetFileName(), ".");
+}
+
+void SavingByItself::SaveRecoveryCopies() {
+  for (const auto& set : context_.openSets.Sets)
+    if (set->HasBeenModified()) recovery_.SaveCopy(*set);
+}
+
+}  // namespace kestrin

@@ -1,0 +1,35 @@
+// What the application saves without being asked, and without asking.
+#pragma once
+
+#include <set>
+
+#include "core/events/Context.h"
+#include "core/files/RecoveryFolder.h"
+
+namespace kestrin {
+
+class EventSet;
+
+/// Main thread.
+class SavingByItself {
+ public:
+  SavingByItself(Context& context, RecoveryFolder& recovery)
+      : context_(context), recovery_(recovery) {}
+
+  /// The sets in which only deliveries have changed anything, once their alerts are closed.
+  void SaveDeliveredSets();
+  /// At the end: every modified set, as a recovery copy where its file cannot take it.
+  void SaveModifiedSets();
+  /// Before an overrun stops the program: a copy of everything modified, whatever its state.
+  void SaveRecoveryCopies();
+
+ private:
+  bool SaveItself(EventSet& set);
+  void ReportUnsaved(const EventSet& set);
+
+  Context& context_;
+  RecoveryFolder& recovery_;
+  std::set<uint64> reported_;  ///< handles of the sets whose saving has failed
+};
+
+}  // namespace kestrin

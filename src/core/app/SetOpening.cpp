@@ -1,0 +1,151 @@
+#include "core/app/SetOpening.h"
+
+#include <cstdio>
+
+#include "core/events/EventSet.h"
+#include "core/events/OpenSets.h"
+#include "core/files/EventSetFile.h"
+#include "core/loop/MessageQueue.h"
+#include "core/loop/Notices.h"
+#include "core/ports/UserInterface.h"
+#include "core/settings/KestrinSettings.h"
+
+namespace kestrin {
+
+std::string SetOpening::GetNextUntitledWindowName() {
+  return "Untitled event set " + std::to_string(nextUntitled_++);
+}
+
+void SetOpening::ReportOpening(ConstructorResult result, const std::string& path) {
+  switch (result) {
+    case ConstructorResult::Success:
+      break;
+    case ConstructorResult::CouldNotOpen:
+      context_.notices.ReportCompoundError("Kestrin: Attempt to open event set ", path, " failed.");
+      break;
+    case ConstructorResult::CouldNotRead:
+      context_.notices.ReportCompoundError(
+          "Kestrin: Attempt to read event set ", path,
+          " failed because a file error occurred.  The file may be corrupted.");
+      break;
+    default:
+      context_.notices.ReportCompoundError("Kestrin: Attempt to create event set ", path,
+                                           " failed because of an unknown error.");
+  }
+}
+
+void SetOpening::OpenSet(const std::string& path, bool openWindow) {
+  if (path.empty()) {
+    context_.openSets.Sets.push_back(
+        std::make_unique<EventSet>(context_, GetNextUntitledWindowName()));
+    if (openWindow) Show(*context_.openSets.Sets.back());
+    return;
+  }
+  const std::string file = context_.files.Canonical(path);
+  if (EventSet* const open = context_.openSets.FindFile(file)) {
+    if (openWindow) Show(*open);
+    return;
+  }
+  EventSet* const set = LoadSet(file);
+  if (!set) return;
+  if (openWindow) set->OpenWindow();
+  // What was due when the set was opened meets the rule for missed events.
+  if (running_) context_.queue.Post(SETS_OPENED);
+}
+
+/// A set may deliver because it is shown: a new window is like an opened set.
+void SetOpening::Show(EventSet& set) {
+  if (!set.GetWindow() && running_) context_.queue.Post(SETS_OPENED);
+  set.OpenWindow();
+}
+
+EventSet* SetOpening::LoadSet(const std::string& file) {
+  ConstructorResult result = ConstructorResult::Success;
+  bool versionOK = true;
+  SetFileReport report;
+  auto set = std::make_unique<EventSet>(context_, file, &result, &versionOK, &report);
+  if (!report.Fault.empty())
+    std::fprintf(stderr, "kestrin: %s: %s\n", file.c_str(), report.Fault.c_str());
+  ReportOpening(result, file);
+  if (result != ConstructorResult::Success || !versionOK) return nullptr;
+  context_.openSets.Sets.push_back(std::move(set));
+  return context_.openSets.Sets.back().get();
+}
+
+/// A set on a disk that is not mounted is only away for now.
+bool SetOpening::KeepsMissingFile(const std::string& path) const {
+  const std::string folder = path.substr(0, path.rfind('/'));
+  return context_.files.Kind(path) == FileKind::Missing && !folder.empty() &&
+         context_.files.Kind(folder) != FileKind::Folder;
+}
+
+void SetOpening::ReadSelectedSets() {
+  std::vector<std::string>& names = context_.settings.SetFileNames;
+  for (size_t i = 0; i < names.size();) {
+    names[i] = context_.files.Canonical(names[i]);
+    OpenSet(names[i], false);
+    if (context_.openSets.FindFile(names[i]) || KeepsMissingFile(names[i])) {
+      ++i;
+      continue;
+    }
+    names.erase(names.begin() + static_cast<std::ptrdiff_t>(i));
+    context_.settings.Changed();
+  }
+}
+
+bool SetOpening::AnyWindow() const {
+  const AutoLock open(context_.openSets.Protect);
+  for (const auto& set : context_.openSets.Sets)
+    if (set->GetWindow()) return true;
+  return false;
+}
+
+void SetOpening::OpenRecovered() {
+  for (const std::string& path : recovery_.Copies()) {
+    bool isOpen = false;
+    for (const auto& set : context_.openSets.Sets) isOpen |= set->RecoveredFrom() == path;
+    if (isOpen) continue;
+    EventSet* const set = LoadSet(path);
+    if (!set) continue;
+    set->BecomeRecovered(GetNextUntitledWindowName());
+    Show(*set);
+  }
+}
+
+void SetOpening::OpenUserInterface() {
+  const int32 handling = context_.settings.SelectedSetHandling;
+  if (handling < ShowNever && (handling == ShowAlways || !AnyWindow()))
+    for (const std::string& name : context_.settings.SetFileNames)
+      if (EventSet* const set = context_.openSets.FindFile(name)) Show(*set);
+  OpenRecovered();
+  if (!AnyWindow()) OpenSet("", true);
+}
+
+void SetOpening::Activate() {
+  for (const auto& set : context_.openSets.Sets)
+    if (set->GetWindow()) {
+      set->OpenWindow();
+      return;
+    }
+  OpenUserInterface();
+}
+
+void SetOpening::RevertToSaved(const std::string& path) {
+  OpenSets& open = context_.openSets;
+  EventSet* const set = open.FindFile(path);
+  if (!set) return;
+  const EventSet::DeliveredEvents delivered = set->DeliveredUnsaved();
+  const uint64 handle = set->GetHandle();
+  SetWindow* const window = set->GetWindow();
+  if (window) window->CloseNow();  // which may be the end of the set
+  open.Destroy(open.FindHandle(handle));
+  EventSet* const fresh = LoadSet(path);
+  if (!fresh) return;
+  {
+    const AutoLock lock(*fresh);
+    fresh->MoveOnDelivered(delivered, context_.clock.Now());
+  }
+  if (window) fresh->OpenWindow();
+}
+
+}  // namespace kestrin

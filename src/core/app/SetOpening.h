@@ -1,0 +1,54 @@
+// How the application opens its sets and shows them again.
+#pragma once
+
+#include <string>
+
+#include "core/events/Context.h"
+#include "core/files/RecoveryFolder.h"
+#include "support/Message.h"
+
+namespace kestrin {
+
+class EventSet;
+enum class ConstructorResult : int32;
+
+/// Main thread. Callers hold the locks of the settings and of the open sets.
+class SetOpening {
+ public:
+  SetOpening(Context& context, const RecoveryFolder& recovery)
+      : context_(context), recovery_(recovery) {}
+
+  /// The start is over: what is opened from now on is followed by a pass with the start-up flag,
+  /// in which what was due already meets the rule for missed events.
+  void BeginRunning() { running_ = true; }
+  bool IsRunning() const { return running_; }
+
+  /// Loads the remembered sets, without windows. Files that are gone are forgotten.
+  void ReadSelectedSets();
+  /// Loads a set or, for an empty path, makes a new one. Opening a file twice shows its window.
+  void OpenSet(const std::string& path, bool openWindow);
+  /// The remembered sets if the settings say so, what was recovered, and at least one window.
+  void OpenUserInterface();
+  /// Raises a window of a set, or opens the user interface when there is none.
+  void Activate();
+  /// Re-reads an open set from its file, with a window if it had one; what was delivered stays
+  /// delivered.
+  void RevertToSaved(const std::string& path);
+
+  std::string GetNextUntitledWindowName();
+  bool AnyWindow() const;
+
+ private:
+  EventSet* LoadSet(const std::string& file);
+  void Show(EventSet& set);
+  void OpenRecovered();
+  void ReportOpening(ConstructorResult result, const std::string& path);
+  bool KeepsMissingFile(const std::string& path) const;
+
+  Context& context_;
+  const RecoveryFolder& recovery_;
+  int32 nextUntitled_ = 1;
+  bool running_ = false;
+};
+
+}  // namespace kestrin
