@@ -25,7 +25,7 @@
 #include "core/delivery/VirtualEngine.h"
 #include "core/events/EventSet.h"
 #include "core/events/OpenSets.h"
-#include "core/files/EventSetFile.h"
+#include "core/files/StoredSetFile.h"
 #include "handlers/LoadEventHandlers.h"
 #include "interface/QtUserInterface.h"
 #include "interface/list/ListEventView.h"
@@ -88,13 +88,10 @@ bool MeasureOurs(const char* path, Best& best) {
   Holder application(engine.holds);
   screen.Connect(context, application);
   LoadBuiltInHandlers(context);
-  ConstructorResult result = ConstructorResult::Success;
-  bool versionOK = true;
-  SetFileReport report;
-  engine.openSets.Sets.push_back(
-      std::make_unique<EventSet>(context, path, &result, &versionOK, &report));
+  SetReading reading = ReadSet(context, path);
+  if (!reading.Set || reading.Set->CountEvents() < Many) return false;
+  engine.openSets.Sets.push_back(std::move(reading.Set));
   EventSet& set = *engine.openSets.Sets.back();
-  if (result != ConstructorResult::Success || !versionOK || set.CountEvents() < Many) return false;
 
   best.Measure(Open, [&set] { set.OpenWindow(); });
   auto& window = dynamic_cast<EventSetWindow&>(*set.GetWindow());

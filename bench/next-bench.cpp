@@ -12,7 +12,7 @@
 
 #include "core/delivery/VirtualEngine.h"
 #include "core/events/EventSet.h"
-#include "core/files/EventSetFile.h"
+#include "core/files/StoredSetFile.h"
 #include "handlers/LoadEventHandlers.h"
 
 namespace kestrin {
@@ -34,15 +34,13 @@ bool RunOnce(const char* path, Figures& best) {
   VirtualEngine engine;
   engine.clock.Time = SystemClock().Now();
   LoadBuiltInHandlers(engine.context);
-  ConstructorResult result = ConstructorResult::Success;
-  bool versionOK = true;
-  SetFileReport report;
   const double begun = ProcessorNanoseconds();
-  const EventSet set(engine.context, path, &result, &versionOK, &report);
+  const SetReading reading = ReadSet(engine.context, path);
   const double read = ProcessorNanoseconds();
+  if (!reading.Set || reading.Set->CountEvents() == 0) return false;
+  const EventSet& set = *reading.Set;
   for (const auto& event : set.Events()) event->UpdateEventTime();
   const double computed = ProcessorNanoseconds();
-  if (result != ConstructorResult::Success || !versionOK || set.CountEvents() == 0) return false;
   const double events = set.CountEvents();
   best.read = std::min(best.read, (read - begun) / events);
   best.compute = std::min(best.compute, (computed - read) / events);

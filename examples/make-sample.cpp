@@ -12,6 +12,7 @@
 
 #include "core/delivery/VirtualEngine.h"
 #include "core/events/EventSet.h"
+#include "core/files/StoredSetFile.h"
 #include "handlers/ActOnFileDataHandler.h"
 #include "handlers/CommandDataHandler.h"
 #include "handlers/LoadEventHandlers.h"
@@ -28,9 +29,10 @@ enum HandlerRow : int32 { DoNothingRow = 1, MessageRow = 2, CommandRow = 3, ActO
 
 class Sample {
  public:
-  explicit Sample(VirtualEngine& engine) : engine_(engine), set_(engine.context, "sample") {}
+  explicit Sample(VirtualEngine& engine)
+      : engine_(engine), set_(NewSet(engine.context, "sample")) {}
 
-  EventSet& Set() { return set_; }
+  EventSet& Set() { return *set_; }
 
   void AddSoon(int32 seconds) {
     Event& event = Add(Bell, "Welcome to Kestrin", Once, -1);
@@ -141,7 +143,7 @@ class Sample {
  private:
   /// A new event, due at `secondsIntoDay` (none when negative), starting today.
   Event& Add(int32 icon, const char* name, PeriodicityType type, int32 secondsIntoDay) {
-    Event& event = *set_.AddEvent(nullptr);
+    Event& event = *set_->AddEvent(nullptr);
     event.SetName(name);
     event.SetIcon(icon, nullptr);
     event.SetPeriodType(type);
@@ -176,7 +178,7 @@ class Sample {
   }
 
   VirtualEngine& engine_;
-  EventSet set_;
+  std::unique_ptr<EventSet> set_;
 };
 
 struct Wishes {

@@ -7,7 +7,7 @@
 #include "core/events/EventProgress.h"
 #include "core/events/EventSet.h"
 #include "core/events/HandlerTable.h"
-#include "core/files/EventSetFile.h"
+#include "core/files/StoredSetFile.h"
 #include "handlers/LoadEventHandlers.h"
 #include "harness/MemoryFileDoor.h"
 #include "harness/TestContext.h"
@@ -27,13 +27,10 @@ void Demand(bool holds, const char* what) {
 }
 
 std::unique_ptr<EventSet> Read(Context& context, const std::string& path) {
-  ConstructorResult result = ConstructorResult::Success;
-  bool versionOK = true;
-  SetFileReport report;
-  auto set = std::make_unique<EventSet>(context, path, &result, &versionOK, &report);
-  const bool good = result == ConstructorResult::Success && versionOK;
-  Demand(good == report.Fault.empty(), "a fault is told if there is one");
-  return good ? std::move(set) : nullptr;
+  SetReading reading = ReadSet(context, path);
+  Demand((reading.Set != nullptr) == reading.Report.Fault.empty(),
+         "a fault is told if there is one");
+  return std::move(reading.Set);
 }
 
 std::string Written(EventSet& set, MemoryFileDoor& disk) {

@@ -5,6 +5,7 @@
 
 #include "HandlerTestBase.h"
 #include "core/files/EventMessage.h"
+#include "core/files/StoredSetFile.h"
 #include "harness/PageTable.h"
 #include "support/OwnedText.h"
 
@@ -32,8 +33,6 @@ std::vector<std::string> FieldsOf(const Message& message) {
 
 class EventMessageTest : public HandlerTestBase {
  protected:
-  EventMessageTest() : Other(World.Core, "Other") {}
-
   Message Generated() const {
     Message message;
     EXPECT_TRUE(GenerateMessageForEvent(*Subject, &message));
@@ -57,7 +56,8 @@ class EventMessageTest : public HandlerTestBase {
     return std::move(result.NewEvent);
   }
 
-  EventSet Other;
+  std::unique_ptr<EventSet> OwnedOther = kestrin::NewSet(World.Core, "Other");
+  EventSet& Other = *OwnedOther;
   std::string Told;
 };
 

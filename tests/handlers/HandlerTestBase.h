@@ -5,6 +5,7 @@
 #include <string>
 
 #include "core/events/HandlerTable.h"
+#include "core/files/StoredSetFile.h"
 #include "handlers/ActOnFileDataHandler.h"
 #include "handlers/CommandDataHandler.h"
 #include "handlers/HandlerActions.h"
@@ -18,7 +19,7 @@ class HandlerTestBase : public SetTestBase {
  protected:
   HandlerTestBase() {
     LoadBuiltInHandlers(World.Core);
-    Set = std::make_unique<EventSet>(World.Core, "/sets/set");
+    Set = kestrin::NewSet(World.Core, "/sets/set");
     Subject = Set->AddEvent(nullptr);
     Subject->SetName("Tea");
     EXPECT_TRUE(Set->SaveData());

@@ -6,6 +6,7 @@
 #include <fstream>
 
 #include "HandlerTestBase.h"
+#include "core/files/StoredSetFile.h"
 #include "core/settings/BuiltInPrefs.h"
 #include "core/settings/SettingsStore.h"
 #include "support/Opened.h"
@@ -48,7 +49,7 @@ class LoadEventHandlersTest : public testing::Test {
     return {std::istreambuf_iterator<char>(file), {}};
   }
   Event& MakeEvent(const char* handler) {
-    Set = std::make_unique<EventSet>(World.Core, "Untitled event set 1");
+    Set = kestrin::NewSet(World.Core, "Untitled event set 1");
     Event& event = *Set->AddEvent(nullptr);
     event.SetName("Tea");
     EXPECT_TRUE(event.SetSelectedHandler(World.Handlers.Find(handler)));

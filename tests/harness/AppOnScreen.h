@@ -17,6 +17,7 @@
 
 #include "core/app/KestrinApp.h"
 #include "core/events/HandlerTable.h"
+#include "core/files/StoredSetFile.h"
 #include "core/settings/BuiltInPrefs.h"
 #include "core/settings/SettingsFile.h"
 #include "handlers/HandlerActions.h"
@@ -132,7 +133,8 @@ class AppOnScreen : public testing::Test {
   /// A set in a file, its window open, with one event that comes every day at 9:00.
   EventSet& OpenSet(const std::string& leaf = "Work.kestrin", bool remembered = false) {
     {
-      EventSet made(It->Core, Path(leaf));
+      const auto owned = kestrin::NewSet(It->Core, Path(leaf));
+      EventSet& made = *owned;
       EventRecord record;
       record.PeriodType = Daily;
       record.ApplyTime = true;

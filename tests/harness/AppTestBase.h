@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "core/app/KestrinApp.h"
+#include "core/files/StoredSetFile.h"
 #include "core/settings/BuiltInPrefs.h"
 #include "core/settings/SettingsFile.h"
 #include "harness/FakeSession.h"
@@ -68,7 +69,8 @@ class AppTestBase : public testing::Test {
     Crash();
     TestContext world(&Disk, OwnActions);
     LoadHandlers(world.Core);
-    EventSet set(world.Core, path);
+    const auto owned = kestrin::NewSet(world.Core, path);
+    EventSet& set = *owned;
     for (const EventRecord& record : records)
       set.AddEvent(std::make_unique<Event>(set, record))->SetSelectedHandler(MessageHandler);
     EXPECT_TRUE(set.SaveData());

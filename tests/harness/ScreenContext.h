@@ -13,6 +13,7 @@
 #include "core/events/EventSet.h"
 #include "core/events/HandlerTable.h"
 #include "core/events/OpenSets.h"
+#include "core/files/StoredSetFile.h"
 #include "core/loop/AlertDesk.h"
 #include "core/loop/MessageQueue.h"
 #include "core/loop/Notices.h"
@@ -88,7 +89,7 @@ struct ScreenContext {
   }
 
   EventSet& NewSet(const std::string& name = "/sets/Home.kestrin") {
-    auto set = std::make_unique<EventSet>(Core, name);
+    auto set = kestrin::NewSet(Core, name);
     return *Open.Sets.emplace_back(std::move(set));
   }
   EventSetWindow& OpenWindow(EventSet& set) {

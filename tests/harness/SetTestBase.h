@@ -9,7 +9,7 @@
 
 #include "core/events/EventSet.h"
 #include "core/events/OpenSets.h"
-#include "core/files/EventSetFile.h"
+#include "core/files/StoredSetFile.h"
 #include "core/settings/KestrinSettings.h"
 #include "harness/FailingFileDoor.h"
 #include "harness/FakeHandlers.h"
@@ -43,7 +43,7 @@ class SetTestBase : public testing::Test {
 
   /// A set that is open and remembered, in a file that has not been written yet.
   EventSet& NewSet(const std::string& path = "/sets/Work.kestrin") {
-    World.Open.Sets.push_back(std::make_unique<EventSet>(World.Core, path));
+    World.Open.Sets.push_back(kestrin::NewSet(World.Core, path));
     World.Settings.RememberSet(path);
     return *World.Open.Sets.back();
   }
@@ -59,10 +59,10 @@ class SetTestBase : public testing::Test {
   }
   /// The set as a process that starts now would read it; null when its file is refused.
   std::unique_ptr<EventSet> Read(const std::string& path) {
-    bool versionOK = true;
-    Report = {};
-    auto set = std::make_unique<EventSet>(World.Core, path, &Result, &versionOK, &Report);
-    return Result == ConstructorResult::Success && versionOK ? std::move(set) : nullptr;
+    SetReading reading = ReadSet(World.Core, path);
+    Result = reading.Result;
+    Report = std::move(reading.Report);
+    return std::move(reading.Set);
   }
   /// Saved, and no message waits.
   void Settle(EventSet& set) {

@@ -7,6 +7,7 @@
 #include <map>
 #include <tuple>
 
+#include "core/files/StoredSetFile.h"
 #include "core/ports/UserInterface.h"
 #include "harness/AppOnScreen.h"
 #include "kestrin/EndianIndependentFile.h"
@@ -56,7 +57,8 @@ class BellOnScreen : public AppOnScreen {
     It->Handlers.Add({"Bell", NewBell});
   }
   void MakeFile() {
-    EventSet made(It->Core, Path("Work.kestrin"));
+    const auto owned = kestrin::NewSet(It->Core, Path("Work.kestrin"));
+    EventSet& made = *owned;
     EventRecord record;
     record.PeriodType = Daily;
     record.ApplyTime = true;

@@ -1,6 +1,7 @@
 // Events made, edited, copied, deleted and brought back, also when they came due meanwhile.
 #include <QClipboard>
 
+#include "core/files/StoredSetFile.h"
 #include "core/ports/UserInterface.h"
 #include "harness/AppOnScreen.h"
 #include "interface/sets/EventClipboard.h"
@@ -165,7 +166,8 @@ TEST_F(UndoTest, EditorsThatStoodOpenOpenAgainButNeverTooMany) {
 
   WindowOf(again).CloseNow();
   Run();
-  EventSet hostile(It->Core, Path("Many.kestrin"));
+  const auto owned = kestrin::NewSet(It->Core, Path("Many.kestrin"));
+  EventSet& hostile = *owned;
   for (int i = 0; i < 100; ++i) Add(hostile, "x", Sunday + Day).SetShouldWindowOpen(true);
   ASSERT_TRUE(hostile.SaveData());
   int editors = 0;

@@ -4,7 +4,7 @@
 
 #include "core/events/EventSet.h"
 #include "core/events/OpenSets.h"
-#include "core/files/EventSetFile.h"
+#include "core/files/StoredSetFile.h"
 #include "core/loop/MessageQueue.h"
 #include "core/loop/Notices.h"
 #include "core/ports/UserInterface.h"
@@ -36,8 +36,7 @@ void SetOpening::ReportOpening(ConstructorResult result, const std::string& path
 
 void SetOpening::OpenSet(const std::string& path, bool openWindow) {
   if (path.empty()) {
-    context_.openSets.Sets.push_back(
-        std::make_unique<EventSet>(context_, GetNextUntitledWindowName()));
+    context_.openSets.Sets.push_back(NewSet(context_, GetNextUntitledWindowName()));
     if (openWindow) Show(*context_.openSets.Sets.back());
     return;
   }
@@ -60,15 +59,12 @@ void SetOpening::Show(EventSet& set) {
 }
 
 EventSet* SetOpening::LoadSet(const std::string& file) {
-  ConstructorResult result = ConstructorResult::Success;
-  bool versionOK = true;
-  SetFileReport report;
-  auto set = std::make_unique<EventSet>(context_, file, &result, &versionOK, &report);
-  if (!report.Fault.empty())
-    std::fprintf(stderr, "kestrin: %s: %s\n", file.c_str(), report.Fault.c_str());
-  ReportOpening(result, file);
-  if (result != ConstructorResult::Success || !versionOK) return nullptr;
-  context_.openSets.Sets.push_back(std::move(set));
+  SetReading reading = ReadSet(context_, file);
+  if (!reading.Set)
+    std::fprintf(stderr, "kestrin: %s: %s\n", file.c_str(), reading.Report.Fault.c_str());
+  ReportOpening(reading.Result, file);
+  if (!reading.Set) return nullptr;
+  context_.openSets.Sets.push_back(std::move(reading.Set));
   return context_.openSets.Sets.back().get();
 }
 
@@ -103,11 +99,11 @@ bool SetOpening::AnyWindow() const {
 void SetOpening::OpenRecovered() {
   for (const std::string& path : recovery_.Copies()) {
     bool isOpen = false;
-    for (const auto& set : context_.openSets.Sets) isOpen |= set->RecoveredFrom() == path;
+    for (const auto& set : context_.openSets.Sets) isOpen |= set->File().RecoveredFrom() == path;
     if (isOpen) continue;
     EventSet* const set = LoadSet(path);
     if (!set) continue;
-    set->BecomeRecovered(GetNextUntitledWindowName());
+    set->File().BecomeRecovered(GetNextUntitledWindowName());
     Show(*set);
   }
 }
@@ -134,7 +130,7 @@ void SetOpening::RevertToSaved(const std::string& path) {
   OpenSets& open = context_.openSets;
   EventSet* const set = open.FindFile(path);
   if (!set) return;
-  const EventSet::DeliveredEvents delivered = set->DeliveredUnsaved();
+  const DeliveredLog delivered = set->Delivered();
   const uint64 handle = set->GetHandle();
   SetWindow* const window = set->GetWindow();
   if (window) window->CloseNow();  // which may be the end of the set
@@ -143,7 +139,7 @@ void SetOpening::RevertToSaved(const std::string& path) {
   if (!fresh) return;
   {
     const AutoLock lock(*fresh);
-    fresh->MoveOnDelivered(delivered, context_.clock.Now());
+    delivered.MoveOnDelivered(*fresh, context_.clock.Now());
   }
   if (window) fresh->OpenWindow();
 }

@@ -31,7 +31,7 @@ void Deliver(Event& event, int32 found, Action act) {
   };
   const auto due = times();
   EventSet& owner = *event.GetOwner();
-  owner.RecordDelivered(event, found);
+  owner.Delivered().RecordDelivered(event, found);
   {
     const EventSet::ActionRuns running(owner);
     event.SetActing(true);
@@ -41,7 +41,7 @@ void Deliver(Event& event, int32 found, Action act) {
     event.SetActing(false);
   }
   if (times() == due) {
-    owner.RecordDelivered(event, event.GetStatus());  // a save would have dropped it
+    owner.Delivered().RecordDelivered(event, event.GetStatus());  // a save would have dropped it
     EventDelivered(event);
   } else {
     owner.GetContext().queue.Post(EVENT_DEALT_WITH);

@@ -48,7 +48,7 @@ void Event::StorePlain(T& field, V value) {
 }
 
 void Event::SetName(std::string_view name) {
-  owner_.RecordRename(*this);
+  if (!owner_.IsUntitled()) owner_.Delivered().RecordRename(*this);
   record_.Name = FitText(name);
   owner_.EventModified(this);
 }

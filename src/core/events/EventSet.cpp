@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "core/events/EventProgress.h"
 #include "core/events/OpenSets.h"
 #include "core/loop/MessageQueue.h"
 #include "core/loop/Notices.h"
@@ -12,24 +11,11 @@
 
 namespace kestrin {
 
-EventSet::EventSet(Context& context, const std::string& path, ConstructorResult* result,
-                   bool* versionOK, SetFileReport* report)
+EventSet::EventSet(Context& context, const std::string& fileName)
     : Locker("EventSet", LockRank::EventSet),
       context_(context),
       handle_(context.nextHandle++),
-      fileName_(path) {
-  Read(result, versionOK, report);
-}
-
-EventSet::EventSet(Context& context, const std::string& untitledName)
-    : Locker("EventSet", LockRank::EventSet),
-      context_(context),
-      handle_(context.nextHandle++),
-      fileName_(untitledName),
-      untitled_(true) {
-  layout_ = context.settings.Layout;
-  layout_.WindowFrame = context.settings.SetWindowPosition.NextFrame();
-}
+      fileName_(fileName) {}
 
 EventSet::~EventSet() = default;
 
@@ -132,32 +118,36 @@ int32 EventSet::GetNextEventTime(Event** event, const std::function<bool(const E
   return *event ? (*event)->GetNextEventTime() : 0;
 }
 
-void EventSet::RecordDelivered(const Event& event, int32 status) {
-  const auto renamed = namesInFile_.find(event.GetHandle());
-  delivered_.try_emplace(
-      event.GetHandle(),
-      Delivered{renamed == namesInFile_.end() ? event.GetName() : renamed->second,
-                event.GetActualEventTime(), status});
-}
-
-void EventSet::RecordRename(const Event& event) {
-  if (!untitled_) namesInFile_.try_emplace(event.GetHandle(), event.GetName());
-}
-
-void EventSet::MoveOnDelivered(DeliveredEvents delivered, int64 now) {
-  std::vector<Event*> due;
+void EventSet::SetFileName(const std::string& path) {
+  if (path == fileName_) return;
+  fileName_ = path;
   for (const auto& event : events_)
-    if (event->GetNextEventTime() != 0 && event->GetNextEventTime() <= now)
-      due.push_back(event.get());
-  for (Event* const event : due) {
-    const Delivered state{event->GetName(), event->GetActualEventTime(), event->GetStatus()};
-    const auto known = std::find_if(delivered.begin(), delivered.end(),
-                                    [&](const auto& entry) { return entry.second == state; });
-    if (known == delivered.end()) continue;
-    delivered.erase(known);
-    RecordDelivered(*event, state.status);
-    MoveOn(*event);
-  }
+    if (EditorWindow* editor = event->GetWindow()) editor->EventChanged();
+}
+
+void EventSet::BecomeUntitled(const std::string& name) {
+  fileName_ = name;
+  untitled_ = true;
+}
+
+void EventSet::Saved(const std::string& path) {
+  SetFileName(path);
+  untitled_ = modified_ = deliveryModified_ = false;
+  delivered_.Clear();
+  if (window_) window_->SetChanged();
+}
+
+void EventSet::Remember(bool remember) {
+  KestrinSettings& settings = context_.settings;
+  const AutoLock lock(settings.Protect);
+  if (remember == settings.IsFileRemembered(fileName_)) return;
+  if (remember)
+    settings.RememberSet(fileName_);
+  else
+    settings.ForgetSet(fileName_);
+  // A set that delivers from now on is like an opened one.
+  context_.queue.Post(remember ? SETS_OPENED : EVENT_SETS_CHANGED);
+  if (window_) window_->SetChanged();
 }
 
 std::string EventSet::LeafOf(const std::string& path) {

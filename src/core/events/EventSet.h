@@ -2,37 +2,31 @@
 // answer to what comes next.
 #pragma once
 
-#include <array>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
+#include "core/events/DeliveredLog.h"
 #include "core/events/Event.h"
 #include "core/events/NextEventIndex.h"
+#include "core/events/SetFile.h"
 #include "core/settings/SetLayout.h"
-#include "support/FileDoor.h"
 #include "support/Locker.h"
 
 namespace kestrin {
 
 class SetWindow;
-struct SetFileReport;
 
 /// The set is the lock of its events. It is created, changed and destroyed in the main thread;
 /// other threads lock it to read.
 class EventSet : public Locker {
  public:
-  /// With a path: reads that file; on failure `result` or `versionOK` says so (the user is told of
-  /// an unknown version here, of everything else by the caller) and the set is good only to be
-  /// destroyed; `report` has the details. Without: a new, empty, untitled set called
-  /// `untitledName`.
-  EventSet(Context& context, const std::string& path, ConstructorResult* result, bool* versionOK,
-           SetFileReport* report);
-  EventSet(Context& context, const std::string& untitledName);
+  /// An empty set of that file name. Whoever makes one says where it is stored, before anything
+  /// else is done with it.
+  EventSet(Context& context, const std::string& fileName);
+  void StoreIn(std::unique_ptr<SetFile> file) { file_ = std::move(file); }
   ~EventSet() override;
 
   Context& GetContext() const { return context_; }
@@ -69,23 +63,16 @@ class EventSet : public Locker {
   /// before anybody asks whether the set was modified.
   void CommitEdits();
 
-  enum class SavedBy { User, Itself };
-  /// Writes the file as a whole. On success nothing is modified any more. If the file was changed
-  /// by others since it was read, the set is written beside it, keeps that new name and the user is
-  /// told. A save by the user takes the mark of a downloaded file off.
-  bool SaveData(SavedBy by = SavedBy::User);
-  /// Writes a copy elsewhere, marked like this set if it was downloaded; name and modified flag
-  /// stay.
-  bool SaveCopy(const std::string& path);
-
-  /// Saves under another name, as the user. When that fails, the set keeps the name it has. When it
-  /// succeeds, the new file is remembered for delivery or not, as `remember` says. With `remember`
-  /// the earlier file is not remembered any longer; without, it goes on as it was left there.
-  bool SaveAs(const std::string& path, bool remember);
+  SetFile& File() { return *file_; }
+  using SavedBy = SetFile::SavedBy;
+  bool SaveData(SavedBy by = SavedBy::User) { return file_->Save(by); }
+  bool SaveCopy(const std::string& path) { return file_->SaveCopy(path); }
+  bool SaveAs(const std::string& path, bool remember) { return file_->SaveAs(path, remember); }
+  void SaveDeliveriesAlone() { file_->SaveDeliveriesAlone(); }
+  /// From the file: everything stands in `path` now, under which the set goes.
+  void Saved(const std::string& path);
   /// Has the set's file remembered for delivery, or forgotten.
   void Remember(bool remember);
-  /// Writes into the file what deliveries have changed in it, without the user's changes.
-  void SaveDeliveriesAlone();
 
   bool HasBeenModified() const { return modified_ || deliveryModified_; }
   /// Whether all that changed since the last save is what deliveries changed.
@@ -126,36 +113,12 @@ class EventSet : public Locker {
   };
 
   const std::string& GetFileName() const { return fileName_; }
-  /// A new name: what is known of the earlier file no longer holds.
   void SetFileName(const std::string& path);
+  /// From now on the set has no file, but a name.
+  void BecomeUntitled(const std::string& name);
   bool IsUntitled() const { return untitled_; }
-  /// Whether the file came from elsewhere and the user has not saved it yet: commands and files
-  /// then always ask first.
-  bool IsDownloaded() const { return origin_.has_value(); }
 
-  /// The set was read from a recovery copy: it goes by that name, unsaved, and the copy goes when
-  /// the set is saved or discarded.
-  void BecomeRecovered(const std::string& untitledName);
-  const std::string& RecoveredFrom() const { return recoveredFrom_; }
-  /// Removes the recovery copy, if there is one.
-  void DiscardRecovered();
-
-  /// The state in which an event was first delivered since the set was last saved.
-  struct Delivered {
-    std::string name;  ///< that the file has for it
-    int32 occurrence;
-    int32 status;
-    bool operator==(const Delivered&) const = default;
-  };
-  using DeliveredEvents = std::unordered_map<uint64, Delivered>;
-  /// The event is about to get another name: the file goes on calling it by the one it has.
-  void RecordRename(const Event& event);
-  /// `status`: in which the event was found.
-  void RecordDelivered(const Event& event, int32 status);
-  const DeliveredEvents& DeliveredUnsaved() const { return delivered_; }
-  /// Moves on every event that is due at `now` although `delivered` says it was delivered. Each
-  /// entry stands for one event.
-  void MoveOnDelivered(DeliveredEvents delivered, int64 now);
+  DeliveredLog& Delivered() { return delivered_; }
   /// The last component of the file name.
   std::string GetLeaf() const;
   static std::string LeafOf(const std::string& path);
@@ -177,12 +140,6 @@ class EventSet : public Locker {
   SetLayout& Layout() { return layout_; }  ///< window state: changing it marks nothing modified
 
  private:
-  void Read(ConstructorResult* result, bool* versionOK, SetFileReport* report);
-  bool WriteTo(const std::string& path);
-  bool Replace(const std::string& path, std::optional<FileStamp>* written);
-  std::string NameBeside() const;
-  /// The set has another name, which its editors show.
-  void TellEditors();
   void OpenEditors();
   void Insert(std::unique_ptr<Event> event, size_t at);
 
@@ -193,17 +150,11 @@ class EventSet : public Locker {
   uint64 nextStamp_ = 1;
   std::string fileName_;
   bool untitled_ = false;
-  std::optional<FileStamp> stamp_;  ///< the file as it was read or last written
-  /// What a save wrote that then failed: it may have come into place all the same.
-  std::optional<FileStamp> attempted_;
+  std::unique_ptr<SetFile> file_;
   SetWindow* window_ = nullptr;
   std::vector<std::unique_ptr<Event>> acting_;
   SetLayout layout_;
-  std::string recoveredFrom_;
-  DeliveredEvents delivered_;  ///< by the event's handle
-  /// What the file calls the events that were renamed since, by their handles.
-  std::unordered_map<uint64, std::string> namesInFile_;
-  std::optional<std::string> origin_;  ///< the mark of a downloaded file
+  DeliveredLog delivered_;
   bool modified_ = false;
   bool deliveryModified_ = false;
   int32 deliveries_ = 0;

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "core/files/EventRecordFile.h"
+#include "support/FileDoor.h"
 #include "support/HeapRoom.h"
 #include "support/Opened.h"
 
@@ -99,42 +100,41 @@ ConstructorResult ReadEvents(EventSet& set, EndianIndependentFile& file,
 
 }  // namespace
 
-ConstructorResult ReadSetFile(EventSet& set, const std::string& path, bool* versionOK,
-                              SetFileReport* report) {
+ConstructorResult ReadSetFile(EventSet& set, const std::string& path, SetFileReport& report) {
   Opened<EndianIndependentFile> file(set.GetContext().files, path, OpenReadOnly, FileBuffer);
   if (file.InitCheck() != StatusOk) {
     const status_t status = file.InitCheck();
     if (status == StatusFileError)
-      report->Fault = "it is empty";
+      report.Fault = "it is empty";
     else if (set.GetContext().files.Kind(path) == FileKind::Other)
-      report->Fault = "it is not a regular file";
+      report.Fault = "it is not a regular file";
     else
-      report->Fault = std::strerror(-status);
+      report.Fault = std::strerror(-status);
     // An empty file was opened but has not even its first byte.
     return status == StatusFileError ? ConstructorResult::CouldNotRead
                                      : ConstructorResult::CouldNotOpen;
   }
-  report->BigEndian = file.IsNativeEndian() == (std::endian::native == std::endian::big);
+  report.BigEndian = file.IsNativeEndian() == (std::endian::native == std::endian::big);
   if (file.BytesLeft() > MaxSetFileSize)
-    return Fail(*report, "it is larger than an event set may be (64 MiB)");
+    return Fail(report, "it is larger than an event set may be (64 MiB)");
   ExpectOnHeap(static_cast<size_t>(file.BytesLeft()) * HeapPerByte);
   char version[VersionLimit];
   if (file.ReadString(version, VersionLimit) != StatusOk)
-    return Fail(*report, "it does not begin with a version");
-  report->Version = version;
+    return Fail(report, "it does not begin with a version");
+  report.Version = version;
   size_t index = 0;
-  while (index < Versions.size() && report->Version != Versions[index]) ++index;
+  while (index < Versions.size() && report.Version != Versions[index]) ++index;
   if (index == Versions.size()) {
-    report->Fault = "it was written by an unknown version (" + report->Version + ")";
-    *versionOK = false;
+    report.Fault = "it was written by an unknown version (" + report.Version + ")";
+    report.IsUnknownVersion = true;
     return ConstructorResult::Success;
   }
   const AutoLock lock(set);
   const ConstructorResult result =
-      ReadEvents(set, file, static_cast<SetFileVersionIndex>(index), *report);
+      ReadEvents(set, file, static_cast<SetFileVersionIndex>(index), report);
   if (result != ConstructorResult::Success) return result;
   if (!ReadLayout(file, set.Layout()))
-    return Fail(*report, "the settings of its window are cut off");
+    return Fail(report, "the settings of its window are cut off");
   return ConstructorResult::Success;
 }
 

@@ -19,16 +19,16 @@ inline constexpr int64 MaxSetFileSize = int64{64} << 20;
 struct SetFileReport {
   std::string Version;
   bool BigEndian = false;
-  std::string Fault;      ///< what is wrong with the file, for people; empty after a success
+  bool IsUnknownVersion = false;
+  std::string Fault;      ///< why the file was refused, for people; else empty
   std::string Complaint;  ///< an add-on failed, its events are kept; for people
   /// Called after each event with the place of its handler's data, after the count, in the file.
   std::function<void(const Event& event, int64 offset, int64 length)> OnHandlerData;
 };
 
-/// Reads the file into the new, empty `set`. A refused version clears `versionOK` and leaves the
-/// result at Success. Main thread; does not tell the user anything.
-ConstructorResult ReadSetFile(EventSet& set, const std::string& path, bool* versionOK,
-                              SetFileReport* report);
+/// Reads the file into the new, empty `set`. An unknown version leaves the result at Success. Main
+/// thread; does not tell the user anything.
+ConstructorResult ReadSetFile(EventSet& set, const std::string& path, SetFileReport& report);
 
 /// Writes version 1.2 in this machine's byte order at the file's position. False when a write was
 /// not whole.

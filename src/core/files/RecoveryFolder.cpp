@@ -15,7 +15,8 @@ RecoveryFolder::RecoveryFolder(FileDoor& files, const std::string& stateFolder)
       alerts_(stateFolder + "/open-alerts.json") {}
 
 bool RecoveryFolder::SaveCopy(EventSet& set) {
-  if (!set.RecoveredFrom().empty()) return set.SaveCopy(set.RecoveredFrom());
+  const std::string& recovered = set.File().RecoveredFrom();
+  if (!recovered.empty()) return set.SaveCopy(recovered);
   if (files_.MakeFolders(copies_) != StatusOk) return false;
   std::string& path = made_[set.GetHandle()];
   if (path.empty()) path = NewName(set);

@@ -11,6 +11,7 @@
 #include "core/loop/Notices.h"
 #include "core/settings/KestrinSettings.h"
 #include "interface/sets/SetFilePanel.h"
+#include "support/FileDoor.h"
 
 namespace kestrin {
 
@@ -98,7 +99,7 @@ void SetSaving::Answered(int which) {
 /// What deliveries changed stays; a set that goes on without its window is read again.
 void SetSaving::Discard() {
   if (set_->IsUntitled()) {
-    set_->DiscardRecovered();
+    set_->File().DiscardRecovered();
   } else {
     set_->SaveDeliveriesAlone();
     set_->GetContext().queue.Post(SetDiscarded(set_->GetFileName()));

@@ -189,15 +189,13 @@ void Complain(const std::string& file, const std::string& fault) {
 }
 
 EventSet* ReadSet(VirtualEngine& engine, const std::string& path, SetFileReport* report) {
-  ConstructorResult result = ConstructorResult::Success;
-  bool versionOK = true;
-  auto set = std::make_unique<EventSet>(engine.context, engine.files.Canonical(path), &result,
-                                        &versionOK, report);
-  if (result != ConstructorResult::Success || !versionOK) {
+  SetReading reading = ReadSet(engine.context, engine.files.Canonical(path), std::move(*report));
+  *report = std::move(reading.Report);
+  if (!reading.Set) {
     Complain(path, report->Fault);
     return nullptr;
   }
-  engine.openSets.Sets.push_back(std::move(set));
+  engine.openSets.Sets.push_back(std::move(reading.Set));
   return engine.openSets.Sets.back().get();
 }
 

@@ -8,7 +8,7 @@
 
 #include "core/delivery/VirtualEngine.h"
 #include "core/events/EventSet.h"
-#include "core/files/EventSetFile.h"
+#include "core/files/StoredSetFile.h"
 
 namespace kestrin {
 

@@ -3,6 +3,7 @@
 
 #include "core/events/Event.h"
 #include "core/files/EventFields.h"
+#include "core/files/EventSetFile.h"
 #include "core/settings/SetLayout.h"
 #include "core/timing/EventRecord.h"
 #include "programs/ctl/Commands.h"

@@ -1,5 +1,6 @@
 // The agenda against a run of the delivery itself, minute by minute.
 #include "core/delivery/Agenda.h"
+#include "core/files/StoredSetFile.h"
 
 #include <random>
 
@@ -56,7 +57,7 @@ class AgendaTest : public SetTestBase {
     context.zone = Zone::Load("Europe/Berlin").value();
     for (int number = 0; number < 2; ++number) {
       const std::string name = "set " + std::to_string(number);
-      context.openSets.Sets.push_back(std::make_unique<EventSet>(context, name));
+      context.openSets.Sets.push_back(kestrin::NewSet(context, name));
       EventSet& set = *context.openSets.Sets.back();
       context.settings.RememberSet(name);
       for (int i = 0; i < 12; ++i)

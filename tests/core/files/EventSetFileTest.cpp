@@ -31,7 +31,7 @@ class EventSetFileTest : public SetTestBase {
   }
   /// A set with an event of its own icon, one of a handler that is not there, and a plain one.
   std::unique_ptr<EventSet> FullSet() {
-    auto set = std::make_unique<EventSet>(World.Core, "full");
+    auto set = kestrin::NewSet(World.Core, "full");
     EventRecord record = DailyAt(Sunday, "Tea \xff");
     record.Comment = record.NagMessage = record.PrewarnMessage = "Pour it.";
     Add(*set, record);
@@ -194,21 +194,22 @@ TEST_F(EventSetSaveTest, ADownloadedSetStaysMarkedUntilTheUserSavesIt) {
   SavedSet();
   World.Open.Sets.clear();
   Disk.SetAttribute(Path, Origin, "https://example.org/set");
+  const auto IsMarked = [this](const char* path) {
+    return Disk.GetAttribute(path, Origin).has_value();
+  };
   auto set = Read(Path);
-  ASSERT_TRUE(set->IsDownloaded());
   ASSERT_TRUE(set->SaveData(SavedBy::Itself));
-  EXPECT_TRUE(Read(Path)->IsDownloaded());
+  EXPECT_TRUE(IsMarked(Path));
   Disk.Remove(Path);
   ASSERT_TRUE(set->SaveData(SavedBy::Itself));
-  EXPECT_TRUE(Read(Path)->IsDownloaded()) << "written anew";
+  EXPECT_TRUE(IsMarked(Path)) << "written anew";
   Disk.Put(Path, "theirs");
   ASSERT_TRUE(set->SaveData(SavedBy::Itself));
-  EXPECT_TRUE(Read(Beside)->IsDownloaded()) << "saved beside";
+  EXPECT_TRUE(IsMarked(Beside)) << "saved beside";
   ASSERT_TRUE(set->SaveCopy("/sets/copy"));
-  EXPECT_TRUE(Read("/sets/copy")->IsDownloaded());
+  EXPECT_TRUE(IsMarked("/sets/copy"));
   ASSERT_TRUE(set->SaveData(SavedBy::User));
-  EXPECT_FALSE(set->IsDownloaded());
-  EXPECT_FALSE(Read(Beside)->IsDownloaded());
+  EXPECT_FALSE(IsMarked(Beside));
 }
 
 }  // namespace

@@ -1,0 +1,36 @@
+// Where a set is stored, as the set knows it.
+#pragma once
+
+#include <string>
+
+namespace kestrin {
+
+/// Each set has one. Main thread.
+class SetFile {
+ public:
+  virtual ~SetFile() = default;
+
+  enum class SavedBy { User, Itself };
+  /// Writes the file as a whole. On success nothing is modified any more. If the file was changed
+  /// by others since it was read, the set is written beside it, keeps that new name and the user is
+  /// told. A save by the user takes the mark of a downloaded file off.
+  virtual bool Save(SavedBy by) = 0;
+  /// Writes a copy elsewhere, marked like this set if it was downloaded; name and modified flag
+  /// stay.
+  virtual bool SaveCopy(const std::string& path) = 0;
+  /// Saves under another name, as the user. When that fails, the set keeps the name it has. When it
+  /// succeeds, the new file is remembered for delivery or not, as `remember` says. With `remember`
+  /// the earlier file is not remembered any longer; without, it goes on as it was left there.
+  virtual bool SaveAs(const std::string& path, bool remember) = 0;
+  /// Writes into the file what deliveries have changed in it, without the user's changes.
+  virtual void SaveDeliveriesAlone() = 0;
+
+  /// The set was read from a recovery copy: it goes by that name, unsaved, and the copy goes when
+  /// the set is saved or discarded.
+  virtual void BecomeRecovered(const std::string& untitledName) = 0;
+  virtual const std::string& RecoveredFrom() const = 0;
+  /// Removes the recovery copy, if there is one.
+  virtual void DiscardRecovered() = 0;
+};
+
+}  // namespace kestrin

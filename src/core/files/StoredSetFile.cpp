@@ -1,0 +1,210 @@
+#include "core/files/StoredSetFile.h"
+
+#include <cstdio>
+#include <utility>
+
+#include "core/events/EventSet.h"
+#include "core/loop/AppMessages.h"
+#include "core/loop/MessageQueue.h"
+#include "core/loop/Notices.h"
+#include "core/ports/Clock.h"
+#include "core/settings/KestrinSettings.h"
+#include "kestrin/BufferedFile.h"
+#include "support/LocalTime.h"
+#include "support/Opened.h"
+#include "support/WholeFile.h"
+
+namespace kestrin {
+
+namespace {
+
+constexpr char OriginAttribute[] = "user.xdg.origin.url";
+constexpr char TypeAttribute[] = "user.mime_type";
+constexpr int32 WriteBuffer = 65536;
+
+struct Stored {
+  std::unique_ptr<EventSet> set;
+  StoredSetFile* file;  ///< the set's own
+};
+
+Stored MakeSet(Context& context, const std::string& name) {
+  auto set = std::make_unique<EventSet>(context, name);
+  auto file = std::make_unique<StoredSetFile>(*set);
+  StoredSetFile* const stored = file.get();
+  set->StoreIn(std::move(file));
+  return {std::move(set), stored};
+}
+
+}  // namespace
+
+std::unique_ptr<EventSet> NewSet(Context& context, const std::string& untitledName) {
+  std::unique_ptr<EventSet> set = MakeSet(context, untitledName).set;
+  set->BecomeUntitled(untitledName);
+  set->Layout() = context.settings.Layout;
+  set->Layout().WindowFrame = context.settings.SetWindowPosition.NextFrame();
+  return set;
+}
+
+SetReading ReadSet(Context& context, const std::string& path, SetFileReport report) {
+  SetReading reading{nullptr, ConstructorResult::Success, std::move(report)};
+  Stored stored = MakeSet(context, path);
+  reading.Result = stored.file->Read(reading.Report);
+  if (reading.Report.Fault.empty()) reading.Set = std::move(stored.set);
+  return reading;
+}
+
+FileDoor& StoredSetFile::Files() const { return set_.GetContext().files; }
+
+StoredSetFile::Known& StoredSetFile::KnownOfFile() {
+  if (known_.name != set_.GetFileName()) known_ = {set_.GetFileName(), {}, {}};
+  return known_;
+}
+
+ConstructorResult StoredSetFile::Read(SetFileReport& report) {
+  const std::string& path = set_.GetFileName();
+  Notices& notices = set_.GetContext().notices;
+  KnownOfFile().stamp = Files().Stamp(path);
+  const ConstructorResult result = ReadSetFile(set_, path, report);
+  if (report.IsUnknownVersion)
+    notices.ReportError(
+        "The EventSet file " + path +
+        " was written by an unknown version of Kestrin.  It was written by version " +
+        report.Version + ", and the current version is " + SetFileVersion +
+        ".  The set will not be able to be opened until you get a newer version of Kestrin.");
+  if (!report.Complaint.empty()) notices.ReportError(report.Complaint);
+  origin_ = Files().GetAttribute(path, OriginAttribute);
+  return result;
+}
+
+bool StoredSetFile::WriteTo(const std::string& path) {
+  const AutoLock lock(set_);
+  Opened<EndianIndependentFile> file(Files(), path, OpenWriteOnly | OpenCreate | OpenErase,
+                                     WriteBuffer);
+  return file.InitCheck() == StatusOk && WriteSetFile(set_, file);
+}
+
+bool StoredSetFile::SaveCopy(const std::string& path) {
+  std::optional<FileStamp> written;
+  return Replace(path, &written);
+}
+
+/// `written` tells the new file from all others, also where it came into place but the rest failed.
+bool StoredSetFile::Replace(const std::string& path, std::optional<FileStamp>* written) {
+  const auto write = [&](const std::string& temporary) {
+    if (!WriteTo(temporary)) return false;
+    *written = Files().Stamp(temporary);
+    return true;
+  };
+  if (ReplaceFile(Files(), path, write) != StatusOk) return false;
+  if (origin_) Files().SetAttribute(path, OriginAttribute, *origin_);
+  return true;
+}
+
+/// A name beside the file that says why it is there and that nobody has taken yet.
+std::string StoredSetFile::NameBeside() const {
+  const Context& context = set_.GetContext();
+  std::string stem = set_.GetFileName();
+  const std::string suffix = SetFileSuffix;
+  if (stem.size() > suffix.size() && stem.ends_with(suffix))
+    stem.resize(stem.size() - suffix.size());
+  const CivilFields now = ToFields(context.zone.AtMoment(context.clock.Now()));
+  char when[64];
+  std::snprintf(when, sizeof when, " (kept apart %04d-%02d-%02d %02d.%02d.%02d",
+                static_cast<int>(now.year), static_cast<int>(now.month + 1),
+                static_cast<int>(now.day), static_cast<int>(now.hour), static_cast<int>(now.minute),
+                static_cast<int>(now.second));
+  for (int number = 1;; ++number) {
+    std::string name =
+        stem + when + (number > 1 ? ", " + std::to_string(number) : "") + ")" + suffix;
+    if (Files().Kind(name) == FileKind::Missing) return name;
+  }
+}
+
+void StoredSetFile::TellKeptApart(const std::string& earlier) {
+  const Context& context = set_.GetContext();
+  const AutoLock lock(context.settings.Protect);
+  if (context.settings.IsFileRemembered(earlier)) context.settings.RememberSet(set_.GetFileName());
+  context.notices.InformUser("The event set \"" + EventSet::LeafOf(earlier) +
+                             "\" was changed by another program since Kestrin read it.  Your "
+                             "events were saved beside it as \"" +
+                             set_.GetLeaf() + "\", and the set now goes by that name.");
+}
+
+bool StoredSetFile::Save(SavedBy by) {
+  const std::string earlier = set_.GetFileName();
+  Known& known = KnownOfFile();
+  const std::optional<FileStamp> onDisk = Files().Stamp(earlier);
+  if (known.attempted && known.attempted == onDisk) known.stamp = known.attempted;
+  const bool changedByOthers = known.stamp && onDisk && *known.stamp != *onDisk;
+  const std::string target = changedByOthers ? NameBeside() : earlier;
+  known.attempted.reset();
+  if (!Replace(target, &known.attempted)) return false;
+  if (by == SavedBy::User) {
+    Files().RemoveAttribute(target, OriginAttribute);
+    origin_.reset();
+  }
+  Files().SetAttribute(target, TypeAttribute, SetFileType);
+  if (!known.attempted) known.attempted = Files().Stamp(target);
+  known.stamp = known.attempted;
+  known.name = target;
+  const bool wasUntitled = set_.IsUntitled();
+  set_.Saved(target);
+  if (wasUntitled) DiscardRecovered();
+  if (changedByOthers) TellKeptApart(earlier);
+  return true;
+}
+
+bool StoredSetFile::SaveAs(const std::string& path, bool remember) {
+  const std::string earlier = set_.GetFileName();
+  const bool hadFile = !set_.IsUntitled() && path != earlier;
+  const bool wasRemembered = set_.DeliversUnseen();
+  if (hadFile && !remember) SaveDeliveriesAlone();
+  const Known before = KnownOfFile();
+  set_.SetFileName(path);
+  if (!Save(SavedBy::User)) {
+    set_.SetFileName(earlier);
+    if (path != earlier) known_ = before;
+    return false;
+  }
+  set_.Remember(remember);
+  if (!hadFile) return true;
+  const Context& context = set_.GetContext();
+  const AutoLock lock(context.settings.Protect);
+  if (remember) {
+    context.settings.ForgetSet(earlier);
+  } else if (wasRemembered && context.settings.IsFileRemembered(earlier)) {
+    context.queue.Post(OpenFiles({earlier}, false));
+  }
+  return true;
+}
+
+void StoredSetFile::SaveDeliveriesAlone() {
+  const std::string& path = set_.GetFileName();
+  if (set_.Delivered().Count() == 0 || set_.IsUntitled() ||
+      KnownOfFile().stamp != Files().Stamp(path))
+    return;
+  Context& context = set_.GetContext();
+  const Stored inFile = MakeSet(context, path);
+  SetFileReport report;
+  inFile.file->Read(report);
+  if (!report.Fault.empty()) return;
+  set_.Delivered().MoveOnDelivered(*inFile.set, context.clock.Now());
+  if (inFile.set->HasBeenModified() && inFile.file->Save(SavedBy::Itself)) {
+    known_.stamp = inFile.file->known_.stamp;
+    set_.Delivered().ForgetDelivered();
+  }
+}
+
+void StoredSetFile::BecomeRecovered(const std::string& untitledName) {
+  recoveredFrom_ = set_.GetFileName();
+  set_.BecomeUntitled(untitledName);
+  set_.SetModified();
+}
+
+void StoredSetFile::DiscardRecovered() {
+  if (recoveredFrom_.empty()) return;
+  if (recoveredFrom_ != set_.GetFileName()) Files().Remove(recoveredFrom_);
+  recoveredFrom_.clear();
+}
+
+}  // namespace kestrin
