@@ -375,16 +375,21 @@ class WorldTest(BusTest):
         self.keys(title, "alt+F4")
 
     def click(self, node):
-        """With the mouse, wherever the window manager has put the window."""
+        """With the mouse, once the application knows where its window stands."""
         window = node
         while window.get_parent().get_role() != Atspi.Role.APPLICATION:
             window = window.get_parent()
-        title = window.get_name()
-        place = [each for each in self.nodes() if each.get_name() == title].index(window)
-        shown = self.until(lambda: self.x_windows(title)[place:], f'"{title}" on the screen')
-        at, corner = (Atspi.Component.get_extents(each, Atspi.CoordType.SCREEN) for each in (node, window))
-        self.xdotool("mousemove", "--window", shown[0], at.x - corner.x + at.width // 2,
-                     at.y - corner.y + at.height // 2, "click", 1)
+
+        def under_the_mouse():
+            at, corner = (Atspi.Component.get_extents(each, Atspi.CoordType.SCREEN) for each in (node, window))
+            wanted = [at.x + at.width // 2, at.y + at.height // 2]
+            for each in self.x_windows(window.get_name()):
+                self.xdotool("mousemove", "--window", each, wanted[0] - corner.x, wanted[1] - corner.y)
+                if self.xdotool("getmouselocation")[:2] == [f"x:{wanted[0]}", f"y:{wanted[1]}"]:
+                    return True
+            return False
+        self.until(under_the_mouse, f'"{node.get_name()}" where the application says it is')
+        self.xdotool("click", 1)
 
     def click_on(self, window, name, role):
         self.click(self.control(window, name, role))
