@@ -10,6 +10,9 @@ declare -A packages=(
   [screenless]="gir1.2-atspi-2.0 imagemagick openbox python3 python3-gi xdotool xvfb"
   [test]="appstream binutils dpkg-dev fish libglib2.0-bin libgmock-dev libgtest-dev libxml2-utils lintian
     man-db python3 xclip zsh"
+  [package]="dpkg-dev git mmdebstrap util-linux"
+  [trial]="at-spi2-core dbus dbus-daemon fonts-dejavu-core gir1.2-atspi-2.0 openbox procps python3
+    python3-gi xdotool xvfb"
   [lint]="clang-format-14 clang-tidy-14 git python3 shellcheck"
 )
 
@@ -20,6 +23,7 @@ declare -A needs=(
   [screenless]="Xvfb openbox xdotool import python3"
   [test]="python3 nm xclip appstreamcli desktop-file-validate dpkg-shlibdeps fish gio lintian man
     xmllint zsh"
+  [package]="dpkg-shlibdeps git mmdebstrap unshare"
   [lint]="clang-format clang-tidy git python3 shellcheck"
 )
 
@@ -35,6 +39,7 @@ lists_of() {
     run) echo build run ;;
     screenless) echo build run screenless ;;
     test) echo build run screenless test ;;
+    package) echo build package ;;
     lint) echo build run screenless test lint ;; # configuring looks for what the tests start
     *) die "no list of packages is called \"$1\"; see scripts/lib/packages.sh" ;;
   esac
