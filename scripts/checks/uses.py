@@ -177,8 +177,10 @@ class Tree:
                 continue
             if any(name in self.advance[place] for place in near | {path}):
                 continue
-            # Where the header is out of bounds, or the file declares the name itself, it is another.
-            if not may_include(path, homes[0]) or re.search(rf"[\w>] (?:[*&] )?{name} [(=[]", code):
+            # Where the header is out of bounds, or the file or its header declares the name itself,
+            # it is another.
+            declared = rf"[\w>] (?:[*&] )?{name} [(=[]"
+            if not may_include(path, homes[0]) or re.search(declared, code + self.code.get(own, "")):
                 continue
             # Behind a dot, an arrow or a scope it is somebody else's name.
             if re.search(rf"(?<!\. )(?<!-> )(?<!:: )(?<!class )\b{name}\b", code):
