@@ -1,10 +1,13 @@
 // Makes the sample event set: one event of every period type, every built-in handler among them.
 //
 //   make-sample OUT.kestrin [--now TIME] [--soon SECONDS] [--copies N] [--alerts SECONDS]
+//                [--heap N]
 //
 // Times are reckoned from TIME (seconds since 1970; now by default). With --soon, the first event
 // is a reminder due that many seconds later. With --alerts, the set holds something else: a
-// prewarning, a nag and a question, which come that many seconds later and apart.
+// prewarning, a nag and a question, which come that many seconds later and apart. With --heap, it
+// holds so many events that come all at once, after --soon seconds: of twenty, one is a question.
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -61,6 +64,16 @@ class Sample {
 
     Event& backup = AddBackup(Once, -1);
     backup.SetEventTime(now + 3 * apart, true);
+  }
+
+  void AddHeap(int32 count, int32 seconds) {
+    constexpr const char* names[] = {"Water the plants", "Ring Ada up", "Stand-up", "Take a break",
+                                     "Put the bins out"};
+    for (int32 i = 0; i < count; ++i) {
+      Event& event = i % 20 == 19 ? AddBackup(Once, -1) : Add(i % 11, names[i % 5], Once, -1);
+      if (i % 20 != 19) Say(event, "Five minutes are enough for it.");
+      event.SetEventTime(static_cast<int32>(engine_.clock.Time) + seconds, true);
+    }
   }
 
   void AddYearly() {
@@ -183,7 +196,7 @@ class Sample {
 
 struct Wishes {
   int64 now = SystemClock().Now();
-  int32 soon = 0, copies = 1, alerts = 0;
+  int32 soon = 0, copies = 1, alerts = 0, heap = 0;
 };
 
 int Make(const char* path, const Wishes& wishes) {
@@ -192,7 +205,9 @@ int Make(const char* path, const Wishes& wishes) {
   LoadBuiltInHandlers(engine.context);
   Sample sample(engine);
   if (wishes.alerts > 0) sample.AddAlerts(wishes.alerts);
-  for (int32 copy = 0; wishes.alerts == 0 && copy < wishes.copies; ++copy) {
+  if (wishes.heap > 0) sample.AddHeap(wishes.heap, std::max(wishes.soon, 1));
+  const bool isSample = wishes.alerts == 0 && wishes.heap == 0;
+  for (int32 copy = 0; isSample && copy < wishes.copies; ++copy) {
     sample.AddSoon(wishes.soon > 0 ? wishes.soon : 24 * Hour);
     sample.AddYearly();
     sample.AddMonthly();
@@ -224,13 +239,15 @@ int main(int argc, char** argv) {
       wishes.copies = std::atoi(argv[i + 1]);
     else if (std::strcmp(argv[i], "--alerts") == 0)
       wishes.alerts = std::atoi(argv[i + 1]);
+    else if (std::strcmp(argv[i], "--heap") == 0)
+      wishes.heap = std::atoi(argv[i + 1]);
     else
       usable = false;
   }
   if (!usable) {
     std::fputs(
         "usage: make-sample OUT.kestrin [--now TIME] [--soon SECONDS] [--copies N]\n"
-        "                   [--alerts SECONDS]\n",
+        "                   [--alerts SECONDS] [--heap N]\n",
         stderr);
     return 1;
   }

@@ -3,10 +3,10 @@
 
 # One list a purpose; a purpose stands on others (see lists_of).
 declare -A packages=(
-  [build]="ca-certificates cmake g++ libabsl-dev libglib2.0-dev librsvg2-bin libsystemd-dev
-    libxcb1-dev ninja-build nlohmann-json3-dev pkg-config qt6-base-dev"
-  [run]="at-spi2-core dbus-bin dbus-daemon desktop-file-utils fonts-dejavu-core shared-mime-info
-    tzdata"
+  [build]="ca-certificates cmake g++ libabsl-dev libcanberra-dev libglib2.0-dev librsvg2-bin
+    libsystemd-dev libxcb1-dev ninja-build nlohmann-json3-dev pkg-config qt6-base-dev"
+  [run]="at-spi2-core dbus-bin dbus-daemon desktop-file-utils fonts-dejavu-core libcanberra-pulse
+    shared-mime-info sound-theme-freedesktop tzdata"
   [screenless]="gir1.2-atspi-2.0 imagemagick openbox python3 python3-gi xdotool xvfb"
   [test]="appstream binutils dpkg-dev fish libglib2.0-bin libgmock-dev libgtest-dev libxml2-utils lintian
     man-db python3 xclip zsh"
@@ -18,7 +18,7 @@ declare -A packages=(
 
 # What has to be on PATH (or, with a leading @, known to pkg-config) where there is no apt.
 declare -A needs=(
-  [build]="cmake ninja c++ pkg-config rsvg-convert @libsystemd @gio-unix-2.0 @xcb"
+  [build]="cmake ninja c++ pkg-config rsvg-convert @libsystemd @gio-unix-2.0 @libcanberra @xcb"
   [run]="dbus-daemon"
   [screenless]="Xvfb openbox xdotool import python3"
   [test]="python3 nm xclip appstreamcli desktop-file-validate dpkg-shlibdeps fish gio lintian man

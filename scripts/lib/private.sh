@@ -19,6 +19,7 @@ private_session() {
   rm -rf "$folder"
   mkdir -p "$folder"/{config,data,state,cache}
   export HOME=$folder LC_ALL=C.UTF-8
+  export CANBERRA_DRIVER=null # reminders are not heard
   export XDG_CONFIG_HOME=$folder/config XDG_DATA_HOME=$folder/data
   export XDG_STATE_HOME=$folder/state XDG_CACHE_HOME=$folder/cache
   # Sockets lie in here, and the path of a socket has to be short.

@@ -74,8 +74,9 @@ void ActOnFileDataHandler::DealWithEvent(bool missed) {
   work.ThreadName = "ActOnFile";
   if (MustAsk()) work.Question = QuestionText(event, missed, path, file);
   work.FailureText = FailureText(event, missed, path, file);
+  work.File = path;
   work.Run = [target = std::string(path)](Desktop& desktop) { return desktop.Launch(target); };
-  AskThenWork(DeliveredEvent(event), std::move(work));
+  AskThenWork(DeliveredEvent(event, missed), std::move(work));
 }
 
 EventAddOnData* DefHandActOnFile_NewAddOnData(Event* event, EndianIndependentFile* file, bool* ok) {

@@ -30,11 +30,12 @@ void CommandDataHandler::DealWithEvent(bool missed) {
   work.FailureText = MessageAlertText(event, missed,
                                       {"\n\nKestrin attempted to execute a shell command: \"",
                                        GetCommand(), "\".  The command failed to execute."});
+  work.Command = GetCommand();
   work.Run = [command = std::string(GetCommand())](Desktop& desktop) {
     desktop.RunCommand(command);
     return true;
   };
-  AskThenWork(DeliveredEvent(event), std::move(work));
+  AskThenWork(DeliveredEvent(event, missed), std::move(work));
 }
 
 EventAddOnData* DefHandCommand_NewAddOnData(Event* event, EndianIndependentFile* file, bool* ok) {

@@ -27,11 +27,16 @@ std::string MissedLine(int32 when, const Zone& zone) {
 
 }  // namespace
 
-DeliveredEvent::DeliveredEvent(const class Event& event)
+DeliveredEvent::DeliveredEvent(const class Event& event, bool missed)
     : context(&event.GetOwner()->GetContext()),
       Set(event.GetOwner()->GetHandle()),
       Event(event.GetHandle()),
-      Occurrence(event.GetActualEventTime()) {}
+      Occurrence(event.GetActualEventTime()),
+      AtTime(event.GetApplyTime()),
+      Missed(missed),
+      Face{event.GetName(), event.Record().IconNumber, {}} {
+  if (const IconPair* own = event.GetOwnIcon()) Face.OwnIcon = *own;
+}
 
 std::string MessageAlertText(const Event& event, bool missed,
                              std::initializer_list<const char*> parts) {
@@ -49,6 +54,10 @@ AlertRequest AlertAbout(const DeliveredEvent& delivered, AlertRole role, std::st
   request.Set = delivered.Set;
   request.Event = delivered.Event;
   request.Occurrence = delivered.Occurrence;
+  request.Face = delivered.Face;
+  request.OccursAtTime = delivered.AtTime;
+  request.NamesTime = delivered.Missed;
+  request.Away = delivered.Missed;
   return request;
 }
 
@@ -60,7 +69,7 @@ void ShowDeliveryAlert(const DeliveredEvent& delivered, std::string text) {
 }
 
 void TellOfDelivery(const Event& event, bool missed, std::initializer_list<const char*> parts) {
-  const DeliveredEvent delivered(event);
+  const DeliveredEvent delivered(event, missed);
   delivered.context->holds.ProcessHold();
   ShowDeliveryAlert(delivered, MessageAlertText(event, missed, parts));
 }

@@ -13,11 +13,14 @@ class Event;
 
 /// Which event a delivery was for; outlives the event.
 struct DeliveredEvent {
-  explicit DeliveredEvent(const Event& event);
+  DeliveredEvent(const Event& event, bool missed);
 
   Context* context;
   uint64 Set, Event;
   int32 Occurrence;
+  bool AtTime;  ///< Occurrence is more than a bare day
+  bool Missed;
+  AlertFace Face;
 };
 
 /// "Kestrin event:  ", the event's name, the missed line when `missed`, and the parts; null parts
@@ -25,7 +28,7 @@ struct DeliveredEvent {
 std::string MessageAlertText(const Event& event, bool missed,
                              std::initializer_list<const char*> parts);
 
-/// An alert about the event, with nothing but its handles filled in.
+/// An alert about the event, with what it is about filled in.
 AlertRequest AlertAbout(const DeliveredEvent& delivered, AlertRole role, std::string text);
 
 /// Shows the text with the button "Ok". The caller has taken a hold, which the alert's end

@@ -38,8 +38,10 @@ void AskThenWork(const DeliveredEvent& delivered, DeliveryWork work) {
   }
   AlertRequest request = AlertAbout(delivered, AlertRole::Question, shared->Question);
   request.Buttons = {"Cancel", "Ok"};
+  request.Run = shared->Command;
+  request.Open = shared->File;
   request.HarmlessButton = 0;
-  request.DefaultButton = 1;
+  request.DefaultButton = 0;
   // While the question is open the hold belongs to the set; what runs after it belongs to nobody.
   holds.ProcessHold(delivered.Set);
   request.Done = [delivered, shared](int which) {

@@ -10,8 +10,9 @@ namespace kestrin {
 
 struct DeliveryWork {
   const char* ThreadName = "";
-  std::string Question;     ///< empty: nobody is asked
-  std::string FailureText;  ///< told when no thread can be had, or Run fails
+  std::string Question;       ///< empty: nobody is asked
+  std::string Command, File;  ///< what it carries out: the one or the other
+  std::string FailureText;    ///< told when no thread can be had, or Run fails
   /// In the worker thread; works on copies, for the event may be gone. False tells the failure.
   std::function<bool(Desktop&)> Run;
 };

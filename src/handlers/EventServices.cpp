@@ -46,7 +46,8 @@ char* GenerateMessageAlertText(Event* event, bool missed, const char* s1, const 
 
 void DeliverEventMessage(Event* event, bool missed, const char* s1, const char* s2, const char* s3,
                          const char* s4, const char* s5) {
-  ShowDeliveryAlert(DeliveredEvent(*event), MessageAlertText(*event, missed, {s1, s2, s3, s4, s5}));
+  ShowDeliveryAlert(DeliveredEvent(*event, missed),
+                    MessageAlertText(*event, missed, {s1, s2, s3, s4, s5}));
 }
 
 status_t ReadAddOnSetting(const char* name, const void*& data, int32& size, uint32& type) {

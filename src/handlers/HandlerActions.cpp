@@ -10,6 +10,7 @@
 #include "core/loop/Holds.h"
 #include "core/loop/MessageCodes.h"
 #include "core/loop/Notices.h"
+#include "core/timing/EventTiming.h"
 #include "core/timing/EventTypes.h"
 #include "handlers/DeliveryAlert.h"
 
@@ -30,14 +31,25 @@ constexpr Reminder Prewarning = {ReminderKind::Prewarning, AlertRole::Prewarning
 constexpr Reminder Nagging = {ReminderKind::Nag, AlertRole::Nag, NAG_ALERT_REPLY, "Kestrin nag",
                               "No more nagging"};
 
+int32 ComesAgain(const Event& event, int64 now) {
+  const EventTimes next = NextNag(event.Record(), now, event.GetOwner()->GetContext().zone);
+  return next.Status == WaitingToNag ? next.NextEventTime : 0;
+}
+
 void Remind(const Event& event, const Reminder& reminder, const std::string& userText) {
-  const DeliveredEvent delivered(event);
-  Context& context = *delivered.context;
-  AlertRequest request = AlertAbout(
-      delivered, reminder.role,
-      GetNagOrPrewarnMessage(reminder.kind, event.GetName(), event.GetActualEventTime(),
-                             event.GetApplyTime(), userText, context.clock.Now(), context.zone));
+  Context& context = event.GetOwner()->GetContext();
+  const int64 now = context.clock.Now();
+  const DeliveredEvent delivered(event, event.GetNextEventTime() < now - 60);
+  AlertRequest request =
+      AlertAbout(delivered, reminder.role,
+                 GetNagOrPrewarnMessage(reminder.kind, event.GetName(), event.GetActualEventTime(),
+                                        event.GetApplyTime(), userText, now, context.zone));
   request.Title = reminder.title;
+  request.NamesTime = true;
+  if (reminder.role == AlertRole::Nag)
+    request.ComesAgain = ComesAgain(event, now);
+  else
+    request.Begins = event.GetActualEventTime();
   request.Buttons = {reminder.stopButton, "OK"};
   request.HarmlessButton = 1;
   request.DefaultButton = 1;

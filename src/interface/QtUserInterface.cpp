@@ -1,14 +1,10 @@
 #include "interface/QtUserInterface.h"
 
 #include <QApplication>
-#include <QEventLoop>
 #include <QScreen>
 
 #include "core/events/Context.h"
-#include "core/loop/AlertDesk.h"
 #include "interface/alerts/AlertAccessible.h"
-#include "interface/alerts/AlertCascade.h"
-#include "interface/alerts/AlertWindow.h"
 #include "interface/common/ApplicationIcon.h"
 #include "interface/editor/EventWindow.h"
 #include "interface/handlerviews/HandlerViews.h"
@@ -21,7 +17,8 @@ namespace kestrin {
 
 QtUserInterface::QtUserInterface() : QtUserInterface(&QApplication::beep) {}
 
-QtUserInterface::QtUserInterface(std::function<void()> bell) : bell_(std::move(bell)) {
+QtUserInterface::QtUserInterface(std::function<void()> play, std::function<void()> stop)
+    : alerts_(AlertSound{std::move(play), std::move(stop)}) {
   if (!HasScreen()) return;
   QApplication::setWindowIcon(ApplicationIcon());
   InstallAlertAccessibility();
@@ -33,6 +30,7 @@ QtUserInterface::~QtUserInterface() { delete openPanel_; }
 void QtUserInterface::Connect(Context& context, DocumentApp& application) {
   context_ = &context;
   application_ = &application;
+  alerts_.Connect(context);
 }
 
 bool QtUserInterface::HasScreen() const {
@@ -54,41 +52,17 @@ EditorWindow* QtUserInterface::OpenEventWindow(Event& event) {
 }
 
 void QtUserInterface::OpenAlert(AlertId id, const AlertRequest& request, int32 place) {
-  auto& window = alerts_[id] = std::make_unique<AlertWindow>(request, place);
-  connect(window.get(), &AlertWindow::Pressed, this, [this, id](int which) { Answer(id, which); });
-  window->Announce();
-  bell_();
+  alerts_.Open(id, request, place);
 }
-
 void QtUserInterface::UpdateAlert(AlertId id, const AlertRequest& request) {
-  const auto found = alerts_.find(id);
-  if (found == alerts_.end()) return;
-  found->second->Update(request);
-  found->second->Announce();
-  bell_();
+  alerts_.Update(id, request);
 }
-
-void QtUserInterface::RaiseAlert(AlertId id) {
-  const auto found = alerts_.find(id);
-  if (found != alerts_.end()) found->second->Raise();
+bool QtUserInterface::MoveToWindow(AlertId id, const AlertRequest& request) {
+  return alerts_.MoveToWindow(id, request);
 }
-
-void QtUserInterface::CloseAlert(AlertId id) { RemoveAlert(id); }
-
-void QtUserInterface::Answer(AlertId id, int which) {
-  RemoveAlert(id);
-  context_->alerts.Answered(id, which);
-}
-
-void QtUserInterface::RemoveAlert(AlertId id) {
-  const auto found = alerts_.find(id);
-  if (found == alerts_.end()) return;
-  // One of the window's own buttons may be what calls this.
-  AlertWindow* window = found->second.release();
-  alerts_.erase(found);
-  window->hide();
-  window->deleteLater();
-}
+int32 QtUserInterface::MostReminderBoxes() const { return alerts_.MostReminderBoxes(); }
+void QtUserInterface::RaiseAlert(AlertId id) { alerts_.Raise(id); }
+void QtUserInterface::CloseAlert(AlertId id) { alerts_.Close(id); }
 
 void QtUserInterface::WaitForFatalError(const std::string& title, const std::string& text,
                                         const std::string& button) {
@@ -98,12 +72,7 @@ void QtUserInterface::WaitForFatalError(const std::string& title, const std::str
   request.Text = text;
   request.Buttons = {button};
   request.Kind = AlertKind::Warning;
-  AlertWindow window(request, AlertCascade::Places - 1);
-  window.setAttribute(Qt::WA_ShowWithoutActivating, false);
-  QEventLoop loop;
-  connect(&window, &AlertWindow::Pressed, &loop, &QEventLoop::quit);
-  window.Announce();
-  loop.exec();
+  alerts_.WaitForFatalError(request);
 }
 
 void QtUserInterface::ShowOpenPanel() {
@@ -113,7 +82,7 @@ void QtUserInterface::ShowOpenPanel() {
   openPanel_->activateWindow();
 }
 
-void QtUserInterface::ShowSettingsWindow() { ShowOnly(settingsWindow_, context_->settings); }
+void QtUserInterface::ShowSettingsWindow() { ShowOnly(settingsWindow_, *context_); }
 void QtUserInterface::ShowAboutWindow() { ShowOnly(aboutWindow_); }
 
 /// Activates the window, and builds it first unless it is open already.
@@ -146,15 +115,11 @@ void QtUserInterface::DestroyEditView(QWidget* view) { delete view; }
 
 void QtUserInterface::WatchScreens() {
   const auto watch = [this](QScreen* screen) {
-    connect(screen, &QScreen::availableGeometryChanged, this, &QtUserInterface::KeepAlertsOnScreen);
+    connect(screen, &QScreen::availableGeometryChanged, &alerts_, &AlertViews::KeepOnScreen);
   };
   for (QScreen* screen : QGuiApplication::screens()) watch(screen);
   connect(qGuiApp, &QGuiApplication::screenAdded, this, watch);
-  connect(qGuiApp, &QGuiApplication::screenRemoved, this, &QtUserInterface::KeepAlertsOnScreen);
-}
-
-void QtUserInterface::KeepAlertsOnScreen() {
-  for (auto& [id, window] : alerts_) window->KeepOnScreen();
+  connect(qGuiApp, &QGuiApplication::screenRemoved, &alerts_, &AlertViews::KeepOnScreen);
 }
 
 }  // namespace kestrin

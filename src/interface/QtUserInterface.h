@@ -4,15 +4,13 @@
 #include <QObject>
 #include <QPointer>
 #include <functional>
-#include <map>
-#include <memory>
 
 #include "core/ports/UserInterface.h"
+#include "interface/alerts/AlertViews.h"
 
 namespace kestrin {
 
 class AboutWindow;
-class AlertWindow;
 class DocumentApp;
 class SettingsWindow;
 class OpenFilePanel;
@@ -24,8 +22,8 @@ class QtUserInterface final : public QObject, public UserInterface {
   Q_OBJECT
 
  public:
-  /// `bell` sounds once for each alert.
-  explicit QtUserInterface(std::function<void()> bell);
+  /// How alerts are heard: see AlertViews.
+  explicit QtUserInterface(std::function<void()> play, std::function<void()> stop = {});
   QtUserInterface();
   ~QtUserInterface() override;
 
@@ -37,6 +35,8 @@ class QtUserInterface final : public QObject, public UserInterface {
   EditorWindow* OpenEventWindow(Event& event) override;
   void OpenAlert(AlertId id, const AlertRequest& request, int32 place) override;
   void UpdateAlert(AlertId id, const AlertRequest& request) override;
+  bool MoveToWindow(AlertId id, const AlertRequest& request) override;
+  int32 MostReminderBoxes() const override;
   void RaiseAlert(AlertId id) override;
   void CloseAlert(AlertId id) override;
   void WaitForFatalError(const std::string& title, const std::string& text,
@@ -50,17 +50,13 @@ class QtUserInterface final : public QObject, public UserInterface {
   void DestroyEditView(QWidget* view) override;
 
  private:
-  void Answer(AlertId id, int which);
-  void RemoveAlert(AlertId id);
   template <typename Window, typename... Parts>
   void ShowOnly(QPointer<Window>& window, Parts&... parts);
   void WatchScreens();
-  void KeepAlertsOnScreen();
 
-  std::function<void()> bell_;
+  AlertViews alerts_;
   Context* context_ = nullptr;
   DocumentApp* application_ = nullptr;
-  std::map<AlertId, std::unique_ptr<AlertWindow>> alerts_;
   QPointer<SettingsWindow> settingsWindow_;
   QPointer<AboutWindow> aboutWindow_;
   QPointer<OpenFilePanel> openPanel_;

@@ -33,7 +33,8 @@ class AppTestBase : public testing::Test {
           App(World.Core,
               {Background, Bus, Store, "/opt", "/state",
                [this, &test] { test.LoadHandlers(World.Core); }, [this] { World.Handlers.Clear(); },
-               [&test] { return test.SystemZone; }, [this] { Ended = true; }}) {
+               [&test] { return test.SystemZone; }, [this] { Ended = true; },
+               std::to_string(++test.Starts)}) {
       World.Ui.App = &App.Ending();
       Background.Queue = &World.Queue;
       World.Core.zone = test.SystemZone;
@@ -141,6 +142,7 @@ class AppTestBase : public testing::Test {
 
   int64 Now = Sunday + 8 * Hour;  ///< when the next process starts
   Zone SystemZone;
+  int Starts = 0;
   EventActions* OwnActions = nullptr;  ///< instead of those that only write down
   MemoryFileDoor Disk;
   FailingFileDoor Door{Disk};

@@ -29,6 +29,8 @@ class FakeUserInterface final : public UserInterface {
   }
 
   bool Screen = true;
+  int32 MostBoxes = INT32_MAX;
+  std::string Busy = "-";             ///< what the box says that the person is at
   AlertDesk* Desk = nullptr;          ///< gets the answers
   DocumentApp* App = nullptr;         ///< set windows register there; may be null
   std::vector<Alert> Alerts;          ///< stand open, in the order of opening
@@ -79,6 +81,12 @@ class FakeUserInterface final : public UserInterface {
       if (alert.Id == id) alert.Request = request;
     History.push_back(request);
   }
+  bool MoveToWindow(AlertId id, const AlertRequest&) override {
+    for (Alert& alert : Alerts)
+      if (alert.Id == id && alert.Request.Text != Busy) return alert.Place = RowPlace, true;
+    return false;
+  }
+  int32 MostReminderBoxes() const override { return MostBoxes; }
   void RaiseAlert(AlertId) override { Calls.emplace_back("RaiseAlert"); }
   void CloseAlert(AlertId id) override {
     std::erase_if(Alerts, [id](const Alert& alert) { return alert.Id == id; });

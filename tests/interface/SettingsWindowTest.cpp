@@ -253,8 +253,10 @@ TEST_F(SettingsWindowTest, AboutSaysWhatThisIsAndGoesWithTheOthers) {
 TEST_F(SettingsWindowTest, TabWalksThroughTheControlsFromTopToBottom) {
   context.Settings.RememberSet("/a");
   SettingsWindow& window = Open();
-  for (const char* name : {"rememberDefaults", "deliverEvents", "openRemembered", "clock24",
-                           "rememberedSets", "forgetSelected", "rememberDefaults"}) {
+  for (const char* name :
+       {"rememberDefaults", "deliverEvents", "openRemembered", "clock24", "reminderBoxes",
+        "eveningTime", "morningTime", "reminderSound", "reminderVolume", "soundUntilAnswered",
+        "nagSoundUntilAnswered", "rememberedSets", "forgetSelected", "rememberDefaults"}) {
     ASSERT_TRUE(window.focusWidget());
     EXPECT_EQ(window.focusWidget()->objectName(), name);
     QTest::keyClick(window.focusWidget(), Qt::Key_Tab);

@@ -22,6 +22,7 @@ struct AppParts {
   std::function<void()> unloadHandlers;
   std::function<Zone()> systemZone;
   std::function<void()> endLoop;  ///< called when the program is to end
+  std::string mark = "0";         ///< tells this process's records from those of all others
 };
 
 }  // namespace kestrin

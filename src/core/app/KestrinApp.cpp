@@ -35,6 +35,9 @@ KestrinApp::KestrinApp(Context& context, AppParts parts)
               background_.LaunchBackgroundApp(&message);
           },
           [this] { saving_.SaveRecoveryCopies(); }),
+      later_(context.files, parts_.stateFolder, parts_.mark,
+             [this](const std::string& words) { context_.notices.ReportError(words); }),
+      putOff_(context, later_),
       recovery_(context.files, parts_.stateFolder),
       background_(context.notices, parts_.background, parts_.KestrinDir),
       saving_(context, recovery_),
@@ -42,7 +45,10 @@ KestrinApp::KestrinApp(Context& context, AppParts parts)
       opening_(context, recovery_),
       ending_(context, parts_, pass_, saving_, recorded_, background_) {}
 
-KestrinApp::~KestrinApp() { context_.settings.WhenChanged = nullptr; }
+KestrinApp::~KestrinApp() {
+  context_.settings.WhenChanged = nullptr;
+  context_.alerts.KeepWith(nullptr);
+}
 
 void KestrinApp::Construct() {
   background_.LaunchBackgroundApp(nullptr);
@@ -52,6 +58,9 @@ void KestrinApp::Construct() {
   parts_.loadHandlers();
   const AutoLock open(context_.openSets.Protect);
   opening_.ReadSelectedSets();
+  later_.Read();
+  context_.alerts.KeepWith(&putOff_);
+  pass_.Include(putOff_);
 }
 
 bool KestrinApp::IsBackgroundStart(const std::vector<std::string>& arguments) {
@@ -107,6 +116,7 @@ void KestrinApp::MessageReceived(const Message& message) {
       break;
     case PASSES_AT_REST:
       SaveDeliveredSets();
+      putOff_.FollowNames();
       break;
     case ALERTS_WAITING:
       context_.alerts.OpenWaiting();

@@ -11,6 +11,7 @@
 #include "core/app/SavingByItself.h"
 #include "core/app/SetOpening.h"
 #include "core/delivery/DeliveryPass.h"
+#include "core/delivery/PutOffAlerts.h"
 #include "core/events/Context.h"
 #include "core/files/RecoveryFolder.h"
 
@@ -61,6 +62,8 @@ class KestrinApp {
   Context& context_;
   const AppParts parts_;
   DeliveryPass pass_;
+  Later later_;
+  PutOffAlerts putOff_;
   RecoveryFolder recovery_;
   BackgroundContact background_;
   SavingByItself saving_;

@@ -66,7 +66,7 @@ void RecordedAlerts::EndByForce() {
   std::vector<Message> records;
   if (!shown_) records = recovery_.RecordedAlerts();
   for (const AlertRequest& request : context_.alerts.EndByForce())
-    if (request.Role != AlertRole::Prompt)
+    if (request.Role != AlertRole::Prompt && request.KeptId.empty())
       records.push_back(RecordAlert(request, context_.openSets));
   recovery_.RecordAlerts(records);
 }

@@ -1,9 +1,11 @@
 #include "core/delivery/DeliveryPass.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
 #include "core/delivery/EventDelivery.h"
+#include "core/delivery/PutOffAlerts.h"
 #include "core/events/Event.h"
 #include "core/events/EventSet.h"
 #include "core/events/OpenSets.h"
@@ -63,8 +65,15 @@ DeliveryPass::Earliest DeliveryPass::FindEarliest() {
 void DeliveryPass::HandOn(const Earliest& earliest) {
   Message message(NEXT_EVENT_MESSAGE);
   int64 when = earliest.event ? earliest.time : 0;
-  if (earliest.waiting != 0) {
-    message.Set("Since", static_cast<int32>(earliest.waiting));
+  int64 waiting = earliest.waiting;
+  if (const int64 back = putOff_ ? putOff_->NextReturn() : 0) {
+    if (back <= context_.clock.Now() && !context_.ui.HasScreen())
+      waiting = waiting == 0 ? back : std::min(waiting, back);
+    else if (when == 0 || back < when)
+      when = back;
+  }
+  if (waiting != 0) {
+    message.Set("Since", static_cast<int32>(waiting));
     const int64 retry = context_.clock.Now() + RetryWithoutScreen;
     if (when == 0 || retry < when) when = retry;
     std::fputs("kestrin: no display: what needs a window stays due for another minute\n", stderr);
@@ -77,6 +86,7 @@ void DeliveryPass::SetCounterForNextEvent(bool startup) {
   // A set that was opened meanwhile meets the rule for missed events, whoever asks first.
   startup = startup || nextIsStartup_ || context_.queue.Holds(SETS_OPENED);
   nextIsStartup_ = false;
+  if (putOff_ && context_.ui.HasScreen()) putOff_->ReturnDue();
   const Earliest earliest = FindEarliest();
   dealing_ = false;
   passStartup_ = false;

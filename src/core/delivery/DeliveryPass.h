@@ -11,6 +11,7 @@
 namespace kestrin {
 
 class EventSet;
+class PutOffAlerts;
 
 class DeliveryPass {
  public:
@@ -18,6 +19,9 @@ class DeliveryPass {
   /// that failures are not reported. `beforeStop` is called before an overrun stops the program.
   using SendTime = std::function<void(const Message& message, bool mayFail)>;
   DeliveryPass(Context& context, SendTime sendTime, std::function<void()> beforeStop);
+
+  /// What was put off is one more source of the passes; outlives this.
+  void Include(PutOffAlerts& putOff) { putOff_ = &putOff; }
 
   /// One pass: takes the settings and open-sets locks, so no set may be locked.
   void SetCounterForNextEvent(bool startup);
@@ -48,6 +52,7 @@ class DeliveryPass {
   Context& context_;
   SendTime sendTime_;
   std::function<void()> beforeStop_;
+  PutOffAlerts* putOff_ = nullptr;
   bool dealing_ = false;
   bool passStartup_ = false;
   bool nextIsStartup_ = false;

@@ -34,6 +34,8 @@ class EmptyUserInterface final : public UserInterface {
   EditorWindow* OpenEventWindow(Event&) override { return nullptr; }
   void OpenAlert(AlertId, const AlertRequest&, int32) override {}
   void UpdateAlert(AlertId, const AlertRequest&) override {}
+  bool MoveToWindow(AlertId, const AlertRequest&) override { return false; }
+  int32 MostReminderBoxes() const override { return INT32_MAX; }
   void RaiseAlert(AlertId) override {}
   void CloseAlert(AlertId) override {}
   void WaitForFatalError(const std::string&, const std::string&, const std::string&) override {}

@@ -90,6 +90,15 @@ void EventDelivered(Event& event) {
   queue.Post(EVENT_DEALT_WITH);
 }
 
+void PassRemindersOver(Event& event, int64 until) {
+  const EventSet::DeliveryChange byPerson(*event.GetOwner());
+  if (event.GetNextEventTime() == 0 || event.GetNextEventTime() > until) return;
+  if (event.GetStatus() == WaitingToNag)
+    StepNag(event, until);
+  else if (event.GetStatus() == WaitingForPrewarning)
+    event.SetTimes(NextPrewarning(event.Record(), until, ZoneOf(event)));
+}
+
 void MoveOn(Event& event) {
   const EventSet::DeliveryChange byDelivery(*event.GetOwner());
   DropPrewarnings(event, NowOf(event));

@@ -18,6 +18,9 @@ void PassOverMissed(Event& event);
 /// afterwards.
 void EventDelivered(Event& event);
 
+/// Prewarnings and nags up to that moment are left out: the person will be reminded then.
+void PassRemindersOver(Event& event, int64 until);
+
 /// Advances the state as after a delivery, delivering nothing: for what was delivered before its
 /// set was read again. The event may be gone afterwards.
 void MoveOn(Event& event);

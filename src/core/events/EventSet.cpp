@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "core/events/OpenSets.h"
+#include "core/loop/AlertDesk.h"
 #include "core/loop/MessageQueue.h"
 #include "core/loop/Notices.h"
 #include "core/ports/Clock.h"
@@ -73,6 +74,7 @@ Event* EventSet::RestoreEvent(std::unique_ptr<Event> event, size_t place) {
 std::unique_ptr<Event> EventSet::RemoveEvent(Event* event) {
   const size_t place = PlaceOf(event);
   if (place == events_.size()) return nullptr;
+  if (deliveries_ == 0) context_.alerts.EventDeleted(handle_, event->GetHandle());
   if (EditorWindow* editor = event->GetWindow()) editor->CloseNow();
   if (window_) window_->EventRemoved(*event);
   index_.Remove(event);

@@ -22,13 +22,37 @@ void TellWithoutScreen(const AlertRequest& request) {
   std::fprintf(stderr, "%s: %s\n", title.c_str(), request.Text.c_str());
 }
 
-bool IsReminder(const AlertRequest& request) {
+bool Recurs(const AlertRequest& request) {
   return request.Event != 0 &&
          (request.Role == AlertRole::Prewarning || request.Role == AlertRole::Nag);
 }
 
 bool RemindOfTheSame(const AlertRequest& a, const AlertRequest& b) {
-  return IsReminder(a) && IsReminder(b) && a.Event == b.Event;
+  return Recurs(a) && Recurs(b) && a.Event == b.Event;
+}
+
+bool IsQuestionAbout(const AlertRequest& request, uint64 event) {
+  return event != 0 && request.Role == AlertRole::Question && request.Event == event;
+}
+
+/// Whether `fresh` comes into the unread `base` as lines instead of joining it.
+bool StandsIn(const AlertRequest& base, const AlertRequest& fresh) {
+  if (!Recurs(fresh) || base.Event != fresh.Event) return false;
+  return base.Role == AlertRole::Question ||
+         (base.Role == AlertRole::Delivery && fresh.Role == AlertRole::Nag);
+}
+
+/// A message that nags has the nag's buttons, a question keeps its own.
+AlertRequest Together(const AlertRequest& base, const AlertRequest& added) {
+  AlertRequest shown = base;
+  shown.Text += "\n\n" + added.Text;
+  if (base.Role == AlertRole::Question) return shown;
+  shown.Role = added.Role;
+  shown.Buttons = added.Buttons;
+  shown.HarmlessButton = added.HarmlessButton;
+  shown.DefaultButton = added.DefaultButton;
+  shown.ComesAgain = added.ComesAgain;
+  return shown;
 }
 
 bool IsPromptAbout(const AlertRequest& request, uint64 set) {
@@ -58,86 +82,179 @@ void AlertDesk::Show(AlertRequest request) {
     queue_.Post(ALERTS_WAITING);
 }
 
+AlertRequest AlertDesk::Open::Shown() const { return added ? Together(request, *added) : request; }
+
+void AlertDesk::Open::AnswerAll(int which) {
+  const bool isQuestion = request.Role == AlertRole::Question;
+  Answer(request, isQuestion || !added ? which : request.HarmlessButton);
+  if (added) Answer(*added, isQuestion ? added->HarmlessButton : which);
+}
+
 void AlertDesk::OpenWaiting() {
   if (!ui_.HasScreen()) {
     for (size_t rest = CountWaiting(); rest > 0; --rest)
-      if (auto request = TakeWaiting()) {
+      if (auto request = TakeWaiting(0)) {
         TellWithoutScreen(*request);
         AnswerHarmlessly(*request);
       }
     return;
   }
   BringUpToDate();
-  while (MayOpenNext()) {
-    auto request = TakeWaiting();
-    if (!request) return;
+  if (WaitsForTheHeap()) return queue_.Post(ALERTS_WAITING);
+  while (auto request = TakeNext()) {
+    if (TakeIntoOpen(*request)) continue;
+    if (keeper_) keeper_->Opening(*request);
     const AlertId id = nextId_++;
-    const int32 place = FreePlace();
+    if (GoesToWindow(*request)) MoveBoxes();
+    const int32 place = asWindow_ && request->IsReminder() ? RowPlace : FreePlace();
     const AlertRequest shown = *request;  // the answer may come before OpenAlert returns
-    open_.emplace(id, Open{std::move(*request), place});
+    open_.emplace(id, Open{std::move(*request), {}, place});
     ui_.OpenAlert(id, shown, place);
   }
 }
 
-bool AlertDesk::MayOpenNext() const {
-  std::lock_guard lock(guard_);
-  if (settled_ == 0 || waiting_.empty()) return false;
-  return static_cast<int32>(open_.size()) < MaxOpenAlerts ||
-         waiting_.front().Role == AlertRole::Prompt;
+/// What else comes due in the same moment is shown together with this.
+bool AlertDesk::WaitsForTheHeap() {
+  const bool waits =
+      !open_.empty() && queue_.Holds(EVENT_DEALT_WITH) && turnsWaited_ < MostTurnsWaited;
+  turnsWaited_ = waits ? turnsWaited_ + 1 : 0;
+  return waits;
+}
+
+bool AlertDesk::GoesToWindow(const AlertRequest& request) const {
+  if (!request.IsReminder() || asWindow_) return false;
+  const auto boxes = std::count_if(open_.begin(), open_.end(), [](const auto& entry) {
+    return entry.second.request.IsReminder();
+  });
+  return boxes + 1 > ui_.MostReminderBoxes();
+}
+
+void AlertDesk::MoveBoxes() {
+  asWindow_ = true;
+  for (auto& [id, open] : open_)
+    if (open.request.IsReminder() && ui_.MoveToWindow(id, open.Shown())) open.place = RowPlace;
+}
+
+/// The first in order that need not wait: for a place among the boxes, or for the answer to another
+/// question about its event.
+std::optional<AlertRequest> AlertDesk::TakeNext() {
+  const auto boxes = std::count_if(
+      open_.begin(), open_.end(), [](const auto& entry) { return entry.second.place != RowPlace; });
+  std::unique_lock lock(guard_);
+  for (size_t at = 0; at < settled_; ++at) {
+    const AlertRequest& next = waiting_[at];
+    const bool fits = boxes < MaxOpenAlerts || next.Role == AlertRole::Prompt ||
+                      (next.IsReminder() && (asWindow_ || GoesToWindow(next)));
+    const bool asked = next.Role == AlertRole::Question &&
+                       std::any_of(open_.begin(), open_.end(), [&next](const auto& entry) {
+                         return IsQuestionAbout(entry.second.request, next.Event);
+                       });
+    if (!fits || asked) continue;
+    lock.unlock();
+    return TakeWaiting(at);
+  }
+  return std::nullopt;
 }
 
 void AlertDesk::BringUpToDate() {
   // What a continuation adds meanwhile is left for the next turn.
   for (size_t rest = CountWaiting() - settled_; rest > 0; --rest) {
-    std::optional<AlertRequest> outdated = ReplaceWaiting();
-    if (!outdated) outdated = ReplaceOpen();
-    if (outdated)
-      AnswerHarmlessly(*outdated);
-    else
-      settled_ = std::min(settled_ + 1, CountWaiting());
+    if (ReplaceWaiting()) continue;
+    std::optional<AlertRequest> fresh = TakeWaiting(settled_);
+    if (!fresh) return;
+    if (TakeIntoOpen(*fresh)) continue;
+    std::lock_guard lock(guard_);
+    waiting_.insert(waiting_.begin() + static_cast<std::ptrdiff_t>(settled_++), std::move(*fresh));
   }
 }
 
-std::optional<AlertRequest> AlertDesk::ReplaceWaiting() {
-  std::lock_guard lock(guard_);
-  if (settled_ >= waiting_.size()) return std::nullopt;
-  const auto fresh = waiting_.begin() + static_cast<std::ptrdiff_t>(settled_);
-  const auto same = std::find_if(waiting_.begin(), fresh, [&fresh](const AlertRequest& earlier) {
-    return RemindOfTheSame(earlier, *fresh);
-  });
-  if (same == fresh) return std::nullopt;
-  AlertRequest outdated = std::exchange(*same, std::move(*fresh));
-  waiting_.erase(fresh);
-  return outdated;
-}
-
-std::optional<AlertRequest> AlertDesk::ReplaceOpen() {
-  AlertRequest fresh;
-  auto same = open_.end();
+bool AlertDesk::ReplaceWaiting() {
+  AlertRequest outdated;
   {
     std::lock_guard lock(guard_);
-    if (settled_ >= waiting_.size()) return std::nullopt;
-    const auto waits = waiting_.begin() + static_cast<std::ptrdiff_t>(settled_);
-    same = std::find_if(open_.begin(), open_.end(), [&waits](const auto& entry) {
-      return RemindOfTheSame(entry.second.request, *waits);
+    if (settled_ >= waiting_.size()) return false;
+    const auto fresh = waiting_.begin() + static_cast<std::ptrdiff_t>(settled_);
+    const auto same = std::find_if(waiting_.begin(), fresh, [&fresh](const AlertRequest& earlier) {
+      return RemindOfTheSame(earlier, *fresh);
     });
-    if (same == open_.end()) return std::nullopt;
-    fresh = std::move(*waits);
-    waiting_.erase(waits);
+    if (same == fresh) return false;
+    outdated = std::exchange(*same, std::move(*fresh));
+    waiting_.erase(fresh);
   }
-  AlertRequest outdated = std::exchange(same->second.request, fresh);
-  ui_.UpdateAlert(same->first, fresh);
-  return outdated;
+  Outdated(outdated);
+  return true;
+}
+
+void AlertDesk::Outdated(AlertRequest& request) {
+  if (keeper_) keeper_->Ended(request);
+  AnswerHarmlessly(request);
+}
+
+/// Brings the open alert of the same event up to date, or adds to it; false when there is none.
+bool AlertDesk::TakeIntoOpen(AlertRequest& fresh) {
+  const auto same = std::find_if(open_.begin(), open_.end(), [&fresh](const auto& entry) {
+    return RemindOfTheSame(entry.second.request, fresh) || StandsIn(entry.second.request, fresh);
+  });
+  if (same == open_.end()) return false;
+  Open& open = same->second;
+  std::optional<AlertRequest> outdated;
+  if (StandsIn(open.request, fresh))
+    outdated = std::exchange(open.added, std::move(fresh));
+  else
+    outdated = std::exchange(open.request, std::move(fresh));
+  ui_.UpdateAlert(same->first, open.Shown());
+  if (outdated) Outdated(*outdated);
+  return true;
 }
 
 void AlertDesk::Answered(AlertId id, int which) {
   const auto found = open_.find(id);
   if (found == open_.end()) return;
-  AlertRequest request = std::move(found->second.request);
+  if (keeper_) {
+    keeper_->Ended(found->second.request);
+    if (found->second.added) keeper_->Ended(*found->second.added);
+  }
+  Finish(id, which);
+}
+
+/// Closed and answered; what is kept of it is another matter.
+void AlertDesk::Finish(AlertId id, int which) {
+  const auto found = open_.find(id);
+  Open open = std::move(found->second);
   open_.erase(found);
+  asWindow_ = asWindow_ && std::any_of(open_.begin(), open_.end(), [](const auto& entry) {
+                return entry.second.place == RowPlace;
+              });
   if (CountWaiting() > 0) queue_.Post(ALERTS_WAITING);
-  const bool isButton = which >= 0 && which < static_cast<int>(request.Buttons.size());
-  Answer(request, isButton ? which : request.HarmlessButton);
+  const AlertRequest shown = open.Shown();
+  const bool isButton = which >= 0 && which < static_cast<int>(shown.Buttons.size());
+  open.AnswerAll(isButton ? which : shown.HarmlessButton);
+}
+
+std::string AlertDesk::PutOff(AlertId id, const PutOffMoment& when) {
+  const auto found = open_.find(id);
+  if (found == open_.end()) return "";
+  const AlertRequest shown = found->second.Shown();
+  const std::string why = keeper_->Keep(shown, when);
+  if (!why.empty()) return why;
+  if (found->second.added) keeper_->Ended(*found->second.added);
+  Finish(id, shown.HarmlessButton);
+  return "";
+}
+
+bool AlertDesk::Asks(uint64 event) const {
+  if (std::any_of(open_.begin(), open_.end(), [event](const auto& entry) {
+        return IsQuestionAbout(entry.second.request, event);
+      }))
+    return true;
+  std::lock_guard lock(guard_);
+  return std::any_of(waiting_.begin(), waiting_.end(), [event](const AlertRequest& request) {
+    return IsQuestionAbout(request, event);
+  });
+}
+
+void AlertDesk::EventDeleted(uint64 set, uint64 event) {
+  if (keeper_) keeper_->EventDeleted(set, event);
 }
 
 bool AlertDesk::RaisePrompt(uint64 set) {
@@ -188,20 +305,23 @@ bool AlertDesk::Empty() const { return open_.empty() && CountWaiting() == 0; }
 
 std::vector<AlertRequest> AlertDesk::EndByForce() {
   BringUpToDate();
-  const std::map<AlertId, Open> open = std::exchange(open_, {});
+  std::map<AlertId, Open> open = std::exchange(open_, {});
   std::vector<AlertRequest> ended;
   for (const auto& [id, alert] : open) {
     ui_.CloseAlert(id);
-    ended.push_back(alert.request);
+    ended.push_back(alert.Shown());
   }
+  std::deque<AlertRequest> waiting;
   {
     std::lock_guard lock(guard_);
     ended_ = true;
     settled_ = 0;
-    std::move(waiting_.begin(), waiting_.end(), std::back_inserter(ended));
-    waiting_.clear();
+    waiting.swap(waiting_);
   }
-  for (AlertRequest& request : ended) AnswerHarmlessly(request);
+  std::copy(waiting.begin(), waiting.end(), std::back_inserter(ended));
+  for (auto& [id, alert] : open) alert.AnswerAll(alert.Shown().HarmlessButton);
+  for (AlertRequest& request : waiting) AnswerHarmlessly(request);
+  for (AlertRequest& request : ended) request.Done = nullptr;
   return ended;
 }
 
@@ -220,12 +340,12 @@ size_t AlertDesk::CountWaiting() const {
   return waiting_.size();
 }
 
-std::optional<AlertRequest> AlertDesk::TakeWaiting() {
+std::optional<AlertRequest> AlertDesk::TakeWaiting(size_t at) {
   std::lock_guard lock(guard_);
-  if (waiting_.empty()) return std::nullopt;
-  AlertRequest request = std::move(waiting_.front());
-  waiting_.pop_front();
-  if (settled_ > 0) --settled_;
+  if (at >= waiting_.size()) return std::nullopt;
+  AlertRequest request = std::move(waiting_[at]);
+  waiting_.erase(waiting_.begin() + static_cast<std::ptrdiff_t>(at));
+  if (at < settled_) --settled_;
   return request;
 }
 

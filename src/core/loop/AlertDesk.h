@@ -9,14 +9,18 @@
 #include <vector>
 
 #include "core/loop/MessageQueue.h"
+#include "core/loop/PutOffKeeper.h"
 #include "core/ports/Alert.h"
 #include "core/ports/UserInterface.h"
 
 namespace kestrin {
 
-/// At most MaxOpenAlerts stand open; the others wait their turn, in order. Prompts wait for nobody.
-/// Windows are opened on a later turn of the message loop (ALERTS_WAITING), never inside Show.
-/// Without a screen an alert's text goes to standard error and it is answered harmlessly.
+/// At most MaxOpenAlerts stand open as boxes; the others wait their turn, in order. Prompts wait
+/// for nobody. More reminders than the user interface has boxes for become rows of one window,
+/// those that are open with them, until that is empty. Windows are opened on a later turn of the
+/// message loop (ALERTS_WAITING), never inside Show. Without a screen an alert's text goes to
+/// standard error and it is answered harmlessly. docs/reminders.md tells what several alerts of one
+/// event do.
 class AlertDesk {
  public:
   static constexpr int32 MaxOpenAlerts = 24;
@@ -33,10 +37,20 @@ class AlertDesk {
   void OpenWaiting();
   /// From the user interface, which has closed the window already.
   void Answered(AlertId id, int which);
+  /// Who keeps what is put off. Without one nothing can be put off.
+  void KeepWith(PutOffKeeper* keeper) { keeper_ = keeper; }
+  bool CanPutOff() const { return keeper_ != nullptr; }
+  /// From the user interface: the alert is to come back, and its Done gets the harmless answer. It
+  /// stands open still when a sentence comes back that says why it cannot be put off.
+  std::string PutOff(AlertId id, const PutOffMoment& when);
   /// Brings the prompt about the set to the front; false when none stands open or waits.
   bool RaisePrompt(uint64 set);
   /// Closes every prompt, those that wait too, with its harmless answer.
   void DismissPrompts();
+  /// Whether a question about the event stands open or waits.
+  bool Asks(uint64 event) const;
+  /// A person is about to delete the event: what was put off for it does not return.
+  void EventDeleted(uint64 set, uint64 event);
   /// Whether an alert about the set, other than a prompt, stands open or waits.
   bool AnyFor(uint64 set) const;
   bool Empty() const;
@@ -48,14 +62,24 @@ class AlertDesk {
  private:
   struct Open {
     AlertRequest request;
+    std::optional<AlertRequest> added;  ///< a reminder that stands in it as lines
     int32 place;
+    AlertRequest Shown() const;
+    void AnswerAll(int which);
   };
+  static constexpr int MostTurnsWaited = 5000;
+
   void BringUpToDate();
-  std::optional<AlertRequest> ReplaceWaiting();
-  std::optional<AlertRequest> ReplaceOpen();
-  std::optional<AlertRequest> TakeWaiting();
+  bool ReplaceWaiting();
+  bool TakeIntoOpen(AlertRequest& fresh);
+  void Outdated(AlertRequest& request);
+  void Finish(AlertId id, int which);
+  std::optional<AlertRequest> TakeNext();
+  std::optional<AlertRequest> TakeWaiting(size_t at);
+  bool WaitsForTheHeap();
+  bool GoesToWindow(const AlertRequest& request) const;
+  void MoveBoxes();
   size_t CountWaiting() const;
-  bool MayOpenNext() const;
   int32 FreePlace() const;
 
   MessageQueue& queue_;
@@ -66,6 +90,9 @@ class AlertDesk {
   size_t settled_ = 0;  ///< how many of waiting_, from its front, bring no other alert up to date
   std::map<AlertId, Open> open_;
   AlertId nextId_ = 1;
+  PutOffKeeper* keeper_ = nullptr;
+  bool asWindow_ = false;  ///< reminders are rows
+  int turnsWaited_ = 0;
 };
 
 }  // namespace kestrin

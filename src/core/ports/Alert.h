@@ -6,10 +6,14 @@
 #include <vector>
 
 #include "kestrin/Types.h"
+#include "support/Bitmap.h"
 
 namespace kestrin {
 
 using AlertId = uint64;
+
+/// The place of an alert that is a row of the Reminders window.
+inline constexpr int32 RowPlace = -1;
 
 enum class AlertKind { Information, Warning };
 
@@ -17,6 +21,13 @@ enum class AlertKind { Information, Warning };
 /// event up to date instead of joining it. A Prompt answers what the person just did: it opens
 /// ahead of all others, takes the focus, and is not shown again by a later process.
 enum class AlertRole { Notice, Prewarning, Nag, Delivery, Question, Prompt };
+
+/// What the event of an alert looks like, so that it is known after the event has gone.
+struct AlertFace {
+  std::string EventName;  ///< empty: the alert speaks of no event
+  int32 IconNumber = -1;  ///< as an event's: -2 = the bitmaps below, -1 = none
+  IconPair OwnIcon;
+};
 
 struct AlertRequest {
   std::string Title;  ///< empty: the application's name
@@ -29,8 +40,19 @@ struct AlertRequest {
   uint64 Set = 0;  ///< handles of the set and event the alert is about; 0 = none
   uint64 Event = 0;
   int32 Occurrence = 0;  ///< the event's ActualEventTime when the alert was asked for
+  AlertFace Face;
+  bool OccursAtTime = false;  ///< Occurrence is more than a bare day
+  bool NamesTime = false;     ///< Text says when the event occurred or will occur
+  bool Away = false;          ///< came due over a minute before anybody could be reminded
+  int32 Begins = 0;           ///< of a prewarning: after that it cannot be put off; 0 = no bound
+  std::string KeptId;         ///< what the keeper of put-off alerts knows it by; may be empty
+  std::string Run, Open;      ///< of a question: the command, or the file, that Ok carries out
+  int32 ComesAgain = 0;       ///< of a nag: when the next one comes; 0 = no more of them
   /// Called once, in the main thread, with the index of the pressed button.
   std::function<void(int which)> Done;
+
+  /// Whether it speaks of something that came due, and so can wait in a list and be put off.
+  bool IsReminder() const { return Role != AlertRole::Notice && Role != AlertRole::Prompt; }
 };
 
 }  // namespace kestrin

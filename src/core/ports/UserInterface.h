@@ -66,9 +66,13 @@ class UserInterface {
   virtual EditorWindow* OpenEventWindow(Event& event) = 0;
 
   /// Alerts are opened, changed and answered by id; the answer goes to AlertDesk::Answered. `place`
-  /// is the alert's position in the cascade, 0 and up, free of any other open alert.
+  /// is the alert's position in the cascade, 0 and up, free of any other open box, or RowPlace.
   virtual void OpenAlert(AlertId id, const AlertRequest& request, int32 place) = 0;
   virtual void UpdateAlert(AlertId id, const AlertRequest& request) = 0;
+  /// A box becomes a row of the Reminders window; false when the person is at it: it stays.
+  virtual bool MoveToWindow(AlertId id, const AlertRequest& request) = 0;
+  /// So many reminders stand as boxes; with one more, all are rows.
+  virtual int32 MostReminderBoxes() const = 0;
   /// Brings the alert to the front and gives it the focus.
   virtual void RaiseAlert(AlertId id) = 0;
   /// Closes the window without an answer.

@@ -22,6 +22,8 @@ enum DeliverMode : int32 {
   DeliverNothing = 4,
 };
 
+enum SoundKind : int32 { ThemeSound = 0, FileSound = 1, NoSound = 2 };
+
 /// What is set, as at the very first start: `= {}` puts all of it back.
 struct SettingsValues {
   std::vector<std::string> SetFileNames;  ///< remembered sets, canonical paths, in order
@@ -39,7 +41,16 @@ struct SettingsValues {
   std::vector<std::string> UserMiniIcons;   ///< MiniIconBytes each
   std::vector<std::string> UserLargeIcons;  ///< LargeIconBytes each, same index
   Rect SettingsWindowFrame{60, 50, 342, 350};
-  std::string ZoneName;  ///< the system's zone when times were last computed; may be empty
+  std::string ZoneName;           ///< the system's zone when times were last computed; may be empty
+  int32 ReminderBoxes = 3;        ///< reminders that stand as boxes; 0 = all, 1 = always the window
+  int32 EveningTime = 18 * 3600;  ///< of "This evening", seconds after midnight
+  int32 MorningTime = 8 * 3600;
+  int32 LastLater = -1;  ///< the LaterChoice that was taken last, or -1
+  int32 ReminderSound = ThemeSound;
+  std::string ReminderSoundFile;
+  int32 ReminderVolume = 100;  ///< percent
+  bool SoundUntilAnswered = false;
+  bool NagSoundUntilAnswered = false;
 };
 
 class KestrinSettings : public SettingsValues {

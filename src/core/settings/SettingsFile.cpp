@@ -75,6 +75,14 @@ void VisitChoices(Visitor& visit, SettingsValues& settings) {
   visit("WhichEventsToDeliver", LongType, One(settings.WhichEventsToDeliver));
   visit("Time24Hour", BoolType, One(settings.Time24Hour));
   visit("RememberWindowSetupAsDefault", BoolType, One(settings.RememberWindowSetupAsDefault));
+  visit("ReminderBoxes", LongType, One(settings.ReminderBoxes));
+  visit("EveningTime", LongType, One(settings.EveningTime));
+  visit("MorningTime", LongType, One(settings.MorningTime));
+  visit("LastLater", LongType, One(settings.LastLater));
+  visit("ReminderSound", LongType, One(settings.ReminderSound));
+  visit("ReminderVolume", LongType, One(settings.ReminderVolume));
+  visit("SoundUntilAnswered", BoolType, One(settings.SoundUntilAnswered));
+  visit("NagSoundUntilAnswered", BoolType, One(settings.NagSoundUntilAnswered));
 }
 
 template <typename Visitor>
@@ -135,10 +143,9 @@ void ReadIcons(const SettingsStore& store, SettingsValues& settings) {
   }
 }
 
-void ReadZoneName(const SettingsStore& store, SettingsValues& settings) {
-  const auto stored = store.Get("ZoneName");
-  if (stored && stored->type == TextType)
-    settings.ZoneName = stored->bytes.substr(0, stored->bytes.find('\0'));
+void ReadText(const SettingsStore& store, const char* key, std::string& text) {
+  const auto stored = store.Get(key);
+  if (stored && stored->type == TextType) text = stored->bytes.substr(0, stored->bytes.find('\0'));
 }
 
 void WriteSetNames(Writer& write, const SettingsValues& settings) {
@@ -183,7 +190,8 @@ void InitSettings(KestrinSettings& settings, SettingsStore& store, Notices& noti
   VisitSettingsWindow(read, settings);
   VisitIconNumbers(read, settings);
   ReadIcons(store, settings);
-  ReadZoneName(store, settings);
+  ReadText(store, "ZoneName", settings.ZoneName);
+  ReadText(store, "ReminderSoundFile", settings.ReminderSoundFile);
   if (const std::string complaint = store.Complaint(); !complaint.empty())
     notices.ReportError(complaint);
 }
@@ -207,6 +215,7 @@ void WriteSettings(KestrinSettings& settings, SettingsStore& store, Notices& not
   VisitIconNumbers(write, settings);
   WriteIcons(write, settings);
   write.Bytes("ZoneName", TextType, settings.ZoneName + '\0');
+  write.Bytes("ReminderSoundFile", TextType, settings.ReminderSoundFile + '\0');
   const status_t saved = store.Save();
   if (saved != StatusOk) write.status = saved;
   const bool failed = write.status != StatusOk;

@@ -1,10 +1,12 @@
 #include "interface/alerts/AlertIcon.h"
 
-#include <QIcon>
 #include <QPainter>
 #include <QPainterPath>
 #include <QStyle>
 #include <QWidget>
+
+#include "core/timing/EventTypes.h"
+#include "interface/icons/StandardIcons.h"
 
 namespace kestrin {
 
@@ -41,8 +43,7 @@ void DrawWarning(QPainter& painter) {
 
 }  // namespace
 
-QPixmap AlertIcon(AlertKind kind, const QWidget& alert) {
-  const int size = alert.style()->pixelMetric(QStyle::PM_MessageBoxIconSize);
+QPixmap AlertIcon(AlertKind kind, int size, const QWidget& alert) {
   const qreal ratio = alert.devicePixelRatioF();
   const bool isWarning = kind == AlertKind::Warning;
   if (QIcon::themeName() != QIcon::fallbackThemeName()) {
@@ -60,6 +61,27 @@ QPixmap AlertIcon(AlertKind kind, const QWidget& alert) {
     DrawWarning(painter);
   else
     DrawInformation(painter);
+  return picture;
+}
+
+QIcon IconOfFace(const AlertFace& face) {
+  return face.IconNumber == OwnIconNumber ? OwnIcon(face.OwnIcon) : StandardIcon(face.IconNumber);
+}
+
+QPixmap AlertPicture(const AlertRequest& request, const QWidget& alert) {
+  const int size = alert.style()->pixelMetric(QStyle::PM_MessageBoxIconSize);
+  const QIcon icon = IconOfFace(request.Face);
+  if (icon.isNull()) return AlertIcon(request.Kind, size, alert);
+  const qreal ratio = alert.devicePixelRatioF();
+  QPixmap picture(QSize(size, size) * ratio);
+  picture.setDevicePixelRatio(ratio);
+  picture.fill(Qt::transparent);
+  QPainter painter(&picture);
+  // The badge covers the corner, so that the icon keeps most of the room.
+  const int badge = size * 2 / 5, large = size - badge / 4;
+  painter.drawPixmap(QRect(0, 0, large, large), icon.pixmap(QSize(large, large), ratio));
+  painter.drawPixmap(QRect(size - badge, size - badge, badge, badge),
+                     AlertIcon(request.Kind, badge, alert));
   return picture;
 }
 

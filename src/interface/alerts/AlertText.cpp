@@ -73,8 +73,17 @@ void AlertText::ShowText(const QString& text, QSize largest, int lowest) {
   updateGeometry();
 }
 
+void AlertText::TakeAnyRoom() {
+  anyRoom_ = true;
+  const int line = fontMetrics().lineSpacing();
+  hint_ = {NarrowestCharacters * fontMetrics().averageCharWidth(), 5 * line};
+  setMinimumHeight(3 * line);
+  ChooseScrollBar();
+}
+
 /// The widget asks for a few pixels more than the text takes: where all of it fits there is no bar.
 void AlertText::ChooseScrollBar() {
+  if (anyRoom_) return setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
   const bool smaller = height() + 2 < hint_.height() || width() + 2 < hint_.width();
   setVerticalScrollBarPolicy(scrolls_                 ? Qt::ScrollBarAlwaysOn
                              : isVisible() && smaller ? Qt::ScrollBarAsNeeded

@@ -15,6 +15,9 @@ class AlertText final : public QPlainTextEdit {
   /// stands in the middle of that height.
   void ShowText(const QString& text, QSize largest, int lowest);
 
+  /// From then on no room is reckoned: what does not fit into what there is, scrolls.
+  void TakeAnyRoom();
+
   QSize sizeHint() const override { return hint_; }
   QSize minimumSizeHint() const override;
 
@@ -26,6 +29,7 @@ class AlertText final : public QPlainTextEdit {
 
   QSize hint_;
   bool scrolls_ = false;
+  bool anyRoom_ = false;
 };
 
 }  // namespace kestrin

@@ -2,46 +2,48 @@
 
 #include <QAccessible>
 #include <QApplication>
-#include <QHBoxLayout>
 #include <QKeyEvent>
-#include <QLabel>
 #include <QPushButton>
 #include <QScreen>
 #include <QVBoxLayout>
-#include <algorithm>
+#include <utility>
 
 #include "interface/alerts/AlertCascade.h"
-#include "interface/alerts/AlertIcon.h"
-#include "interface/alerts/AlertText.h"
+#include "interface/alerts/AlertPane.h"
+#include "interface/alerts/KeyGuard.h"
 #include "interface/common/ShownText.h"
 
 namespace kestrin {
 
 namespace {
 
-constexpr int NarrowestButton = 84;
 /// What a window manager adds around a window, as far as one can tell before it is shown.
 constexpr QSize FrameRoom(12, 36);
 
-QString ButtonText(const std::string& label) {
-  const QString text = WithoutMnemonic(ShownLine(label));
-  return text.startsWith("No more ") ? "&" + text : text;
-}
-
-QString TitleOf(const AlertRequest& request) {
-  return request.Title.empty() ? QStringLiteral("Kestrin") : ShownLine(request.Title);
-}
-
 }  // namespace
 
-AlertWindow::AlertWindow(const AlertRequest& request, int place)
-    : place_(place), isPrompt_(request.Role == AlertRole::Prompt) {
+AlertWindow::AlertWindow(const Context* context, const AlertRequest& request, int place,
+                         bool mayOpen)
+    : place_(place),
+      isPrompt_(request.Role == AlertRole::Prompt),
+      pane_(new AlertPane(context)),
+      guard_(new KeyGuard(*this)) {
   setObjectName("alert");
   setWindowFlags(Qt::Dialog | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
                  Qt::WindowCloseButtonHint | Qt::WindowStaysOnTopHint);
   setAttribute(Qt::WA_ShowWithoutActivating, !isPrompt_);
-  BuildFrame();
-  ShowRequest(request);
+  if (isPrompt_) guard_->OpenForGood();
+  auto* column = new QVBoxLayout(this);
+  column->setContentsMargins(16, 16, 16, 14);
+  column->addWidget(pane_);
+  connect(pane_, &AlertPane::Pressed, this, &AlertWindow::Press);
+  connect(pane_, &AlertPane::PutOff, this, &AlertWindow::PutOff);
+  connect(pane_, &AlertPane::OpenEventWanted, this, &AlertWindow::OpenEventWanted);
+  connect(pane_, &AlertPane::Resized, this, [this] {
+    FitSize();
+    KeepOnScreen();
+  });
+  ShowRequest(request, mayOpen);
   MoveToPlace();
 }
 
@@ -56,66 +58,20 @@ void AlertWindow::MoveToPlace() {
   move(AlertCascade::TopLeft(place_, ScreenRect()));
 }
 
-void AlertWindow::BuildFrame() {
-  icon_ = new QLabel;
-  icon_->setObjectName("alertIcon");
-  icon_->setAlignment(Qt::AlignTop);
-  text_ = new AlertText;
-  text_->setObjectName("alertText");
-  auto* body = new QHBoxLayout;
-  body->setSpacing(14);
-  body->addWidget(icon_, 0, Qt::AlignTop);
-  body->addWidget(text_, 1);
-  buttonRow_ = new QHBoxLayout;
-  buttonRow_->setSpacing(8);
-  buttonRow_->addStretch(1);
-  auto* column = new QVBoxLayout(this);
-  column->setContentsMargins(16, 16, 16, 14);
-  column->setSpacing(16);
-  column->addLayout(body, 1);
-  column->addLayout(buttonRow_);
-}
-
-void AlertWindow::Update(const AlertRequest& request) {
-  ShowRequest(request);
+void AlertWindow::Update(const AlertRequest& request, bool mayOpen) {
+  ShowRequest(request, mayOpen);
   KeepOnScreen();
 }
 
-void AlertWindow::ShowRequest(const AlertRequest& request) {
-  icon_->setPixmap(AlertIcon(request.Kind, *this));
-  setWindowTitle(WindowTitle(TitleOf(request).toStdString()));
-  text_->setPlainText(ShownText(request.Text));
-  setAccessibleName(TitleOf(request));
-  setAccessibleDescription(text_->toPlainText());
+void AlertWindow::ShowRequest(const AlertRequest& request, bool mayOpen) {
+  pane_->ShowRequest(request, mayOpen);
+  const QString title = AlertTitle(request);
+  setWindowTitle(WindowTitle(title.toStdString()));
+  setAccessibleName(title);
+  setAccessibleDescription(pane_->Text());
   harmlessButton_ = request.HarmlessButton;
-  ShowButtons(request.Buttons.empty() ? std::vector<std::string>{"OK"} : request.Buttons);
-  const auto defaultButton = static_cast<size_t>(
-      std::clamp(request.DefaultButton, 0, static_cast<int>(buttons_.size()) - 1));
-  buttons_[defaultButton]->setDefault(true);
-  buttons_[defaultButton]->setFocus();
+  pane_->DefaultButton()->setFocus();
   FitSize();
-}
-
-void AlertWindow::ShowButtons(const std::vector<std::string>& labels) {
-  if (labels == labels_) return;
-  labels_ = labels;
-  for (QPushButton* button : std::exchange(buttons_, {})) {
-    button->disconnect(this);
-    button->setObjectName(QString());
-    button->hide();
-    button->deleteLater();
-  }
-  int width = NarrowestButton;
-  for (const std::string& label : labels) {
-    const int which = static_cast<int>(buttons_.size());
-    auto* button = new QPushButton(ButtonText(label));
-    button->setObjectName(QString("alertButton%1").arg(which));
-    connect(button, &QPushButton::clicked, this, [this, which] { Press(which); });
-    buttonRow_->addWidget(button);
-    buttons_.push_back(button);
-    width = std::max(width, button->sizeHint().width());
-  }
-  for (QPushButton* button : buttons_) button->setMinimumWidth(width);
 }
 
 QRect AlertWindow::ScreenRect() const {
@@ -124,13 +80,9 @@ QRect AlertWindow::ScreenRect() const {
 }
 
 void AlertWindow::FitSize() {
-  const QRect screen = ScreenRect();
-  const QSize largest = AlertCascade::LargestAlert(screen) - FrameRoom;
-  const int icon = icon_->sizeHint().height();
+  const QSize largest = AlertCascade::LargestAlert(ScreenRect()) - FrameRoom;
   const QMargins margins = layout()->contentsMargins();
-  const QSize besideText(icon_->sizeHint().width() + 14 + margins.left() + margins.right(),
-                         buttonRow_->sizeHint().height() + 16 + margins.top() + margins.bottom());
-  text_->ShowText(text_->toPlainText(), largest - besideText, icon);
+  pane_->FitText(largest.shrunkBy(margins));
   layout()->activate();
   resize(layout()->totalSizeHint().boundedTo(largest));
 }
@@ -154,12 +106,12 @@ void AlertWindow::Raise() {
   activateWindow();
 }
 
+void AlertWindow::Complain(const std::string& why) { pane_->Complain(why); }
+
+bool AlertWindow::IsBusy() const { return isActiveWindow() || pane_->IsBusy(); }
+
 void AlertWindow::keyPressEvent(QKeyEvent* event) {
-  // The letter of a button's mnemonic works without Alt too.
-  const bool isPlain = (event->modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier)) == 0;
-  const QKeySequence mnemonic(Qt::ALT | static_cast<Qt::Key>(event->key()));
-  for (QPushButton* button : buttons_)
-    if (isPlain && button->shortcut() == mnemonic) return button->click();
+  if (event->isAutoRepeat() || pane_->PressByLetter(*event)) return;
   QDialog::keyPressEvent(event);
 }
 

@@ -2,50 +2,54 @@
 #pragma once
 
 #include <QDialog>
-#include <vector>
 
 #include "core/ports/Alert.h"
-
-class QHBoxLayout;
-class QLabel;
-class QPushButton;
+#include "core/timing/LaterMoments.h"
 
 namespace kestrin {
 
-class AlertText;
+class AlertPane;
+class KeyGuard;
+struct Context;
 
 /// Opens above other windows without taking the focus, unless it is a prompt: that one takes it,
-/// and opens over the window the person works in. Closing it, and Escape, press the harmless
-/// button. Pressed comes once, after which the window waits to be deleted.
+/// and opens over the window the person works in. Where it is given the focus all the same, keys
+/// wait until the person means it (KeyGuard). Closing it, and Escape, press the harmless button.
+/// Pressed comes once, after which the window waits to be deleted.
 class AlertWindow final : public QDialog {
   Q_OBJECT
 
  public:
-  /// `place`: position in the cascade.
-  AlertWindow(const AlertRequest& request, int place);
+  /// `place`: position in the cascade. `context` may be null, see AlertPane. `mayOpen`: the alert's
+  /// event is there to be opened.
+  AlertWindow(const Context* context, const AlertRequest& request, int place, bool mayOpen);
 
   /// Other text, title and buttons in the same place. A button that is being pressed while the
   /// labels change does not count.
-  void Update(const AlertRequest& request);
+  void Update(const AlertRequest& request, bool mayOpen);
   /// Shows the window, or says again what it says: its text is new.
   void Announce();
   /// To the front, with the focus.
   void Raise();
+  /// Why it could not be put off.
+  void Complain(const std::string& why);
   /// Moves the window back onto the screen when it lies off it, and into what it may take of it.
   void KeepOnScreen();
+  /// Whether the person is at it: it has the focus, is pressed or has an open menu.
+  bool IsBusy() const;
 
   void reject() override;
 
  signals:
   void Pressed(int which);
+  void PutOff(const PutOffMoment& when);
+  void OpenEventWanted();
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;
 
  private:
-  void BuildFrame();
-  void ShowRequest(const AlertRequest& request);
-  void ShowButtons(const std::vector<std::string>& labels);
+  void ShowRequest(const AlertRequest& request, bool mayOpen);
   void FitSize();
   QRect ScreenRect() const;
   void MoveToPlace();
@@ -55,11 +59,8 @@ class AlertWindow final : public QDialog {
   bool isPrompt_;
   int harmlessButton_ = 0;
   bool answered_ = false;
-  std::vector<std::string> labels_;
-  std::vector<QPushButton*> buttons_;
-  QLabel* icon_ = nullptr;
-  AlertText* text_ = nullptr;
-  QHBoxLayout* buttonRow_ = nullptr;
+  AlertPane* pane_;
+  KeyGuard* guard_;
 };
 
 }  // namespace kestrin

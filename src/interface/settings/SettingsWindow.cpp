@@ -5,15 +5,17 @@
 #include <QLabel>
 #include <QPushButton>
 
+#include "core/events/Context.h"
 #include "core/settings/KestrinSettings.h"
 #include "interface/common/Frames.h"
 #include "interface/fields/DropDown.h"
+#include "interface/settings/ReminderSettings.h"
 #include "interface/settings/SelectedSetsView.h"
 
 namespace kestrin {
 
-SettingsWindow::SettingsWindow(KestrinSettings& settings, DocumentApp& application)
-    : SideWindow(application), settings_(settings) {
+SettingsWindow::SettingsWindow(Context& context, DocumentApp& application)
+    : SideWindow(application), settings_(context.settings) {
   setObjectName("settingsWindow");
   setWindowTitle("Kestrin settings");
   auto* column = new QVBoxLayout(this);
@@ -30,6 +32,9 @@ SettingsWindow::SettingsWindow(KestrinSettings& settings, DocumentApp& applicati
           settings_.SelectedSetHandling);
   column->addLayout(menus);
   column->addWidget(MakeCheckBox("clock24", "24-hour &clock", settings_.Time24Hour));
+  reminders_ = new ReminderSettings(context);
+  show_.emplace_back([this] { reminders_->SettingsChanged(); });
+  column->addWidget(reminders_);
   column->addSpacing(style()->pixelMetric(QStyle::PM_LayoutVerticalSpacing, nullptr, this));
   column->addLayout(MakeList(), 1);
   SettingsChanged();

@@ -13,6 +13,8 @@ class QFormLayout;
 namespace kestrin {
 
 class KestrinSettings;
+class ReminderSettings;
+struct Context;
 class SelectedSetsView;
 
 /// Every change takes effect at once. Opens where the settings say and leaves its place there when
@@ -21,7 +23,7 @@ class SettingsWindow final : public SideWindow {
   Q_OBJECT
 
  public:
-  SettingsWindow(KestrinSettings& settings, DocumentApp& application);
+  SettingsWindow(Context& context, DocumentApp& application);
 
   /// Shows what the settings hold now.
   void SettingsChanged();
@@ -39,6 +41,7 @@ class SettingsWindow final : public SideWindow {
 
   KestrinSettings& settings_;
   std::vector<std::function<void()>> show_;  ///< for each control: brings it in step
+  ReminderSettings* reminders_ = nullptr;
   SelectedSetsView* sets_ = nullptr;
 };
 

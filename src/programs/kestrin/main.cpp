@@ -11,6 +11,7 @@
 #include "core/events/AddOnServices.h"
 #include "core/events/HandlerTable.h"
 #include "core/events/OpenSets.h"
+#include "core/journal/JournalRecord.h"
 #include "core/loop/AlertDesk.h"
 #include "core/loop/MessageCodes.h"
 #include "core/loop/Notices.h"
@@ -29,7 +30,9 @@
 #include "session/LogindWatch.h"
 #include "session/ProcessInfo.h"
 #include "session/QueueRunner.h"
+#include "session/ReminderSound.h"
 #include "session/SystemDesktop.h"
+#include "session/SystemProcesses.h"
 #include "session/UnixSignals.h"
 #include "support/LocalTime.h"
 
@@ -48,6 +51,13 @@ constexpr char UserAddOns[] = "/.local/lib/kestrin/add-ons";
 std::string FromEnvironment(const char* name) {
   const char* const value = std::getenv(name);
   return value ? value : "";
+}
+
+std::string ProcessMark() {
+  char mark[17];
+  std::snprintf(mark, sizeof mark, "%016llx",
+                static_cast<unsigned long long>(Fnv64(TextOf(SystemProcesses().Self()))));
+  return mark;
 }
 
 /// Everything the application is made of, in the order in which it is built.
@@ -69,7 +79,15 @@ struct Parts {
             },
             [this] { UnloadEventHandlers(context); },
             Zone::System,
-            [] { QCoreApplication::exit(); }};
+            [] { QCoreApplication::exit(); },
+            ProcessMark()};
+  }
+
+  void Sound() {
+    const AutoLock lock(settings.Protect);
+    if (settings.ReminderSound == NoSound) return;
+    const bool isFile = settings.ReminderSound == FileSound;
+    sound.Play({isFile ? settings.ReminderSoundFile : "", settings.ReminderVolume});
   }
 
   MessageQueue& queue;
@@ -77,7 +95,11 @@ struct Parts {
   SystemClock clock;
   SystemFileDoor files;
   Holds holds{queue};
-  QtUserInterface ui;
+  ReminderSound sound{[] {
+    QMetaObject::invokeMethod(
+        qApp, [] { QApplication::beep(); }, Qt::QueuedConnection);
+  }};
+  QtUserInterface ui{[this] { Sound(); }, [this] { sound.Stop(); }};
   AlertDesk alerts{queue, ui};
   Notices notices{alerts, holds, ui};
   SystemDesktop desktop;

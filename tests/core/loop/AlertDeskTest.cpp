@@ -16,6 +16,7 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
+using namespace std::string_literals;
 
 struct AlertDeskTest : testing::Test {
   TestContext context;
@@ -65,7 +66,7 @@ TEST_F(AlertDeskTest, AReminderReplacesOnlyAReminderOfTheSameEvent) {
   } cases[] = {
       {Prewarning, Nag, 7, 7, true}, {Nag, Nag, 7, 8, false},
       {Nag, Nag, 0, 0, false},       {Prewarning, Delivery, 7, 7, false},
-      {Delivery, Nag, 7, 7, false},  {Notice, Notice, 7, 7, false},
+      {Notice, Notice, 7, 7, false}, {Delivery, Prewarning, 7, 7, false},
   };
   for (const bool firstIsOpen : {true, false})
     for (const auto& each : cases) {
@@ -81,6 +82,78 @@ TEST_F(AlertDeskTest, AReminderReplacesOnlyAReminderOfTheSameEvent) {
       }
       EXPECT_THAT(answers, ElementsAre(Pair("old", each.replaces ? 1 : 0), Pair("new", 0)));
     }
+}
+
+TEST_F(AlertDeskTest, WhatComesForAnUnreadAlertStandsInIt) {
+  using enum AlertRole;
+  for (const bool isQuestion : {false, true}) {
+    answers.clear();
+    AlertRequest first = Request("unread", isQuestion ? Question : Delivery, 7);
+    first.Buttons = isQuestion ? std::vector<std::string>{"Cancel", "Ok"} : std::vector{"Ok"s};
+    first.HarmlessButton = 0;
+    desk.Show(first);
+    context.RunMessages();
+    for (const std::string nag : {"nag 1", "nag 2"}) {
+      desk.Show(Request(nag, Nag, 7));
+      context.RunMessages();
+      EXPECT_THAT(ui.Texts(), ElementsAre("unread\n\n" + nag));
+    }
+    EXPECT_THAT(answers, ElementsAre(Pair("nag 1", 1)));
+    EXPECT_EQ(ui.Alerts[0].Request.Buttons[1], isQuestion ? "Ok" : "OK");
+    if (isQuestion) desk.Show(first);
+    context.RunMessages();
+    EXPECT_EQ(ui.Alerts.size(), 1u) << "a second question waits";
+    answers.clear();
+    ui.AnswerFirst(isQuestion ? 1 : 0);
+    EXPECT_THAT(answers,
+                ElementsAre(Pair("unread", isQuestion ? 1 : 0), Pair("nag 2", isQuestion ? 1 : 0)));
+    context.RunMessages();
+    EXPECT_EQ(ui.CloseFirst(), isQuestion) << "now it is asked";
+  }
+}
+
+TEST_F(AlertDeskTest, MoreRemindersThanBoxesAreRowsUntilTheLastIsAnswered) {
+  using enum AlertRole;
+  ui.MostBoxes = 2;
+  ui.Busy = "busy";
+  const auto places = [this] {
+    std::vector<std::pair<std::string, int32>> found;
+    for (const auto& alert : ui.Alerts) found.emplace_back(alert.Request.Text, alert.Place);
+    return found;
+  };
+  const auto show = [this](const char* text, AlertRole role = Delivery) {
+    desk.Show(Request(text, role));
+    context.RunMessages();
+  };
+  show("an error", Notice);
+  show("busy", Question);
+  show("a");
+  EXPECT_THAT(places(), ElementsAre(Pair("an error", 0), Pair("busy", 1), Pair("a", 2)));
+  show("b");
+  EXPECT_THAT(places(), ElementsAre(Pair("an error", 0), Pair("busy", 1), Pair("a", RowPlace),
+                                    Pair("b", RowPlace)));
+  ui.AnswerText("busy", 1);
+  ui.AnswerText("a", 1);
+  show("c", Prewarning);
+  EXPECT_EQ(ui.Alerts.back().Place, RowPlace) << "the window stays while it has a row";
+  for (int i = 0; i < 100; ++i) desk.Show(Request("heap", Delivery));
+  context.RunMessages();
+  EXPECT_EQ(ui.Alerts.size(), 103u) << "rows need no place";
+  while (ui.Alerts.size() > 1) ui.AnswerText(ui.Alerts.back().Request.Text, 1);
+  show("d");
+  EXPECT_EQ(ui.Alerts.back().Place, 1);
+}
+
+TEST_F(AlertDeskTest, AHeapIsShownTogether) {
+  ui.MostBoxes = 1;
+  desk.Show(Request("first", AlertRole::Delivery));
+  context.RunMessages();
+  desk.Show(Request("second", AlertRole::Delivery));
+  context.Queue.Post(Message(EVENT_DEALT_WITH));
+  desk.OpenWaiting();
+  EXPECT_EQ(ui.Alerts.size(), 1u) << "more may come";
+  context.RunMessages();
+  EXPECT_EQ(ui.Alerts.size(), 2u);
 }
 
 TEST_F(AlertDeskTest, AnAnswerCountsOnceAndAnImpossibleOneIsHarmless) {

@@ -58,7 +58,10 @@ struct KestrinSettingsTest : testing::Test {
                           Sides(Settings.SettingsWindowFrame), Settings.Layout.ColumnOrder,
                           Settings.Layout.ColumnShown, Settings.Layout.ColumnWidth,
                           Settings.Layout.SortKeys, Settings.Layout.SortModes,
-                          Settings.IconPanelLocation.x, Settings.IconPanelLocation.y));
+                          Settings.IconPanelLocation.x, Settings.IconPanelLocation.y,
+                          Settings.ReminderBoxes, Settings.EveningTime, Settings.MorningTime,
+                          Settings.LastLater, Settings.ReminderSound, Settings.ReminderVolume,
+                          Settings.SoundUntilAnswered, Settings.NagSoundUntilAnswered));
   }
   void Init() { InitSettings(Settings, *store, context.Notes); }
   void Write() { WriteSettings(Settings, *store, context.Notes); }
@@ -128,7 +131,7 @@ TEST_F(KestrinSettingsTest, EveryKeyOnThePageCountsOnlyWithItsTypeAndSize) {
     EXPECT_TRUE(counts);
     ++keys;
   }
-  EXPECT_EQ(keys, 16);
+  EXPECT_EQ(keys, 24);
 }
 
 TEST_F(KestrinSettingsTest, TheCountSplitsTheNamesAndTheBytesBoundThem) {

@@ -1,0 +1,65 @@
+// What was put off: kept on disk, brought back at its moment, ended when it has nothing to return
+// for.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "core/events/Context.h"
+#include "core/journal/Later.h"
+#include "core/loop/PutOffKeeper.h"
+
+namespace kestrin {
+
+class Event;
+
+/// Main thread. docs/reminders.md tells what becomes of each kind.
+class PutOffAlerts final : public PutOffKeeper {
+ public:
+  /// Both outlive this.
+  PutOffAlerts(Context& context, Later& later) : context_(context), later_(later) {}
+
+  std::string Keep(const AlertRequest& request, const PutOffMoment& when) override;
+  void Opening(AlertRequest& request) override;
+  void Ended(const AlertRequest& request) override;
+  void EventDeleted(uint64 set, uint64 event) override;
+
+  /// When the next one returns that does not stand on the screen already; 0 for none.
+  int64 NextReturn();
+  /// Asks for the alerts of all that is due. No set may be locked.
+  void ReturnDue();
+  /// Stores under which names the files of saved sets know the events.
+  void FollowNames();
+
+ private:
+  struct Handles {
+    uint64 Set = 0, Event = 0;
+  };
+  struct Found {
+    EventSet* set = nullptr;
+    Event* event = nullptr;
+  };
+  Found Find(const PutOffAlert& alert);
+  void Return(const PutOffAlert& alert);
+  bool AskAnew(const PutOffAlert& alert, Event& event);
+  void ShowAgain(const PutOffAlert& alert, const Found& found);
+  std::function<void(int)> DoneOf(const AlertRequest& request) const;
+  void End(const std::string& id);
+  const std::vector<PutOffAlert>& All();
+  void Changed();
+
+  Context& context_;
+  Later& later_;
+  std::map<std::string, Handles> handles_;   ///< by id; of those that this process has met
+  std::set<std::string> standing_;           ///< shown again, not yet answered
+  std::map<uint64, std::string> askedAnew_;  ///< ids by the event whose handler asks again
+  // Until something changes:
+  std::optional<std::vector<PutOffAlert>> all_;
+  std::optional<int64> next_;  ///< NextReturn
+};
+
+}  // namespace kestrin

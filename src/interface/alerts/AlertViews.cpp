@@ -1,0 +1,202 @@
+#include "interface/alerts/AlertViews.h"
+
+#include <QEventLoop>
+#include <QGuiApplication>
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+#include "core/events/Context.h"
+#include "core/events/EventSet.h"
+#include "core/events/OpenSets.h"
+#include "core/loop/AlertDesk.h"
+#include "core/settings/KestrinSettings.h"
+#include "interface/alerts/AlertCascade.h"
+#include "interface/alerts/AlertWindow.h"
+#include "interface/alerts/RemindersWindow.h"
+
+namespace kestrin {
+
+namespace {
+
+constexpr std::chrono::seconds BetweenSounds{12};
+
+}  // namespace
+
+AlertViews::AlertViews(AlertSound sound) : sound_(std::move(sound)) {
+  repeat_.setInterval(BetweenSounds);
+  connect(&repeat_, &QTimer::timeout, this, [this] {
+    if (GoesOnSounding())
+      sound_.Play();
+    else
+      repeat_.stop();
+  });
+}
+AlertViews::~AlertViews() { delete reminders_; }
+
+/// What opens in one turn of the event loop is heard once together.
+void AlertViews::Sound() {
+  if (std::exchange(soundIsComing_, true)) return;
+  QTimer::singleShot(0, this, [this] {
+    soundIsComing_ = false;
+    sound_.Play();
+    if (GoesOnSounding()) repeat_.start();
+  });
+}
+
+bool AlertViews::GoesOnSounding() const {
+  if (!context_) return false;
+  return std::any_of(heard_.begin(), heard_.end(), [this](const auto& entry) {
+    if (entry.second == AlertRole::Notice || entry.second == AlertRole::Prompt) return false;
+    return entry.second == AlertRole::Nag ? context_->settings.NagSoundUntilAnswered
+                                          : context_->settings.SoundUntilAnswered;
+  });
+}
+
+void AlertViews::Silence(AlertId id) {
+  const bool wentOn = GoesOnSounding();
+  heard_.erase(id);
+  if (!wentOn || GoesOnSounding()) return;
+  repeat_.stop();
+  if (sound_.Stop) sound_.Stop();
+}
+
+int32 AlertViews::MostReminderBoxes() const {
+  const int32 wanted = context_->settings.ReminderBoxes;
+  if (wanted <= 0) return INT32_MAX;
+  if (wanted == 1) return 0;
+  // There every window opens in the middle of the screen, over the one before.
+  return QGuiApplication::platformName().startsWith("wayland") ? 1 : wanted;
+}
+
+void AlertViews::Open(AlertId id, const AlertRequest& request, int32 place) {
+  heard_[id] = request.Role;
+  if (place == RowPlace)
+    AddRow(id, request);
+  else
+    OpenBox(id, request, place);
+  Sound();
+}
+
+bool AlertViews::MoveToWindow(AlertId id, const AlertRequest& request) {
+  const auto found = boxes_.find(id);
+  if (found == boxes_.end() || found->second->IsBusy()) return false;
+  Close(id);
+  heard_[id] = request.Role;
+  AddRow(id, request);
+  return true;
+}
+
+void AlertViews::AddRow(AlertId id, const AlertRequest& request) {
+  if (!reminders_) OpenReminders();
+  reminders_->Add(id, request);
+  if (!std::exchange(announcementIsComing_, true))
+    QTimer::singleShot(0, this, [this] {
+      announcementIsComing_ = false;
+      if (reminders_) reminders_->Announce();
+    });
+}
+
+void AlertViews::OpenReminders() {
+  reminders_ = new RemindersWindow(
+      *context_, [this](const AlertRequest& request) { return MayOpenEvent(request); });
+  connect(reminders_, &RemindersWindow::Answered, this, &AlertViews::Answer);
+  connect(reminders_, &RemindersWindow::PutOff, this, &AlertViews::PutOff);
+  connect(reminders_, &RemindersWindow::OpenEventWanted, this, &AlertViews::OpenEvent);
+  connect(reminders_, &RemindersWindow::Emptied, this, [this] {
+    RemindersWindow* const window = std::exchange(reminders_, nullptr);
+    if (!window) return;
+    window->hide();
+    window->deleteLater();
+  });
+}
+
+void AlertViews::OpenBox(AlertId id, const AlertRequest& request, int32 place) {
+  auto& box = boxes_[id] =
+      std::make_unique<AlertWindow>(context_, request, place, MayOpenEvent(request));
+  connect(box.get(), &AlertWindow::Pressed, this, [this, id](int which) { Answer(id, which); });
+  connect(box.get(), &AlertWindow::PutOff, this,
+          [this, id](const PutOffMoment& when) { PutOff(id, when); });
+  connect(box.get(), &AlertWindow::OpenEventWanted, this,
+          [this, set = request.Set, event = request.Event] { OpenEvent(set, event); });
+  box->Announce();
+}
+
+void AlertViews::Update(AlertId id, const AlertRequest& request) {
+  heard_[id] = request.Role;
+  if (reminders_ && reminders_->Update(id, request)) return Sound();
+  const auto found = boxes_.find(id);
+  if (found == boxes_.end()) return;
+  found->second->Update(request, MayOpenEvent(request));
+  found->second->Announce();
+  Sound();
+}
+
+void AlertViews::Raise(AlertId id) {
+  const auto found = boxes_.find(id);
+  if (found != boxes_.end())
+    found->second->Raise();
+  else if (reminders_)
+    reminders_->Raise(id);
+}
+
+void AlertViews::Close(AlertId id) {
+  Silence(id);
+  if (reminders_ && reminders_->Remove(id)) return;
+  const auto found = boxes_.find(id);
+  if (found == boxes_.end()) return;
+  // One of the window's own buttons may be what calls this.
+  AlertWindow* window = found->second.release();
+  boxes_.erase(found);
+  window->hide();
+  window->deleteLater();
+}
+
+void AlertViews::KeepOnScreen() {
+  for (auto& [id, box] : boxes_) box->KeepOnScreen();
+}
+
+void AlertViews::Answer(AlertId id, int which) {
+  Close(id);
+  context_->alerts.Answered(id, which);
+}
+
+void AlertViews::PutOff(AlertId id, const PutOffMoment& when) {
+  const std::string why = context_->alerts.PutOff(id, when);
+  if (why.empty()) {
+    Close(id);
+    return;
+  }
+  const auto found = boxes_.find(id);
+  if (found != boxes_.end())
+    found->second->Complain(why);
+  else if (reminders_)
+    reminders_->Complain(id, why);
+}
+
+bool AlertViews::MayOpenEvent(const AlertRequest& request) const {
+  if (!context_ || request.Event == 0 || !request.IsReminder()) return false;
+  const AutoLock open(context_->openSets.Protect);
+  const EventSet* const set = context_->openSets.FindHandle(request.Set);
+  return set && set->FindEvent(request.Event);
+}
+
+/// The set's window comes with the editor: what is changed there is saved there.
+void AlertViews::OpenEvent(uint64 setHandle, uint64 event) {
+  const AutoLock open(context_->openSets.Protect);
+  EventSet* const set = context_->openSets.FindHandle(setHandle);
+  if (!set || !set->FindEvent(event)) return;
+  set->OpenWindow();
+  if (Event* const found = set->FindEvent(event)) found->OpenWindow();
+}
+
+void AlertViews::WaitForFatalError(const AlertRequest& request) {
+  AlertWindow window(nullptr, request, AlertCascade::Places - 1, false);
+  window.setAttribute(Qt::WA_ShowWithoutActivating, false);
+  QEventLoop loop;
+  connect(&window, &AlertWindow::Pressed, &loop, &QEventLoop::quit);
+  window.Announce();
+  loop.exec();
+}
+
+}  // namespace kestrin

@@ -1,0 +1,140 @@
+// Many reminders in one window: answered one by one, and all together.
+#include <gmock/gmock.h>
+
+#include <QLabel>
+#include <QPushButton>
+#include <QTreeView>
+#include <QtTest/QTest>
+
+#include "harness/ScreenContext.h"
+#include "interface/alerts/AlertText.h"
+
+namespace kestrin {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Pair;
+using testing::SizeIs;
+
+struct RemindersWindowTest : testing::Test {
+  ScreenContext context;
+  std::vector<std::pair<std::string, int>> answers;
+
+  RemindersWindowTest() { context.Core.settings.ReminderBoxes = 1; }
+
+  void Show(const std::string& name, AlertRole role = AlertRole::Delivery, bool away = false) {
+    AlertRequest request;
+    request.Text = "Kestrin event:  " + name + "\n\nsay " + name;
+    request.Role = role;
+    request.Face.EventName = name;
+    request.Occurrence = 1;
+    request.Away = away;
+    request.Buttons = {"Ok"};
+    if (role == AlertRole::Question) request.Buttons = {"Cancel", "Ok"};
+    if (role == AlertRole::Nag) {
+      request.Buttons = {"No more nagging", "OK"};
+      request.HarmlessButton = request.DefaultButton = 1;
+      request.ComesAgain = 2000;
+      request.Event = nags_++;
+    }
+    request.Done = [this, name](int which) { answers.emplace_back(name, which); };
+    context.Alerts.Show(std::move(request));
+  }
+  QWidget* Window() {
+    context.RunMessages();
+    QCoreApplication::processEvents();
+    for (QWidget* widget : QApplication::topLevelWidgets())
+      if (widget->objectName() == "reminders" && widget->isVisible()) return widget;
+    return nullptr;
+  }
+  template <typename T>
+  T* Part(const char* name) {
+    return Window()->findChild<T*>(name);
+  }
+  void Click(const char* name) { QTest::mouseClick(Part<QPushButton>(name), Qt::LeftButton); }
+  QTreeView* List() { return Part<QTreeView>("reminderList"); }
+  std::vector<std::string> Rows() {
+    std::vector<std::string> rows;
+    for (int row = 0; row < List()->model()->rowCount(); ++row)
+      rows.push_back(List()->model()->index(row, 0).data().toString().toStdString());
+    return rows;
+  }
+  std::string Current() { return List()->currentIndex().data().toString().toStdString(); }
+
+ private:
+  uint64 nags_ = 1000;
+};
+
+TEST_F(RemindersWindowTest, WhatComesStandsAtTheEndUnderItsHeadingAndMovesNothing) {
+  Show("a", AlertRole::Delivery, true);
+  Show("b", AlertRole::Delivery, true);
+  Show("c");
+  EXPECT_THAT((Window(), Rows()), ElementsAre("While you were away", "a", "b", "Now", "c"));
+  EXPECT_EQ(Current(), "a");
+  List()->selectAll();
+  List()->setFocus();
+  for (int i = 0; i < 60; ++i) Show("new");
+  EXPECT_EQ((Window(), Current()), "a");
+  EXPECT_THAT(List()->selectionModel()->selectedRows(), SizeIs(3));
+  EXPECT_EQ(Window()->focusWidget(), List());
+  EXPECT_TRUE(Part<QPushButton>("newReminders")->isVisible());
+  Click("newReminders");
+  EXPECT_TRUE(List()->viewport()->rect().intersects(
+      List()->visualRect(List()->model()->index(List()->model()->rowCount() - 1, 0))));
+  EXPECT_FALSE(Part<QPushButton>("newReminders")->isVisible());
+}
+
+TEST_F(RemindersWindowTest, SixtyAreClearedFromTheKeyboardWithTheFocusOnTheSameButton) {
+  for (int i = 0; i < 60; ++i)
+    Show(std::to_string(i), i % 3 == 0 ? AlertRole::Nag : AlertRole::Delivery);
+  Show("asks", AlertRole::Question);
+  Window()->activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(Window()));
+  QTest::mouseClick(Window(), Qt::LeftButton, {}, QPoint(2, 2));
+  for (int i = 0; i < 60; ++i) {
+    ASSERT_EQ(Current(), std::to_string(i));
+    auto* focused = qobject_cast<QPushButton*>(Window()->focusWidget());
+    ASSERT_TRUE(focused && focused->text().compare("ok", Qt::CaseInsensitive) == 0) << i;
+    EXPECT_THAT(Part<AlertText>("alertText")->toPlainText().toStdString(),
+                testing::EndsWith("say " + std::to_string(i)));
+    QTest::keyClick(focused, Qt::Key_Return);
+  }
+  EXPECT_THAT(answers, SizeIs(60));
+  EXPECT_EQ(Current(), "asks");
+  EXPECT_EQ(qobject_cast<QPushButton*>(Window()->focusWidget())->text(), "Cancel");
+  Click("alertButton1");
+  EXPECT_THAT(answers, SizeIs(60)) << "a click that was meant for the row before";
+  QTest::keyClick(Window()->focusWidget(), Qt::Key_Escape);
+  EXPECT_THAT(answers.back(), Pair("asks", 0));
+  EXPECT_FALSE(Window());
+}
+
+TEST_F(RemindersWindowTest, OkAllLeavesQuestionsAndCanBeTakenBack) {
+  for (const char* name : {"a", "b", "c"}) Show(name);
+  Show("nag", AlertRole::Nag);
+  Show("asks", AlertRole::Question);
+  EXPECT_EQ(Part<QPushButton>("okAll")->text(), "OK &all (4)");
+  Click("okAll");
+  EXPECT_THAT(Rows(), ElementsAre("Now", "asks"));
+  EXPECT_EQ(Part<QLabel>("whatIsLeft")->text(), "4 answered, 1 question is left, 1 nag goes on");
+  Click("takeBack");
+  EXPECT_THAT(answers, IsEmpty());
+  EXPECT_THAT(Rows(), ElementsAre("Now", "a", "b", "c", "nag", "asks"));
+
+  QItemSelectionModel& selected = *List()->selectionModel();
+  selected.select(List()->model()->index(2, 0),
+                  QItemSelectionModel::Select | QItemSelectionModel::Rows);
+  EXPECT_EQ(Part<QPushButton>("okAll")->text(), "OK sele&cted (2)");
+  Click("okAll");
+  EXPECT_THAT(Rows(), ElementsAre("Now", "c", "nag", "asks"));
+  Click("okAll");
+  EXPECT_THAT(answers, ElementsAre(Pair("a", 0), Pair("b", 0))) << "the ones before for good";
+  Window()->close();
+  EXPECT_THAT(answers, ElementsAre(Pair("a", 0), Pair("b", 0), Pair("c", 0), Pair("nag", 1),
+                                   Pair("asks", 0)));
+  EXPECT_FALSE(Window());
+}
+
+}  // namespace
+}  // namespace kestrin
