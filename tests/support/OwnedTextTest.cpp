@@ -31,7 +31,8 @@ TEST(OwnedText, IsCutBetweenCharacters) {
       {x(4091) + "\xF0\x9F\x98\x80" + x(1), x(4091) + "\xF0\x9F\x98\x80"},
       // What is not UTF-8 is cut at the byte.
       {std::string(5000, '\x80'), std::string(4095, '\x80')},
-      {x(4094) + "\xE9\xE9", x(4094) + "\xE9"}};
+      {x(4094) + "\xE9\xE9", x(4094) + "\xE9"},
+      {x(4092) + "\xF0\x9F\x94\xA7y", x(4092)}};
   for (const auto& [given, fitted] : cases) {
     bool wasCut = false;
     EXPECT_EQ(FitText(given, &wasCut), fitted) << given.size();
