@@ -59,9 +59,6 @@ add_custom_target(kestrin_made ALL DEPENDS ${kestrin_made})
 
 # For writers of add-ons: find_package(kestrin) and the target kestrin::add_on.
 include(CMakePackageConfigHelpers)
-add_library(kestrin_add_on INTERFACE)
-set_target_properties(kestrin_add_on PROPERTIES EXPORT_NAME add_on)
-target_compile_features(kestrin_add_on INTERFACE cxx_std_20)
 install(TARGETS kestrin_add_on EXPORT kestrin COMPONENT add_ons INCLUDES DESTINATION include)
 install(EXPORT kestrin NAMESPACE kestrin:: FILE kestrinConfig.cmake
         DESTINATION share/cmake/kestrin COMPONENT add_ons)

@@ -134,7 +134,11 @@ void LoadEventHandlers(Context& context, SettingsStore* settings, const std::str
   LoadBuiltInHandlers(context);
   context.handlers.AddOnSettings = settings;
   std::vector<std::string> leftOut;
-  for (const std::string& folder : {kestrinDir + "/add-ons", userAddOnFolder})
+  std::vector<std::string> folders = {kestrinDir + "/add-ons"};
+  // Installed for one person, the application lies beside the person's own add-ons.
+  if (context.files.Canonical(userAddOnFolder) != context.files.Canonical(folders[0]))
+    folders.push_back(userAddOnFolder);
+  for (const std::string& folder : folders)
     for (const std::string& name :
          context.files.List(folder).value_or(std::vector<std::string>())) {
       std::string path = folder;

@@ -228,5 +228,31 @@ TEST_F(OutsideAddOnTest, KeepsWhatALaterVersionStored) {
   }
 }
 
+TEST_F(LoadEventHandlersTest, ThePagesExampleReadsItsLineAndShowsIt) {
+  fs::create_symlink(fs::path(KESTRIN_QUOTE) / "Quote.so", root_ / "user/quote");
+  Load();
+  std::ofstream(root_ / "in", std::ios::binary) << std::string("\0\5\0\0\0Carpe", 10);
+  Opened<EndianIndependentFile> in(World.SystemFiles, In("in"), OpenReadOnly, 64);
+  Event& event = MakeEvent("Quote");
+  bool ok = false;
+  event.AdoptAddOnData(
+      World.Handlers.Find("Quote"),
+      World.Handlers.MakeAddOnData(World.Handlers.Find("Quote"), &event, &in, &ok, nullptr));
+  ASSERT_TRUE(ok);
+  HandlerActions().DeliverEvent(event, false);
+  World.RunMessages();
+  EXPECT_EQ(World.Ui.Texts(), (Texts{"Kestrin event:  Tea\n\nCarpe"}));
+  while (World.Ui.CloseFirst()) World.RunMessages();
+  EXPECT_EQ(World.Holding.Count(), 0);
+}
+
+TEST_F(LoadEventHandlersTest, AFolderThatIsBothPlacesIsReadOnce) {
+  Put("Good", "app/add-ons/good");
+  fs::create_directory_symlink(root_ / "app/add-ons", root_ / "same");
+  LoadEventHandlers(World.Core, nullptr, In("app"), In("same"));
+  World.RunMessages();
+  EXPECT_THAT(Rows(), testing::ElementsAre("Good"));
+}
+
 }  // namespace
 }  // namespace kestrin
