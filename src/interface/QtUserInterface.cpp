@@ -4,6 +4,7 @@
 #include <QScreen>
 
 #include "core/events/Context.h"
+#include "core/loop/Holds.h"
 #include "interface/alerts/AlertAccessible.h"
 #include "interface/common/ApplicationIcon.h"
 #include "interface/editor/EventWindow.h"
@@ -76,6 +77,20 @@ void QtUserInterface::WaitForFatalError(const std::string& title, const std::str
 }
 
 void QtUserInterface::ShowOpenPanel() {
+  if (openPanel_) {
+    ShowOwnOpenPanel();
+    return;
+  }
+  if (desktopPanel_.IsOpen()) return;
+  context_->holds.ProcessHold();
+  desktopPanel_.Ask(context_->filePanels, RequestForSets(), [this](const FilePanelAnswer& answer) {
+    if (answer.What == FilePanelAnswer::Kind::Unavailable) ShowOwnOpenPanel();
+    if (answer.What == FilePanelAnswer::Kind::Chosen) PostOpenFiles(*context_, answer.Files);
+    context_->holds.ProcessDone();
+  });
+}
+
+void QtUserInterface::ShowOwnOpenPanel() {
   if (!openPanel_) openPanel_ = new OpenFilePanel(*context_);
   openPanel_->show();
   openPanel_->raise();
@@ -97,6 +112,9 @@ void QtUserInterface::CloseOtherWindows() {
   for (SideWindow* window : std::initializer_list<SideWindow*>{settingsWindow_, aboutWindow_})
     if (window && !window->IsClosed()) window->close();
   if (openPanel_) openPanel_->reject();
+  if (!desktopPanel_.IsOpen()) return;
+  desktopPanel_.Withdraw();
+  context_->holds.ProcessDone();
 }
 
 void QtUserInterface::SettingsChanged() {

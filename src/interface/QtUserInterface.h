@@ -7,6 +7,7 @@
 
 #include "core/ports/UserInterface.h"
 #include "interface/alerts/AlertViews.h"
+#include "interface/common/FilePanels.h"
 
 namespace kestrin {
 
@@ -52,6 +53,7 @@ class QtUserInterface final : public QObject, public UserInterface {
  private:
   template <typename Window, typename... Parts>
   void ShowOnly(QPointer<Window>& window, Parts&... parts);
+  void ShowOwnOpenPanel();
   void WatchScreens();
 
   AlertViews alerts_;
@@ -60,6 +62,7 @@ class QtUserInterface final : public QObject, public UserInterface {
   QPointer<SettingsWindow> settingsWindow_;
   QPointer<AboutWindow> aboutWindow_;
   QPointer<OpenFilePanel> openPanel_;
+  DesktopPanel desktopPanel_;  ///< the one that opens sets
 };
 
 }  // namespace kestrin

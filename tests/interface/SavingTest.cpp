@@ -189,5 +189,46 @@ TEST_F(SavingTest, FilesDroppedOnTheWindowOpenWhateverTheirNamesAndAreNotMoved) 
   EXPECT_EQ(std::remove(Path(odd).c_str()), 0);
 }
 
+/// The desktop's panel, which answers what the test says.
+class FakePanels final : public DesktopFilePanels {
+ public:
+  uint64 Ask(const FilePanelRequest& request, Done done) override {
+    Requests.push_back(request);
+    done_ = std::move(done);
+    return Requests.size();
+  }
+  void Withdraw(uint64) override { done_ = nullptr; }
+  void Choose(const std::string& file, bool box) {
+    std::exchange(done_, nullptr)({FilePanelAnswer::Kind::Chosen, {file}, box});
+  }
+  bool Open() const { return done_ != nullptr; }
+  std::vector<FilePanelRequest> Requests;
+
+ private:
+  Done done_;
+};
+
+TEST_F(SavingTest, TheDesktopsPanelComesAgainWithTheNameThatWasRefused) {
+  FakePanels panels;
+  It->Core.filePanels = &panels;
+  std::ofstream(Path("Dr. Tea.kestrin")) << "dear";
+  EventSet& set = NewSet();
+  set.AddEvent(nullptr)->SetName("Tea");
+  Choose(WindowOf(set), "Save");
+  ASSERT_TRUE(panels.Open());
+  EXPECT_FALSE(Panel());
+  panels.Choose(Path("Dr. Tea"), true);
+  Run();
+  ASSERT_TRUE(Answer("Dr. Tea.kestrin", "Cancel")) << "another file than was confirmed";
+  ASSERT_TRUE(panels.Open());
+  EXPECT_EQ(panels.Requests.back().Name, "Dr. Tea.kestrin");
+  EXPECT_TRUE(panels.Requests.back().BoxTicked);
+  panels.Choose(Path("Dr. Tea.kestrin"), true);
+  Run();
+  EXPECT_EQ(set.GetFileName(), Path("Dr. Tea.kestrin")) << "the panel has asked";
+  EXPECT_THAT(Remembered(), ElementsAre(Path("Dr. Tea.kestrin")));
+  It->Core.filePanels = nullptr;
+}
+
 }  // namespace
 }  // namespace kestrin

@@ -10,6 +10,7 @@ namespace kestrin {
 
 class AlertDesk;
 class Desktop;
+class DesktopFilePanels;
 class EventActions;
 class HandlerTable;
 class Holds;
@@ -34,8 +35,9 @@ struct Context {
   OpenSets& openSets;
   KestrinSettings& settings;
   HandlerTable& handlers;
-  Zone zone;              ///< the system's zone; changed only between messages
-  uint64 nextHandle = 1;  ///< handles of sets and events; never reused
+  Zone zone;                                ///< the system's zone; changed only between messages
+  uint64 nextHandle = 1;                    ///< handles of sets and events; never reused
+  DesktopFilePanels* filePanels = nullptr;  ///< null: the program shows panels of its own
 };
 
 }  // namespace kestrin

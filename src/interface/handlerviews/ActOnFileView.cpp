@@ -7,6 +7,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "core/events/EventSet.h"
 #include "interface/common/DroppedFiles.h"
 #include "interface/common/FilePanels.h"
 #include "interface/common/ShownText.h"
@@ -52,6 +53,18 @@ void ActOnFileView::OpenPanel() {
     panel_->activateWindow();
     return;
   }
+  if (desktopPanel_.IsOpen()) return;
+  const QString current = QFile::decodeName(handler_.GetFileName());
+  desktopPanel_.Ask(handler_.GetAttachedTo()->GetOwner()->GetContext().filePanels,
+                    RequestFor(this, "Select file", current),
+                    [this](const FilePanelAnswer& answer) {
+                      if (answer.What == FilePanelAnswer::Kind::Unavailable) OpenOwnPanel();
+                      if (answer.What == FilePanelAnswer::Kind::Chosen)
+                        Choose(answer.Files.front());
+                    });
+}
+
+void ActOnFileView::OpenOwnPanel() {
   panel_ = new QFileDialog(this, "Select file");
   panel_->setObjectName("filePanel");
   panel_->setAttribute(Qt::WA_DeleteOnClose);

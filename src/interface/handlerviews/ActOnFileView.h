@@ -6,6 +6,7 @@
 #include <string>
 
 #include "handlers/ActOnFileDataHandler.h"
+#include "interface/common/FilePanels.h"
 
 class QFileDialog;
 
@@ -27,11 +28,13 @@ class ActOnFileView final : public QWidget {
 
  private:
   void OpenPanel();
+  void OpenOwnPanel();
   void Choose(const std::string& path);
   void ShowFile();
 
   ActOnFileDataHandler& handler_;
   PathLabel* file_;
+  DesktopPanel desktopPanel_;
   QPointer<QFileDialog> panel_;
 };
 

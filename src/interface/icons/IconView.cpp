@@ -33,11 +33,11 @@ int32 StandardIconLike(IconPair icon) {
   return WhichStandardIcon(icon);
 }
 
-QString ImageFilter() {
-  QStringList patterns;
+QString ImageGlobs() {
+  QStringList globs;
   for (const QByteArray& format : QImageReader::supportedImageFormats())
-    patterns << "*." + QString::fromLatin1(format);
-  return "Images (" + patterns.join(' ') + ')';
+    globs << "*." + QString::fromLatin1(format);
+  return globs.join(' ');
 }
 
 }  // namespace
@@ -68,6 +68,7 @@ void IconView::ShowEvent() {
 
 void IconView::Forget() {
   event_ = nullptr;
+  desktopPanel_.Withdraw();
   // They go on a later turn: then no set is locked and nobody counts windows.
   for (QWidget* opened : std::initializer_list<QWidget*>{menu_, filePanel_, panel_})
     if (opened) opened->close();
@@ -92,13 +93,29 @@ void IconView::OpenMenu() {
 }
 
 void IconView::OpenFilePanel() {
+  if (desktopPanel_.IsOpen() || !event_) return;
+  if (filePanel_) {
+    OpenOwnFilePanel();
+    return;
+  }
+  FilePanelRequest request = RequestFor(this, "Choose image file", {});
+  request.Filters = {{"Images", ImageGlobs().toStdString()}, {"All files", "*"}};
+  desktopPanel_.Ask(event_->GetOwner()->GetContext().filePanels, request,
+                    [this](const FilePanelAnswer& answer) {
+                      if (answer.What == FilePanelAnswer::Kind::Unavailable) OpenOwnFilePanel();
+                      if (answer.What == FilePanelAnswer::Kind::Chosen)
+                        Import(QFile::decodeName(answer.Files.front().c_str()));
+                    });
+}
+
+void IconView::OpenOwnFilePanel() {
   if (!filePanel_) {
     filePanel_ = new QFileDialog(this, "Choose image file");
     filePanel_->setObjectName("iconFilePanel");
     filePanel_->setAttribute(Qt::WA_DeleteOnClose);
     filePanel_->setFileMode(QFileDialog::ExistingFile);
     SetUpFilePanel(*filePanel_);
-    filePanel_->setNameFilters({ImageFilter(), "All files (*)"});
+    filePanel_->setNameFilters({"Images (" + ImageGlobs() + ')', "All files (*)"});
     connect(filePanel_, &QFileDialog::fileSelected, this, &IconView::Import);
   }
   filePanel_->show();

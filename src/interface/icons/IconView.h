@@ -4,6 +4,7 @@
 #include <QPointer>
 #include <QToolButton>
 
+#include "interface/common/FilePanels.h"
 #include "interface/icons/IconGrid.h"
 
 class QFileDialog;
@@ -34,6 +35,7 @@ class IconView final : public QToolButton {
  private:
   void OpenMenu();
   void OpenFilePanel();
+  void OpenOwnFilePanel();
   void OpenPanel();
   IconChoice Now() const;
   void Choose(const IconChoice& choice);
@@ -41,6 +43,7 @@ class IconView final : public QToolButton {
 
   Event* event_;
   QPointer<IconMenu> menu_;
+  DesktopPanel desktopPanel_;
   QPointer<QFileDialog> filePanel_;
   QPointer<IconPanel> panel_;
 };

@@ -33,6 +33,14 @@ void PostOpenFiles(Context& context, const std::vector<std::string>& files) {
   context.queue.Post(OpenFiles(files));
 }
 
+FilePanelRequest RequestForSets() {
+  FilePanelRequest request =
+      RequestFor(QApplication::activeWindow(), "Open event sets", StartFolder());
+  request.What = FilePanelRequest::Kind::OpenSeveral;
+  request.Filters = {{"Kestrin event sets", "*.kestrin"}, {"All files", "*"}};
+  return request;
+}
+
 OpenFilePanel::OpenFilePanel(Context& context)
     : QFileDialog(nullptr, "Open event sets"), context_(context) {
   setObjectName("openPanel");

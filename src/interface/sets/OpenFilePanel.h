@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "interface/common/FilePanels.h"
+
 namespace kestrin {
 
 struct Context;
@@ -25,6 +27,9 @@ class OpenFilePanel final : public QFileDialog {
   Context& context_;
   bool holds_ = true;
 };
+
+/// The same question for the desktop's panel.
+FilePanelRequest RequestForSets();
 
 /// Asks the application to open these files in windows.
 void PostOpenFiles(Context& context, const std::vector<std::string>& files);

@@ -25,9 +25,14 @@ class SetFilePanel final : public QFileDialog {
 
  private:
   QString ChosenFile() const;
+  void AskForFolder();
+  void MakeFolder(const QString& name);
 
   QCheckBox* remember_;
 };
+
+/// The name with the suffix of event sets, unless it ends in it.
+QString WithSetSuffix(const QString& name);
 
 /// The filters of both file panels, and the folder in which they start when there is no better one.
 QStringList SetFileFilters();

@@ -10,7 +10,7 @@
 #include "core/loop/AppMessages.h"
 #include "core/loop/Notices.h"
 #include "core/settings/KestrinSettings.h"
-#include "interface/sets/SetFilePanel.h"
+#include "interface/sets/SaveNamePanel.h"
 #include "support/FileDoor.h"
 
 namespace kestrin {
@@ -108,26 +108,25 @@ void SetSaving::Discard() {
 }
 
 void SetSaving::OpenPanel(bool remember) {
-  if (!panel_) {
-    const std::string& file = set_->GetFileName();
-    panel_ =
-        new SetFilePanel(window_, QFile::decodeName(QByteArray::fromStdString(file)), remember);
-    connect(panel_, &SetFilePanel::NameChosen, this, [this](const QString& path) {
-      NameChosen(set_->GetContext().files.Canonical(QFile::encodeName(path).toStdString()));
-    });
-    connect(panel_, &SetFilePanel::rejected, this, &SetSaving::PanelCancelled);
-    connect(panel_, &SetFilePanel::finished, panel_, &QObject::deleteLater);
-    panel_->open();
+  if (panel_) {
+    panel_->Raise();
+    return;
   }
-  panel_->raise();
-  panel_->activateWindow();
+  const QString file = QFile::decodeName(QByteArray::fromStdString(set_->GetFileName()));
+  panel_ = new SaveNamePanel(window_, set_->GetContext().filePanels, file, remember);
+  connect(panel_, &SaveNamePanel::NameChosen, this, [this](const QString& path, bool confirmed) {
+    NameChosen(set_->GetContext().files.Canonical(PathBytes(path)), confirmed);
+  });
+  connect(panel_, &SaveNamePanel::Cancelled, this, &SetSaving::PanelCancelled);
+  panel_->Ask();
 }
 
-void SetSaving::NameChosen(const std::string& file) {
+void SetSaving::NameChosen(const std::string& file, bool confirmed) {
   const bool isOwn = !set_->IsUntitled() && file == set_->GetFileName();
+  const bool exists = set_->GetContext().files.Kind(file) != FileKind::Missing;
   if (IsAnothers(file))
     Refuse(file);
-  else if (!isOwn && set_->GetContext().files.Kind(file) != FileKind::Missing)
+  else if (!isOwn && !confirmed && exists)
     AskToReplace(file);
   else
     SaveInto(file);
@@ -146,6 +145,9 @@ void SetSaving::Refuse(const std::string& file) {
                  "another name.";
   request.Kind = AlertKind::Warning;
   request.Role = AlertRole::Prompt;
+  request.Done = [panel = panel_](int) {
+    if (panel) panel->AskAgain();
+  };
   set_->GetContext().alerts.Show(std::move(request));
 }
 
@@ -159,8 +161,10 @@ void SetSaving::AskToReplace(const std::string& file) {
   request.Role = AlertRole::Prompt;
   request.Done = [this, panel = panel_, file](int which) {
     // With the panel, who asked has gone.
-    if (!panel || which != ReplaceFile) return;
-    if (IsAnothers(file))
+    if (!panel) return;
+    if (which != ReplaceFile)
+      panel->AskAgain();
+    else if (IsAnothers(file))
       Refuse(file);
     else
       SaveInto(file);
@@ -170,7 +174,7 @@ void SetSaving::AskToReplace(const std::string& file) {
 
 void SetSaving::SaveInto(const std::string& file) {
   const bool remember = panel_->Remember();
-  const QPointer<SetFilePanel> panel = std::exchange(panel_, nullptr);
+  const QPointer<SaveNamePanel> panel = std::exchange(panel_, nullptr);
   panel->CloseAccepted();
   set_->CommitEdits();
   Done(set_->SaveAs(file, remember));

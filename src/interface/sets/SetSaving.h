@@ -9,7 +9,7 @@ namespace kestrin {
 
 class DocumentApp;
 class EventSet;
-class SetFilePanel;
+class SaveNamePanel;
 
 /// Belongs to the window. Nothing here waits: panels and questions go on when they are answered.
 class SetSaving final : public QObject {
@@ -38,7 +38,7 @@ class SetSaving final : public QObject {
   void Answered(int which);
   void Discard();
   void OpenPanel(bool remember);
-  void NameChosen(const std::string& file);
+  void NameChosen(const std::string& file, bool confirmed);
   bool IsAnothers(const std::string& file) const;
   void Refuse(const std::string& file);
   void AskToReplace(const std::string& file);
@@ -51,7 +51,7 @@ class SetSaving final : public QObject {
   EventSet* set_;
   DocumentApp& application_;
   QWidget& window_;
-  QPointer<SetFilePanel> panel_;
+  QPointer<SaveNamePanel> panel_;
   bool quitOnceSaved_ = false;
 };
 

@@ -28,6 +28,7 @@
 #include "session/BusBackground.h"
 #include "session/DisplayProbe.h"
 #include "session/LogindWatch.h"
+#include "session/PortalFilePanels.h"
 #include "session/ProcessInfo.h"
 #include "session/QueueRunner.h"
 #include "session/ReminderSound.h"
@@ -64,6 +65,7 @@ std::string ProcessMark() {
 struct Parts {
   Parts(MessageQueue& messages, ApplicationBus& applicationBus)
       : queue(messages), bus(applicationBus) {
+    context.filePanels = &filePanels;
     ui.Connect(context, app.Ending());
   }
 
@@ -95,6 +97,7 @@ struct Parts {
   SystemClock clock;
   SystemFileDoor files;
   Holds holds{queue};
+  PortalFilePanels filePanels{bus.Connection()};
   ReminderSound sound{[] {
     QMetaObject::invokeMethod(
         qApp, [] { QApplication::beep(); }, Qt::QueuedConnection);
