@@ -18,7 +18,8 @@ ALLOWED = {
     "kestrin::StandardMiniIconData(int)::all": "likewise",
 }
 # By the toolkit and its compiler; and guards, whose objects are named themselves.
-MADE = re.compile(r"^QtPrivate::QMetaTypeInterfaceWrapper<|::qt_metatype_id\(\)::metatype_id$|"
+MADE = re.compile(r"^QtPrivate::QMetaTypeInterfaceWrapper<|^QMetaType::register\w+Impl<|"
+                  r"::qt_metatype_id\(\)::metatype_id$|"
                   r"^guard variable for ")
 WRITABLE = {".data", ".bss", ".tdata", ".tbss"}
 
