@@ -35,7 +35,8 @@ std::unique_ptr<EventSet> Read(Context& context, const std::string& path) {
 
 std::string Written(EventSet& set, MemoryFileDoor& disk) {
   Opened<EndianIndependentFile> file(disk, "/written", OpenWriteOnly | OpenCreate | OpenErase, 512);
-  Demand(WriteSetFile(set, file), "what was read can be written");
+  std::string fault;
+  Demand(WriteSetFile(set, file, fault), "what was read can be written");
   return *disk.Bytes("/written");
 }
 

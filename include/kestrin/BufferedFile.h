@@ -40,6 +40,8 @@ class BufferedFile {
   status_t FlushBuffer();
   /// Makes what was flushed durable.
   status_t Sync();
+  /// Why a write was not whole: the negative errno of the last one that failed, else StatusOk.
+  status_t WriteFailure() const { return writeFailure_; }
 
   // The plain operations; each synchronises the buffer first and returns 0 when that fails
   // (SetSize and SetTo: StatusFileError).
@@ -109,6 +111,7 @@ class BufferedFile {
   int64 bytesBehindBuffer_ = -1;
   uint32 openMode_ = 0;
   status_t initStatus_ = StatusOk;
+  status_t writeFailure_ = StatusOk;
   bool dirty_ = false;
 };
 

@@ -68,7 +68,9 @@ int32 BufferedFile::ReadFromFile(uint8* data, int32 count) {
 
 int32 BufferedFile::WriteToFile(const uint8* data, int32 count) {
   bytesBehindBuffer_ = -1;
-  return static_cast<int32>(std::max<int64>(file_->Write(data, static_cast<size_t>(count)), 0));
+  const int64 written = file_->Write(data, static_cast<size_t>(count));
+  if (written < 0) writeFailure_ = static_cast<status_t>(written);
+  return static_cast<int32>(std::max<int64>(written, 0));
 }
 
 bool BufferedFile::WritePending() {

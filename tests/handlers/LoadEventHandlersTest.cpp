@@ -156,6 +156,9 @@ TEST_F(LoadEventHandlersTest, WhatAnAddOnThrowsStopsAtTheBorder) {
   World.RunMessages();
   EXPECT_EQ(World.Ui.History.back().Text,
             "Kestrin: The handler \"Throwing action\" failed to deal with the event \"Tea\".");
+  EXPECT_FALSE(event.GetOwner()->SaveAs(In("tea.kestrin"), false));
+  EXPECT_EQ(event.GetOwner()->WhyNotSaved(),
+            "The handler \"Throwing action\" failed to write its data of the event \"Tea\".");
 }
 
 TEST_F(LoadEventHandlersTest, EveryPromisedServiceIsThere) {

@@ -123,7 +123,7 @@ TEST_F(SavingTest, ASaveUnderAnotherNameThatFailsChangesNothing) {
   QDir(Folder.path()).rmdir("gone");
   Accept("Other", true);
   EXPECT_THAT(AlertTexts(), ElementsAre("There was an error attempting to save the event set "
-                                        "\"Work.kestrin\"."));
+                                        "\"Work.kestrin\".\n\nNo such file or directory."));
   EXPECT_EQ(set.GetFileName(), Path("Work.kestrin"));
   EXPECT_TRUE(set.HasBeenModified());
   EXPECT_THAT(Remembered(), ElementsAre(Path("Work.kestrin")));

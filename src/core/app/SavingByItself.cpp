@@ -51,7 +51,7 @@ bool SavingByItself::SaveItself(EventSet& set) {
 void SavingByItself::ReportUnsaved(const EventSet& set) {
   if (!reported_.insert(set.GetHandle()).second) return;
   context_.notices.ReportCompoundError("Kestrin was unable to save the event set ",
-                                       set.GetFileName(), ".");
+                                       set.GetFileName(), "." + Because(set.WhyNotSaved()));
 }
 
 void SavingByItself::SaveRecoveryCopies() {

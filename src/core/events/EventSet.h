@@ -66,6 +66,7 @@ class EventSet : public Locker {
   SetFile& File() { return *file_; }
   using SavedBy = SetFile::SavedBy;
   bool SaveData(SavedBy by = SavedBy::User) { return file_->Save(by); }
+  const std::string& WhyNotSaved() const { return file_->WhyNotSaved(); }
   bool SaveCopy(const std::string& path) { return file_->SaveCopy(path); }
   bool SaveAs(const std::string& path, bool remember) { return file_->SaveAs(path, remember); }
   void SaveDeliveriesAlone() { file_->SaveDeliveriesAlone(); }

@@ -25,10 +25,11 @@ std::unique_ptr<EventAddOnData> HandlerTable::MakeAddOnData(int32 row, Event* ev
   }
 }
 
-bool SaveAddOnData(EventAddOnData& data, EndianIndependentFile* file) {
+bool SaveAddOnData(EventAddOnData& data, EndianIndependentFile* file, bool* threw) {
   try {
     return data.SaveData(file);
   } catch (...) {
+    if (threw) *threw = true;
     return false;
   }
 }

@@ -49,8 +49,8 @@ class HandlerTable {
   std::vector<Row> rows_;
 };
 
-/// The data's SaveData; false when it throws.
-bool SaveAddOnData(EventAddOnData& data, EndianIndependentFile* file);
+/// The data's SaveData; false when it throws, which `threw` (may be null) then tells.
+bool SaveAddOnData(EventAddOnData& data, EndianIndependentFile* file, bool* threw = nullptr);
 
 /// Implemented by the data of row 0: keeps the name of the handler that is not installed.
 class KeepsOriginalHandler {

@@ -15,6 +15,9 @@ class SetFile {
   /// by others since it was read, the set is written beside it, keeps that new name and the user is
   /// told. A save by the user takes the mark of a downloaded file off.
   virtual bool Save(SavedBy by) = 0;
+  /// One sentence for people on why the last Save, SaveAs or SaveCopy failed; empty when it did
+  /// not.
+  virtual const std::string& WhyNotSaved() const = 0;
   /// Writes a copy elsewhere, marked like this set if it was downloaded; name and modified flag
   /// stay.
   virtual bool SaveCopy(const std::string& path) = 0;

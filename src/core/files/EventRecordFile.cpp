@@ -189,11 +189,17 @@ std::unique_ptr<Event> ReadEventRecord(EventSet& owner, EndianIndependentFile& f
   return event;
 }
 
-bool WriteEventRecord(Event& event, EndianIndependentFile& file) {
+bool WriteEventRecord(Event& event, EndianIndependentFile& file, std::string& fault) {
   FieldWriter out(event, file);
   VisitEventFields(event.Record(), out);
   out.Field("handler name", event.GetHandlerName());
-  return out.Whole() && event.GetAddOnData() && SaveAddOnData(*event.GetAddOnData(), &file);
+  bool threw = false;
+  if (out.Whole() && event.GetAddOnData() && SaveAddOnData(*event.GetAddOnData(), &file, &threw))
+    return true;
+  if (threw)
+    fault = "The handler \"" + event.GetHandlerName() +
+            "\" failed to write its data of the event \"" + event.GetName() + "\".";
+  return false;
 }
 
 }  // namespace kestrin

@@ -19,8 +19,8 @@ std::unique_ptr<Event> ReadEventRecord(EventSet& owner, EndianIndependentFile& f
                                        SetFileVersionIndex version, std::string& fault,
                                        std::string& complaint, int64* handlerDataAt = nullptr);
 
-/// Writes one record. False when a write was not whole.
-bool WriteEventRecord(Event& event, EndianIndependentFile& file);
+/// Writes one record. False when a write was not whole, or its handler threw; then `fault` says so.
+bool WriteEventRecord(Event& event, EndianIndependentFile& file, std::string& fault);
 
 /// The event's handler data block alone: the reader's last step, which messages share. The name
 /// decides the handler; without one of that name, or when it fails in a way that `complaint` then

@@ -138,11 +138,11 @@ ConstructorResult ReadSetFile(EventSet& set, const std::string& path, SetFileRep
   return ConstructorResult::Success;
 }
 
-bool WriteSetFile(EventSet& set, EndianIndependentFile& file) {
+bool WriteSetFile(EventSet& set, EndianIndependentFile& file, std::string& fault) {
   if (file.WriteString(SetFileVersion) != StatusOk) return false;
   if (!WriteOne(file, set.CountEvents())) return false;
   for (const auto& event : set.Events())
-    if (!WriteEventRecord(*event, file)) return false;
+    if (!WriteEventRecord(*event, file, fault)) return false;
   return WriteLayout(file, set.Layout()) && file.FlushBuffer() == StatusOk;
 }
 

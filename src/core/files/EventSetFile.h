@@ -31,7 +31,7 @@ struct SetFileReport {
 ConstructorResult ReadSetFile(EventSet& set, const std::string& path, SetFileReport& report);
 
 /// Writes version 1.2 in this machine's byte order at the file's position. False when a write was
-/// not whole.
-bool WriteSetFile(EventSet& set, EndianIndependentFile& file);
+/// not whole, or when a handler threw; then `fault` names it and its event.
+bool WriteSetFile(EventSet& set, EndianIndependentFile& file, std::string& fault);
 
 }  // namespace kestrin

@@ -1,6 +1,7 @@
 #include "core/files/StoredSetFile.h"
 
 #include <cstdio>
+#include <system_error>
 #include <utility>
 
 #include "core/events/EventSet.h"
@@ -21,6 +22,12 @@ namespace {
 constexpr char OriginAttribute[] = "user.xdg.origin.url";
 constexpr char TypeAttribute[] = "user.mime_type";
 constexpr int32 WriteBuffer = 65536;
+
+/// What the system says of a negative errno, as a sentence.
+std::string SentenceOf(status_t status) {
+  return status < 0 && status > -4096 ? std::generic_category().message(-status) + "."
+                                      : "The file could not be written.";
+}
 
 struct Stored {
   std::unique_ptr<EventSet> set;
@@ -80,7 +87,11 @@ bool StoredSetFile::WriteTo(const std::string& path) {
   const AutoLock lock(set_);
   Opened<EndianIndependentFile> file(Files(), path, OpenWriteOnly | OpenCreate | OpenErase,
                                      WriteBuffer);
-  return file.InitCheck() == StatusOk && WriteSetFile(set_, file);
+  const bool whole = file.InitCheck() == StatusOk && WriteSetFile(set_, file, whyNotSaved_);
+  if (!whole && whyNotSaved_.empty())
+    whyNotSaved_ =
+        SentenceOf(file.InitCheck() != StatusOk ? file.InitCheck() : file.WriteFailure());
+  return whole;
 }
 
 bool StoredSetFile::SaveCopy(const std::string& path) {
@@ -95,7 +106,13 @@ bool StoredSetFile::Replace(const std::string& path, std::optional<FileStamp>* w
     *written = Files().Stamp(temporary);
     return true;
   };
-  if (ReplaceFile(Files(), path, write) != StatusOk) return false;
+  whyNotSaved_.clear();
+  const status_t status = ReplaceFile(Files(), path, write);
+  if (status != StatusOk) {
+    if (whyNotSaved_.empty()) whyNotSaved_ = SentenceOf(status);
+    std::fprintf(stderr, "kestrin: %s was not saved: %s\n", path.c_str(), whyNotSaved_.c_str());
+    return false;
+  }
   if (origin_) Files().SetAttribute(path, OriginAttribute, *origin_);
   return true;
 }

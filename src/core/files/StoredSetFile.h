@@ -36,6 +36,7 @@ class StoredSetFile final : public SetFile {
   explicit StoredSetFile(EventSet& set) : set_(set) {}
 
   bool Save(SavedBy by) override;
+  const std::string& WhyNotSaved() const override { return whyNotSaved_; }
   bool SaveCopy(const std::string& path) override;
   bool SaveAs(const std::string& path, bool remember) override;
   void SaveDeliveriesAlone() override;
@@ -67,6 +68,7 @@ class StoredSetFile final : public SetFile {
   Known known_;
   std::optional<std::string> origin_;  ///< the mark of a downloaded file
   std::string recoveredFrom_;
+  std::string whyNotSaved_;
 };
 
 }  // namespace kestrin

@@ -1,6 +1,7 @@
 // How the program tells the user something.
 #pragma once
 
+#include <string>
 #include <string_view>
 #include <thread>
 
@@ -32,5 +33,10 @@ class Notices {
   UserInterface& ui_;
   std::thread::id mainThread_;
 };
+
+/// A reason as the second paragraph of a notice; nothing when there is none.
+inline std::string Because(const std::string& reason) {
+  return reason.empty() ? "" : "\n\n" + reason;
+}
 
 }  // namespace kestrin

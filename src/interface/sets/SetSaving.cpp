@@ -188,7 +188,8 @@ void SetSaving::PanelCancelled() {
 void SetSaving::Done(bool saved) {
   if (!saved) {
     set_->GetContext().notices.ReportCompoundError(
-        "There was an error attempting to save the event set \"", set_->GetLeaf(), "\".");
+        "There was an error attempting to save the event set \"", set_->GetLeaf(),
+        "\"." + Because(set_->WhyNotSaved()));
     if (quitOnceSaved_) GiveUpClosing();
   } else if (std::exchange(quitOnceSaved_, false)) {
     AllowClosing();

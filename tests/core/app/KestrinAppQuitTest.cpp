@@ -154,7 +154,7 @@ TEST_F(KestrinAppQuitTest, ASetThatCannotBeSavedIsToldOnceAndCopied) {
     LetWrite(false);
     Post(Message(FULL_QUIT_REQUESTED));
     EXPECT_FALSE(It->Ended);
-    EXPECT_THAT(Alerts(), ElementsAre(Unsaved));
+    EXPECT_THAT(Alerts(), ElementsAre(testing::StartsWith(Unsaved + "\n\n")));
     EXPECT_EQ(NameIn("/state/recovered/Work.kestrin"), "changed");
     FirstEvent(Work).SetName("changed again");
     LetWrite(worksLater);
@@ -195,7 +195,7 @@ TEST_F(KestrinAppQuitTest, AutomaticSavesReportOnceAndMakeNoCopy) {
   LetWrite(false);
   for (const int day : {1, 2}) {
     DeliverAt(Sunday + day * Day + 8 * Hour);
-    EXPECT_THAT(Alerts(), ElementsAre(Unsaved));
+    EXPECT_THAT(Alerts(), ElementsAre(testing::StartsWith(Unsaved + "\n\n")));
   }
   Now = Sunday + 3 * Day + 8 * Hour;
   Wake();

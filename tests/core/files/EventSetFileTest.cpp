@@ -26,7 +26,8 @@ class EventSetFileTest : public SetTestBase {
   std::string Written(EventSet& set, char marker) {
     Disk.Put("/sets/written", std::string(1, marker));
     Opened<EndianIndependentFile> file(Disk, "/sets/written", OpenReadWrite, 512);
-    EXPECT_TRUE(WriteSetFile(set, file));
+    std::string fault;
+    EXPECT_TRUE(WriteSetFile(set, file, fault)) << fault;
     return *Disk.Bytes("/sets/written");
   }
   /// A set with an event of its own icon, one of a handler that is not there, and a plain one.

@@ -13,6 +13,9 @@ class TestData : public kestrin::EventAddOnData {
   using EventAddOnData::EventAddOnData;
   QWidget* CreateEditView(kestrin::Rect) override { return nullptr; }
   bool SaveData(kestrin::EndianIndependentFile* file) override {
+#ifdef THROWING_ACTION
+    throw std::runtime_error("no saving today");
+#endif
     kestrin::uint32 count = 0;
     return file->WriteNumber(&count, 4, 1) == 1;
   }
