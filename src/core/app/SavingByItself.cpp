@@ -1,5 +1,7 @@
 #include "core/app/SavingByItself.h"
 
+#include <cstdio>
+
 #include "core/events/EventSet.h"
 #include "core/events/OpenSets.h"
 #include "core/loop/AlertDesk.h"
@@ -50,6 +52,8 @@ bool SavingByItself::SaveItself(EventSet& set) {
 /// Once: the quit that follows when the alert is closed goes on.
 void SavingByItself::ReportUnsaved(const EventSet& set) {
   if (!reported_.insert(set.GetHandle()).second) return;
+  std::fprintf(stderr, "kestrin: %s was not saved: %s\n", set.GetFileName().c_str(),
+               set.WhyNotSaved().c_str());
   context_.notices.ReportCompoundError("Kestrin was unable to save the event set ",
                                        set.GetFileName(), "." + Because(set.WhyNotSaved()));
 }

@@ -110,7 +110,6 @@ bool StoredSetFile::Replace(const std::string& path, std::optional<FileStamp>* w
   const status_t status = ReplaceFile(Files(), path, write);
   if (status != StatusOk) {
     if (whyNotSaved_.empty()) whyNotSaved_ = SentenceOf(status);
-    std::fprintf(stderr, "kestrin: %s was not saved: %s\n", path.c_str(), whyNotSaved_.c_str());
     return false;
   }
   if (origin_) Files().SetAttribute(path, OriginAttribute, *origin_);

@@ -1,6 +1,7 @@
 #include "interface/sets/SetSaving.h"
 
 #include <QFile>
+#include <cstdio>
 #include <utility>
 
 #include "core/app/DocumentApp.h"
@@ -187,6 +188,8 @@ void SetSaving::PanelCancelled() {
 
 void SetSaving::Done(bool saved) {
   if (!saved) {
+    std::fprintf(stderr, "kestrin: %s was not saved: %s\n", set_->GetFileName().c_str(),
+                 set_->WhyNotSaved().c_str());
     set_->GetContext().notices.ReportCompoundError(
         "There was an error attempting to save the event set \"", set_->GetLeaf(),
         "\"." + Because(set_->WhyNotSaved()));
