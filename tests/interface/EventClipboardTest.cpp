@@ -95,6 +95,7 @@ TEST_F(EventClipboardTest, OneAlertTellsOfAllTextsThatWereCut) {
   Put(EventClipboardType, QByteArray::fromStdString(message.Flatten()));
   EXPECT_TRUE(EventFromClipboard(target));
   context.RunMessages();
+  QCoreApplication::processEvents();
   EXPECT_EQ(context.Bells, 1);
   EXPECT_FALSE(context.Alerts.Empty());
 }

@@ -53,7 +53,7 @@ TEST_P(LeavingTest, TheQuestionIsAskedOnceTakesTheFocusAndAfterSaveItLeaves) {
   ASSERT_TRUE(alert && alert->objectName() == "alert");
   std::vector<std::string> buttons;
   for (const QPushButton* button : alert->findChildren<QPushButton*>())
-    buttons.push_back(button->text().toStdString());
+    if (button->isVisible()) buttons.push_back(button->text().toStdString());
   EXPECT_THAT(buttons, ElementsAre("Don't save", "Cancel", "Save"));
   EXPECT_EQ(qobject_cast<QPushButton*>(alert->focusWidget())->text(), "Save");
   QTest::keyClick(alert, Qt::Key_Escape);

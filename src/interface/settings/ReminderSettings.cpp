@@ -31,7 +31,7 @@ ReminderSettings::ReminderSettings(Context& context, QWidget* parent)
   form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
   QStringList boxes = {"Always as boxes", "Always in one window"};
   for (int most = 2; most <= 6; ++most) boxes += QString("Up to %1 as boxes").arg(most);
-  AddMenu(*form, "reminderBoxes", "Sho&w them:", boxes, settings_.ReminderBoxes);
+  AddMenu(*form, "reminderBoxes", "Show &them:", boxes, settings_.ReminderBoxes);
   AddTime(*form, "eveningTime", "The e&vening is at:", settings_.EveningTime);
   AddTime(*form, "morningTime", "The &morning is at:", settings_.MorningTime);
   AddMenu(*form, "reminderSound", "So&und:", {"The desktop's own", "A file", "None"},
