@@ -1,28 +1,21 @@
 #include "handlers/DeliveryAlert.h"
 
-#include <cstdio>
 #include <utility>
 
 #include "core/events/EventSet.h"
 #include "core/loop/AlertDesk.h"
 #include "core/loop/Holds.h"
 #include "core/loop/MessageCodes.h"
-#include "core/timing/EventTypes.h"
+#include "core/settings/KestrinSettings.h"
+#include "core/timing/DateTimeText.h"
 
 namespace kestrin {
 
 namespace {
 
-std::string MissedLine(int32 when, const Zone& zone) {
-  const CivilFields at = ToFields(zone.AtMoment(when));
-  const int64 hour = at.hour % 12 == 0 ? 12 : at.hour % 12;
-  char text[64];
-  std::snprintf(text, sizeof text, "%s, %s %02d %04d, %02d:%02d:%02d %s",
-                DayAbbr[static_cast<size_t>(at.weekday)].data(),
-                MonthAbbr[static_cast<size_t>(at.month)].data(), static_cast<int>(at.day),
-                static_cast<int>(at.year), static_cast<int>(hour), static_cast<int>(at.minute),
-                static_cast<int>(at.second), at.hour >= 12 ? "PM" : "AM");
-  return std::string("\nThe event was missed.  It occurred ") + text;
+std::string MissedLine(int32 when, const Context& context) {
+  return "\nThe event was missed.  It occurred " +
+         GetDateTimeString(when, true, context.zone, context.settings.Time24Hour);
 }
 
 }  // namespace
@@ -41,7 +34,7 @@ DeliveredEvent::DeliveredEvent(const class Event& event, bool missed)
 std::string MessageAlertText(const Event& event, bool missed,
                              std::initializer_list<const char*> parts) {
   std::string text = "Kestrin event:  " + event.GetName();
-  if (missed) text += MissedLine(event.GetActualEventTime(), event.GetOwner()->GetContext().zone);
+  if (missed) text += MissedLine(event.GetActualEventTime(), event.GetOwner()->GetContext());
   for (const char* part : parts)
     if (part) text += part;
   return text;

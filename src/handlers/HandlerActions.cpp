@@ -10,6 +10,7 @@
 #include "core/loop/Holds.h"
 #include "core/loop/MessageCodes.h"
 #include "core/loop/Notices.h"
+#include "core/settings/KestrinSettings.h"
 #include "core/timing/EventTiming.h"
 #include "core/timing/EventTypes.h"
 #include "handlers/DeliveryAlert.h"
@@ -43,7 +44,8 @@ void Remind(const Event& event, const Reminder& reminder, const std::string& use
   AlertRequest request =
       AlertAbout(delivered, reminder.role,
                  GetNagOrPrewarnMessage(reminder.kind, event.GetName(), event.GetActualEventTime(),
-                                        event.GetApplyTime(), userText, now, context.zone));
+                                        HasTimeOfDay(event.Record()), userText, now, context.zone,
+                                        context.settings.Time24Hour));
   request.Title = reminder.title;
   request.NamesTime = true;
   if (reminder.role == AlertRole::Nag)

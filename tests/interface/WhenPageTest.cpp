@@ -1,7 +1,10 @@
 #include <QCalendarWidget>
+#include <QCheckBox>
 #include <QTableView>
 
+#include "core/timing/DateTimeText.h"
 #include "harness/EditorDriver.h"
+#include "interface/fields/Region.h"
 
 namespace kestrin {
 namespace {
@@ -165,8 +168,7 @@ TEST_F(WhenPageTest, DatesAreReadAsTypedAndShownInFullInTheZone) {
       {"", "", 0},
       {"Jan 20 2038", "", 0},
       {"Dec 31 1969", "", 0},
-      {"Nov 27 2026 6 pm", "", 0},
-      {"Nov 27 2026, 6 pm", "Fri, Nov 27 2026, 06:00:00 PM", wall(27, 18)},
+      {"Nov 27 2026 6 pm", "Fri, Nov 27 2026, 06:00:00 PM", wall(27, 18)},
       {"29 Nov 2026", "Sun, Nov 29 2026, 06:00:00 PM", wall(29, 18)},
       {"Nov 30 2026, Midnight", "Mon, Nov 30 2026, 12:00:00 AM", wall(30, 0)},
       {"today 6 pm", "Sun, Nov 15 2026, 06:00:00 PM", wall(15, 18)},
@@ -222,14 +224,15 @@ TEST_F(WhenPageTest, TheCalendarPicksADayAndKeepsTheTimeOfDay) {
   EXPECT_TRUE(window->isVisible());
 }
 
-TEST_F(WhenPageTest, WhatNobodyTypedKeepsItsSeconds) {
+TEST_F(WhenPageTest, SecondsThatAreNotZeroAreShownAndKept) {
   EventRecord record;
   record.PeriodType = SubDaily;
   record.ApplyStop = record.ApplyTime = true;
   record.StopTime = 17 * Hour + 59;
   OpenRecord(record);
   EXPECT_FALSE(Find("time").isEnabled()) << "the start has it";
-  Enter("stopTime", "05:00 PM");  // as it was shown
+  EXPECT_EQ(FieldText("stopTime"), "05:00:59 PM");
+  Enter("stopTime", "05:00:59 PM");
   EXPECT_EQ(Record().StopTime, 17 * Hour + 59);
   EXPECT_FALSE(set->HasBeenModified());
   Enter("stopTime", "5:01 pm");
@@ -282,6 +285,107 @@ TEST_F(WhenPageTest, OddValuesOfFilesAreShownAndKept) {
   EXPECT_EQ(Find<QComboBox>("periodType").currentText(), "Unknown (99)");
   Choose("periodType", "Weekly");
   EXPECT_EQ(Shown(), "periodType | weekday | useTime");
+}
+
+TEST_F(WhenPageTest, DatesSayWhatBecomesOfThem) {
+  OpenNew();
+  const struct {
+    const char *act, *shown, *hint, *complaint;
+  } rows[] = {
+      {"enter date 7.30", "Mon, Nov 16 2026, 07:30:00 AM",
+       "That time has passed today, so it is tomorrow's", ""},
+      {"enter date 9:15", "Sun, Nov 15 2026, 09:15:00 AM", "", ""},
+      {"enter date 5 pm", "Sun, Nov 15 2026, 05:00:00 PM", "", ""},
+      {"enter date yesterday", "Sat, Nov 14 2026, 05:00:00 PM",
+       "This moment has passed; it will not ring", ""},
+      {"enter date May 3 1938", "May 3 1938", "This moment has passed; it will not ring", "1970"},
+      {"choose periodType Annually", "May 3 1938", "", "1970"},
+      {"enter date May 3 1938", "Tue, May 03 1938, 05:00:00 PM", "", ""},
+      {"enter date 7.30", "Tue, May 03 1938, 07:30:00 AM", "", ""},
+      {"enter date May 3 1901", "May 3 1901", "", "1901"},
+  };
+  for (const auto& row : rows) {
+    EXPECT_TRUE(Do(row.act));
+    EXPECT_EQ(FieldText("date"), row.shown) << row.act;
+    EXPECT_EQ(TextOf("dateHint"), row.hint) << row.act;
+    EXPECT_EQ(Find("dateHint").isVisible(), *row.hint != 0) << row.act;
+    EXPECT_EQ(Complaint().empty(), !*row.complaint) << row.act;
+    EXPECT_THAT(Complaint(), HasSubstr(row.complaint)) << row.act;
+  }
+}
+
+TEST_F(WhenPageTest, TheRuleIsSaidWithItsNextFiveDates) {
+  OpenNew();
+  EXPECT_TRUE(Find("midnight").isVisible());
+  Choose("periodType", "Daily");
+  EXPECT_EQ(TextOf("ruleSentence"), "Every day.");
+  Click("useTime");
+  EXPECT_EQ(Record().TimeToApply, 9 * Hour) << "the next full hour";
+  EXPECT_FALSE(Find("midnight").isVisible());
+  EXPECT_EQ(TextOf("ruleSentence"), "Every day at 9:00 AM.");
+  EXPECT_EQ(TextOf("nextDates"),
+            "Next: Sun, Nov 15 2026, 09:00 AM; Mon, Nov 16 2026, 09:00 AM; Tue, Nov 17 2026, "
+            "09:00 AM; Wed, Nov 18 2026, 09:00 AM; Thu, Nov 19 2026, 09:00 AM");
+  Click("useTime");
+  Choose("periodType", "SubDaily");
+  EXPECT_TRUE(Find<QCheckBox>("useTime").isChecked());
+  EXPECT_FALSE(Find("useTime").isEnabled());
+}
+
+TEST_F(WhenPageTest, TheLastWeekdayCountsFromEachMonthsEndOnceItIsChosen) {
+  EventRecord record;
+  record.PeriodType = Monthly;
+  record.TimingType = ByDayOfWeek;
+  record.WeekOfMonth = 4;
+  record.DayOfWeek = 5;
+  record.EventTime = Monday;
+  OpenRecord(record);
+  EXPECT_THAT(TextOf("countsFrom"), HasSubstr("31st"));
+  const struct {
+    const char* act;
+    int month;
+    bool offered;  // to count from each month's end
+  } rows[] = {{"choose weekday Tuesday", 0, true},
+              {"click countFromEnd", 12, false},
+              {"choose periodType Annually", 10, false},
+              {"choose month May", 4, false},
+              {"choose periodType Monthly", 12, false},
+              {"choose weekOfMonth 1st", 12, false},
+              {"choose periodType MultiAnnually", 10, false},
+              {"choose weekOfMonth Last", 10, false},
+              {"choose periodType MultiMonthly", 12, false}};
+  for (const auto& row : rows) {
+    EXPECT_TRUE(Do(row.act));
+    EXPECT_EQ(Record().Month, row.month) << row.act;
+    EXPECT_EQ(Find("countFromEnd").isVisible(), row.offered) << row.act;
+  }
+}
+
+TEST_F(WhenPageTest, AFieldReadsTheRegionsWordsAndWhateverItShows) {
+  OpenNew();
+  window->setLocale(QLocale("de_DE"));
+  Enter("date", "3/4/2027");
+  EXPECT_EQ(FieldText("date"), "Sat, Apr 03 2027");
+  Enter("date", "MORGEN um 9 Uhr");
+  EXPECT_EQ(FieldText("date"), "Mon, Nov 16 2026, 09:00:00 AM");
+  QTest::keyClick(&Find("date"), Qt::Key_F4);
+  EXPECT_EQ(window->findChild<QCalendarWidget*>()->firstDayOfWeek(), Qt::Monday);
+
+  for (const char* name : {"en_US", "en_GB", "de_DE", "fr_FR", "es_ES", "it_IT", "fi_FI", "sv_SE",
+                           "tr_TR", "pl_PL", "ru_RU", "ja_JP", "ar_EG", "nl_NL"}) {
+    const DateLanguage language = LanguageOf(QLocale(name));
+    for (int32 moment = Monday + 8 * Hour + 61; moment < Monday + 366 * Day; moment += Day)
+      for (const bool use24Hours : {false, true}) {
+        const std::string text = GetDateTimeString(moment, true, Zone(), use24Hours);
+        ASSERT_EQ(ReadTypedDate(text, Monday, Zone(), language).moment, moment) << name << text;
+      }
+    if (std::string_view("ja_JP ar_EG").find(name) != std::string_view::npos)
+      continue;  // own digits
+    const QDate day(2027, 3, 9);
+    const QString own = QLocale(name).toString(day, "ddd d MMMM yyyy").toLower();
+    EXPECT_EQ(ReadTypedDate(own.toStdString(), Monday, Zone(), language).moment, Monday + 113 * Day)
+        << name << ": " << own.toStdString();
+  }
 }
 
 TEST_F(WhenPageTest, MenusNameTheCodesOfARule) {

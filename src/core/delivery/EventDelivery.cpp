@@ -8,6 +8,8 @@
 #include "core/events/EventSet.h"
 #include "core/loop/MessageQueue.h"
 #include "core/ports/EventActions.h"
+#include "core/timing/DateTimeText.h"
+#include "core/timing/EventTiming.h"
 #include "core/timing/EventTypes.h"
 #include "support/CalendarMonth.h"
 #include "support/LocalTime.h"
@@ -19,8 +21,8 @@ namespace {
 /// An event without a time of day is never late on its own day; nothing is late within a minute.
 bool IsLate(const Event& event, int64 now) {
   const int64 actual = event.GetActualEventTime();
-  const bool isOnItsDay = DayOf(Civil{actual}) == DayOf(Civil{now});  // in UTC
-  return (!isOnItsDay || event.GetApplyTime()) && actual < now - 60;
+  const bool isOnItsDay = IsSameDay(actual, now, event.GetOwner()->GetContext().zone);
+  return (!isOnItsDay || HasTimeOfDay(event.Record())) && actual < now - 60;
 }
 
 /// Whoever is at the windows while `act` runs may change the event, delete it, or close its set.
@@ -80,19 +82,16 @@ void DealWithEvent(Event& event, bool checkMissed) {
 
 std::string GetNagOrPrewarnMessage(ReminderKind kind, const std::string& name, int32 when,
                                    bool useTimeOfDay, const std::string& userText, int64 now,
-                                   const Zone& zone) {
+                                   const Zone& zone, bool use24Hours) {
   const CivilFields fields = ToFields(zone.AtMoment(when));
   const bool isAhead = kind == ReminderKind::Prewarning;
   std::string text = "The event \"" + name + (isAhead ? "\" will occur " : "\" occurred ");
   char part[64];
   if (useTimeOfDay) {
-    const int hour = static_cast<int>(fields.hour % 12);
-    std::snprintf(part, sizeof part, "%d:%02d %s ", hour == 0 ? 12 : hour,
-                  static_cast<int>(fields.minute), fields.hour < 12 ? "AM" : "PM");
-    text += "at ";
-    text += part;
+    const int32 minute = FoldIntoDay((fields.hour * 60 + fields.minute) * 60);
+    text += "at " + ClockTimeText(minute, use24Hours, HourDigits::AsNeeded) + " ";
   }
-  if (when / SecondsPerDay == now / SecondsPerDay) {
+  if (IsSameDay(when, now, zone)) {
     text += "today";
   } else {
     text += "on ";

@@ -21,6 +21,6 @@ enum class ReminderKind { Prewarning, Nag };
 /// What a prewarning or nag says of the event `name`, which occurs at `when`.
 std::string GetNagOrPrewarnMessage(ReminderKind kind, const std::string& name, int32 when,
                                    bool useTimeOfDay, const std::string& userText, int64 now,
-                                   const Zone& zone);
+                                   const Zone& zone, bool use24Hours);
 
 }  // namespace kestrin

@@ -26,8 +26,8 @@ int64 AddMonthsWithin(int64 day, int64 months) {
 /// have taken tokens; `Try` puts them back.
 class DateReader {
  public:
-  DateReader(std::vector<DateToken> tokens, int64 now, Civil wall)
-      : tokens_(std::move(tokens)), now_(now), wall_(wall), today_(DayOf(wall)) {}
+  DateReader(std::vector<DateToken> tokens, int64 now, Civil wall, DateOrder order)
+      : tokens_(std::move(tokens)), order_(order), now_(now), today_(DayOf(wall)) {}
 
   bool ReadAll();
   bool ReadTimeAlone();
@@ -35,6 +35,8 @@ class DateReader {
   std::optional<int64> Elapsed() const { return elapsed_; }
   std::optional<Civil> Wall() const;
   int32 TimeOfDay() const { return timeOfDay_.value_or(0); }
+  bool HasTime() const { return timeOfDay_ || elapsed_; }
+  bool IsTimeAlone() const { return timeOfDay_ && !day_ && !weekday_; }
 
  private:
   using Part = bool (DateReader::*)();
@@ -52,13 +54,14 @@ class DateReader {
   bool ReadPart();
   bool ReadBareHour();
   bool ReadTime();
+  bool ReadTimeOrHour();
   bool ReadDayWord();
   bool ReadWeekday();
   bool ReadNextOrLast();
   bool ReadRelative();
   bool ReadDate();
   bool ReadYearFirst();
-  bool ReadMonthSlashDay();
+  bool ReadTwoNumbers();
   bool ReadDayDotMonth();
   bool ReadDayThenMonth();
   bool ReadMonthThenDay();
@@ -78,8 +81,8 @@ class DateReader {
 
   const std::vector<DateToken> tokens_;
   size_t at_ = 0;
+  const DateOrder order_;
   const int64 now_;
-  const Civil wall_;
   const int64 today_;
 
   std::optional<int64> day_, elapsed_;
@@ -131,7 +134,7 @@ bool DateReader::ReadTimeAlone() {
     return SetTime(tokens_[0].number / 100, tokens_[0].number % 100, 0);
   if (tokens_.size() == 1 && tokens_[0].kind == DateToken::Kind::Number) return ReadBareHour();
   Take("at");
-  return ReadTime() && AtEnd();
+  return ReadTimeOrHour() && AtEnd();
 }
 
 std::optional<Civil> DateReader::Wall() const {
@@ -141,8 +144,9 @@ std::optional<Civil> DateReader::Wall() const {
 }
 
 bool DateReader::ReadPart() {
-  if (Take("at")) return ReadTime();
-  if (Take("on")) return Try(&DateReader::ReadWeekday) || ReadDate();
+  if (Take("at")) return ReadTimeOrHour();
+  if (Take("on"))
+    return Try(&DateReader::ReadWeekday) || Try(&DateReader::ReadNextOrLast) || ReadDate();
   return Try(&DateReader::ReadTime) || Try(&DateReader::ReadDayWord) ||
          Try(&DateReader::ReadWeekday) || Try(&DateReader::ReadNextOrLast) ||
          Try(&DateReader::ReadRelative) || ReadDate();
@@ -157,12 +161,23 @@ bool DateReader::ReadTime() {
   if (Take("noon")) return SetTime(12, 0, 0);
   if (Take("midnight")) return SetTime(0, 0, 0);
   const std::optional<int32> hour = TakeNumber(1, 2);
-  if (!hour || !TakeGlued(":")) return false;
+  if (!hour) return false;
+  const bool dotted = TakeGlued(".");
+  if ((!dotted && !TakeGlued(":")) || !Peek() || !Peek()->glued) return false;
   const std::optional<int32> minute = TakeNumber(2, 2);
   if (!minute) return false;
+  if (dotted) return !TakeGlued(".") && SetTime(*hour, *minute, 0);
   if (!TakeGlued(":")) return SetTime(*hour, *minute, 0);
   const std::optional<int32> second = TakeNumber(2, 2);
   return second && SetTime(*hour, *minute, *second);
+}
+
+/// "at 9" names an hour.
+bool DateReader::ReadTimeOrHour() {
+  if (Try(&DateReader::ReadTime)) return true;
+  const std::optional<int32> hour = TakeNumber(1, 2);
+  const bool goesOn = Peek() && Peek()->glued && !Peek()->Is(",");
+  return hour && !goesOn && SetTime(*hour, 0, 0);
 }
 
 bool DateReader::ReadDayWord() {
@@ -212,7 +227,7 @@ bool DateReader::ReadRelative() {
 }
 
 bool DateReader::ReadDate() {
-  return Try(&DateReader::ReadYearFirst) || Try(&DateReader::ReadMonthSlashDay) ||
+  return Try(&DateReader::ReadYearFirst) || Try(&DateReader::ReadTwoNumbers) ||
          Try(&DateReader::ReadDayDotMonth) || Try(&DateReader::ReadDayThenMonth) ||
          Try(&DateReader::ReadMonthThenDay);
 }
@@ -229,17 +244,18 @@ bool DateReader::ReadYearFirst() {
   return TakeGlued("t") ? ReadTime() : true;
 }
 
-bool DateReader::ReadMonthSlashDay() {
-  const std::optional<int32> month = TakeNumber(1, 2);
-  if (!month || !TakeGlued("/")) return false;
-  const std::optional<int32> day = TakeNumber(1, 2);
-  if (!day) return false;
-  std::optional<int32> year;
-  if (TakeGlued("/")) {
-    year = TakeYear();
-    if (!year) return false;
-  }
-  return SetDate(year, *month - 1, *day);
+/// "11/15", "11/15/2026", "11-15-2026", or with the day first.
+bool DateReader::ReadTwoNumbers() {
+  const std::optional<int32> first = TakeNumber(1, 2);
+  const std::string_view sign = TakeGlued("/") ? "/" : TakeGlued("-") ? "-" : "";
+  if (!first || sign.empty()) return false;
+  const std::optional<int32> second = TakeNumber(1, 2);
+  if (!second) return false;
+  const bool yearFollows = TakeGlued(sign);
+  const std::optional<int32> year = yearFollows ? TakeYear() : std::nullopt;
+  if (year.has_value() != yearFollows || (sign == "-" && !yearFollows)) return false;
+  return order_ == DateOrder::DayFirst ? SetDate(year, *second - 1, *first)
+                                       : SetDate(year, *first - 1, *second);
 }
 
 bool DateReader::ReadDayDotMonth() {
@@ -257,7 +273,10 @@ bool DateReader::ReadDayThenMonth() {
   const std::optional<int32> day = TakeDayOfMonth();
   if (!day) return false;
   const bool dashed = TakeGlued("-");
-  if (!dashed) Take("of");
+  if (!dashed) {
+    TakeGlued(".");
+    Take("of");
+  }
   const std::optional<int32> month = TakeName(MonthNames);
   if (!month || (dashed && !TakeGlued("-"))) return false;
   const std::optional<int32> year = dashed ? TakeYear() : TakeYearAfterName();
@@ -285,6 +304,7 @@ std::optional<int32> DateReader::TakeYear() {
 }
 
 std::optional<int32> DateReader::TakeYearAfterName() {
+  if (Peek(1) && Peek(1)->IsNumber(4, 4)) Take("of");
   if (Peek(1) && Peek(1)->IsNumber(4, 4)) Take(",");
   return TakeNumber(4, 4);
 }
@@ -323,18 +343,19 @@ bool DateReader::SetAway(int64 count, const DateUnit& unit) {
   return true;
 }
 
-std::optional<DateReader> ReaderFor(std::string_view text, int64 now, Civil wall) {
+std::optional<DateReader> ReaderFor(std::string_view text, int64 now, Civil wall, DateOrder order) {
   std::optional<std::vector<DateToken>> tokens = CutIntoTokens(text);
   if (!tokens) return std::nullopt;
-  return std::optional<DateReader>(std::in_place, std::move(*tokens), now, wall);
+  return std::optional<DateReader>(std::in_place, std::move(*tokens), now, wall, order);
 }
 
 }  // namespace
 
-std::optional<ReadMoment> ReadDate(std::string_view text, int64 now, const Zone& zone) {
+DateAnswer ReadDate(std::string_view text, int64 now, const Zone& zone, DateOrder order) {
   now = std::clamp<int64>(now, INT32_MIN, INT32_MAX);
-  std::optional<DateReader> reader = ReaderFor(text, now, zone.AtMoment(now));
-  if (!reader || !reader->ReadAll()) return std::nullopt;
+  std::optional<DateReader> reader = ReaderFor(text, now, zone.AtMoment(now), order);
+  if (!reader || !reader->ReadAll()) return {};
+  DateAnswer answer{.isDate = true, .read = {}};
   int64 moment = 0;
   std::optional<Civil> wall = reader->Wall();
   if (reader->Elapsed()) {
@@ -343,18 +364,13 @@ std::optional<ReadMoment> ReadDate(std::string_view text, int64 now, const Zone&
   } else if (wall) {
     moment = zone.ToMoment(*wall);
   }
-  if (!wall || !FitsTime(moment)) return std::nullopt;
-  return ReadMoment{static_cast<int32>(moment), *wall};
-}
-
-bool IsDate(std::string_view text, int64 now, const Zone& zone) {
-  now = std::clamp<int64>(now, INT32_MIN, INT32_MAX);
-  std::optional<DateReader> reader = ReaderFor(text, now, zone.AtMoment(now));
-  return reader && reader->ReadAll();
+  if (wall && FitsTime(moment))
+    answer.read = {static_cast<int32>(moment), *wall, reader->HasTime(), reader->IsTimeAlone()};
+  return answer;
 }
 
 std::optional<int32> ReadTimeOfDay(std::string_view text) {
-  std::optional<DateReader> reader = ReaderFor(text, 0, Civil{});
+  std::optional<DateReader> reader = ReaderFor(text, 0, Civil{}, DateOrder::MonthFirst);
   if (!reader || !reader->ReadTimeAlone()) return std::nullopt;
   return reader->TimeOfDay();
 }

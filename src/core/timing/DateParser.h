@@ -4,20 +4,26 @@
 #include <optional>
 #include <string_view>
 
+#include "core/timing/DateLanguage.h"
 #include "support/LocalTime.h"
 
 namespace kestrin {
 
 struct ReadMoment {
   int32 moment;
-  Civil wall;  ///< as it was asked for, even where the clocks skip it
+  Civil wall;              ///< as it was asked for, even where the clocks skip it
+  bool hasTime = false;    ///< a time of day was named, or a count of hours
+  bool timeAlone = false;  ///< and no day
 };
 
-/// Knows 24-hour times only.
-std::optional<ReadMoment> ReadDate(std::string_view text, int64 now, const Zone& zone);
+struct DateAnswer {
+  bool isDate = false;  ///< be it one that no stored time reaches
+  std::optional<ReadMoment> read;
+};
 
-/// Whether ReadDate understands the text, be it a date that no stored time reaches.
-bool IsDate(std::string_view text, int64 now, const Zone& zone);
+/// Knows English and 24-hour times only.
+DateAnswer ReadDate(std::string_view text, int64 now, const Zone& zone,
+                    DateOrder order = DateOrder::MonthFirst);
 
 /// Seconds after midnight.
 std::optional<int32> ReadTimeOfDay(std::string_view text);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <optional>
 
 #include "core/timing/DateParser.h"
@@ -22,10 +21,17 @@ bool IsBlank(char c) { return c == ' ' || c == '\t'; }
 int TwelveHour(int hour) { return hour % 12 == 0 ? 12 : hour % 12; }
 const char* HalfOfDay(int hour) { return hour > 11 ? " PM" : " AM"; }
 
+/// As many digits as there are places, with leading zeros.
+void PutNumber(char* out, int places, int64 number) {
+  for (; places > 0; number /= 10) out[--places] = static_cast<char>('0' + number % 10);
+}
+
 std::string ClockText(int hour, int minute, int second) {
-  std::array<char, 40> text = {};
-  std::snprintf(text.data(), text.size(), "%02d:%02d:%02d", hour, minute, second);
-  return text.data();
+  std::string text = "00:00:00";
+  PutNumber(text.data(), 2, hour);
+  PutNumber(text.data() + 3, 2, minute);
+  PutNumber(text.data() + 6, 2, second);
+  return text;
 }
 
 /// Where the "am" or "pm" begins.
@@ -55,6 +61,28 @@ std::string_view Trimmed(std::string_view text) {
   return text;
 }
 
+/// The am/pm time with a blank and a comma before it, in 24 hours; only what stands directly before
+/// the letters is its time.
+std::string WithTimeApart(std::string_view text) {
+  for (size_t half = 0; half + 1 < text.size(); ++half) {
+    const char c = Lower(text[half]);
+    if ((c != 'a' && c != 'p') || Lower(text[half + 1]) != 'm') continue;
+    size_t end = half;
+    while (end > 0 && IsBlank(text[end - 1])) --end;
+    size_t start = end;
+    while (start > 0 &&
+           (IsDigit(text[start - 1]) || text[start - 1] == ':' || text[start - 1] == '.'))
+      --start;
+    if (start == end) continue;
+    std::string digits(text.substr(start, end - start));
+    std::replace(digits.begin(), digits.end(), '.', ':');
+    std::string before(Trimmed(text.substr(0, start)));
+    const bool follows = !before.empty() && IsDigit(before.back());
+    return before + (follows ? ", " : " ") + GetFixedTime(digits + std::string(text.substr(half)));
+  }
+  return std::string(text);
+}
+
 bool HoldsTimeWord(std::string_view text) {
   std::string lower(text);
   std::transform(lower.begin(), lower.end(), lower.begin(), Lower);
@@ -67,12 +95,14 @@ bool HoldsTimeWord(std::string_view text) {
 std::string GetDateTimeString(int32 time, bool withTime, const Zone& zone, bool use24Hours) {
   if (time == 0 || time == -1) return "None";
   const CivilFields fields = ToFields(zone.AtMoment(time));
-  std::array<char, 40> date = {};
-  std::snprintf(date.data(), date.size(), "%s, %s %02d %04d",
-                DayAbbr[static_cast<size_t>(fields.weekday)].data(),
-                MonthAbbr[static_cast<size_t>(fields.month)].data(), static_cast<int>(fields.day),
-                static_cast<int>(fields.year));
-  std::string text = date.data();
+  std::string text;
+  text.reserve(30);
+  text.append(DayAbbr[static_cast<size_t>(fields.weekday)])
+      .append(", ")
+      .append(MonthAbbr[static_cast<size_t>(fields.month)])
+      .append(" 00 0000");
+  PutNumber(text.data() + 9, 2, fields.day);
+  PutNumber(text.data() + 12, 4, fields.year);
   if (!withTime) return text;
   const int hour = static_cast<int>(fields.hour);
   text.append(", ").append(ClockText(use24Hours ? hour : TwelveHour(hour),
@@ -84,11 +114,7 @@ std::string GetDateTimeString(int32 time, bool withTime, const Zone& zone, bool 
 
 std::string GetTimeOfDayText(int32 secondsIntoDay, bool use24Hours) {
   const int32 seconds = FoldIntoDay(secondsIntoDay);
-  const int hour = seconds / 3600;
-  std::array<char, 40> text = {};
-  std::snprintf(text.data(), text.size(), "%02d:%02d%s", use24Hours ? hour : TwelveHour(hour),
-                seconds / 60 % 60, use24Hours ? "" : HalfOfDay(hour));
-  return text.data();
+  return ClockTimeText(seconds - seconds % 60, use24Hours, HourDigits::Two);
 }
 
 std::string ClockTimeText(int32 secondsIntoDay, bool use24Hours, HourDigits hourDigits) {
@@ -124,31 +150,48 @@ std::string GetFixedTime(std::string_view text) {
 }
 
 int32 hastimeinfo_parsedate(std::string_view text, int64 now, const Zone& zone, bool* hasTime) {
-  const std::optional<ReadMoment> read = ReadDate(GetFixedTime(text), now, zone);
+  const std::optional<ReadMoment> read = ReadDate(GetFixedTime(text), now, zone).read;
   if (hasTime)
     *hasTime = read && read->moment != -1 &&
                (SecondsIntoDay(read->wall) != 0 || Trimmed(text) == "12" || HoldsTimeWord(text));
   return read ? read->moment : -1;
 }
 
-std::optional<std::string_view> WhyNoDate(std::string_view text, int64 now, const Zone& zone) {
-  const std::string fixed = GetFixedTime(text);
-  if (!IsDate(fixed, now, zone))
-    return "This is no date. Type one like Nov 20 2026, tomorrow, or Friday, 3 pm "
-           "(with a comma before the time).";
-  const std::optional<ReadMoment> read = ReadDate(fixed, now, zone);
-  if (!read || read->moment <= 0) return DateOutOfRange;
+TypedDate ReadTypedDate(std::string_view text, int64 now, const Zone& zone,
+                        const DateLanguage& language) {
+  const auto read = [&](const std::string& rewritten) {
+    return ReadDate(rewritten, now, zone, language.order);
+  };
+  DateAnswer answer;
+  if (!HoldsOwnHalfOfDay(text, language)) answer = read(GetFixedTime(text));
+  if (!answer.isDate) answer = read(WithTimeApart(text));
+  if (!answer.isDate) answer = read(WithTimeApart(InEnglish(text, language)));
+  if (!answer.isDate) return {};
+  if (!answer.read) return {.kind = TypedDate::Kind::OutOfReach};
+  return {TypedDate::Kind::Date, answer.read->moment, answer.read->hasTime, answer.read->timeAlone};
+}
+
+std::optional<std::string_view> WhyNoDate(const TypedDate& date, bool repeats) {
+  if (date.kind == TypedDate::Kind::NoDate)
+    return "This is no date. Type one like Nov 20 2026, tomorrow, or Friday 3 pm.";
+  if (date.kind == TypedDate::Kind::OutOfReach) return repeats ? RepeatOutOfRange : DateOutOfRange;
+  if (repeats && (date.moment == 0 || date.moment == -1))
+    return "The very beginning of 1970 stands for no date at all; choose a moment beside it.";
+  if (!repeats && date.moment <= 0) return DateOutOfRange;
   return std::nullopt;
 }
 
 int32 ParseDate(std::string_view text, int64 now, const Zone& zone) {
-  const std::optional<ReadMoment> read = ReadDate(text, now, zone);
+  const std::optional<ReadMoment> read = ReadDate(text, now, zone).read;
   return read ? read->moment : -1;
 }
 
-int32 ParseTimeOfDay(std::string_view text) {
+int32 ParseTimeOfDay(std::string_view text, const DateLanguage& language) {
   const bool hasDigit = std::any_of(text.begin(), text.end(), IsDigit);
-  return ReadTimeOfDay(hasDigit ? GetFixedTime(text) : std::string(text)).value_or(-1);
+  std::optional<int32> time = ReadTimeOfDay(hasDigit ? GetFixedTime(text) : std::string(text));
+  if (!time) time = ReadTimeOfDay(WithTimeApart(text));
+  if (!time) time = ReadTimeOfDay(WithTimeApart(InEnglish(text, language)));
+  return time.value_or(-1);
 }
 
 }  // namespace kestrin

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "core/timing/DateLanguage.h"
 #include "support/LocalTime.h"
 
 namespace kestrin {
@@ -31,17 +32,33 @@ std::string GetFixedTime(std::string_view text);
 /// without a time is its midnight. `hasTime` (may be null) tells whether a time of day was named.
 int32 hastimeinfo_parsedate(std::string_view text, int64 now, const Zone& zone, bool* hasTime);
 
-/// The complaint about a date that cannot be stored.
-inline constexpr char DateOutOfRange[] = "Only dates from 1970 to January 18, 2038 can be kept.";
+/// What a field makes of what a person typed.
+struct TypedDate {
+  enum class Kind { NoDate, OutOfReach, Date };
+  Kind kind = Kind::NoDate;
+  int32 moment = 0;        ///< of a Date
+  bool hasTime = false;    ///< a time of day was named, be it midnight
+  bool timeAlone = false;  ///< and nothing else: `moment` is that time today
+};
 
-/// Why an event cannot take the typed text as a date: it is none, or no time from 1970 to the end
-/// of stored times in January 2038. A sentence for the person who typed it.
-std::optional<std::string_view> WhyNoDate(std::string_view text, int64 now, const Zone& zone);
+/// As hastimeinfo_parsedate reads it, with the region's order of numbers; if that is no date, with
+/// a comma between a date and its "9am", then with the region's words.
+TypedDate ReadTypedDate(std::string_view text, int64 now, const Zone& zone,
+                        const DateLanguage& language = {});
+
+/// The complaints about a date that cannot be stored.
+inline constexpr char DateOutOfRange[] = "Only dates from 1970 to January 18, 2038 can be kept.";
+inline constexpr char RepeatOutOfRange[] =
+    "Only dates from December 15, 1901 to January 18, 2038 can be kept.";
+
+/// Why an event cannot take the date: it is none, or none that can be stored; one that does not
+/// repeat takes none before 1970. A sentence for the person who typed it.
+std::optional<std::string_view> WhyNoDate(const TypedDate& date, bool repeats);
 
 /// The parser under hastimeinfo_parsedate, for text that GetFixedTime has already rewritten.
 int32 ParseDate(std::string_view text, int64 now, const Zone& zone);
 
-/// A time of day alone ("7pm", "19:30", "noon", "12"): 0..86399, or -1.
-int32 ParseTimeOfDay(std::string_view text);
+/// A time of day alone ("7pm", "19:30", "8.30", "noon", "12"): 0..86399, or -1.
+int32 ParseTimeOfDay(std::string_view text, const DateLanguage& language = {});
 
 }  // namespace kestrin

@@ -88,18 +88,16 @@ void EventView::ShowEvent() {
 }
 
 void EventView::RedrawStatus() {
-  ShowLine(*actual_, TimeText(GetEvent().GetActualEventTime()));
-  ShowLine(*next_, TimeText(GetEvent().GetNextEventTime()));
+  const EventRecord& record = GetEvent().Record();
+  ShowLine(*actual_, TimeText(record.ActualEventTime, HasTimeOfDay(record)));
+  ShowLine(*next_, TimeText(record.NextEventTime, MessageHasTimeOfDay(record)));
   ShowLine(*status_, CellText(GetEvent(), StatusColumn));
 }
 
-/// A prewarning of a whole-day event may come at any hour: only midnight goes without saying.
-QString EventView::TimeText(int time) const {
+QString EventView::TimeText(int time, bool withTime) const {
   const Context& context = GetEvent().GetOwner()->GetContext();
-  const Zone& zone = context.zone;
-  const bool withTime = GetEvent().GetApplyTime() || GetSecondsIntoDay(time, zone) != 0;
   return QString::fromStdString(
-      GetDateTimeString(time, withTime, zone, context.settings.Time24Hour));
+      GetDateTimeString(time, withTime, context.zone, context.settings.Time24Hour));
 }
 
 void EventView::CommitEdits() { CommitFields(); }

@@ -30,7 +30,7 @@ class EventView final : public EditorPage {
   void BuildTimes(QGridLayout& grid);
   QLabel* AddLine(QGridLayout& grid, int row, const char* objectName, const char* caption);
   void RedrawStatus();
-  QString TimeText(int time) const;
+  QString TimeText(int time, bool withTime) const;
 
   IconView* icon_ = nullptr;
   TypedField* name_ = nullptr;

@@ -2,11 +2,17 @@
 
 #include <QCheckBox>
 #include <QGridLayout>
+#include <QHBoxLayout>
 #include <QLabel>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QVBoxLayout>
 #include <optional>
 
 #include "core/events/EventSet.h"
+#include "core/ports/Clock.h"
 #include "core/timing/EventRecord.h"
+#include "core/timing/RuleSentence.h"
 #include "interface/editor/PeriodicityIntervalView.h"
 #include "interface/editor/WhenLabels.h"
 #include "interface/editor/WhenSelectorsView.h"
@@ -64,12 +70,11 @@ EventWhenView::EventWhenView(Event& event) : EditorPage(event) {
   AddField(selectors_->Field());
   selectorsCaption_ = Caption("&Date:", selectors_);
   AddRow(*grid, Selectors, selectorsCaption_, selectors_);
+  BuildMonthEnd(*grid);
   BuildStart(*grid);
   BuildStop(*grid);
   BuildTimeOfDay(*grid);
-  // Takes the room that is left, so that the captions keep their width.
-  grid->addItem(new QSpacerItem(0, 0, QSizePolicy::Expanding, QSizePolicy::Expanding),
-                grid->rowCount(), ContentColumn);
+  BuildSentence(*grid);
   KeepRoom();
 }
 
@@ -88,7 +93,10 @@ void EventWhenView::AddRow(QGridLayout& grid, Row row, QWidget* caption, QWidget
 
 void EventWhenView::BuildPeriod(QGridLayout& grid) {
   periodType_ = new ChoiceMenu("periodType", "Repeat", [this](int32 type) {
-    Write([type](Event& event) { event.SetPeriodType(static_cast<PeriodicityType>(type)); });
+    Write([type](Event& event) {
+      event.SetPeriodType(static_cast<PeriodicityType>(type));
+      TakeMonthOfChoice(event);
+    });
   });
   for (int32 type = 0; type < NumberOfPeriodTypes; ++type)
     periodType_->Add(type, PeriodTypeLabel(type));
@@ -98,7 +106,10 @@ void EventWhenView::BuildPeriod(QGridLayout& grid) {
 
 void EventWhenView::BuildType(QGridLayout& grid) {
   timingType_ = new ChoiceMenu("timingType", "Type", [this](int32 type) {
-    Write([type](Event& event) { event.SetTimingType(static_cast<TimingType>(type)); });
+    Write([type](Event& event) {
+      event.SetTimingType(static_cast<TimingType>(type));
+      TakeMonthOfChoice(event);
+    });
   });
   for (int32 type = 0; type < NumberOfTimingTypes; ++type)
     timingType_->Add(type, TimingTypeLabel(type));
@@ -122,7 +133,7 @@ bool EventWhenView::TakeStart(int32 time, bool hasTime) {
   const int32 earlier = GetEvent().Record().MultiStartTime;
   const Zone& zone = ZoneOf(GetEvent());
   const std::optional<int32> start =
-      hasTime || earlier <= 0 ? time : OnDayOf(time, GetSecondsIntoDay(earlier, zone), zone);
+      hasTime || earlier == 0 ? time : OnDayOf(time, GetSecondsIntoDay(earlier, zone), zone);
   if (!start) return false;
   Write([start](Event& event) { event.SetMultiStartTime(*start); });
   return true;
@@ -148,8 +159,7 @@ void EventWhenView::BuildStop(QGridLayout& grid) {
 void EventWhenView::BuildTimeOfDay(QGridLayout& grid) {
   useTime_ = new QCheckBox("&Use time of day:");
   useTime_->setObjectName("useTime");
-  connect(useTime_, &QCheckBox::clicked, this,
-          [this](bool on) { Write([on](Event& event) { event.SetApplyTime(on); }); });
+  connect(useTime_, &QCheckBox::clicked, this, [this](bool on) { UseTimeOfDay(on); });
   time_ = new TimeField(
       "time", GetEvent().GetOwner()->GetContext(), [this] { return TimeOfDay(); },
       [this](int32 time) { return TakeTimeOfDay(time); });
@@ -157,7 +167,86 @@ void EventWhenView::BuildTimeOfDay(QGridLayout& grid) {
   AddField(time_);
   const int at = grid.rowCount();
   grid.addWidget(useTime_, at, CaptionColumn);
-  grid.addWidget(time_, at, ContentColumn);
+  midnight_ = new QLabel("Rings at midnight, when the day begins");
+  midnight_->setObjectName("midnight");
+  auto* row = new QHBoxLayout;
+  row->addWidget(time_);
+  row->addWidget(midnight_);
+  row->addStretch(1);
+  grid.addLayout(row, at, ContentColumn);
+}
+
+/// From midnight, where nobody means it, to the next full hour.
+void EventWhenView::UseTimeOfDay(bool on) {
+  const Context& context = GetEvent().GetOwner()->GetContext();
+  const int32 now = SecondsIntoDay(context.zone.AtMoment(context.clock.Now()));
+  const int32 fullHour = FoldIntoDay((now / 3600 + 1) * 3600);
+  Write([=](Event& event) {
+    if (on && event.Record().TimeToApply == 0) event.SetTimeToApply(fullHour);
+    event.SetApplyTime(on);
+  });
+}
+
+/// For rules of files that count back from another day than a month's last.
+void EventWhenView::BuildMonthEnd(QGridLayout& grid) {
+  monthEnd_ = new QWidget;
+  countsFrom_ = new QLabel;
+  countsFrom_->setObjectName("countsFrom");
+  auto* change = new QPushButton("Count from each month's end");
+  change->setObjectName("countFromEnd");
+  connect(change, &QPushButton::clicked, this,
+          [this] { Write([](Event& event) { event.SetMonth(EachMonthsOwnEnd); }); });
+  auto* row = new QHBoxLayout(monthEnd_);
+  row->setContentsMargins(0, 0, 0, 0);
+  row->addWidget(countsFrom_);
+  row->addWidget(change);
+  row->addStretch(1);
+  grid.addWidget(monthEnd_, grid.rowCount(), ContentColumn);
+}
+
+/// In the room that is left; a long rule can be scrolled.
+void EventWhenView::BuildSentence(QGridLayout& grid) {
+  sentence_ = new QLabel;
+  dates_ = new QLabel;
+  sentence_->setObjectName("ruleSentence");
+  dates_->setObjectName("nextDates");
+  auto* texts = new QWidget;
+  auto* column = new QVBoxLayout(texts);
+  column->setContentsMargins(0, 0, 0, 0);
+  for (QLabel* label : {sentence_, dates_}) {
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(true);
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    column->addWidget(label);
+  }
+  column->addStretch(1);
+  auto* scroll = new QScrollArea;
+  scroll->setFrameShape(QFrame::NoFrame);
+  scroll->setFocusPolicy(Qt::NoFocus);
+  scroll->setWidgetResizable(true);
+  scroll->setWidget(texts);
+  for (QWidget* part : {scroll->viewport(), texts}) part->setAutoFillBackground(false);
+  scroll->setMinimumHeight(3 * fontMetrics().lineSpacing());
+  const int at = grid.rowCount();
+  grid.addWidget(scroll, at, CaptionColumn, 1, 2);
+  grid.setRowStretch(at, 1);
+}
+
+void EventWhenView::ShowSentence() {
+  constexpr size_t DatesShown = 5;
+  const EventRecord& record = GetEvent().Record();
+  const Context& context = GetEvent().GetOwner()->GetContext();
+  const bool use24Hours = context.settings.Time24Hour;
+  const std::string from = CountedBackFrom(record);
+  const QString end = QString::fromStdString(from);
+  countsFrom_->setText("Counts back from " + end.left(end.indexOf(u',')));
+  monthEnd_->setVisible(!from.empty());
+  sentence_->setText(QString::fromStdString(RuleSentence(record, context.zone, use24Hours)));
+  QStringList dates;
+  for (const std::string& date :
+       NextDateTexts(record, context.clock.Now(), context.zone, DatesShown, use24Hours))
+    dates += QString::fromStdString(date);
+  dates_->setText(dates.isEmpty() ? "No date is to come." : "Next: " + dates.join("; "));
 }
 
 bool EventWhenView::TakeTimeOfDay(int32 time) {
@@ -176,9 +265,12 @@ int32 EventWhenView::TimeOfDay() const {
 }
 
 void EventWhenView::ShowTimeOfDay() {
-  const bool isStart = GetEvent().Record().PeriodType == SubDaily;
-  useTime_->setChecked(GetEvent().GetApplyTime());
-  time_->setEnabled(GetEvent().GetApplyTime() && !isStart);
+  const EventRecord& record = GetEvent().Record();
+  const bool isStart = record.PeriodType == SubDaily;
+  useTime_->setChecked(HasTimeOfDay(record));
+  useTime_->setEnabled(!isStart);
+  time_->setEnabled(record.ApplyTime && !isStart);
+  midnight_->setVisible(!HasTimeOfDay(record));
   time_->setToolTip(isStart ? "The times of a sub-daily event are counted from its start." : "");
 }
 
@@ -200,6 +292,7 @@ void EventWhenView::ShowEvent() {
   HideShowMoveViews();
   DropHiddenEdits();
   ShowFields();
+  ShowSentence();
 }
 
 void EventWhenView::ShowTypes() {

@@ -43,6 +43,10 @@ class EventWhenView final : public EditorPage {
   void BuildStart(QGridLayout& grid);
   void BuildStop(QGridLayout& grid);
   void BuildTimeOfDay(QGridLayout& grid);
+  void BuildMonthEnd(QGridLayout& grid);
+  void BuildSentence(QGridLayout& grid);
+  void ShowSentence();
+  void UseTimeOfDay(bool on);
   void AddRow(QGridLayout& grid, Row row, QWidget* caption, QWidget* content);
   QLabel* Caption(const char* text, QWidget* buddy);
   /// Room for the largest of its forms, so that no choice makes the window grow.
@@ -64,6 +68,11 @@ class EventWhenView final : public EditorPage {
   TimeField* stopTime_ = nullptr;
   QCheckBox* useTime_ = nullptr;
   TimeField* time_ = nullptr;
+  QLabel* midnight_ = nullptr;
+  QWidget* monthEnd_ = nullptr;
+  QLabel* countsFrom_ = nullptr;
+  QLabel* sentence_ = nullptr;
+  QLabel* dates_ = nullptr;
   std::array<RowViews, NumberOfRows> rows_;
 };
 

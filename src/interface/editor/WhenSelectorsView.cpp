@@ -7,6 +7,7 @@
 
 #include "core/events/EventSet.h"
 #include "core/timing/EventRecord.h"
+#include "core/timing/EventRuleCheck.h"
 #include "interface/editor/WhenLabels.h"
 #include "interface/fields/ChoiceMenu.h"
 #include "interface/fields/DateField.h"
@@ -38,6 +39,11 @@ const bool View::Setups[NumberOfGroups][NumberOfTimingTypes][NumberOfSelectors] 
     {{0, 0, 0, 0, 0, 0}, {0, 0, 0, 0, 0, 0}, {0, 0, 0, 1, 0, 0}},
 };
 
+void TakeMonthOfChoice(Event& event) {
+  const int8 month = MonthOnceChosen(event.Record(), event.GetOwner()->GetContext().zone);
+  if (month != event.Record().Month) event.SetMonth(month);
+}
+
 WhenSelectorsView::WhenSelectorsView(Event& event, EditorPage::Writer write)
     : event_(event), write_(std::move(write)) {
   auto* row = new QHBoxLayout(this);
@@ -58,7 +64,8 @@ WhenSelectorsView::WhenSelectorsView(Event& event, EditorPage::Writer write)
 
 void WhenSelectorsView::BuildDate(Event& event) {
   const auto get = [this] {
-    return DateField::Shown{event_.Record().EventTime, event_.Record().ApplyTime};
+    const EventRecord& record = event_.Record();
+    return DateField::Shown{record.EventTime, record.ApplyTime, record.PeriodType == Once};
   };
   const auto set = [this](int32 time, bool hasTime) {
     bool taken = false;
@@ -74,7 +81,10 @@ void WhenSelectorsView::BuildMenus() {
   });
   AddAll(*dayOfMonth_, 1, LastDayOffered, DayOfMonthLabel);
   weekOfMonth_ = new ChoiceMenu("weekOfMonth", "Week of month", [this](int32 week) {
-    write_([week](Event& it) { it.SetWeekOfMonth(static_cast<int8>(week)); });
+    write_([week](Event& it) {
+      it.SetWeekOfMonth(static_cast<int8>(week));
+      TakeMonthOfChoice(it);
+    });
   });
   AddAll(*weekOfMonth_, 0, 7, WeekOfMonthLabel);
   weekday_ = new ChoiceMenu("weekday", "Weekday", [this](int32 day) {
@@ -101,6 +111,7 @@ void WhenSelectorsView::ShowEvent() {
   weekOfMonth_->ShowValue(record.WeekOfMonth, WeekOfMonthLabel(record.WeekOfMonth));
   weekday_->ShowValue(record.DayOfWeek, WeekdayLabel(record.DayOfWeek));
   month_->ShowValue(record.Month, MonthLabel(record.Month));
+  date_->ShowHint();
   ReevaluateDisplay();
 }
 

@@ -15,6 +15,10 @@ class ChoiceMenu;
 class DateField;
 class TypedField;
 
+/// To be called once a person has chosen a kind, a type or a week: from then on a search backwards
+/// counts from each month's own end.
+void TakeMonthOfChoice(Event& event);
+
 class WhenSelectorsView final : public QWidget {
   Q_OBJECT
 

@@ -7,6 +7,8 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "interface/fields/Region.h"
+
 namespace kestrin {
 
 CalendarPopup::CalendarPopup(const QDate& day, QWidget* parent)
@@ -16,10 +18,10 @@ CalendarPopup::CalendarPopup(const QDate& day, QWidget* parent)
   calendar_->setObjectName("calendar");
   calendar_->setAccessibleName("Calendar");
   calendar_->setLocale(QLocale(QLocale::English));  // as all the program's texts
-  calendar_->setFirstDayOfWeek(QLocale::system().firstDayOfWeek());
+  calendar_->setFirstDayOfWeek(RegionOf(*parent).firstDayOfWeek());
   calendar_->setVerticalHeaderFormat(QCalendarWidget::NoVerticalHeader);
   // A day within these is one in every zone.
-  calendar_->setDateRange(QDate(1970, 1, 2), QDate(2038, 1, 18));
+  calendar_->setDateRange(QDate(1901, 12, 15), QDate(2038, 1, 18));
   calendar_->setSelectedDate(day);
   auto* column = new QVBoxLayout(this);
   column->setContentsMargins(0, 0, 0, 0);

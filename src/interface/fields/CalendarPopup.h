@@ -8,8 +8,8 @@ class QDate;
 
 namespace kestrin {
 
-/// Offers the days that an event can keep. A click or Return picks one, Escape none; either closes
-/// and deletes it.
+/// Offers the days that a repeating event can keep; weeks begin as the region's do. A click or
+/// Return picks one, Escape none; either closes and deletes it.
 class CalendarPopup final : public QFrame {
   Q_OBJECT
 

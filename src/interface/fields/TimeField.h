@@ -8,7 +8,7 @@ namespace kestrin {
 
 struct Context;
 
-/// Shows hours and minutes; seconds that the event had stay as long as nothing else is typed.
+/// Shows hours and minutes, and seconds where they are not 0.
 class TimeField final : public TypedField {
   Q_OBJECT
 

@@ -5,7 +5,9 @@
 #include "core/events/HandlerTable.h"
 #include "core/settings/KestrinSettings.h"
 #include "core/timing/DateTimeText.h"
+#include "core/timing/EventTiming.h"
 #include "core/timing/EventTypes.h"
+#include "core/timing/RuleSentence.h"
 #include "interface/common/ShownText.h"
 #include "interface/list/EventOrder.h"
 
@@ -16,10 +18,9 @@ namespace {
 constexpr std::array<const char*, NumberOfColumns> Labels = {
     "", "Name", "Event time", "Next message time", "Handler", "Status"};
 
-QString TimeText(const Event& event, int32 time) {
+QString TimeText(const Event& event, int32 time, bool withTime) {
   const Context& context = event.GetOwner()->GetContext();
-  return ShownText(
-      GetDateTimeString(time, event.GetApplyTime(), context.zone, context.settings.Time24Hour));
+  return ShownText(GetDateTimeString(time, withTime, context.zone, context.settings.Time24Hour));
 }
 
 QString HandlerText(const Event& event) {
@@ -47,9 +48,9 @@ QString CellText(const Event& event, int32 column) {
     case NameColumn:
       return ShownLine(event.GetName());
     case EventTimeColumn:
-      return TimeText(event, event.GetActualEventTime());
+      return TimeText(event, event.GetActualEventTime(), HasTimeOfDay(event.Record()));
     case NextTimeColumn:
-      return TimeText(event, event.GetNextEventTime());
+      return TimeText(event, event.GetNextEventTime(), MessageHasTimeOfDay(event.Record()));
     case HandlerColumn:
       return HandlerText(event);
     case StatusColumn:
@@ -57,6 +58,13 @@ QString CellText(const Event& event, int32 column) {
     default:
       return {};
   }
+}
+
+QString TipText(const Event& event, int32 column) {
+  const Context& context = event.GetOwner()->GetContext();
+  const std::string rule = RuleSentence(event.Record(), context.zone, context.settings.Time24Hour);
+  return "<p>" + CellText(event, column).toHtmlEscaped() + "<br>" +
+         ShownText(rule).toHtmlEscaped() + "</p>";
 }
 
 }  // namespace kestrin

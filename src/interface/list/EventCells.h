@@ -11,5 +11,7 @@ class Event;
 
 QString ColumnLabel(int32 column);
 QString CellText(const Event& event, int32 column);
+/// As rich text: the cell's, and the event's rule as a sentence.
+QString TipText(const Event& event, int32 column);
 
 }  // namespace kestrin

@@ -141,8 +141,8 @@ QVariant EventListModel::data(const QModelIndex& index, int role) const {
   const Event* event = EventAt(index.row());
   if (!event) return {};
   if (index.column() == IconColumn) return IconCell(*event, role);
-  const bool isText =
-      role == Qt::DisplayRole || role == Qt::ToolTipRole || role == Qt::AccessibleTextRole;
+  if (role == Qt::ToolTipRole) return TipText(*event, index.column());
+  const bool isText = role == Qt::DisplayRole || role == Qt::AccessibleTextRole;
   return isText ? CellText(*event, index.column()) : QVariant();
 }
 

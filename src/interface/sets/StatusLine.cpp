@@ -10,6 +10,7 @@
 #include "core/events/EventSet.h"
 #include "core/settings/KestrinSettings.h"
 #include "core/timing/DateTimeText.h"
+#include "core/timing/EventTiming.h"
 #include "interface/common/ShownText.h"
 #include "interface/sets/ElidedLabel.h"
 
@@ -84,8 +85,8 @@ void StatusLine::ShowNext() {
   const AutoLock lock(*set_);
   if (const Event* event = set_->GetNextEvent()) {
     const std::string when =
-        GetDateTimeString(event->GetNextEventTime(), event->GetApplyTime(), set_->GetContext().zone,
-                          set_->GetContext().settings.Time24Hour);
+        GetShortDateTime(event->GetNextEventTime(), MessageHasTimeOfDay(event->Record()),
+                         set_->GetContext().zone, set_->GetContext().settings.Time24Hour);
     next_->SetText("Next: " + ShownLine(event->GetName()), ", " + ShownText(when));
   } else {
     next_->SetText(set_->CountEvents() == 0 ? QStringLiteral("No events yet")

@@ -74,12 +74,15 @@ bool PrintNextTable(const EventSet& set) {
   if (set.Events().empty()) return std::puts("No events.") >= 0;
   const Context& context = set.GetContext();
   const TextTable table({"Name", "Event time", "Next message time", "Status"});
-  return table.Print(stdout, set.Events().size(), [&](size_t row) -> TextTable::Row {
+  return table.Print(stdout, set.Events().size(), [&](size_t row, TextTable::Row& cells) {
     const EventRecord& record = set.Events()[row]->Record();
-    return {TextTable::Cell(record.Name),
-            TimeText(record.ActualEventTime, HasTimeOfDay(record), context),
-            TimeText(record.NextEventTime, MessageHasTimeOfDay(record), context),
-            StatusText(record)};
+    const bool actualTime = HasTimeOfDay(record), nextTime = MessageHasTimeOfDay(record);
+    cells[0] = TextTable::Cell(record.Name);
+    cells[1] = TimeText(record.ActualEventTime, actualTime, context);
+    cells[2] = record.NextEventTime == record.ActualEventTime && actualTime == nextTime
+                   ? cells[1]
+                   : TimeText(record.NextEventTime, nextTime, context);
+    cells[3] = StatusText(record);
   });
 }
 
@@ -125,14 +128,14 @@ bool PrintAgendaTable(const std::vector<AgendaEntry>& entries, const SetPaths& s
   TextTable::Row header = {"Time", "Delivery", "Event"};
   if (sets.size() > 1) header.emplace_back("Set");
   const TextTable table(header);
-  return table.Print(stdout, entries.size(), [&](size_t row) {
+  return table.Print(stdout, entries.size(), [&](size_t row, TextTable::Row& cells) {
     const AgendaEntry& entry = entries[row];
     std::string kind = NameOf(entry.Kind);
     if (entry.Missed) kind += " (missed)";
-    TextTable::Row cells = {TimeText(entry.Time, true, context), kind,
-                            TextTable::Cell(entry.Event)};
-    if (sets.size() > 1) cells.push_back(TextTable::Cell(sets.at(entry.Set), PathWidth));
-    return cells;
+    cells[0] = TimeText(entry.Time, true, context);
+    cells[1] = kind;
+    cells[2] = TextTable::Cell(entry.Event);
+    if (sets.size() > 1) cells[3] = TextTable::Cell(sets.at(entry.Set), PathWidth);
   });
 }
 

@@ -54,7 +54,12 @@ char32_t FirstOf(std::string_view text, size_t& length) {
   return character;
 }
 
+bool IsPlain(std::string_view text) {
+  return std::all_of(text.begin(), text.end(), [](char c) { return c >= 0x20 && c < 0x7f; });
+}
+
 size_t Columns(std::string_view text) {
+  if (IsPlain(text)) return text.size();
   size_t columns = 0;
   for (size_t length = 0; !text.empty(); text.remove_prefix(length))
     columns += ColumnsOf(FirstOf(text, length));
@@ -66,11 +71,10 @@ void Pad(std::string& line, const std::string& cell, size_t width) {
   line.append(width - Columns(cell) + 2, ' ');
 }
 
-std::string Line(const TextTable::Row& cells, const std::vector<size_t>& widths) {
-  std::string line;
-  for (size_t i = 0; i < cells.size(); ++i) Pad(line, cells[i], widths[i]);
-  while (!line.empty() && line.back() == ' ') line.pop_back();
-  return line + "\n";
+void PutLine(std::string& text, const TextTable::Row& cells, const std::vector<size_t>& widths) {
+  for (size_t i = 0; i < cells.size(); ++i) Pad(text, cells[i], widths[i]);
+  while (!text.empty() && text.back() == ' ') text.pop_back();
+  text += '\n';
 }
 
 /// Everything that is not plain, printable UTF-8 as "?".
@@ -90,6 +94,7 @@ std::string Harmless(std::string_view text) {
 }  // namespace
 
 std::string TextTable::Cell(std::string_view text, size_t width) {
+  if (text.size() <= width && IsPlain(text)) return std::string(text);
   std::string shown = Harmless(text);
   std::string_view rest = shown;
   size_t columns = 0, kept = 0;
@@ -101,22 +106,31 @@ std::string TextTable::Cell(std::string_view text, size_t width) {
   return shown;
 }
 
-bool TextTable::Print(std::FILE* out, size_t rows,
-                      const std::function<Row(size_t row)>& rowAt) const {
+bool TextTable::Print(std::FILE* out, size_t rows, const RowWriter& write) const {
+  constexpr size_t FullBuffer = size_t{1} << 16;
   std::vector<size_t> widths;
   for (const std::string& cell : header_) widths.push_back(Columns(cell));
+  Row cells(header_.size());
   for (size_t at = 0; at < rows; ++at) {
-    const Row row = rowAt(at);
-    for (size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], Columns(row[i]));
+    write(at, cells);
+    for (size_t i = 0; i < cells.size(); ++i) widths[i] = std::max(widths[i], Columns(cells[i]));
   }
-  std::fputs(Line(header_, widths).c_str(), out);
   Row rules;
   for (const size_t width : widths) {
     rules.emplace_back();
     for (size_t i = 0; i < width; ++i) rules.back() += "─";
   }
-  std::fputs(Line(rules, widths).c_str(), out);
-  for (size_t at = 0; at < rows; ++at) std::fputs(Line(rowAt(at), widths).c_str(), out);
+  std::string text;
+  PutLine(text, header_, widths);
+  PutLine(text, rules, widths);
+  for (size_t at = 0; at < rows; ++at) {
+    write(at, cells);
+    PutLine(text, cells, widths);
+    if (text.size() < FullBuffer) continue;
+    std::fwrite(text.data(), 1, text.size(), out);
+    text.clear();
+  }
+  std::fwrite(text.data(), 1, text.size(), out);
   return std::fflush(out) == 0 && !std::ferror(out);
 }
 

@@ -17,9 +17,12 @@ class TextTable {
 
   explicit TextTable(Row header) : header_(std::move(header)) {}
 
+  /// Fills the cells, as many as the header has, of a row.
+  using RowWriter = std::function<void(size_t row, Row& cells)>;
+
   /// Asks for every row twice, to measure it and to print it, and keeps none. Whether everything
   /// could be written.
-  bool Print(std::FILE* out, size_t rows, const std::function<Row(size_t row)>& rowAt) const;
+  bool Print(std::FILE* out, size_t rows, const RowWriter& write) const;
 
   /// `text` as one line of at most `width` columns: control characters and bytes that are not UTF-8
   /// shown as "?", a longer text ended by "…".

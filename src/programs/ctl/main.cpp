@@ -70,8 +70,9 @@ bool Admits(std::string_view options, std::string_view option) {
 bool ParseTime(std::string_view text, int64_t now, const kestrin::Zone& zone, int64_t& time) {
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), time);
   if (error == std::errc() && end == text.data() + text.size()) return kestrin::FitsTime(time);
-  time = kestrin::hastimeinfo_parsedate(text, now, zone, nullptr);
-  return time != -1;
+  const kestrin::TypedDate date = kestrin::ReadTypedDate(text, now, zone);
+  time = date.moment;
+  return date.kind == kestrin::TypedDate::Kind::Date;
 }
 
 /// Fills `arguments` from what follows the command. Empty, or what is wrong.

@@ -330,7 +330,13 @@ TEST(NagOrPrewarnMessageTest, SaysWhatAndWhen) {
     bool timed;
     const char* text;
     const char* message;
+    const char* zone = "UTC";
+    bool use24Hours = false;
   } rows[] = {
+      // It is 5 in the afternoon there, and the event is tomorrow.
+      {ReminderKind::Prewarning, Sunday + 15 * Hour + 30 * Minute, true, "",
+       "The event \"Tea\" will occur at 00:30 on Monday, November 16,  2026.\n\n", "Asia/Tokyo",
+       true},
       {ReminderKind::Prewarning, Sunday + 12 * Hour, false, "Hot.",
        "The event \"Tea\" will occur today.\n\nHot."},
       {ReminderKind::Nag, Sunday - 6 * Day + 12 * Hour + 5 * Minute, true, "Late.",
@@ -340,7 +346,7 @@ TEST(NagOrPrewarnMessageTest, SaysWhatAndWhen) {
   };
   for (const auto& row : rows)
     EXPECT_EQ(GetNagOrPrewarnMessage(row.kind, "Tea", row.when, row.timed, row.text,
-                                     Sunday + 8 * Hour, Zone()),
+                                     Sunday + 8 * Hour, *Zone::Load(row.zone), row.use24Hours),
               row.message);
 }
 

@@ -52,6 +52,21 @@ TEST(DateParser, WhatItShowsItReadsBack) {
   }
 }
 
+TEST(DateParser, AFieldReadsWhatThePageSays) {
+  const Zone zone = *Zone::Load("Europe/Berlin");
+  const int64 now = zone.ToMoment(ToCivil({2026, 10, 11, 10, 30, 15}));
+  const auto rows = TableOfPage("time-rules.md", "| language | typed | means | time of day |");
+  ASSERT_GT(rows.size(), 40u);
+  for (const auto& row : rows) {
+    ASSERT_EQ(row.size(), 4u);
+    const auto order = row[0] == "en" ? DateOrder::MonthFirst : DateOrder::DayFirst;
+    const TypedDate date = ReadTypedDate(row[1], now, zone, LanguageNamed(row[0], order));
+    const bool isDate = date.kind == TypedDate::Kind::Date;
+    EXPECT_EQ(isDate ? WallText(date.moment, zone) : "no date", row[2]) << row[1];
+    EXPECT_EQ(date.hasTime ? "yes" : "no", row[3]) << row[1];
+  }
+}
+
 TEST(DateParser, MonthsAwayStopAtTheMonthsEnd) {
   const int64 now = ToCivil({2027, 11, 31, 12, 0, 0}).seconds;
   for (const char* typed : {"in 2 months", "2 months from now"})
@@ -90,10 +105,11 @@ TEST(DateParser, AnyTextEnds) {
 
 TEST(DateParser, TimesOfDayAlone) {
   const std::pair<const char*, int32> rows[] = {
-      {"7:30:15 am", 27015}, {"noon", 43200}, {"12", 0},        {"0730", 27000},
-      {" at 9:05 ", 32700},  {"12 am", 0},    {"12 pm", 43200}, {"24", -1},
-      {"2460", -1},          {"13 pm", -1},   {"pm", -1},       {"", -1},
-      {"7:5", -1},           {"7:30:60", -1}, {"tomorrow", -1}, {"19:30 today", -1}};
+      {"7:30:15 am", 27015}, {"noon", 43200},    {"12", 0},          {"0730", 27000},
+      {" at 9:05 ", 32700},  {"12 am", 0},       {"12 pm", 43200},   {"24", -1},
+      {"2460", -1},          {"13 pm", -1},      {"pm", -1},         {"", -1},
+      {"7:5", -1},           {"8.30", 30600},    {"9.15 pm", 76500}, {"7:30:60", -1},
+      {"tomorrow", -1},      {"19:30 today", -1}};
   for (const auto& [typed, seconds] : rows) EXPECT_EQ(ParseTimeOfDay(typed), seconds) << typed;
 }
 
@@ -103,15 +119,24 @@ TEST(DateParser, SaysWhetherATextIsNoDateOrOutOfReach) {
   struct {
     const char* typed;
     const char* saying;  // part of the sentence; empty: can be kept
-  } const rows[] = {
-      {"Jan 18 2038, 11 pm", ""},    {"Jan 20 2038", "2038"},  {"Nov 20 2050", "2038"},
-      {"5 May 9999", "2038"},        {"2 Jan 1970", ""},       {"1 Jan 1970", "1970"},
-      {"July 4 1969", "1970"},       {"in 100 years", "2038"}, {"Friday, 3 pm", ""},
-      {"Feb 30 2027", "no date"},    {"soon", "no date"},      {"", "no date"},
-      {"Nov 20 2026 3 pm", "comma"},
-  };
+    bool repeats = false;
+  } const rows[] = {{"Jan 18 2038, 11 pm", ""},
+                    {"Jan 20 2038", "2038"},
+                    {"Nov 20 2050", "2038"},
+                    {"5 May 9999", "2038"},
+                    {"2 Jan 1970", ""},
+                    {"1 Jan 1970", "1970"},
+                    {"July 4 1969", "1970"},
+                    {"in 100 years", "2038"},
+                    {"Friday, 3 pm", ""},
+                    {"Feb 30 2027", "no date"},
+                    {"soon", "no date"},
+                    {"", "no date"},
+                    {"3 May 1938", "", true},
+                    {"3 May 1900", "1901", true},
+                    {"1 Jan 1970, 1:00", "1970", true}};  // that moment is 0
   for (const auto& row : rows) {
-    const std::string why(WhyNoDate(row.typed, now, zone).value_or(""));
+    const std::string why(WhyNoDate(ReadTypedDate(row.typed, now, zone), row.repeats).value_or(""));
     EXPECT_EQ(why.empty(), !*row.saying) << row.typed << ": " << why;
     EXPECT_NE(why.find(row.saying), std::string::npos) << row.typed << ": " << why;
   }
