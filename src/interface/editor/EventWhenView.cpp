@@ -11,6 +11,7 @@
 
 #include "core/events/EventSet.h"
 #include "core/ports/Clock.h"
+#include "core/settings/KestrinSettings.h"
 #include "core/timing/EventRecord.h"
 #include "core/timing/RuleSentence.h"
 #include "interface/editor/PeriodicityIntervalView.h"
