@@ -2,6 +2,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QWidget>
 
 #include "interface/sets/SetFilePanel.h"
 

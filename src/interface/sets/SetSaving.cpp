@@ -1,6 +1,7 @@
 #include "interface/sets/SetSaving.h"
 
 #include <QFile>
+#include <QWidget>
 #include <cstdio>
 #include <utility>
 
