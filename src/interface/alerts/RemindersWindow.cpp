@@ -99,13 +99,13 @@ QWidget* RemindersWindow::MakeList() {
   list_->setRootIsDecorated(false);
   list_->setUniformRowHeights(true);
   list_->setSelectionMode(QAbstractItemView::ExtendedSelection);
-  list_->setAllColumnsShowFocus(true);
   list_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   QHeaderView* header = list_->header();
   header->setStretchLastSection(false);
   header->setSectionResizeMode(ReminderModel::TextColumn, QHeaderView::Stretch);
-  header->resizeSection(ReminderModel::NameColumn, 200);
-  header->resizeSection(ReminderModel::DueColumn, 150);
+  header->resizeSection(ReminderModel::NameColumn, 180);
+  header->resizeSection(ReminderModel::DueColumn,
+                        fontMetrics().horizontalAdvance("Wed, Nov 22 2026, 00:00 AM") + 16);
   connect(list_->selectionModel(), &QItemSelectionModel::currentRowChanged, this, [this] {
     if (CurrentId() != shown_) ShowCurrent();
   });
