@@ -24,9 +24,7 @@ void StepNag(Event& event, int64 after) {
 }
 
 void PrewarningDelivered(Event& event, int64 now) {
-  if (event.GetSkipPrewarn())
-    event.UpdateEventTime();
-  else if (event.GetNextEventTime() <= now)
+  if (event.GetNextEventTime() <= now)
     event.SetTimes(NextPrewarning(event.Record(), now, ZoneOf(event)));
 }
 
@@ -50,10 +48,7 @@ void OccurrenceDelivered(Event& event, int64 now) {
 }
 
 void NagDelivered(Event& event, int64 now) {
-  if (event.GetSkipNag())
-    event.UpdateEventTime();
-  else if (event.GetNextEventTime() <= now)
-    StepNag(event, now);
+  if (event.GetNextEventTime() <= now) StepNag(event, now);
 }
 
 }  // namespace

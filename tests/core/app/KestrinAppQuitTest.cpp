@@ -100,7 +100,8 @@ TEST_F(KestrinAppQuitTest, WhatWaitsIsHandledBeforeAQuitIsDecided) {
     WriteSet(Home, {});
     StartEditing();
     It->World.Time.JumpTo(Sunday + Day);
-    It->World.Queue.Post(FULL_QUIT_REQUESTED);
+    It->App.Ending().FullQuitProcess = true;
+    It->World.Queue.Post(QUIT_REQUESTED);
     Message waiting(code);
     waiting.Set("0", std::string(Home));
     It->World.Queue.Post(waiting);
@@ -109,14 +110,14 @@ TEST_F(KestrinAppQuitTest, WhatWaitsIsHandledBeforeAQuitIsDecided) {
     EXPECT_EQ(It->App.Ending().FullQuitProcess, ends) << "a window that opens cancels";
     EXPECT_EQ(Shown().size(), ends ? 0u : 2u);
   }
-  for (const bool wakes : {true, false}) {
+  for (const uint32 code : {uint32{0}, uint32{DELIVER_EVENTS}, uint32{SETS_OPENED}}) {
     StartEditing();
     It->World.Time.JumpTo(Sunday + Day);
     It->World.Queue.Post(QUIT_REQUESTED);
-    if (wakes) It->World.Queue.Post(DELIVER_EVENTS);
+    if (code != 0) It->World.Queue.Post(Message(code));
     Run();
-    EXPECT_EQ(Delivered().size(), wakes ? 1u : 0u) << "leaving alone delivers nothing";
-    EXPECT_EQ(It->Background.Times.back(), wakes ? Sunday + 2 * Day : Sunday + Day);
+    EXPECT_EQ(Delivered().size(), code == 0 ? 0u : 1u) << "leaving alone delivers nothing";
+    EXPECT_EQ(It->Background.Times.back(), code == 0 ? Sunday + Day : Sunday + 2 * Day);
     EXPECT_TRUE(It->Ended);
   }
 }
@@ -175,7 +176,8 @@ TEST_F(KestrinAppQuitTest, WhatDeliveriesChangedIsSavedOnceNothingOfTheSetIsOpen
   const std::string before = *Disk.Bytes(Work);
   It->World.Time.JumpTo(Sunday + Day + 8 * Hour);
   const uint64 handle = Set(Work)->GetHandle();
-  It->World.Holding.ProcessHold(handle);
+  for (int holds = 0; holds < 2; ++holds) It->World.Holding.ProcessHold(handle);
+  It->World.Holding.ProcessDone(handle);
   Post(Message(DELIVER_EVENTS));
   EXPECT_EQ(Disk.Bytes(Work), before) << "until then a crash delivers again";
   Message done(PROCESS_HOLD_DONE);

@@ -67,6 +67,8 @@ TEST_F(KestrinAppTest, RememberedFilesAreForgottenOnlyIfTheyAreGone) {
   Remember({"/sets/Gone", Work, "/sets/Bad", "/mnt/disk/Away", "/sets/New"});
   Start();
   EXPECT_THAT(It->World.Settings.SetFileNames, ElementsAre(Work, "/mnt/disk/Away"));
+  EXPECT_THAT(Ui().Calls, testing::Contains("SettingsChanged").Times(testing::Lt(3)))
+      << "one message for the three that were forgotten, one for the time zone";
   EXPECT_THAT(
       Alerts(),
       ElementsAre(

@@ -163,7 +163,7 @@ TEST(WakeSchedule, AChangedZoneWakesOnlyForAPendingMomentAndLeavesItArmed) {
     machine.Do(machine.schedule.CallFailed(false));
     EXPECT_EQ(machine.Jump(), Machine::Event::Retry);
   }
-  machine.Do(machine.schedule.CallFailed(false));
+  machine.Do(machine.schedule.CallFailed(true));
   EXPECT_EQ(machine.Jump(), Machine::Event::Timer) << "the moment comes before the next try";
   EXPECT_EQ(machine.schedule.Failures(), 0);
   machine.Do(machine.schedule.CallAnswered());
