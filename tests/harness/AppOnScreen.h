@@ -39,30 +39,16 @@ class AppOnScreen : public testing::Test {
 
   static inline Zone SystemZone;
 
-  struct Process {
+  struct Process : World<QtUserInterface> {
     explicit Process(const std::string& folder)
-        : Store(MakeBuiltInPrefs(Files, folder + "/config")),
+        : World(nullptr, &Carried, [] {}),
+          Store(MakeBuiltInPrefs(SystemFiles, folder + "/config")),
           App(Core, {Background, Bus, Store, folder, folder + "/state",
                      [this] { LoadBuiltInHandlers(Core); }, [this] { Handlers.Clear(); },
                      [] { return SystemZone; }, [this] { Ended = true; }}) {
       Ui.Connect(Core, App.Ending());
     }
-    FakeClock Time;
-    SystemFileDoor Files;
-    MessageQueue Queue;
-    Holds Holding{Queue};
-    QtUserInterface Ui{[] {}};
-    AlertDesk Alerts{Queue, Ui};
-    Notices Notes{Alerts, Holding, Ui};
-    FakeDesktop Machine;
-    FakeWorkers Threads;
-    HandlerActions Actions;
-    KestrinSettings Settings;
-    HandlerTable Handlers;
-    OpenSets Open;
-    Context Core{Time,    Files,   Queue, Holding,  Ui,       Alerts, Notes, Machine,
-                 Threads, Actions, Open,  Settings, Handlers, Zone(), 1};
-    const ServesAddOns Serves{Core};
+    HandlerActions Carried;  ///< carries out what the fakes only write down
     FakeBackground Background;
     FakeBus Bus;
     SettingsStore Store;

@@ -30,11 +30,10 @@ class AppTestBase : public testing::Test {
     explicit Process(AppTestBase& test)
         : World(&test.Door, test.OwnActions),
           Store(MakeBuiltInPrefs(test.Door, "/config")),
-          App(World.Core,
-              {Background, Bus, Store, "/opt", "/state",
-               [this, &test] { test.LoadHandlers(World.Core); }, [this] { World.Handlers.Clear(); },
-               [&test] { return test.SystemZone; }, [this] { Ended = true; },
-               std::to_string(++test.Starts)}) {
+          App(World.Core, {Background, Bus, Store, "/opt", "/state",
+                           [this, &test] { test.LoadHandlers(World.Core); },
+                           [this] { World.Handlers.Clear(); }, [&test] { return test.SystemZone; },
+                           [this] { Ended = true; }, std::to_string(++test.Starts)}) {
       World.Ui.App = &App.Ending();
       Background.Queue = &World.Queue;
       World.Core.zone = test.SystemZone;

@@ -7,23 +7,12 @@
 #include <utility>
 
 #include "core/app/DocumentApp.h"
-#include "core/events/AddOnServices.h"
-#include "core/events/Context.h"
 #include "core/events/Event.h"
 #include "core/events/EventSet.h"
-#include "core/events/HandlerTable.h"
-#include "core/events/OpenSets.h"
 #include "core/files/StoredSetFile.h"
-#include "core/loop/AlertDesk.h"
-#include "core/loop/MessageQueue.h"
-#include "core/loop/Notices.h"
-#include "core/settings/KestrinSettings.h"
 #include "handlers/LoadEventHandlers.h"
-#include "harness/FakeClock.h"
-#include "harness/FakeDesktop.h"
-#include "harness/FakeEventActions.h"
-#include "harness/FakeWorkers.h"
 #include "harness/MemoryFileDoor.h"
+#include "harness/TestContext.h"
 #include "interface/QtUserInterface.h"
 #include "interface/editor/EventWindow.h"
 #include "interface/list/ListEventView.h"
@@ -40,8 +29,14 @@ class WindowHolder final : public DocumentApp {
   void QuitAbandoned() override {}
 };
 
-struct ScreenContext {
-  ScreenContext() {
+struct InMemory {
+  MemoryFileDoor Files;
+  int Bells = 0;
+};
+
+/// On the real screen, over files in memory.
+struct ScreenContext : InMemory, World<QtUserInterface> {
+  ScreenContext() : World(&Files, nullptr, [this] { ++Bells; }) {
     LoadBuiltInHandlers(Core);
     Ui.Connect(Core, Application);
   }
@@ -54,27 +49,8 @@ struct ScreenContext {
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     Open.Sets.clear();
   }
-  ScreenContext(const ScreenContext&) = delete;
-  ScreenContext& operator=(const ScreenContext&) = delete;
 
-  FakeClock Time;
-  MemoryFileDoor Files;
-  MessageQueue Queue;
-  Holds Holding{Queue};
-  int Bells = 0;
-  QtUserInterface Ui{[this] { ++Bells; }};
-  AlertDesk Alerts{Queue, Ui};
-  Notices Notes{Alerts, Holding, Ui};
-  FakeDesktop Machine;
-  FakeWorkers Threads;
-  FakeEventActions Actions;
   WindowHolder Application{Holding};
-  KestrinSettings Settings;
-  HandlerTable Handlers;
-  OpenSets Open;
-  Context Core{Time,    Files,   Queue, Holding,  Ui,       Alerts, Notes, Machine,
-               Threads, Actions, Open,  Settings, Handlers, Zone(), 1};
-  const ServesAddOns Serves{Core};
 
   /// What a test posted or a window asked for; alerts open on the way.
   std::vector<uint32> RunMessages() {

@@ -21,28 +21,29 @@
 
 namespace kestrin {
 
+/// Everything that a context is made of, on fakes of the ports but the screen, which is `Screen`.
 /// Files are the system's own and actions are written down only, unless others are handed in; the
 /// zone is UTC.
-struct TestContext {
-  explicit TestContext(FileDoor* files = nullptr, EventActions* actions = nullptr)
-      : Core{Time,     files ? *files : SystemFiles,
-             Queue,    Holding,
-             Ui,       Alerts,
-             Notes,    Machine,
-             Threads,  actions ? *actions : Actions,
-             Open,     Settings,
-             Handlers, Zone(),
-             1} {
-    Ui.Desk = &Alerts;
-  }
-  TestContext(const TestContext&) = delete;
-  TestContext& operator=(const TestContext&) = delete;
+template <typename Screen>
+struct World {
+  template <typename... ScreenParts>
+  World(FileDoor* files, EventActions* actions, ScreenParts&&... parts)
+      : Ui(std::forward<ScreenParts>(parts)...), Core{Time,     files ? *files : SystemFiles,
+                                                      Queue,    Holding,
+                                                      Ui,       Alerts,
+                                                      Notes,    Machine,
+                                                      Threads,  actions ? *actions : Actions,
+                                                      Open,     Settings,
+                                                      Handlers, Zone(),
+                                                      1} {}
+  World(const World&) = delete;
+  World& operator=(const World&) = delete;
 
   FakeClock Time;
   SystemFileDoor SystemFiles;
   MessageQueue Queue;
   Holds Holding{Queue};
-  FakeUserInterface Ui;
+  Screen Ui;
   AlertDesk Alerts{Queue, Ui};
   Notices Notes{Alerts, Holding, Ui};
   FakeDesktop Machine;
@@ -53,6 +54,14 @@ struct TestContext {
   Context Core;
   const ServesAddOns Serves{Core};
   OpenSets Open;
+};
+
+/// Without a screen.
+struct TestContext : World<FakeUserInterface> {
+  explicit TestContext(FileDoor* files = nullptr, EventActions* actions = nullptr)
+      : World(files, actions) {
+    Ui.Desk = &Alerts;
+  }
 
   /// Gets every message that the context itself has no answer to; may be null.
   std::function<void(const Message&)> OnMessage;
