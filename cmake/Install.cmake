@@ -4,7 +4,7 @@ set(home lib/kestrin)
 set(data ${PROJECT_SOURCE_DIR}/data)
 set(made ${PROJECT_BINARY_DIR}/install)
 
-install(TARGETS kestrin KestrinBackground kestrinctl RUNTIME DESTINATION ${home})
+install(TARGETS kestrin KestrinBackground KestrinProbe kestrinctl RUNTIME DESTINATION ${home})
 install(DIRECTORY DESTINATION ${home}/add-ons)
 install(FILES "docs/Kestrin documentation.html" DESTINATION ${home})
 install(DIRECTORY docs/pictures DESTINATION ${home})

@@ -9,6 +9,9 @@
 #include "session/BusMessages.h"
 #include "session/BusNames.h"
 #include "session/FileUri.h"
+#include "session/ProcessInfo.h"
+#include "session/ToldDisplay.h"
+#include "support/WholeFile.h"
 
 namespace kestrin {
 
@@ -103,6 +106,22 @@ void ApplicationBus::TellEnvironment(const std::map<std::string, std::string>& t
                                      "org.freedesktop.systemd1.Manager", "SetEnvironment");
   manager.setAutoStartService(false);
   connection_.send(manager << lines);
+  RememberTold(told);
+}
+
+// For whoever asks whether a reminder would come. A bus that was started anew knows nothing of it.
+void ApplicationBus::RememberTold(const std::map<std::string, std::string>& told) {
+  const std::string folder = RuntimeFolder();
+  const QDBusMessage id = Call(MakeBusCall("GetId"));
+  if (folder.empty() || IsError(id)) return;
+  std::string text = id.arguments().value(0).toString().toStdString() + "\n";
+  for (const char* name : DisplayVariables)
+    if (const auto found = told.find(name); found != told.end())
+      text.append(name).append("=").append(found->second).append("\n");
+  SystemFileDoor files;
+  const std::string file = folder + ToldDisplayFile;
+  if (files.MakeFolders(file.substr(0, file.rfind('/')), 0700) == StatusOk)
+    WriteWholeFile(files, file, text);
 }
 
 bool ApplicationBus::TakeName() {

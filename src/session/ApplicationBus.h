@@ -60,6 +60,7 @@ class ApplicationBus final : public BusPresence {
   bool NameHasOwner();
   Arrival HandOver(const Start& start, bool& ownerIsGone);
   void TellEnvironment(const std::map<std::string, std::string>& told);
+  void RememberTold(const std::map<std::string, std::string>& told);
   void Forward(const std::vector<BusReceiver::Held>& held);
   QDBusMessage Call(const QDBusMessage& call, std::chrono::milliseconds patience = BusPatience);
   QDBusMessage LastCall(const QDBusMessage& call);

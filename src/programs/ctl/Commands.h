@@ -29,6 +29,8 @@ int Show(VirtualEngine& engine, const CtlArguments& arguments);
 int AgendaCommand(VirtualEngine& engine, const CtlArguments& arguments);
 int Check(VirtualEngine& engine, const CtlArguments& arguments);
 int Rewrite(VirtualEngine& engine, const CtlArguments& arguments);
+/// 1 when a reminder would not reach the person.
+int Status(VirtualEngine& engine, const CtlArguments& arguments);
 
 /// "kestrinctl: FILE: FAULT" on standard error, with line breaks and the like made harmless.
 void Complain(const std::string& file, const std::string& fault);

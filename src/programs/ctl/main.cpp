@@ -29,6 +29,8 @@ constexpr char Usage[] =
     "time\n"
     "       kestrinctl check FILE...                  whether files can be read\n"
     "       kestrinctl rewrite IN OUT                 save IN again as OUT, in today's format\n"
+    "       kestrinctl status                         link by link, whether a reminder would reach "
+    "you\n"
     "       kestrinctl --help | --version\n"
     "\n"
     "TIME is a number of seconds since 1970, or a date as you would type it: \"tomorrow 9am\".\n"
@@ -51,6 +53,7 @@ constexpr Command Commands[] = {
     {"agenda", kestrin::AgendaCommand, "--json --startup --from --to", 1, AnyNumber},
     {"check", kestrin::Check, "", 1, AnyNumber},
     {"rewrite", kestrin::Rewrite, "", 2, 2},
+    {"status", kestrin::Status, "", 0, 0},
 };
 
 int Wrong(const std::string& what) {
@@ -106,7 +109,8 @@ std::string Parse(const Command& command, int argc, char** argv, int64_t now,
   if (!toGiven) arguments.to = arguments.from + Week;
   if (arguments.files.size() < command.fewestFiles || arguments.files.size() > command.mostFiles)
     return std::string(command.name) + " wants " +
-           (command.fewestFiles == 2         ? "two files"
+           (command.mostFiles == 0           ? "no file"
+            : command.fewestFiles == 2       ? "two files"
             : command.mostFiles == AnyNumber ? "at least one file"
                                              : "one file");
   return "";
