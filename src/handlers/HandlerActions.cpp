@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "core/delivery/EventDelivery.h"
+#include "core/delivery/StopReminding.h"
 #include "core/events/EventSet.h"
 #include "core/events/HandlerTable.h"
 #include "core/loop/AlertDesk.h"
@@ -56,6 +57,9 @@ void Remind(const Event& event, const Reminder& reminder, const std::string& use
   request.HarmlessButton = 1;
   request.DefaultButton = 1;
   request.Done = [delivered, &reminder](int which) {
+    if (which == 0)
+      StopReminding(*delivered.context, {delivered.Set, delivered.Event, delivered.Occurrence},
+                    reminder.role == AlertRole::Prewarning);
     // The reply releases the hold.
     delivered.context->queue.Post(
         AlertReply(reminder.reply, delivered.Set, delivered.Event, delivered.Occurrence, which));

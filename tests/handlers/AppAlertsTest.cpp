@@ -50,6 +50,18 @@ TEST_F(AppAlertsTest, AfterAForcedEndItsButtonActsUnlessItsOccurrenceIsOver) {
   }
 }
 
+TEST_F(AppAlertsTest, AButtonActsInTheSetThatItsAlertIsAboutWhicheverWasOpenedFirst) {
+  Now = Sunday + 10 * Hour;
+  WriteSet(Home, {});
+  WriteSet(Work, {Nagging()});
+  Remember({Home, Work});
+  Start();
+  ASSERT_EQ(Alerts().size(), 1u);
+  Answer(0);
+  EXPECT_EQ(FirstEvent(Work).GetStatus(), WaitingForEvent);
+  EXPECT_EQ(FirstEvent(Work).GetNextEventTime(), Sunday + Day + 9 * Hour);
+}
+
 TEST_F(AppAlertsTest, AQuestionIsAskedAnewAndADeliveryOnlyShown) {
   Now = Sunday + 6 * Hour;
   StartWith({DailyAt(Sunday + 7 * Hour, "Asks"), DailyAt(Sunday + 7 * Hour, "Says")});

@@ -6,6 +6,7 @@
 
 #include "core/delivery/EventDelivery.h"
 #include "core/delivery/PutOffAlerts.h"
+#include "core/delivery/StopReminding.h"
 #include "core/events/Event.h"
 #include "core/events/EventSet.h"
 #include "core/events/OpenSets.h"
@@ -124,32 +125,18 @@ void DeliveryPass::DealWith(const Earliest& earliest) {
   context_.openSets.DestroyDeparted();
 }
 
-/// Only the set that was opened first is looked at: replies about other sets change nothing.
+/// Only the set that was opened first is looked at: replies about other sets change nothing. An
+/// alert's button has been carried out already, where it was pressed.
 void DeliveryPass::AlertReply(const Message& message) {
   const auto set = static_cast<uint64>(message.Get<int64>("EventSet").value_or(0));
-  const auto handle = static_cast<uint64>(message.Get<int64>("Event").value_or(0));
   if (message.Get<int32>("which") == 0) {
     const AutoLock open(context_.openSets.Protect);
-    EventSet* const first =
-        context_.openSets.Sets.empty() ? nullptr : context_.openSets.Sets.front().get();
-    if (first && first->GetHandle() == set) {
-      const AutoLock lock(*first);
-      Event* const event = first->FindEvent(handle);
-      const bool prewarning = message.what == PREWARN_ALERT_REPLY;
-      const bool nagging = event && event->GetStatus() == WaitingToNag;
-      // An event that has come due is still to be delivered.
-      const bool ahead = event && event->GetActualEventTime() > context_.clock.Now();
-      if (event && event->GetActualEventTime() == message.Get<int32>("Occurrence") &&
-          (prewarning ? !nagging && ahead : nagging)) {
-        const EventSet::DeliveryChange byDelivery(*first);
-        if (prewarning)
-          event->SetSkipPrewarn(true);
-        else
-          event->SetSkipNag(true);
-        event->UpdateEventTime();
-        first->SetModified();
-      }
-    }
+    const auto& sets = context_.openSets.Sets;
+    if (!sets.empty() && sets.front()->GetHandle() == set)
+      StopReminding(context_,
+                    {set, static_cast<uint64>(message.Get<int64>("Event").value_or(0)),
+                     message.Get<int32>("Occurrence").value_or(0)},
+                    message.what == PREWARN_ALERT_REPLY);
   }
   context_.holds.ProcessDone(set);
 }

@@ -15,6 +15,7 @@
 
 namespace kestrin {
 
+class EventSet;
 class Event;
 
 /// Main thread. docs/reminders.md tells what becomes of each kind.
