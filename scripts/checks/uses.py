@@ -179,7 +179,7 @@ class Tree:
                 continue
             # Where the header is out of bounds, or the file or its header declares the name itself,
             # it is another.
-            declared = rf"[\w>] (?:[*&] )?{name} [(=[]"
+            declared = rf"[\w>] (?:[*&] )?{name} [(=[]|\benum [^{{}};]*\{{[^{{}}]*\b{name}\b"
             if not may_include(path, homes[0]) or re.search(declared, code + self.code.get(own, "")):
                 continue
             # Behind a dot, an arrow or a scope it is somebody else's name.

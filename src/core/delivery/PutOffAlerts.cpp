@@ -17,6 +17,8 @@
 #include "core/ports/Workers.h"
 #include "core/settings/KestrinSettings.h"
 #include "core/timing/DateTimeText.h"
+#include "core/timing/EventRecord.h"
+#include "core/timing/EventTypes.h"
 #include "core/timing/LaterMoments.h"
 
 namespace kestrin {

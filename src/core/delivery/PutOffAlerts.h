@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "core/events/Context.h"
+#include "core/events/EventSet.h"
 #include "core/journal/Later.h"
 #include "core/loop/PutOffKeeper.h"
 
