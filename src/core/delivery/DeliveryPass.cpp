@@ -16,7 +16,6 @@
 #include "core/ports/EventActions.h"
 #include "core/ports/UserInterface.h"
 #include "core/settings/KestrinSettings.h"
-#include "core/timing/EventTypes.h"
 
 namespace kestrin {
 

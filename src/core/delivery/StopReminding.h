@@ -9,7 +9,8 @@ struct Context;
 
 /// What an alert was about: handles, and the event's ActualEventTime then.
 struct AlertSubject {
-  uint64 Set = 0, Event = 0;
+  uint64 Set = 0;
+  uint64 Event = 0;
   int32 Occurrence = 0;
 };
 

@@ -15,6 +15,8 @@
 #include "core/ports/Clock.h"
 #include "core/settings/KestrinSettings.h"
 #include "core/timing/DateTimeText.h"
+#include "core/timing/EventRecord.h"
+#include "core/timing/EventTypes.h"
 #include "interface/fields/CalendarPopup.h"
 #include "interface/fields/Region.h"
 #include "interface/fields/TypedField.h"

@@ -56,7 +56,7 @@ TEST(LaterMomentsTest, TypedTimesLieAheadAndStayOnTheWallClock) {
     const TypedMoment read = ReadTypedMoment(each.typed, now, Zone(), terms);
     EXPECT_EQ(read.when.moment, each.moment) << read.fault;
     EXPECT_EQ(read.fault.empty(), each.moment != 0);
-    if (each.moment != 0) EXPECT_EQ(read.when.onWallClock, each.onWallClock);
+    EXPECT_EQ(read.when.onWallClock, each.moment != 0 && each.onWallClock);
   }
 }
 
