@@ -1,6 +1,7 @@
 #include "core/app/KestrinApp.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "core/events/EventSet.h"
 #include "core/events/OpenSets.h"
@@ -54,6 +55,7 @@ void KestrinApp::Construct() {
   background_.LaunchBackgroundApp(nullptr);
   const AutoLock settings(context_.settings.Protect);
   InitSettings(context_.settings, parts_.settings, context_.notices);
+  delivering_ = context_.settings.WhichEventsToDeliver;
   context_.settings.WhenChanged = [this] { context_.queue.Post(SETTINGS_CHANGED); };
   parts_.loadHandlers();
   const AutoLock open(context_.openSets.Protect);
@@ -210,8 +212,13 @@ void KestrinApp::RevertToSavedIfRemembered(const std::string& path) {
 
 void KestrinApp::SettingsChanged() {
   context_.ui.SettingsChanged();
-  const AutoLock settings(context_.settings.Protect);
-  WriteSettings(context_.settings, parts_.settings, context_.notices);
+  {
+    const AutoLock settings(context_.settings.Protect);
+    WriteSettings(context_.settings, parts_.settings, context_.notices);
+  }
+  // A set that delivers from now on is like an opened one.
+  const int32 delivering = context_.settings.WhichEventsToDeliver;
+  if (std::exchange(delivering_, delivering) != delivering) pass_.PassWithStartupFlag();
 }
 
 void KestrinApp::SaveDeliveredSets() {

@@ -14,6 +14,7 @@
 #include "core/delivery/PutOffAlerts.h"
 #include "core/events/Context.h"
 #include "core/files/RecoveryFolder.h"
+#include "core/settings/KestrinSettings.h"
 
 namespace kestrin {
 
@@ -70,6 +71,7 @@ class KestrinApp {
   RecordedAlerts recorded_;
   SetOpening opening_;
   AppEnding ending_;
+  int32 delivering_ = DeliverShownOrRemembered;  ///< which events, when a pass last asked
 };
 
 }  // namespace kestrin

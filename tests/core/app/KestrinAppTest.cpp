@@ -118,6 +118,15 @@ TEST_F(KestrinAppTest, WhatWasDueInASetThatIsOpenedMayHaveBeenMissed) {
   EXPECT_THAT(Delivered(), IsEmpty());
   Post(Files({Home}));
   EXPECT_THAT(Delivered(), ElementsAre("Milk missed"));
+  // And so is one that a changed setting lets deliver.
+  WriteSet(Work, {DailyAt(Sunday + 7 * Hour)});
+  Remember({Work});
+  Configure([](KestrinSettings& settings) { settings.WhichEventsToDeliver = DeliverNothing; });
+  Start();
+  EXPECT_THAT(Delivered(), IsEmpty());
+  It->World.Settings.WhichEventsToDeliver = DeliverRemembered;
+  Post(Message(SETTINGS_CHANGED));
+  EXPECT_THAT(Delivered(), ElementsAre("Tea missed"));
 }
 
 TEST_F(KestrinAppTest, AfterARevertNothingIsDeliveredAgain) {
