@@ -73,7 +73,7 @@ void Journal::Read() {
 std::string Journal::Begin(JournalRecord record) {
   record.By = self_;
   if (record.At == 0) record.At = clock_.Now();
-  const std::string id = log_.NewId();
+  std::string id = log_.NewId();
   log_.Append(id, FieldsOf(record));
   return id;
 }
