@@ -235,7 +235,7 @@ std::string AlertDesk::PutOff(AlertId id, const PutOffMoment& when) {
   const auto found = open_.find(id);
   if (found == open_.end()) return "";
   const AlertRequest shown = found->second.Shown();
-  const std::string why = keeper_->Keep(shown, when);
+  std::string why = keeper_->Keep(shown, when);
   if (!why.empty()) return why;
   if (found->second.added) keeper_->Ended(*found->second.added);
   Finish(id, shown.HarmlessButton);
