@@ -18,11 +18,15 @@
 #include "handlers/MessageDataHandler.h"
 #include "handlers/UnknownDataHandler.h"
 #include "kestrin/BufferedFile.h"
+#include "kestrin/EventServices.h"
 #include "support/OwnedText.h"
 
 namespace kestrin {
 
 namespace {
+
+/// Nobody in the program calls what add-ons are promised: naming one of these services keeps them.
+[[gnu::used]] const char* (*const PromisedService)(const Event*) = &GetEventName;
 
 constexpr size_t MaxNamedLeftOut = 20;
 

@@ -10,6 +10,8 @@ class QThread;
 
 namespace kestrin {
 
+class LogindReceiver;
+
 /// Posts RESUMED when the machine has slept, and FORCED_QUIT before it goes down, which waits for
 /// the end of this process as long as the login manager lets it. Without a login manager it does
 /// nothing. Main thread, after the toolkit's application object; nothing there waits for the
@@ -24,9 +26,7 @@ class LogindWatch {
   LogindWatch& operator=(const LogindWatch&) = delete;
 
  private:
-  class Receiver;
-
-  Receiver* receiver_;
+  LogindReceiver* receiver_;
   QThread* connecting_;
   QTimer begin_;
 };

@@ -36,7 +36,7 @@ class Loss(WorldTest):
         self.remember(day)
         application = self.start()
         alert = self.alert("Buy some.")
-        self.assertEqual(alert.buttons(), ["No more prewarnings", "OK"])
+        self.assertEqual(alert.buttons(), ["Open event", "Later", "No more prewarnings", "OK"])
         application.terminate()
         self.left(application)
         self.assertEqual(self.saved(day)["Tea"]["Status"], WAITING_FOR_PREWARNING)

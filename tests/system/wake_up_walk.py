@@ -18,7 +18,7 @@ class WakeUp(WorldTest):
         alert = self.alert("Tea")
         self.assertGreaterEqual(self.now(), self.soon)
         self.assertEqual(alert.text, "Kestrin event:  Tea\n\nPut the kettle on.")
-        self.assertEqual(alert.buttons(), ["Ok"])
+        self.assertEqual(alert.buttons(), ["Open event", "Later", "Ok"])
         self.assertEqual(self.saved_time(tea), self.soon, "a crash now would lose the event")
         alert.click("Ok")
         self.gone(APPLICATION)
@@ -37,7 +37,7 @@ class WakeUp(WorldTest):
                          f"\"{marks['Agreed']}\".  Should the command be executed?")
         self.assertIn(f"\n\nKestrin is about to open the file \"{letter}\" with the application Letter Writer.",
                       reading.text)
-        self.assertEqual(agreed.buttons(), ["Cancel", "Ok"])
+        self.assertEqual(agreed.buttons(), ["Open event", "Later", "Cancel", "Ok"])
         self.until(lambda: self.read("Unasked") == "ran\n", "the command that nobody is asked about")
         self.assertEqual(self.read("Agreed") + self.read("read"), "")
         refused.press("Cancel")
@@ -62,7 +62,7 @@ class WakeUp(WorldTest):
         self.assertIn(f"load_add_on failed for {broken}: 0x00000008", alerts[1].text)
         self.assertEqual(alerts[2].text, f"Kestrin: Attempt to open event set {missing} failed.")
         for alert in reversed(alerts):
-            alert.press(alert.buttons()[0])
+            alert.press(alert.buttons()[-1])
         self.gone(APPLICATION)
         self.assertEqual((self.saved_time(day), self.saved(day)["Foreign"]), (self.soon + DAY, foreign))
         self.assertNotIn("missing", self.read("config/Kestrin/KestrinSettings.json"))

@@ -194,10 +194,10 @@ bool HoldsOwnHalfOfDay(std::string_view text, const DateLanguage& language) {
     const size_t length = LettersAt(std::string_view(folded).substr(at));
     const std::string word = folded.substr(at, length);
     if (word == "am" || word == "pm") {
-      const size_t before = at == 0 ? folded.npos : folded.find_last_not_of(" \t", at - 1);
+      const size_t before = at == 0 ? std::string::npos : folded.find_last_not_of(" \t", at - 1);
       const bool isOwn = std::any_of(language.phrases.begin(), language.phrases.end(),
                                      [&](const auto& phrase) { return phrase.local == word; });
-      if (isOwn && (before == folded.npos || !IsDigit(folded[before]))) return true;
+      if (isOwn && (before == std::string::npos || !IsDigit(folded[before]))) return true;
     }
     at += length;
   }

@@ -88,16 +88,16 @@ class AlertPane final : public QWidget {
   bool lettersOfQuestion_ = false;
   std::vector<QPushButton*> buttons_;
   QPushButton* default_ = nullptr;
-  QLabel* icon_;
-  QLabel* due_;
-  AlertText* text_;
-  QLabel* comesAgain_;
-  QLabel* complaint_;
+  QLabel* icon_ = nullptr;
+  QLabel* due_ = nullptr;
+  AlertText* text_ = nullptr;
+  QLabel* comesAgain_ = nullptr;
+  QLabel* complaint_ = nullptr;
   OtherTimeLine* otherTime_ = nullptr;
-  QPushButton* openEvent_;
-  QPushButton* later_;
+  QPushButton* openEvent_ = nullptr;
+  QPushButton* later_ = nullptr;
   QPointer<LaterMenu> menu_;
-  QHBoxLayout* buttonRow_;
+  QHBoxLayout* buttonRow_ = nullptr;
 };
 
 }  // namespace kestrin

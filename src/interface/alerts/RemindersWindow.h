@@ -85,12 +85,12 @@ class RemindersWindow final : public QDialog {
   const Context& context_;
   MayOpen mayOpenEvent_;
   ReminderModel* model_;
-  QTreeView* list_;
-  QPushButton* new_;
-  QLabel* line_;
-  QPushButton* takeBack_;
-  QPushButton* laterAll_;
-  QPushButton* okAll_;
+  QTreeView* list_ = nullptr;
+  QPushButton* new_ = nullptr;
+  QLabel* line_ = nullptr;
+  QPushButton* takeBack_ = nullptr;
+  QPushButton* laterAll_ = nullptr;
+  QPushButton* okAll_ = nullptr;
   AlertPane* pane_;
   QPointer<LaterMenu> menu_;
   QTimer carry_;

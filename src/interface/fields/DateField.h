@@ -25,9 +25,9 @@ class DateField final : public QWidget {
 
  public:
   struct Shown {
-    int32 time;
-    bool withTime;        ///< whether the time of day is shown
-    bool single = false;  ///< the one moment of an event that does not repeat
+    int32 time = 0;
+    bool withTime = false;  ///< whether the time of day is shown
+    bool single = false;    ///< the one moment of an event that does not repeat
   };
   using Getter = std::function<Shown()>;
   /// `hasTime`: the person gave a time of day; otherwise only the day of `time` counts. False when
