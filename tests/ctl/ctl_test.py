@@ -260,7 +260,7 @@ class BoundsTest(CtlTest):
     def test_the_largest_set_of_the_smallest_events_with_the_slowest_rule(self):
         """The last weekday of every month since 1901, counted from a month that is longer than most."""
         walk = block(b"", b"", Name=b"", PeriodType=MULTI_MONTHLY, TimingType=2, WeekOfMonth=4, DayOfWeek=3, Month=0,
-                     MultiStartTime=-2**31, Multiple=1)
+                     MultiStartTime=-2**31, Multiple=1, NextEventTime=0, ActualEventTime=0)
         size = 119
         self.assertEqual(self.fill("slow", walk, ((4 if SANITIZED else 64) << 20) // size - 2), size)
         self.done("check", "slow", "./slow")

@@ -1,12 +1,12 @@
 // The desktop's session management, which the toolkit speaks.
 #pragma once
 
+#include <QSessionManager>
 #include <QtCore/QObject>
 
 #include "core/loop/MessageQueue.h"
 
 class QGuiApplication;
-class QSessionManager;
 
 namespace kestrin {
 
