@@ -24,7 +24,8 @@ def showing(node):
 
 def texts(node):
     if node.get_role() == Atspi.Role.LABEL:
-        yield node.get_name()
+        if showing(node):  # a reminder keeps the line for another time hidden
+            yield node.get_name()
     elif node.get_role() == Atspi.Role.TEXT:
         yield Atspi.Text.get_text(node, 0, -1)
     for child in children(node):
