@@ -32,8 +32,12 @@ class AppTestBase : public testing::Test {
           Store(MakeBuiltInPrefs(test.Door, "/config")),
           App(World.Core, {Background, Bus, Store, "/opt", "/state",
                            [this, &test] { test.LoadHandlers(World.Core); },
-                           [this] { World.Handlers.Clear(); }, [&test] { return test.SystemZone; },
-                           [this] { Ended = true; }, std::to_string(++test.Starts)}) {
+                           [this] {
+                             if (Unloading) Unloading();
+                             World.Handlers.Clear();
+                           },
+                           [&test] { return test.SystemZone; }, [this] { Ended = true; },
+                           std::to_string(++test.Starts)}) {
       World.Ui.App = &App.Ending();
       Background.Queue = &World.Queue;
       World.Core.zone = test.SystemZone;
@@ -45,6 +49,7 @@ class AppTestBase : public testing::Test {
     FakeBus Bus;
     SettingsStore Store;
     KestrinApp App;
+    std::function<void()> Unloading;  ///< may be null: an add-on does that as it goes
     bool Ended = false;
   };
 

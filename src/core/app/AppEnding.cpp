@@ -95,7 +95,9 @@ void AppEnding::Quit() {
   if (!context_.alerts.Empty())
     return;  // a failed save is to be read first; its hold ends in a quit
   if (parts_.bus.Leave()) {
-    End();
+    CloseEverything();
+    WriteSettings();  // what handlers have left there as they went
+    parts_.endLoop();
     return;
   }
   CancelQuitProcess();
@@ -119,13 +121,15 @@ void AppEnding::ForcedQuit() {
   recorded_.EndByForce();
   pass_.SendNextTime();
   saving_.SaveModifiedSets();
+  CloseEverything();
   WriteSettings();
   parts_.background.Finish();
   parts_.bus.Leave();
-  End();
+  parts_.endLoop();
 }
 
-void AppEnding::End() {
+/// Windows, sets, handlers: each may still say something to the settings, which are written after.
+void AppEnding::CloseEverything() {
   hasQuit_ = true;
   std::vector<SetWindow*> windows;
   for (const auto& set : context_.openSets.Sets)
@@ -137,7 +141,6 @@ void AppEnding::End() {
     context_.openSets.Sets.clear();
   }
   parts_.unloadHandlers();
-  parts_.endLoop();
 }
 
 }  // namespace kestrin

@@ -45,7 +45,7 @@ class AppEnding final : public DocumentApp {
   void WriteSettings();
   void CommitAllEdits();
   bool SomethingWaits() const;
-  void End();
+  void CloseEverything();
 
   Context& context_;
   const AppParts& parts_;

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "core/settings/JoinSettings.h"
 #include "core/settings/SettingsText.h"
 #include "support/OwnedText.h"
 #include "support/WholeFile.h"
@@ -16,10 +17,12 @@ namespace kestrin {
 namespace {
 
 constexpr int64 TextLimitOfSet = int64{PrefsValueLimit} * 4;
+constexpr int32 MostWaiting = 100;  // ms, for another process that saves
 
 struct PrefsSet {
   std::string path;
   SettingsMap values;
+  SettingsMap before;        ///< the values that this process last read or wrote
   bool keepOldFile = false;  ///< the file holds what could not be read
 };
 
@@ -29,6 +32,7 @@ class BuiltInPrefs {
 
   int32 LoadSet(const char* name, bool create, void** set);
   int32 SaveSet(PrefsSet& set);
+  SettingsMap JoinWithFile(PrefsSet& set, int32& status);
   int32 DisposeSet(void** set);
   const std::string& Complaint() const { return complaint_; }
 
@@ -80,7 +84,7 @@ bool BuiltInPrefs::ReadFile(PrefsSet& set, bool create, int32& status) {
     return true;
   }
   SettingsTextResult result = ReadSettingsText(*text);
-  set.values = std::move(result.settings);
+  set.before = set.values = std::move(result.settings);
   if (!result.isObject)
     Complain(set.path, "is damaged: it holds no JSON object");
   else if (!result.unreadable.empty())
@@ -97,14 +101,32 @@ void BuiltInPrefs::Complain(const std::string& path, const std::string& why) {
                 "kept, with \".damaged\" added to its name.";
 }
 
+/// What another process has written since is kept, but where this one has changed the same. A file
+/// that has become unreadable is kept aside; one that cannot be read just now is left alone.
+SettingsMap BuiltInPrefs::JoinWithFile(PrefsSet& set, int32& status) {
+  if (set.keepOldFile) return set.values;
+  const auto text = ReadWholeFile(door_, set.path, status, TextLimitOfSet);
+  if (status == -ENOENT) status = StatusOk;
+  if (!text) return set.values;
+  SettingsTextResult now = ReadSettingsText(*text);
+  set.keepOldFile = !now.isObject || !now.unreadable.empty();
+  if (!now.isObject) return set.values;
+  return JoinSettings(set.before, set.values, std::move(now.settings));
+}
+
+/// The lock is a help, not a condition: who cannot have it writes all the same.
 int32 BuiltInPrefs::SaveSet(PrefsSet& set) {
-  const std::string text = WriteSettingsText(set.values);
-  if (static_cast<int64>(text.size()) > TextLimitOfSet) return -EFBIG;
   int32 status = door_.MakeFolders(folder_);
+  if (status != StatusOk) return status;
+  const std::unique_ptr<FileLock> lock = door_.Lock(set.path + ".lock", MostWaiting);
+  const std::string text = WriteSettingsText(JoinWithFile(set, status));
+  if (static_cast<int64>(text.size()) > TextLimitOfSet) return -EFBIG;
   if (status == StatusOk && set.keepOldFile) status = MoveAside(set.path);
   if (status != StatusOk) return status;
   set.keepOldFile = false;
-  return WriteWholeFile(door_, set.path, text);
+  status = WriteWholeFile(door_, set.path, text);
+  if (status == StatusOk) set.before = set.values;
+  return status;
 }
 
 int32 BuiltInPrefs::MoveAside(const std::string& path) {

@@ -13,6 +13,9 @@ namespace kestrin {
 /// the program does not use (listing, removing, transactions, listening, reloading) answers
 /// -ENOSYS. Errors are negative errno values.
 ///
+/// A save writes what this process has changed into what the file holds by then; what others have
+/// changed does not come back to it before the next load.
+///
 /// A file that cannot be read is never written over: Complaint says what is wrong, what could be
 /// read counts, and the first save renames the file to "SET.json.damaged" (with a number when that
 /// is taken). When that fails nothing is saved. `door` must outlive the table and its copies.

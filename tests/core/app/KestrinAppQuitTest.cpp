@@ -252,5 +252,20 @@ TEST_F(KestrinAppQuitTest, AForcedEndKeepsEverything) {
   EXPECT_EQ(NameIn(Home), "typed");
 }
 
+TEST_F(KestrinAppQuitTest, SettingsAreWrittenAfterWindowsSetsAndHandlersHaveGone) {
+  for (const uint32 code : {uint32{QUIT_REQUESTED}, uint32{FORCED_QUIT}}) {
+    StartEditing();
+    It->Unloading = [this] {
+      EXPECT_TRUE(Ui().SetWindows.empty() && It->World.Open.Sets.empty());
+      It->World.Settings.MorningTime = 4711;
+    };
+    Post(Message(code));
+    ASSERT_TRUE(It->Ended);
+    Start();
+    EXPECT_EQ(It->World.Settings.MorningTime, 4711);
+    Configure([](KestrinSettings& settings) { settings.MorningTime = 8 * Hour; });
+  }
+}
+
 }  // namespace
 }  // namespace kestrin

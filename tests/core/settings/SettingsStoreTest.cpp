@@ -76,6 +76,80 @@ TEST(SettingsStoreTest, ValuesLastOnceSavedAndUnknownOnesAreKept) {
   EXPECT_EQ(store.Get("Foreign")->bytes, "\0"s);
 }
 
+struct TwoSessionsTest : testing::Test {
+  static std::string List(std::initializer_list<const char*> names) {
+    std::string bytes;
+    for (const char* const name : names) bytes.append(name).push_back('\0');
+    return bytes;
+  }
+  static void SetSets(SettingsStore& store, std::initializer_list<const char*> names) {
+    const auto count = static_cast<int32>(names.size());
+    store.Set("NumberOfSetsToUse", {reinterpret_cast<const char*>(&count), sizeof count},
+              FourCharCode("LONG"));
+    if (count > 0)
+      store.Set("SetsToUse", List(names), FourCharCode("BYTE"));
+    else
+      store.Delete("SetsToUse");
+  }
+  static std::string Shown(const SettingsStore& store) {
+    int32 count = -1;
+    store.Get("NumberOfSetsToUse")->bytes.copy(reinterpret_cast<char*>(&count), sizeof count);
+    const auto names = store.Get("SetsToUse");
+    return std::to_string(count) + ":" + std::string(names ? names->bytes : "");
+  }
+  MemoryFileDoor Disk;
+  SettingsStore Open() { return SettingsStore(MakeBuiltInPrefs(Disk, Folder)); }
+};
+
+TEST_F(TwoSessionsTest, EachChangesOnlyWhatItHasChangedItself) {
+  {
+    SettingsStore first = Open();
+    for (const char* key : {"both", "one", "other", "gone"}) first.Set(key, "old", Text);
+    SetSets(first, {"/a", "/b"});
+    ASSERT_EQ(first.Save(), StatusOk);
+  }
+  SettingsStore one = Open(), other = Open();
+  Disk.Locked = {File + ".lock"};  // by a third one that hangs
+  for (SettingsStore* const store : {&one, &other}) {
+    const std::string name = store == &one ? "one" : "other";
+    store->Set(name, "new", Text);
+    store->Set("both", name, Text);
+    if (store == &one) store->Delete("gone");
+    ASSERT_EQ(store->Save(), StatusOk);
+  }
+  SetSets(one, {"/b", "/c"});
+  SetSets(other, {"/a", "/b", "/c", "/d"});
+  EXPECT_EQ(one.Save(), StatusOk);
+  EXPECT_EQ(other.Save(), StatusOk);
+  const SettingsStore now = Open();
+  for (const auto& [key, value] : {std::pair("one", "new"), {"other", "new"}, {"both", "other"}})
+    EXPECT_EQ(now.Get(key)->bytes, value);
+  EXPECT_FALSE(now.Get("gone"));
+  EXPECT_EQ(Shown(now), "3:" + List({"/b", "/c", "/d"}));
+  one.Set("both", "one again", Text);
+  SetSets(one, {});
+  EXPECT_EQ(one.Save(), StatusOk);
+  EXPECT_EQ(Shown(Open()), "1:" + List({"/d"})) << "what one has never seen stays";
+  EXPECT_EQ(Open().Get("other")->bytes, "new");
+}
+
+TEST_F(TwoSessionsTest, IconsAndTheirNumberStayTogetherAndADamagedFileIsKept) {
+  SettingsStore one = Open(), other = Open();
+  for (SettingsStore* const store : {&one, &other}) {
+    store->Set("NumberOfUserIcons", store == &one ? "1" : "2", Text);
+    store->Set("UserIcons", store == &one ? "A" : "BB", Text);
+    ASSERT_EQ(store->Save(), StatusOk);
+  }
+  one.Set("UserIcons", "C", Text);
+  ASSERT_EQ(one.Save(), StatusOk);
+  EXPECT_EQ(Open().Get("NumberOfUserIcons")->bytes, "1") << "of the same session as the icons";
+  Disk.Put(File, "torn by a synchroniser");
+  one.Set("a", "1", Text);
+  ASSERT_EQ(one.Save(), StatusOk);
+  EXPECT_EQ(Disk.Bytes(File + ".damaged"), "torn by a synchroniser");
+  EXPECT_EQ(Open().Get("UserIcons")->bytes, "C") << "written anew as this session has it";
+}
+
 TEST(SettingsStoreTest, WhatCouldNotBeReadBackIsRefused) {
   MemoryFileDoor disk;
   PrefsLibrary table = MakeBuiltInPrefs(disk, Folder);
