@@ -43,7 +43,8 @@ KestrinApp::KestrinApp(Context& context, AppParts parts)
       background_(context.notices, parts_.background, parts_.KestrinDir),
       saving_(context, recovery_),
       recorded_(context, recovery_),
-      opening_(context, recovery_),
+      absent_(context, parts_.stateFolder),
+      opening_(context, recovery_, absent_),
       ending_(context, parts_, pass_, saving_, recorded_, background_) {}
 
 KestrinApp::~KestrinApp() {
@@ -63,6 +64,7 @@ void KestrinApp::Construct() {
   later_.Read();
   context_.alerts.KeepWith(&putOff_);
   pass_.Include(putOff_);
+  pass_.WakeAlsoAt([this] { return absent_.NextTry(); });
 }
 
 bool KestrinApp::IsBackgroundStart(const std::vector<std::string>& arguments) {
@@ -119,6 +121,7 @@ void KestrinApp::MessageReceived(const Message& message) {
     case PASSES_AT_REST:
       SaveDeliveredSets();
       putOff_.FollowNames();
+      absent_.TryAgain();
       break;
     case ALERTS_WAITING:
       context_.alerts.OpenWaiting();

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "core/app/AbsentSets.h"
 #include "core/app/AppEnding.h"
 #include "core/app/AppParts.h"
 #include "core/app/BackgroundContact.h"
@@ -69,6 +70,7 @@ class KestrinApp {
   BackgroundContact background_;
   SavingByItself saving_;
   RecordedAlerts recorded_;
+  AbsentSets absent_;
   SetOpening opening_;
   AppEnding ending_;
   int32 delivering_ = DeliverShownOrRemembered;  ///< which events, when a pass last asked

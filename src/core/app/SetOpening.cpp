@@ -45,8 +45,10 @@ void SetOpening::OpenSet(const std::string& path, bool openWindow) {
     if (openWindow) Show(*open);
     return;
   }
-  EventSet* const set = LoadSet(file);
+  // A person who asks for a file gets an answer each time.
+  EventSet* const set = LoadSet(file, !openWindow && absent_.Contains(file));
   if (!set) return;
+  absent_.Forget(file);
   if (openWindow) set->OpenWindow();
   // What was due when the set was opened meets the rule for missed events.
   if (running_) context_.queue.Post(SETS_OPENED);
@@ -58,35 +60,37 @@ void SetOpening::Show(EventSet& set) {
   set.OpenWindow();
 }
 
-EventSet* SetOpening::LoadSet(const std::string& file) {
-  SetReading reading = ReadSet(context_, file);
-  if (!reading.Set)
+EventSet* SetOpening::LoadSet(const std::string& file, bool quietly) {
+  SetFileReport known;
+  known.IsKnown = quietly;
+  SetReading reading = ReadSet(context_, file, known);
+  if (!reading.Set && !quietly)
     std::fprintf(stderr, "kestrin: %s: %s\n", file.c_str(), reading.Report.Fault.c_str());
-  ReportOpening(reading.Result, file);
+  if (!quietly) ReportOpening(reading.Result, file);
   if (!reading.Set) return nullptr;
   context_.openSets.Sets.push_back(std::move(reading.Set));
   return context_.openSets.Sets.back().get();
-}
-
-/// A set on a disk that is not mounted is only away for now.
-bool SetOpening::KeepsMissingFile(const std::string& path) const {
-  const std::string folder = path.substr(0, path.rfind('/'));
-  return context_.files.Kind(path) == FileKind::Missing && !folder.empty() &&
-         context_.files.Kind(folder) != FileKind::Folder;
 }
 
 void SetOpening::ReadSelectedSets() {
   std::vector<std::string>& names = context_.settings.SetFileNames;
   for (size_t i = 0; i < names.size();) {
     names[i] = context_.files.Canonical(names[i]);
-    OpenSet(names[i], false);
-    if (context_.openSets.FindFile(names[i]) || KeepsMissingFile(names[i])) {
+    const std::string name = names[i];
+    OpenSet(name, false);
+    if (context_.openSets.FindFile(name) || absent_.StaysRemembered(name))
       ++i;
-      continue;
-    }
-    names.erase(names.begin() + static_cast<std::ptrdiff_t>(i));
-    context_.settings.Changed();
+    else
+      ForgetGone(name);
   }
+  absent_.Write();
+}
+
+void SetOpening::ForgetGone(const std::string& path) {
+  context_.settings.ForgetSet(path);
+  context_.notices.ReportCompoundError("The event set ", path,
+                                       " has been missing for more than a day.  Kestrin does not "
+                                       "remember it any longer.");
 }
 
 bool SetOpening::AnyWindow() const {

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "core/app/AbsentSets.h"
 #include "core/events/Context.h"
 #include "core/files/RecoveryFolder.h"
 #include "support/Message.h"
@@ -15,15 +16,16 @@ enum class ConstructorResult : int32;
 /// Main thread. Callers hold the locks of the settings and of the open sets.
 class SetOpening {
  public:
-  SetOpening(Context& context, const RecoveryFolder& recovery)
-      : context_(context), recovery_(recovery) {}
+  SetOpening(Context& context, const RecoveryFolder& recovery, AbsentSets& absent)
+      : context_(context), recovery_(recovery), absent_(absent) {}
 
   /// The start is over: what is opened from now on is followed by a pass with the start-up flag,
   /// in which what was due already meets the rule for missed events.
   void BeginRunning() { running_ = true; }
   bool IsRunning() const { return running_; }
 
-  /// Loads the remembered sets, without windows. Files that are gone are forgotten.
+  /// Loads the remembered sets, without windows. What cannot be read is reported once, and
+  /// forgotten only as AbsentSets says.
   void ReadSelectedSets();
   /// Loads a set or, for an empty path, makes a new one. Opening a file twice shows its window.
   void OpenSet(const std::string& path, bool openWindow);
@@ -39,14 +41,15 @@ class SetOpening {
   bool AnyWindow() const;
 
  private:
-  EventSet* LoadSet(const std::string& file);
+  EventSet* LoadSet(const std::string& file, bool quietly = false);
   void Show(EventSet& set);
   void OpenRecovered();
   void ReportOpening(ConstructorResult result, const std::string& path);
-  bool KeepsMissingFile(const std::string& path) const;
+  void ForgetGone(const std::string& path);
 
   Context& context_;
   const RecoveryFolder& recovery_;
+  AbsentSets& absent_;
   int32 nextUntitled_ = 1;
   bool running_ = false;
 };

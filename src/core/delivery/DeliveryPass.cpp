@@ -72,6 +72,8 @@ void DeliveryPass::HandOn(const Earliest& earliest) {
     else if (when == 0 || back < when)
       when = back;
   }
+  if (const int64 also = alsoAt_ ? alsoAt_() : 0; also != 0 && (when == 0 || also < when))
+    when = also;
   if (waiting != 0) {
     message.Set("Since", static_cast<int32>(waiting));
     const int64 retry = context_.clock.Now() + RetryWithoutScreen;

@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "core/events/Context.h"
@@ -22,6 +23,8 @@ class DeliveryPass {
 
   /// What was put off is one more source of the passes; outlives this.
   void Include(PutOffAlerts& putOff) { putOff_ = &putOff; }
+  /// The deliverer is to wake the application then at the latest; 0: not for that.
+  void WakeAlsoAt(std::function<int64()> when) { alsoAt_ = std::move(when); }
 
   /// One pass: takes the settings and open-sets locks, so no set may be locked.
   void SetCounterForNextEvent(bool startup);
@@ -53,6 +56,7 @@ class DeliveryPass {
   SendTime sendTime_;
   std::function<void()> beforeStop_;
   PutOffAlerts* putOff_ = nullptr;
+  std::function<int64()> alsoAt_;
   bool dealing_ = false;
   bool passStartup_ = false;
   bool nextIsStartup_ = false;

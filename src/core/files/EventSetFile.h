@@ -20,6 +20,7 @@ struct SetFileReport {
   std::string Version;
   bool BigEndian = false;
   bool IsUnknownVersion = false;
+  bool IsKnown = false;   ///< from the caller: the user has been told of this file
   std::string Fault;      ///< why the file was refused, for people; else empty
   std::string Complaint;  ///< an add-on failed, its events are kept; for people
   /// Called after each event with the place of its handler's data, after the count, in the file.

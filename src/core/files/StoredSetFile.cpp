@@ -72,7 +72,7 @@ ConstructorResult StoredSetFile::Read(SetFileReport& report) {
   Notices& notices = set_.GetContext().notices;
   KnownOfFile().stamp = Files().Stamp(path);
   const ConstructorResult result = ReadSetFile(set_, path, report);
-  if (report.IsUnknownVersion)
+  if (report.IsUnknownVersion && !report.IsKnown)
     notices.ReportError(
         "The EventSet file " + path +
         " was written by an unknown version of Kestrin.  It was written by version " +

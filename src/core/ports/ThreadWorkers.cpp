@@ -2,18 +2,25 @@
 
 #include <system_error>
 #include <thread>
+#include <utility>
 
 #include "core/ports/Workers.h"
 
 namespace kestrin {
 
 bool ThreadWorkers::Start(const char* name, std::function<void()> work) {
+  ++*running_;
   try {
-    std::thread thread(std::move(work));
+    std::thread thread([work = std::move(work), running = running_]() mutable {
+      work();
+      work = nullptr;
+      --*running;
+    });
     pthread_setname_np(thread.native_handle(), name);
     thread.detach();
     return true;
   } catch (const std::system_error&) {
+    --*running_;
     return false;
   }
 }

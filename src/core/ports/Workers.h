@@ -1,7 +1,11 @@
 // Threads for what may take long.
 #pragma once
 
+#include <atomic>
 #include <functional>
+#include <memory>
+
+#include "kestrin/Types.h"
 
 namespace kestrin {
 
@@ -16,6 +20,11 @@ class Workers {
 class ThreadWorkers final : public Workers {
  public:
   bool Start(const char* name, std::function<void()> work) override;
+  /// How many have not come back yet. What they work with must outlive them.
+  int32 Running() const { return *running_; }
+
+ private:
+  std::shared_ptr<std::atomic<int32>> running_ = std::make_shared<std::atomic<int32>>(0);
 };
 
 }  // namespace kestrin

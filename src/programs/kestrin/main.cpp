@@ -172,8 +172,8 @@ int Run(int argc, char** argv) {
   if (!start.byBus && !inBackground && !whyNoDisplay) queue.Post(ACTIVATE);
   Parts parts(queue, bus);
   const int status = RunLoop(parts, start.arguments);
-  // After a forced end commands may still be running in threads that know these parts.
-  if (parts.holds.Count() > 0) std::_Exit(status);
+  // Threads that know these parts may still be waiting, for a command or a disk.
+  if (parts.holds.Count() > 0 || parts.workers.Running() > 0) std::_Exit(status);
   return status;
 }
 

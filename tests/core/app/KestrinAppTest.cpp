@@ -59,32 +59,52 @@ TEST_F(KestrinAppTest, StartUpOnlyHandsTheTimeOverAndLeaves) {
   EXPECT_EQ(It->Background.Times.back(), 0) << "nothing is shown, so nothing is pending";
 }
 
-TEST_F(KestrinAppTest, RememberedFilesAreForgottenOnlyIfTheyAreGone) {
+TEST_F(KestrinAppTest, WhatCannotBeReadIsReportedOnceAndForgottenOnlyIfItStaysGone) {
   WriteSet(Work, {});
+  WriteSet(Home, {DailyAt(Sunday + 7 * Hour, "Milk")});
   const std::string damaged("\0001.2\0\0\0", 8), newer("\0009.9\0\0\0", 8);
+  const std::string milk = *Disk.Bytes(Home);
   Disk.Put("/sets/Bad", damaged);
   Disk.Put("/sets/New", newer);
-  Remember({"/sets/Gone", Work, "/sets/Bad", "/mnt/disk/Away", "/sets/New"});
+  Disk.Put("/sets/Locked", "", 0000);
+  const std::vector<std::string> all = {"/sets/Gone", Work,        "/sets/Bad",
+                                        "/mnt/Away",  "/sets/New", "/sets/Locked"};
+  Remember(all);
   Start();
-  EXPECT_THAT(It->World.Settings.SetFileNames, ElementsAre(Work, "/mnt/disk/Away"));
-  EXPECT_THAT(Ui().Calls, testing::Contains("SettingsChanged").Times(testing::Lt(3)))
-      << "one message for the three that were forgotten, one for the time zone";
   EXPECT_THAT(
       Alerts(),
       ElementsAre(
           "Kestrin: Attempt to open event set /sets/Gone failed.",
           "Kestrin: Attempt to read event set /sets/Bad failed because a file error occurred.  The "
           "file may be corrupted.",
-          "Kestrin: Attempt to open event set /mnt/disk/Away failed.",
+          "Kestrin: Attempt to open event set /mnt/Away failed.",
           "The EventSet file /sets/New was written by an unknown version of Kestrin.  It was "
           "written by version 9.9, and the current version is 1.2.  The set will not be able to be "
-          "opened until you get a newer version of Kestrin."));
-  EXPECT_THAT(Open(), ElementsAre(Work));
-  while (Answer(0)) {
-  }
+          "opened until you get a newer version of Kestrin.",
+          "Kestrin: Attempt to open event set /sets/Locked failed."));
+  EXPECT_EQ(It->Background.Times.back(), Now + Hour) << "nothing else is pending";
+  Now += Day - 1;
+  Start({"-background"});
+  EXPECT_TRUE(It->Ended) << "nothing to tell";
+  EXPECT_EQ(It->Background.Times.back(), Now + Hour);
+  EXPECT_THAT(It->World.Settings.SetFileNames, testing::ElementsAreArray(all));
+  Start({"/mnt/Away"});
+  EXPECT_THAT(Alerts(), testing::SizeIs(1)) << "who asks for it is answered";
+
+  Now += 1;
   Start();
-  EXPECT_THAT(Alerts(), ElementsAre("Kestrin: Attempt to open event set /mnt/disk/Away failed."))
-      << "the settings were written";
+  EXPECT_THAT(Alerts(), ElementsAre("The event set /sets/Gone has been missing for more than a "
+                                    "day.  Kestrin does not remember it any longer."));
+  Disk.Put("/mnt/Away", milk);
+  Post(Message(EVENT_SETS_CHANGED));
+  EXPECT_THAT(Open(), ElementsAre(Work, "/mnt/Away")) << "found by the next pass";
+  EXPECT_THAT(Delivered(), ElementsAre("Milk missed"));
+  Disk.Remove("/mnt/Away");
+  Now += 10 * Day;
+  Start();
+  EXPECT_THAT(It->World.Settings.SetFileNames,
+              ElementsAre(Work, "/sets/Bad", "/mnt/Away", "/sets/New", "/sets/Locked"));
+  EXPECT_THAT(Alerts(), ElementsAre("Kestrin: Attempt to open event set /mnt/Away failed."));
   EXPECT_EQ(Disk.Bytes("/sets/Bad"), damaged);
   EXPECT_EQ(Disk.Bytes("/sets/New"), newer);
 }
