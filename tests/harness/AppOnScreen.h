@@ -21,6 +21,7 @@
 #include "core/settings/BuiltInPrefs.h"
 #include "core/settings/SettingsFile.h"
 #include "handlers/HandlerActions.h"
+#include "handlers/SampleEvents.h"
 #include "harness/FakeSession.h"
 #include "harness/ScreenContext.h"
 #include "interface/sets/StatusLine.h"
@@ -45,7 +46,8 @@ class AppOnScreen : public testing::Test {
           Store(MakeBuiltInPrefs(SystemFiles, folder + "/config")),
           App(Core, {Background, Bus, Store, folder, folder + "/state",
                      [this] { LoadBuiltInHandlers(Core); }, [this] { Handlers.Clear(); },
-                     [] { return SystemZone; }, [this] { Ended = true; }}) {
+                     [] { return SystemZone; }, [this] { Ended = true; }, "0",
+                     [](EventSet& set) { SampleEvents(set).AddSample(60); }}) {
       Ui.Connect(Core, App.Ending());
     }
     HandlerActions Carried;  ///< carries out what the fakes only write down

@@ -11,6 +11,8 @@
 
 namespace kestrin {
 
+class EventSet;
+
 /// All outlive the application.
 struct AppParts {
   BackgroundMessenger& background;
@@ -23,6 +25,8 @@ struct AppParts {
   std::function<Zone()> systemZone;
   std::function<void()> endLoop;  ///< called when the program is to end
   std::string mark = "0";         ///< tells this process's records from those of all others
+  /// Adds the sample's events to a set that nobody knows of yet.
+  std::function<void(EventSet& set)> addSampleEvents = [](EventSet&) {};
 };
 
 }  // namespace kestrin

@@ -44,7 +44,7 @@ KestrinApp::KestrinApp(Context& context, AppParts parts)
       saving_(context, recovery_),
       recorded_(context, recovery_),
       absent_(context, parts_.stateFolder),
-      opening_(context, recovery_, absent_),
+      opening_(context, recovery_, absent_, parts_.addSampleEvents),
       ending_(context, parts_, pass_, saving_, recorded_, background_) {}
 
 KestrinApp::~KestrinApp() {
@@ -156,6 +156,12 @@ bool KestrinApp::WindowMessage(const Message& message) {
       const AutoLock settings(context_.settings.Protect);
       const AutoLock open(context_.openSets.Protect);
       opening_.OpenSet("", true);
+      return true;
+    }
+    case SHOW_SAMPLE: {
+      const AutoLock settings(context_.settings.Protect);
+      const AutoLock open(context_.openSets.Protect);
+      opening_.ShowSample();
       return true;
     }
     case OPEN_EVENT_SET:

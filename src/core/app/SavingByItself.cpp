@@ -34,8 +34,9 @@ void SavingByItself::SaveModifiedSets() {
       if (titled) recovery_.Forget(*set);
       continue;
     }
-    // What only deliveries have changed is delivered again.
-    if (titled && set->OnlyDeliveriesChanged()) continue;
+    // What only deliveries have changed is delivered again; in the sample nobody has written a
+    // word.
+    if (set->OnlyDeliveriesChanged()) continue;
     if (!recovery_.SaveCopy(*set) && !titled) ReportUnsaved(*set);
   }
 }

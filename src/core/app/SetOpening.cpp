@@ -12,6 +12,12 @@
 
 namespace kestrin {
 
+namespace {
+
+constexpr char SampleName[] = "Sample";
+
+}  // namespace
+
 std::string SetOpening::GetNextUntitledWindowName() {
   return "Untitled event set " + std::to_string(nextUntitled_++);
 }
@@ -42,14 +48,14 @@ void SetOpening::OpenSet(const std::string& path, bool openWindow) {
   }
   const std::string file = context_.files.Canonical(path);
   if (EventSet* const open = context_.openSets.FindFile(file)) {
-    if (openWindow) Show(*open);
+    if (openWindow) Show(*open), Used(*open);
     return;
   }
   // A person who asks for a file gets an answer each time.
   EventSet* const set = LoadSet(file, !openWindow && absent_.Contains(file));
   if (!set) return;
   absent_.Forget(file);
-  if (openWindow) set->OpenWindow();
+  if (openWindow) set->OpenWindow(), Used(*set);
   // What was due when the set was opened meets the rule for missed events.
   if (running_) context_.queue.Post(SETS_OPENED);
 }
@@ -58,6 +64,21 @@ void SetOpening::OpenSet(const std::string& path, bool openWindow) {
 void SetOpening::Show(EventSet& set) {
   if (!set.GetWindow() && running_) context_.queue.Post(SETS_OPENED);
   set.OpenWindow();
+}
+
+void SetOpening::Used(const EventSet& set) {
+  if (!set.IsUntitled()) context_.settings.UsedSet(set.GetFileName());
+}
+
+void SetOpening::ShowSample() {
+  if (EventSet* const open = context_.openSets.FindFile(SampleName)) {
+    Show(*open);
+    return;
+  }
+  std::unique_ptr<EventSet> sample = NewSet(context_, SampleName);
+  addSampleEvents_(*sample);
+  context_.openSets.Sets.push_back(std::move(sample));
+  Show(*context_.openSets.Sets.back());
 }
 
 EventSet* SetOpening::LoadSet(const std::string& file, bool quietly) {
@@ -118,7 +139,16 @@ void SetOpening::OpenUserInterface() {
     for (const std::string& name : context_.settings.SetFileNames)
       if (EventSet* const set = context_.openSets.FindFile(name)) Show(*set);
   OpenRecovered();
+  if (!AnyWindow() && context_.settings.WhenNoSetIsOpen == ShowLastUsed)
+    if (const std::string last = LastUsed(); !last.empty()) OpenSet(last, true);
   if (!AnyWindow()) OpenSet("", true);
+}
+
+/// A file that is gone, or on a disk that is not there, is passed over.
+std::string SetOpening::LastUsed() const {
+  for (const std::string& path : context_.settings.RecentSets)
+    if (context_.files.Kind(path) == FileKind::Regular) return path;
+  return "";
 }
 
 void SetOpening::Activate() {

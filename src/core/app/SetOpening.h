@@ -1,6 +1,7 @@
 // How the application opens its sets and shows them again.
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "core/app/AbsentSets.h"
@@ -16,8 +17,13 @@ enum class ConstructorResult : int32;
 /// Main thread. Callers hold the locks of the settings and of the open sets.
 class SetOpening {
  public:
-  SetOpening(Context& context, const RecoveryFolder& recovery, AbsentSets& absent)
-      : context_(context), recovery_(recovery), absent_(absent) {}
+  /// `addSampleEvents`: as in AppParts.
+  SetOpening(Context& context, const RecoveryFolder& recovery, AbsentSets& absent,
+             const std::function<void(EventSet& set)>& addSampleEvents)
+      : context_(context),
+        recovery_(recovery),
+        absent_(absent),
+        addSampleEvents_(addSampleEvents) {}
 
   /// The start is over: what is opened from now on is followed by a pass with the start-up flag,
   /// in which what was due already meets the rule for missed events.
@@ -29,7 +35,10 @@ class SetOpening {
   void ReadSelectedSets();
   /// Loads a set or, for an empty path, makes a new one. Opening a file twice shows its window.
   void OpenSet(const std::string& path, bool openWindow);
-  /// The remembered sets if the settings say so, what was recovered, and at least one window.
+  /// A new set that holds the sample; at most one is open.
+  void ShowSample();
+  /// The remembered sets if the settings say so, what was recovered, and at least one window: of
+  /// the last used set or a new one.
   void OpenUserInterface();
   /// Raises a window of a set, or opens the user interface when there is none.
   void Activate();
@@ -43,6 +52,8 @@ class SetOpening {
  private:
   EventSet* LoadSet(const std::string& file, bool quietly = false);
   void Show(EventSet& set);
+  void Used(const EventSet& set);
+  std::string LastUsed() const;
   void OpenRecovered();
   void ReportOpening(ConstructorResult result, const std::string& path);
   void ForgetGone(const std::string& path);
@@ -50,6 +61,7 @@ class SetOpening {
   Context& context_;
   const RecoveryFolder& recovery_;
   AbsentSets& absent_;
+  const std::function<void(EventSet& set)>& addSampleEvents_;
   int32 nextUntitled_ = 1;
   bool running_ = false;
 };

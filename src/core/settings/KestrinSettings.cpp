@@ -25,6 +25,14 @@ bool KestrinSettings::IsFileRemembered(const std::string& path) const {
   return std::find(SetFileNames.begin(), SetFileNames.end(), path) != SetFileNames.end();
 }
 
+void KestrinSettings::UsedSet(const std::string& path) {
+  if (!RecentSets.empty() && RecentSets.front() == path) return;
+  std::erase(RecentSets, path);
+  RecentSets.insert(RecentSets.begin(), path);
+  if (RecentSets.size() > MostRecentSets) RecentSets.resize(MostRecentSets);
+  Changed();
+}
+
 int32 KestrinSettings::WhichUserIcon(const IconPair& icon) const {
   const size_t count = std::min(UserMiniIcons.size(), UserLargeIcons.size());
   for (size_t i = 0; i < count; ++i)

@@ -22,12 +22,16 @@ enum DeliverMode : int32 {
   DeliverNothing = 4,
 };
 
+enum WithoutSet : int32 { ShowLastUsed = 0, ShowNewSet = 1 };
+
 enum SoundKind : int32 { ThemeSound = 0, FileSound = 1, NoSound = 2 };
 
 /// What is set, as at the very first start: `= {}` puts all of it back.
 struct SettingsValues {
   std::vector<std::string> SetFileNames;  ///< remembered sets, canonical paths, in order
+  std::vector<std::string> RecentSets;    ///< sets that were used, canonical paths, newest first
   int32 SelectedSetHandling = ShowIfNoneOpen;
+  int32 WhenNoSetIsOpen = ShowLastUsed;  ///< what a start shows then
   int32 WhichEventsToDeliver = DeliverShownOrRemembered;
   bool Time24Hour = false;
   bool RememberWindowSetupAsDefault = true;
@@ -65,6 +69,11 @@ class KestrinSettings : public SettingsValues {
   void RememberSet(const std::string& path);
   void ForgetSet(const std::string& path);
   bool IsFileRemembered(const std::string& path) const;
+
+  /// A person has opened or saved the set: it stands first among the recent ones. Callers hold
+  /// Protect.
+  static constexpr size_t MostRecentSets = 10;
+  void UsedSet(const std::string& path);
 
   /// The first user icon with these bytes, or -1.
   int32 WhichUserIcon(const IconPair& icon) const;

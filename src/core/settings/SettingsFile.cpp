@@ -72,6 +72,7 @@ struct Eraser {
 template <typename Visitor>
 void VisitChoices(Visitor& visit, SettingsValues& settings) {
   visit("SelectedSetHandling", LongType, One(settings.SelectedSetHandling));
+  visit("WithoutSet", LongType, One(settings.WhenNoSetIsOpen));
   visit("WhichEventsToDeliver", LongType, One(settings.WhichEventsToDeliver));
   visit("Time24Hour", BoolType, One(settings.Time24Hour));
   visit("RememberWindowSetupAsDefault", BoolType, One(settings.RememberWindowSetupAsDefault));
@@ -115,19 +116,27 @@ void VisitIconNumbers(Visitor& visit, SettingsValues& settings) {
   visit("NumberOfUserIcons", LongType, One(settings.NumberOfUserIcons));
 }
 
+/// Up to `most` paths, each ended by a zero byte; `names` stay as they are when nothing is stored.
+void ReadPaths(const SettingsStore& store, const char* key, size_t most,
+               std::vector<std::string>& names) {
+  const auto stored = store.Get(key);
+  if (!stored || stored->type != ByteType) return;
+  names.clear();
+  std::string_view rest = stored->bytes;
+  for (; most > 0 && !rest.empty(); --most) {
+    const std::string_view name = rest.substr(0, rest.find('\0'));
+    if (!name.empty()) names.emplace_back(name);
+    rest.remove_prefix(std::min(name.size() + 1, rest.size()));
+  }
+}
+
 // The count decides how many names there are, the bytes bound them.
 void ReadSetNames(Reader& read, SettingsValues& settings) {
   int32 count = 0;
   read("NumberOfSetsToUse", LongType, One(count));
-  const auto stored = read.store.Get("SetsToUse");
-  if (count <= 0 || !stored || stored->type != ByteType) return;
-  settings.SetFileNames.clear();
-  std::string_view rest = stored->bytes;
-  for (; count > 0 && !rest.empty(); --count) {
-    const std::string_view name = rest.substr(0, rest.find('\0'));
-    if (!name.empty()) settings.SetFileNames.emplace_back(name);
-    rest.remove_prefix(std::min(name.size() + 1, rest.size()));
-  }
+  if (count > 0)
+    ReadPaths(read.store, "SetsToUse", static_cast<size_t>(count), settings.SetFileNames);
+  ReadPaths(read.store, "RecentSets", KestrinSettings::MostRecentSets, settings.RecentSets);
 }
 
 void ReadIcons(const SettingsStore& store, SettingsValues& settings) {
@@ -148,15 +157,20 @@ void ReadText(const SettingsStore& store, const char* key, std::string& text) {
   if (stored && stored->type == TextType) text = stored->bytes.substr(0, stored->bytes.find('\0'));
 }
 
+void WritePaths(Writer& write, const char* key, const std::vector<std::string>& names) {
+  std::string bytes;
+  for (const std::string& name : names) bytes.append(name).push_back('\0');
+  if (bytes.empty())
+    write.store.Delete(key);
+  else
+    write.Bytes(key, ByteType, bytes);
+}
+
 void WriteSetNames(Writer& write, const SettingsValues& settings) {
-  std::string names;
-  for (const std::string& name : settings.SetFileNames) names.append(name).push_back('\0');
   auto count = static_cast<int32>(settings.SetFileNames.size());
   write("NumberOfSetsToUse", LongType, One(count));
-  if (names.empty())
-    write.store.Delete("SetsToUse");
-  else
-    write.Bytes("SetsToUse", ByteType, names);
+  WritePaths(write, "SetsToUse", settings.SetFileNames);
+  WritePaths(write, "RecentSets", settings.RecentSets);
 }
 
 void WriteIcons(Writer& write, const SettingsValues& settings) {

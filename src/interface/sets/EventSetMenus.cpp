@@ -5,7 +5,10 @@
 #include <QMenuBar>
 
 #include "core/events/EventSet.h"
+#include "core/loop/AppMessages.h"
 #include "core/loop/MessageQueue.h"
+#include "core/settings/KestrinSettings.h"
+#include "interface/common/ShownText.h"
 #include "interface/sets/SetCommands.h"
 
 namespace kestrin {
@@ -13,6 +16,10 @@ namespace kestrin {
 namespace {
 
 constexpr uint32 Separator = 0;
+
+// Why items that are there do nothing.
+constexpr char NoPrinting[] = "Kestrin cannot print yet";
+constexpr char NoSuchView[] = "Kestrin shows sets as lists only, as yet";
 
 QKeySequence Ctrl(Qt::Key key) { return {Qt::CTRL | key}; }
 QKeySequence CtrlShift(Qt::Key key) { return {Qt::CTRL | Qt::SHIFT | key}; }
@@ -27,10 +34,11 @@ struct EventSetMenus::Item {
   uint32 command = Separator;
   Target target = Window;
   bool enabled = true;
+  const char* tip = "";  ///< why it does nothing
 };
 
-EventSetMenus::EventSetMenus(QMenuBar& bar, MessageQueue& application)
-    : QObject(&bar), application_(application) {
+EventSetMenus::EventSetMenus(QMenuBar& bar, Context& context)
+    : QObject(&bar), context_(context), application_(context.queue) {
   AddMenu(bar, "&File",
           {{"&New event set", Ctrl(Qt::Key_N), NEW_EVENT_SET, Item::Application},
            {"&Open…", Ctrl(Qt::Key_O), OPEN_EVENT_SET, Item::Application},
@@ -39,9 +47,9 @@ EventSetMenus::EventSetMenus(QMenuBar& bar, MessageQueue& application)
            {"Save &as…", {}, SAVE_SET_AS},
            {"&Remember for delivery", {}, REMEMBER_SET},
            {},
-           {"Page set&up...", {}, PAGE_SETUP, Item::Window, false},
-           {"&Print event set...", {}, PRINT_SET, Item::Window, false},
-           {"Print selected &event...", {}, PRINT_EVENT, Item::Window, false},
+           {"Page set&up...", {}, PAGE_SETUP, Item::Window, false, NoPrinting},
+           {"Pr&int event set...", {}, PRINT_SET, Item::Window, false, NoPrinting},
+           {"Print selected &event...", {}, PRINT_EVENT, Item::Window, false, NoPrinting},
            {},
            {"Se&ttings…", {}, OPEN_SETTINGS_WINDOW, Item::Application},
            {"A&bout…", {}, ABOUT_REQUESTED, Item::Application},
@@ -66,6 +74,7 @@ EventSetMenus::EventSetMenus(QMenuBar& bar, MessageQueue& application)
 
 void EventSetMenus::AddMenu(QMenuBar& bar, const char* title, const std::vector<Item>& items) {
   QMenu* menu = bar.addMenu(title);
+  menu->setToolTipsVisible(true);
   for (const Item& item : items) AddItem(*menu, item);
 }
 
@@ -77,12 +86,15 @@ void EventSetMenus::AddItem(QMenu& menu, const Item& item) {
   QAction* action = menu.addAction(item.text);
   action->setShortcut(item.shortcut);
   action->setEnabled(item.enabled);
+  action->setToolTip(item.tip);
   const uint32 command = item.command;
   if (item.target == Item::Application) {
     connect(action, &QAction::triggered, this,
             [this, command] { application_.Post(Message(command)); });
+    if (command == OPEN_EVENT_SET) AddRecentMenu(menu);
     return;
   }
+  action->setCheckable(command == REMEMBER_SET);
   action->setData(command);
   actions_.push_back(action);
   connect(action, &QAction::triggered, this, [this, command] { emit Chosen(command); });
@@ -91,12 +103,14 @@ void EventSetMenus::AddItem(QMenu& menu, const Item& item) {
 void EventSetMenus::AddViewMenu(QMenuBar& bar) {
   QMenu* view = bar.addMenu("&View");
   QMenu* modeMenu = view->addMenu("View &mode");
+  modeMenu->setToolTipsVisible(true);
   auto* group = new QActionGroup(this);
   const char* const names[] = {"&List", "&Calendar", "&Week", "&Day"};
   for (size_t mode = 0; mode < modes_.size(); ++mode) {
     QAction* action = modes_[mode] = modeMenu->addAction(names[mode]);
     action->setCheckable(true);
     action->setEnabled(mode == 0);
+    action->setToolTip(mode == 0 ? "" : NoSuchView);
     group->addAction(action);
     connect(action, &QAction::triggered, this,
             [this, mode] { emit ViewModeChosen(static_cast<int32>(mode)); });
@@ -110,6 +124,38 @@ void EventSetMenus::AddViewMenu(QMenuBar& bar) {
     AddItem(*displayMenu_, item);
     actions_.back()->setCheckable(true);
   }
+}
+
+void EventSetMenus::AddRecentMenu(QMenu& file) {
+  recentMenu_ = file.addMenu("O&pen recent");
+  recentMenu_->setObjectName("recentSets");
+  recentMenu_->setToolTipsVisible(true);
+  connect(&file, &QMenu::aboutToShow, this, &EventSetMenus::ShowRecent);
+  ShowRecent();
+}
+
+/// Those whose files are there.
+void EventSetMenus::ShowRecent() {
+  constexpr int mostDigits = 9;
+  std::vector<std::string> paths;
+  {
+    const AutoLock lock(context_.settings.Protect);
+    paths = context_.settings.RecentSets;
+  }
+  std::erase_if(paths, [this](const std::string& path) {
+    return context_.files.Kind(path) != FileKind::Regular;
+  });
+  recentMenu_->clear();
+  for (const std::string& path : paths) {
+    const int number = static_cast<int>(recentMenu_->actions().size()) + 1;
+    const QString name = ShownLine(EventSet::LeafOf(path)).replace("&", "&&");
+    QAction* action = recentMenu_->addAction(
+        (number > mostDigits ? QString() : QString("&%1  ").arg(number)) + name);
+    action->setToolTip(ShownLine(path).toHtmlEscaped());
+    connect(action, &QAction::triggered, this,
+            [this, path] { application_.Post(OpenFiles({path})); });
+  }
+  recentMenu_->setEnabled(!paths.empty());
 }
 
 void EventSetMenus::AddContextMenus(QMenuBar& bar) {
@@ -157,6 +203,8 @@ void EventSetMenus::ShowLayout(const SetLayout& layout) {
     if (const auto column = ColumnOf(action->data().toUInt()))
       action->setChecked(layout.ColumnShown[static_cast<size_t>(*column)]);
 }
+
+void EventSetMenus::ShowRemembered(bool remembered) { Find(REMEMBER_SET)->setChecked(remembered); }
 
 void EventSetMenus::EnableForSelection(bool selected) {
   for (const uint32 command : {CUT_EVENT, COPY_EVENT, EDIT_EVENT, DELETE_EVENT})

@@ -15,6 +15,7 @@ class QMenuBar;
 namespace kestrin {
 
 class MessageQueue;
+struct Context;
 struct SetLayout;
 
 /// Each item is a command: a number that goes to the window or, as a message, to the application.
@@ -22,10 +23,13 @@ class EventSetMenus final : public QObject {
   Q_OBJECT
 
  public:
-  EventSetMenus(QMenuBar& bar, MessageQueue& application);
+  /// The recent sets are looked for whenever the menu opens.
+  EventSetMenus(QMenuBar& bar, Context& context);
 
   /// Marks the view mode and the shown columns.
   void ShowLayout(const SetLayout& layout);
+  /// Marks whether the set is remembered for delivery.
+  void ShowRemembered(bool remembered);
   void EnableForSelection(bool selected);
   void EnableUndo(bool possible);
 
@@ -46,12 +50,16 @@ class EventSetMenus final : public QObject {
   void AddMenu(QMenuBar& bar, const char* title, const std::vector<Item>& items);
   void AddItem(QMenu& menu, const Item& item);
   void AddViewMenu(QMenuBar& bar);
+  void AddRecentMenu(QMenu& file);
+  void ShowRecent();
   void AddContextMenus(QMenuBar& bar);
   QAction* Find(uint32 command) const;
 
+  Context& context_;
   MessageQueue& application_;
   std::vector<QAction*> actions_;
   std::array<QAction*, 4> modes_{};
+  QMenu* recentMenu_ = nullptr;
   QMenu* displayMenu_ = nullptr;
   QMenu* rowMenu_ = nullptr;
   QMenu* emptyMenu_ = nullptr;

@@ -16,6 +16,7 @@
 #include "interface/common/Frames.h"
 #include "interface/common/ShownText.h"
 #include "interface/list/ListEventView.h"
+#include "interface/sets/EmptySetHint.h"
 #include "interface/sets/EventCommands.h"
 #include "interface/sets/EventSetMenus.h"
 #include "interface/sets/OpenFilePanel.h"
@@ -28,9 +29,10 @@ namespace kestrin {
 EventSetWindow::EventSetWindow(EventSet& set, DocumentApp& application)
     : set_(&set),
       application_(application),
-      menus_(new EventSetMenus(*menuBar(), set.GetContext().queue)),
+      menus_(new EventSetMenus(*menuBar(), set.GetContext())),
       list_(new ListEventView(set)),
       status_(new StatusLine(set)),
+      hint_(new EmptySetHint(set.GetContext().queue, *list_)),
       commands_(new EventCommands(set, *list_)),
       saving_(new SetSaving(set, application, *this)) {
   setObjectName("eventSetWindow");
@@ -51,6 +53,7 @@ void EventSetWindow::BuildBody() {
   list_->setFrameShape(QFrame::NoFrame);
   column->addWidget(list_, 1);
   column->addWidget(status_);
+  hint_->setVisible(set_->CountEvents() == 0);
   setCentralWidget(body);
   list_->setFocus();
 }
@@ -62,6 +65,9 @@ void EventSetWindow::ConnectCommands() {
   connect(list_, &ListEventView::DeleteRequested, commands_, &EventCommands::DeleteSelected);
   connect(list_, &ListEventView::SelectedEventChanged, this, [this] { Command(EVENT_SELECTED); });
   connect(status_, &StatusLine::UndoRequested, this, [this] { Command(UNDO_DELETE); });
+  connect(status_, &StatusLine::RememberRequested, this, [this] { Command(REMEMBER_SET); });
+  connect(status_, &StatusLine::RememberedIs, menus_, &EventSetMenus::ShowRemembered);
+  connect(hint_, &EmptySetHint::NewEventRequested, this, [this] { Command(NEW_EVENT); });
   connect(commands_, &EventCommands::Deleted, this, [this](const std::string& name) {
     status_->ShowDeleted(name);
     menus_->EnableUndo(true);
@@ -106,11 +112,13 @@ void EventSetWindow::Activate() {
 
 void EventSetWindow::EventAdded(Event& event) {
   list_->AddEvent(&event);
+  hint_->hide();
   status_->Refresh();
 }
 
 void EventSetWindow::EventRemoved(Event& event) {
   list_->RemoveEvent(&event);
+  hint_->setVisible(set_->CountEvents() == 1);  // it is counted still
   status_->Refresh();
 }
 
@@ -147,7 +155,8 @@ bool EventSetWindow::SaveCommand(uint32 command) {
       saving_->SaveAs();
       return true;
     case REMEMBER_SET:
-      saving_->Remember();
+      saving_->RememberOrForget();
+      status_->Refresh();
       return true;
     default:
       return false;

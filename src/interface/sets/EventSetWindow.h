@@ -8,6 +8,7 @@
 namespace kestrin {
 
 class DocumentApp;
+class EmptySetHint;
 class EventCommands;
 class EventSetMenus;
 class ListEventView;
@@ -64,6 +65,7 @@ class EventSetWindow final : public QMainWindow, public SetWindow {
   EventSetMenus* menus_;
   ListEventView* list_;
   StatusLine* status_;
+  EmptySetHint* hint_;
   EventCommands* commands_;
   SetSaving* saving_;
   QRect opened_;  ///< the geometry the window was given; only another one is the person's

@@ -13,6 +13,7 @@
 #include "core/loop/Notices.h"
 #include "core/settings/KestrinSettings.h"
 #include "interface/sets/SaveNamePanel.h"
+#include "interface/sets/StatusLine.h"
 #include "support/FileDoor.h"
 
 namespace kestrin {
@@ -35,7 +36,7 @@ void SetSaving::Forget() {
 void SetSaving::Save() {
   if (!set_) return;
   if (set_->IsUntitled()) {
-    OpenPanel(false);
+    OpenPanel(true);
     return;
   }
   set_->CommitEdits();
@@ -44,23 +45,23 @@ void SetSaving::Save() {
 
 void SetSaving::SaveAs() {
   if (!set_) return;
-  const AutoLock settings(set_->GetContext().settings.Protect);
-  OpenPanel(set_->GetContext().settings.IsFileRemembered(set_->GetFileName()));
+  OpenPanel(set_->IsUntitled() || IsRemembered(*set_));
 }
 
-void SetSaving::Remember() {
+void SetSaving::RememberOrForget() {
   if (!set_) return;
   if (set_->IsUntitled())
     OpenPanel(true);
   else
-    set_->Remember(true);
+    set_->Remember(!IsRemembered(*set_));
 }
 
 bool SetSaving::MayClose() {
   if (!set_) return true;
   set_->CommitEdits();
   if (!set_->HasBeenModified()) return true;
-  if (set_->OnlyDeliveriesChanged() && !set_->IsUntitled() && SaveDeliveries()) return true;
+  // A set that no person has touched, the sample, has nothing that could be lost.
+  if (set_->OnlyDeliveriesChanged() && (set_->IsUntitled() || SaveDeliveries())) return true;
   AskToSave();
   return false;
 }
@@ -195,7 +196,13 @@ void SetSaving::Done(bool saved) {
         "There was an error attempting to save the event set \"", set_->GetLeaf(),
         "\"." + Because(set_->WhyNotSaved()));
     if (quitOnceSaved_) GiveUpClosing();
-  } else if (std::exchange(quitOnceSaved_, false)) {
+    return;
+  }
+  {
+    const AutoLock settings(set_->GetContext().settings.Protect);
+    set_->GetContext().settings.UsedSet(set_->GetFileName());
+  }
+  if (std::exchange(quitOnceSaved_, false)) {
     AllowClosing();
   }
 }

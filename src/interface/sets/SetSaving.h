@@ -21,8 +21,9 @@ class SetSaving final : public QObject {
   /// Into the set's file; a set without one gets the panel.
   void Save();
   void SaveAs();
-  /// Has the set remembered for delivery; a set without a file gets the panel first.
-  void Remember();
+  /// Has the set's file remembered for delivery, or forgotten if it is; a set without a file gets
+  /// the panel first.
+  void RememberOrForget();
   /// Whether the window may close now. If not, the person is asked, or asked again; what allows it
   /// later is CloseAllowed.
   bool MayClose();

@@ -16,6 +16,11 @@
 
 namespace kestrin {
 
+bool IsRemembered(const EventSet& set) {
+  const AutoLock lock(set.GetContext().settings.Protect);
+  return set.GetContext().settings.IsFileRemembered(set.GetFileName());
+}
+
 QString RingingText(const EventSet& set) {
   const int32 mode = set.GetContext().settings.WhichEventsToDeliver;
   if (mode < DeliverShown || mode >= DeliverNothing)
@@ -30,7 +35,7 @@ QString RingingText(const EventSet& set) {
 }
 
 StatusLine::StatusLine(EventSet& set)
-    : set_(&set), next_(new ElidedLabel), ringing_(new ElidedLabel) {
+    : set_(&set), next_(new ElidedLabel), ringing_(new ElidedLabel), remember_(new QPushButton) {
   setObjectName("statusLine");
   setAccessibleName("Status");
   next_->setObjectName("nextEvent");
@@ -39,13 +44,25 @@ StatusLine::StatusLine(EventSet& set)
   lines->setContentsMargins(8, 4, 8, 5);
   lines->setSpacing(1);
   lines->addWidget(next_);
-  lines->addWidget(ringing_);
+  lines->addLayout(BuildRingingRow());
   auto* column = new QVBoxLayout(this);
   column->setContentsMargins(0, 0, 0, 0);
   column->setSpacing(0);
   column->addWidget(BuildDeletedRow());
   column->addLayout(lines);
   Update();
+}
+
+QLayout* StatusLine::BuildRingingRow() {
+  remember_->setObjectName("remember");
+  remember_->setFocusPolicy(Qt::TabFocus);
+  connect(remember_, &QPushButton::clicked, this, &StatusLine::RememberRequested);
+  auto* row = new QHBoxLayout;
+  row->setSpacing(8);
+  row->addWidget(ringing_);
+  row->addWidget(remember_);
+  row->addStretch(1);
+  return row;
 }
 
 QWidget* StatusLine::BuildDeletedRow() {
@@ -78,6 +95,11 @@ void StatusLine::Update() {
   refreshWaits_ = false;
   if (!set_) return;
   ringing_->SetText(RingingText(*set_));
+  const bool remembered = IsRemembered(*set_);
+  emit RememberedIs(remembered);
+  remember_->setText(remembered ? "For&get" : "&Remember for delivery");
+  remember_->setToolTip(remembered ? "Its reminders come only while a window shows it, then"
+                                   : "Its reminders come also while no window shows it");
   ShowNext();
 }
 

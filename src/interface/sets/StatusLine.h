@@ -30,20 +30,29 @@ class StatusLine final : public QWidget {
 
  signals:
   void UndoRequested();
+  /// To remember the set for delivery, or to forget it.
+  void RememberRequested();
+  /// The line says so from now on.
+  void RememberedIs(bool remembered);
 
  private:
   QWidget* BuildDeletedRow();
+  QLayout* BuildRingingRow();
   void Update();
   void ShowNext();
 
   EventSet* set_;
   ElidedLabel* next_;
   ElidedLabel* ringing_;
+  QPushButton* remember_;
   QWidget* deletedRow_ = nullptr;
   ElidedLabel* deleted_ = nullptr;
   QPushButton* undo_ = nullptr;
   bool refreshWaits_ = false;
 };
+
+/// Whether the set's file is remembered for delivery. The set is not locked.
+bool IsRemembered(const EventSet& set);
 
 /// When the set rings, in a few words.
 QString RingingText(const EventSet& set);

@@ -30,6 +30,8 @@ SettingsWindow::SettingsWindow(Context& context, DocumentApp& application)
   AddMenu(*menus, "openRemembered",
           "&Open remembered sets:", {"Always", "If no other sets are opened", "Don't open"},
           settings_.SelectedSetHandling);
+  AddMenu(*menus, "withoutSet", "W&ithout a set, show:", {"The last used set", "A new set"},
+          settings_.WhenNoSetIsOpen);
   column->addLayout(menus);
   column->addWidget(MakeCheckBox("clock24", "24-hour &clock", settings_.Time24Hour));
   reminders_ = new ReminderSettings(context);

@@ -21,6 +21,7 @@
 #include "core/settings/KestrinSettings.h"
 #include "handlers/HandlerActions.h"
 #include "handlers/LoadEventHandlers.h"
+#include "handlers/SampleEvents.h"
 #include "interface/QtUserInterface.h"
 #include "programs/Asked.h"
 #include "programs/kestrin/DesktopSession.h"
@@ -46,6 +47,9 @@ constexpr char Help[] =
     "leave\n"
     "       kestrin --help | --version\n";
 constexpr char Version[] = "kestrin " KESTRIN_VERSION "\n";
+
+/// The first reminder of the sample, in seconds: time enough to see what is in it.
+constexpr int32 WelcomeAfter = 10;
 
 constexpr char UserAddOns[] = "/.local/lib/kestrin/add-ons";
 
@@ -82,7 +86,8 @@ struct Parts {
             [this] { UnloadEventHandlers(context); },
             Zone::System,
             [] { QCoreApplication::exit(); },
-            ProcessMark()};
+            ProcessMark(),
+            [](EventSet& set) { SampleEvents(set).AddSample(WelcomeAfter); }};
   }
 
   void Sound() {

@@ -24,17 +24,22 @@ class KestrinAppTest : public AppTestBase {
 };
 
 TEST_F(KestrinAppTest, TheSettingAndTheArgumentsSayWhatTheEditorShows) {
-  const std::tuple<int32, bool, std::vector<std::string>> rows[] = {
-      {0, false, {Work}}, {0, true, {Home, Work}}, {1, false, {Work}},
-      {1, true, {Home}},  {2, false, {Untitled}},  {2, true, {Home}},
+  const std::tuple<int32, bool, int32, std::vector<std::string>> rows[] = {
+      {0, false, 0, {Work}}, {0, true, 0, {Home, Work}}, {1, false, 0, {Work}},
+      {1, true, 0, {Home}},  {2, false, 1, {Untitled}},  {2, true, 1, {Home}},
+      {2, false, 0, {Home}},
   };
   WriteSet(Work, {DailyAt(Sunday + Day)});
   WriteSet(Home, {});
-  for (const auto& [handling, named, shown] : rows) {
+  for (const auto& [handling, named, without, shown] : rows) {
     Remember({Work});
-    Configure([&](KestrinSettings& settings) { settings.SelectedSetHandling = handling; });
+    Configure([&](KestrinSettings& settings) {
+      settings.SelectedSetHandling = handling;
+      settings.WhenNoSetIsOpen = without;
+      settings.RecentSets = {"/sets/Gone", Home, Work};
+    });
     Start(std::vector<std::string>(named ? 1 : 0, "/sets/../sets/Home.kestrin"));
-    EXPECT_EQ(Shown(), shown) << "H = " << handling;
+    EXPECT_EQ(Shown(), shown) << handling << named << without;
     EXPECT_NE(Set(Work), nullptr) << "loaded for delivery in any case";
     EXPECT_EQ(It->Background.Times.back(), Sunday + Day);
     EXPECT_FALSE(It->Ended);

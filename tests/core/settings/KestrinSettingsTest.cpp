@@ -48,9 +48,10 @@ struct KestrinSettingsTest : testing::Test {
   // Every member that a key may change, as one text.
   std::string Snapshot() const {
     return testing::PrintToString(std::tuple(
-               Settings.SetFileNames, Settings.SelectedSetHandling, Settings.WhichEventsToDeliver,
-               Settings.Layout.ViewMode, Settings.Layout.NumberOfKeys, Settings.NumberOfUserIcons,
-               Settings.Time24Hour, Settings.RememberWindowSetupAsDefault, Settings.UserMiniIcons,
+               Settings.SetFileNames, Settings.RecentSets, Settings.SelectedSetHandling,
+               Settings.WhenNoSetIsOpen, Settings.WhichEventsToDeliver, Settings.Layout.ViewMode,
+               Settings.Layout.NumberOfKeys, Settings.NumberOfUserIcons, Settings.Time24Hour,
+               Settings.RememberWindowSetupAsDefault, Settings.UserMiniIcons,
                Settings.UserLargeIcons, Settings.ZoneName)) +
            testing::PrintToString(
                std::tuple(Sides(Settings.SetWindowPosition.DefaultFrame()),
@@ -75,10 +76,16 @@ TEST_F(KestrinSettingsTest, ASetIsRememberedOnceAndForgottenOnce) {
   for (const char* path : {"/c", "/a"}) Settings.ForgetSet(path);
   EXPECT_THAT(Settings.SetFileNames, ElementsAre("/b"));
   EXPECT_EQ(changes, 3);
+  for (int set = 0; set < 12; ++set) Settings.UsedSet("/" + std::to_string(set));
+  for (const char* path : {"/5", "/5"}) Settings.UsedSet(path);
+  EXPECT_THAT(Settings.RecentSets,
+              ElementsAre("/5", "/11", "/10", "/9", "/8", "/7", "/6", "/4", "/3", "/2"));
+  EXPECT_EQ(changes, 16);
 }
 
 TEST_F(KestrinSettingsTest, ListsAndTextsAreThereAgainAfterARestart) {
   Settings.SetFileNames = {"/home/u/a.kestrin", "/home/u/b \xff"};
+  Settings.RecentSets = {"/home/u/b \xff", "/c"};
   Settings.Layout.ColumnShown = {false, true, false, true, false, true};
   Settings.Layout.ColumnWidth = {0.1f, 2, 3, 4, 5, 6};
   Settings.NumberOfUserIcons = 2;
@@ -131,7 +138,7 @@ TEST_F(KestrinSettingsTest, EveryKeyOnThePageCountsOnlyWithItsTypeAndSize) {
     EXPECT_TRUE(counts);
     ++keys;
   }
-  EXPECT_EQ(keys, 24);
+  EXPECT_EQ(keys, 25);
 }
 
 TEST_F(KestrinSettingsTest, TheCountSplitsTheNamesAndTheBytesBoundThem) {

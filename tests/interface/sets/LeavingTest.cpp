@@ -155,6 +155,8 @@ using LeavingAllTest = SavingOnScreen;
 
 TEST_F(LeavingAllTest, AQuitWaitsForEveryWindowAndOneCancelEndsItForAll) {
   for (const char* answer : {"Cancel", "Save"}) {
+    End();
+    QDir(Folder.filePath("config")).removeRecursively();
     Start();
     EventSet& work = OpenSet();
     EventSet& home = OpenSet("Home.kestrin");

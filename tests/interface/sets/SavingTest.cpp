@@ -19,7 +19,7 @@ TEST_F(SavingTest, AnUntitledSetGetsThePanelAndIsThenSavedIntoItsFile) {
   EventSetWindow& window = WindowOf(set);
   Choose(window, "Save");
   ASSERT_TRUE(Panel());
-  EXPECT_FALSE(Find<QCheckBox>("rememberForDelivery")->isChecked());
+  EXPECT_TRUE(Find<QCheckBox>("rememberForDelivery")->isChecked()) << "or it would not ring";
   EXPECT_TRUE(Panel()->isModal()) << "for its window";
   Panel()->setDirectory(QString::fromStdString(Path("")));
   Accept("The \"&Garden\" %1\n", false);
@@ -39,12 +39,25 @@ TEST_F(SavingTest, AnUntitledSetGetsThePanelAndIsThenSavedIntoItsFile) {
 
 TEST_F(SavingTest, RememberForDeliveryRemembersAndTheStatusLineSaysSo) {
   EventSetWindow& window = WindowOf(OpenSet());
-  Choose(window, "Remember for delivery");
-  EXPECT_THAT(Remembered(), ElementsAre(Path("Work.kestrin")));
-  EXPECT_EQ(window.findChild<QWidget*>("ringing")->accessibleName(),
-            "Rings, also when this window is closed");
-  Choose(WindowOf(NewSet()), "Remember for delivery");
+  auto* button = window.findChild<QPushButton*>("remember");
+  // By the menu and by the button, and back; the other one always shows the same.
+  for (const bool remembers : {true, false, true}) {
+    if (remembers)
+      Choose(window, "Remember for delivery");
+    else
+      button->click();
+    Run();
+    EXPECT_EQ(Remembered().size(), remembers ? 1u : 0u);
+    EXPECT_EQ(Item(window, "Remember for delivery")->isChecked(), remembers);
+    EXPECT_EQ(button->text().remove('&'), remembers ? "Forget" : "Remember for delivery");
+    EXPECT_EQ(window.findChild<QWidget*>("ringing")->accessibleName(),
+              remembers ? "Rings, also when this window is closed"
+                        : "Silent once this window is closed – not remembered for delivery");
+  }
+  EventSetWindow& untitled = WindowOf(NewSet());
+  Choose(untitled, "Remember for delivery");
   EXPECT_TRUE(Find<QCheckBox>("rememberForDelivery")->isChecked());
+  EXPECT_FALSE(Item(untitled, "Remember for delivery")->isChecked()) << "not yet";
   Panel()->setDirectory(QString::fromStdString(Path("")));
   Accept("Dr. Garden", true);
   EXPECT_THAT(Remembered(), ElementsAre(Path("Work.kestrin"), Path("Dr. Garden.kestrin")));
@@ -91,6 +104,60 @@ TEST_F(SavingTest, WhatRangBeforeTheNameChangedDoesNotRingAgainFromTheOldFile) {
   ASSERT_TRUE(Set("Work.kestrin"));
   EXPECT_THAT(AlertTexts(), IsEmpty());
   EXPECT_EQ(First(*Set("Work.kestrin")).GetNextEventTime(), Sunday + Day + 9 * Hour);
+}
+
+TEST_F(SavingTest, WhatWasUsedLastStandsFirstInOpenRecentAsLongAsItIsThere) {
+  OpenSet("Gone.kestrin");
+  OpenSet("R&D.kestrin");
+  EventSet& set = OpenSet("Work.kestrin");
+  QFile::remove(QString::fromStdString(Path("Gone.kestrin")));
+  WindowOf(*Set("R&D.kestrin")).close();
+  const auto recent = [&set] {
+    auto* menu = WindowOf(set).findChild<QMenu*>("recentSets");
+    emit qobject_cast<QMenu*>(menu->parentWidget())->aboutToShow();
+    return menu->actions();
+  };
+  ASSERT_EQ(recent().size(), 2);
+  EXPECT_EQ(recent()[0]->text(), "&1  Work.kestrin");
+  EXPECT_EQ(recent()[1]->text(), "&2  R&&D.kestrin");
+  EXPECT_EQ(recent()[1]->toolTip().toStdString(), Path("R&amp;D.kestrin"));
+  recent()[1]->trigger();
+  Run();
+  EXPECT_TRUE(Set("R&D.kestrin") && recent()[0]->text() == "&1  R&&D.kestrin");
+  Choose(WindowOf(set), "Save as…");
+  Accept("Other", false);
+  EXPECT_EQ(recent()[0]->text(), "&1  Other.kestrin");
+}
+
+TEST_F(SavingTest, AnEmptySetOffersWhatCanBeDoneAndTheSampleGoesWithoutAQuestion) {
+  EventSetWindow& window = WindowOf(*It->Open.Sets.front());
+  auto* const hint = window.findChild<QWidget*>("emptySet");
+  const auto press = [&](const char* name) {
+    hint->findChild<QPushButton*>(name)->click();
+    Run();
+  };
+  EXPECT_TRUE(hint->isVisible());
+  press("openSet");
+  EXPECT_TRUE(Find<QFileDialog>("openPanel"));
+  press("newEvent");
+  EventSet& set = *It->Open.Sets.front();
+  ASSERT_EQ(set.CountEvents(), 1);
+  EXPECT_FALSE(hint->isVisible());
+  set.RemoveEvent(&First(set));
+  EXPECT_TRUE(hint->isVisible());
+  press("showSample");
+  press("showSample");
+  ASSERT_EQ(It->Open.Sets.size(), 2u);
+  EventSet& sample = *It->Open.Sets.back();
+  EXPECT_GT(sample.CountEvents(), 10);
+  It->Time.JumpTo(Sunday + 8 * Hour + 60);
+  Post(Message(DELIVER_EVENTS));
+  ASSERT_TRUE(Answer("Welcome to Kestrin", "Ok"));
+  EXPECT_TRUE(sample.OnlyDeliveriesChanged());
+  WindowOf(sample).close();
+  Run();
+  EXPECT_EQ(It->Open.Sets.size(), 1u);
+  EXPECT_THAT(AlertTexts(), IsEmpty());
 }
 
 TEST_F(SavingTest, AnotherSetsFileIsRefusedAndAnExistingOneIsAskedAbout) {

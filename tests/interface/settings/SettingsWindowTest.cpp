@@ -122,6 +122,7 @@ TEST_F(SettingsWindowTest, EachMenuStoresTheNumberOfItsItem) {
     const char* Label = nullptr;
     int32& Setting;
     QStringList Items;
+    int Usual = 1;  ///< what a new installation has
   } menus[] = {
       {"deliverEvents",
        "Deliver events from:",
@@ -132,6 +133,11 @@ TEST_F(SettingsWindowTest, EachMenuStoresTheNumberOfItsItem) {
        "Open remembered sets:",
        context.Settings.SelectedSetHandling,
        {"Always", "If no other sets are opened", "Don't open"}},
+      {"withoutSet",
+       "Without a set, show:",
+       context.Settings.WhenNoSetIsOpen,
+       {"The last used set", "A new set"},
+       0},
   };
   for (const auto& each : menus) {
     SCOPED_TRACE(each.Name);
@@ -139,7 +145,7 @@ TEST_F(SettingsWindowTest, EachMenuStoresTheNumberOfItsItem) {
     QStringList items;
     for (int item = 0; item < menu->count(); ++item) items << menu->itemText(item);
     EXPECT_EQ(items, each.Items);
-    EXPECT_EQ(menu->currentIndex(), 1) << "what a new installation has";
+    EXPECT_EQ(menu->currentIndex(), each.Usual);
     const auto related = QAccessible::queryAccessibleInterface(menu)->relations(QAccessible::Label);
     ASSERT_EQ(related.size(), 1) << "what a screen reader calls it";
     EXPECT_EQ(related[0].first->text(QAccessible::Name).toStdString(), each.Label);
@@ -214,7 +220,7 @@ TEST_F(SettingsWindowTest, TheClockRedrawsTheListAtOnce) {
 }
 
 TEST_F(SettingsWindowTest, ThereIsOneWindowThatHoldsTheApplicationAndComesBackWhereItWas) {
-  Open().setGeometry(40, 70, 700, 500);
+  Open().setGeometry(40, 70, 700, 560);
   EXPECT_EQ(Open().windowTitle(), "Kestrin settings");
   EXPECT_EQ(context.Holding.Count(), 1);
   QTest::keyClick(OpenOne<SettingsWindow>(), Qt::Key_Escape);
@@ -222,11 +228,11 @@ TEST_F(SettingsWindowTest, ThereIsOneWindowThatHoldsTheApplicationAndComesBackWh
   EXPECT_EQ(context.Holding.Count(), 0);
 
   SettingsWindow& second = Open();
-  EXPECT_EQ(second.geometry(), QRect(40, 70, 700, 500));
+  EXPECT_EQ(second.geometry(), QRect(40, 70, 700, 560));
   Find<QCheckBox>(second, "rememberDefaults").click();
   second.setGeometry(90, 90, 650, 450);
   QTest::keyClick(&second, Qt::Key_W, Qt::ControlModifier);
-  EXPECT_EQ(context.Settings.SettingsWindowFrame, (Rect{40, 70, 739, 569})) << "not remembered";
+  EXPECT_EQ(context.Settings.SettingsWindowFrame, (Rect{40, 70, 739, 629})) << "not remembered";
 }
 
 TEST_F(SettingsWindowTest, AboutSaysWhatThisIsAndGoesWithTheOthers) {
@@ -254,9 +260,10 @@ TEST_F(SettingsWindowTest, TabWalksThroughTheControlsFromTopToBottom) {
   context.Settings.RememberSet("/a");
   SettingsWindow& window = Open();
   for (const char* name :
-       {"rememberDefaults", "deliverEvents", "openRemembered", "clock24", "reminderBoxes",
-        "eveningTime", "morningTime", "reminderSound", "reminderVolume", "soundUntilAnswered",
-        "nagSoundUntilAnswered", "rememberedSets", "forgetSelected", "rememberDefaults"}) {
+       {"rememberDefaults", "deliverEvents", "openRemembered", "withoutSet", "clock24",
+        "reminderBoxes", "eveningTime", "morningTime", "reminderSound", "reminderVolume",
+        "soundUntilAnswered", "nagSoundUntilAnswered", "rememberedSets", "forgetSelected",
+        "rememberDefaults"}) {
     ASSERT_TRUE(window.focusWidget());
     EXPECT_EQ(window.focusWidget()->objectName(), name);
     QTest::keyClick(window.focusWidget(), Qt::Key_Tab);
