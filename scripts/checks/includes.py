@@ -33,6 +33,7 @@ INNER = {
         "journal": ["loop", "timing", "ports"],
         "events": ["journal", "settings", "loop", "timing", "ports"],
         "files": ["events", "journal", "settings", "loop", "timing", "ports"],
+        "editing": ["files", "events", "journal", "settings", "loop", "timing", "ports"],
         "delivery": ["events", "journal", "settings", "loop", "timing", "ports"],
         "app": ["files", "delivery", "events", "journal", "settings", "loop", "timing", "ports"],
     },

@@ -11,7 +11,7 @@ QWidget* BuiltInData::CreateEditView(Rect frame) {
 
 void BuiltInData::Changed() {
   AutoLock lock(GetAttachedTo()->GetProtectionSemaphore());
-  GetAttachedTo()->SetModified();
+  GetAttachedTo()->HandlerChanged();
 }
 
 }  // namespace kestrin

@@ -29,11 +29,11 @@ void UnlockEvent(Event* event) { event->GetProtectionSemaphore().Unlock(); }
 /// What an action changes in its own data is saved without a question.
 void SetEventModified(Event* event) {
   if (!event->IsActing()) {
-    event->SetModified();
+    event->HandlerChanged();
     return;
   }
   const EventSet::DeliveryChange byAction(*event->GetOwner());
-  event->SetModified();
+  event->HandlerChanged();
 }
 
 char* GenerateMessageAlertText(Event* event, bool missed, const char* s1, const char* s2,

@@ -50,6 +50,7 @@ void Event::StorePlain(T& field, V value) {
 void Event::SetName(std::string_view name) {
   if (!owner_.IsUntitled()) owner_.Delivered().RecordRename(*this);
   record_.Name = FitText(name);
+  if (window_) window_->RedrawTimes();
   owner_.EventModified(this);
 }
 
@@ -168,23 +169,45 @@ void Event::SetIcon(int32 index, std::unique_ptr<IconPair> own) {
 
 void Event::SetModified() { owner_.SetModified(); }
 
-EventAddOnData* Event::GetAddOnData(int32 row) const {
-  if (row == selectedHandler_) return selectedData_.get();
-  for (const Slot& slot : otherData_)
-    if (slot.row == row) return slot.data.get();
-  return nullptr;
+void Event::TakeFields(EventRecord record, bool ruleChanged, std::unique_ptr<IconPair> own) {
+  const bool isDue = record_.NextEventTime != 0 && record_.NextEventTime <= Now();
+  const bool recompute = ruleChanged || (record.Active && !record_.Active && isDue) ||
+                         (record_.Status == WaitingToNag && !record.ApplyNag);
+  if (record.Name != record_.Name) SetName(record.Name);
+  record.NextEventTime = record_.NextEventTime;
+  record.ActualEventTime = record_.ActualEventTime;
+  record.Status = record_.Status;
+  record_ = std::move(record);
+  ownIcon_ = std::move(own);
+  if (recompute)
+    UpdateEventTime();
+  else
+    owner_.EventModified(this);
+  if (window_) window_->EventChanged();
 }
 
 void Event::AdoptAddOnData(int32 row, std::unique_ptr<EventAddOnData> data) {
-  selectedData_ = std::move(data);
-  selectedHandler_ = row;
+  handlers_.Replace(row, std::move(data));
+}
+
+void Event::ReplaceAddOnData(std::unique_ptr<EventAddOnData> data) {
+  if (window_) window_->RemoveEditView();
+  handlers_.Replace(handlers_.SelectedRow(), std::move(data));
+  if (window_) window_->AddEditView();
+  owner_.EventModified(this);
+}
+
+void Event::HandlerChanged() {
+  const EventSet::Recorded recorded(owner_);
+  if (EditRecorder* const recorder = owner_.Recorder()) recorder->HandlerChanged(*this);
+  SetModified();
 }
 
 bool Event::SetSelectedHandler(int32 row) {
   const HandlerTable& handlers = owner_.GetContext().handlers;
   if (!handlers.Has(row)) return false;
-  if (row == selectedHandler_ && selectedData_) return true;
-  std::unique_ptr<EventAddOnData> data = TakeOtherData(row);
+  if (row == GetSelectedHandler() && GetAddOnData()) return true;
+  std::unique_ptr<EventAddOnData> data = handlers_.Take(row);
   if (!data) {
     if (row == UnknownHandler) return false;
     bool ok = true;
@@ -193,25 +216,15 @@ bool Event::SetSelectedHandler(int32 row) {
     if (!data) return false;
   }
   if (window_) window_->RemoveEditView();
-  if (selectedData_) otherData_.push_back({selectedHandler_, std::move(selectedData_)});
-  AdoptAddOnData(row, std::move(data));
+  handlers_.Select(row, std::move(data));
   if (window_) window_->AddEditView();
   owner_.EventModified(this);
   return true;
 }
 
-std::unique_ptr<EventAddOnData> Event::TakeOtherData(int32 row) {
-  const auto found = std::find_if(otherData_.begin(), otherData_.end(),
-                                  [row](const Slot& slot) { return slot.row == row; });
-  if (found == otherData_.end()) return nullptr;
-  std::unique_ptr<EventAddOnData> data = std::move(found->data);
-  otherData_.erase(found);
-  return data;
-}
-
 std::string Event::GetHandlerName() const {
   const HandlerTable& handlers = owner_.GetContext().handlers;
-  if (selectedHandler_ != UnknownHandler) return handlers.NameOf(selectedHandler_);
+  if (GetSelectedHandler() != UnknownHandler) return handlers.NameOf(GetSelectedHandler());
   const auto* unknown = dynamic_cast<const KeepsOriginalHandler*>(GetAddOnData());
   return unknown ? unknown->GetOriginalHandler() : handlers.NameOf(UnknownHandler);
 }

@@ -4,8 +4,8 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
+#include "core/events/AddOnSlots.h"
 #include "core/events/Context.h"
 #include "core/timing/EventRecord.h"
 #include "core/timing/EventTiming.h"
@@ -89,17 +89,24 @@ class Event {
   /// The event's own bitmaps, or null.
   const IconPair* GetOwnIcon() const { return ownIcon_.get(); }
   void SetModified();
+  /// For undo: every field of `record` but the times and the status, and the bitmaps of
+  /// OwnIconNumber. A changed rule has the times computed as at now.
+  void TakeFields(EventRecord record, bool ruleChanged, std::unique_ptr<IconPair> own);
 
   /// Row of the handler table. "Unknown" is taken only by an event that holds such data; a factory
   /// that fails leaves the old handler in place. Returns whether the handler is the one asked for.
   bool SetSelectedHandler(int32 row);
-  int32 GetSelectedHandler() const { return selectedHandler_; }
-  EventAddOnData* GetAddOnData() const { return GetAddOnData(selectedHandler_); }
-  EventAddOnData* GetAddOnData(int32 row) const;
+  int32 GetSelectedHandler() const { return handlers_.SelectedRow(); }
+  EventAddOnData* GetAddOnData() const { return handlers_.Selected(); }
+  EventAddOnData* GetAddOnData(int32 row) const { return handlers_.Of(row); }
   /// What a file or message calls the handler: for "Unknown" the name of the missing one.
   std::string GetHandlerName() const;
   /// For readers: puts data into a slot and selects it. Notifies nobody.
   void AdoptAddOnData(int32 row, std::unique_ptr<EventAddOnData> data);
+  /// Other data for the selected handler; an open edit view is made anew.
+  void ReplaceAddOnData(std::unique_ptr<EventAddOnData> data);
+  /// The data of the handler has changed. Marks the set modified.
+  void HandlerChanged();
 
   /// Recomputes the times and the status as at now and tells everybody.
   void UpdateEventTime();
@@ -134,7 +141,6 @@ class Event {
   template <typename T, typename V>
   void StorePlain(T& field, V value);
   bool JoinDayAndTime(int32 day);
-  std::unique_ptr<EventAddOnData> TakeOtherData(int32 row);
   const Zone& LocalZone() const;
   int64 Now() const;
 
@@ -142,13 +148,7 @@ class Event {
   uint64 handle_;
   EventRecord record_;
   std::unique_ptr<IconPair> ownIcon_;
-  struct Slot {
-    int32 row;
-    std::unique_ptr<EventAddOnData> data;
-  };
-  int32 selectedHandler_ = 0;
-  std::unique_ptr<EventAddOnData> selectedData_;  ///< of selectedHandler_
-  std::vector<Slot> otherData_;                   ///< of handlers that were selected before
+  AddOnSlots handlers_;
   EditorWindow* window_ = nullptr;
   bool acting_ = false;
   bool skipNag_ = false;

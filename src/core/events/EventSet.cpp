@@ -1,7 +1,6 @@
 #include "core/events/EventSet.h"
 
-#include <algorithm>
-
+#include "core/events/EditRecorder.h"
 #include "core/events/OpenSets.h"
 #include "core/loop/AlertDesk.h"
 #include "core/loop/MessageQueue.h"
@@ -20,41 +19,18 @@ EventSet::EventSet(Context& context, const std::string& fileName)
 
 EventSet::~EventSet() = default;
 
-bool EventSet::HasEvent(const Event* event) const { return PlaceOf(event) < events_.size(); }
-
-size_t EventSet::PlaceOf(const Event* event) const {
-  const auto found = std::find_if(events_.begin(), events_.end(),
-                                  [event](const auto& held) { return held.get() == event; });
-  return static_cast<size_t>(found - events_.begin());
+bool EventSet::HasEvent(const Event* event) const {
+  return events_.PositionOf(event) < Events().size();
 }
 
-Event* EventSet::FindEvent(uint64 handle) const {
-  for (const auto& event : events_)
-    if (event->GetHandle() == handle) return event.get();
-  return nullptr;
-}
+Event* EventSet::FindEvent(uint64 handle) const { return events_.Find(handle); }
 
-void EventSet::AppendRead(std::unique_ptr<Event> event) {
-  event->indexStamp = nextStamp_++;
-  events_.push_back(std::move(event));
-}
+void EventSet::AppendRead(std::unique_ptr<Event> event) { events_.Append(std::move(event)); }
 
 Event* EventSet::AddEvent(std::unique_ptr<Event> event) {
   if (!event) event = std::make_unique<Event>(*this);
-  return InsertEvent(std::move(event), events_.size());
-}
-
-Event* EventSet::InsertEvent(std::unique_ptr<Event> event, size_t place) {
   Event* const added = event.get();
-  if (place >= events_.size()) {
-    AppendRead(std::move(event));
-    index_.Changed(added);
-  } else {
-    events_.insert(events_.begin() + static_cast<std::ptrdiff_t>(place), std::move(event));
-    nextStamp_ = 1;
-    for (const auto& held : events_) held->indexStamp = nextStamp_++;
-    index_.Forget();
-  }
+  events_.Append(std::move(event));
   if (window_) window_->EventAdded(*added);
   if (window_ && added->GetShouldWindowOpen()) added->OpenWindow();
   SetModified();
@@ -62,25 +38,36 @@ Event* EventSet::InsertEvent(std::unique_ptr<Event> event, size_t place) {
   return added;
 }
 
-Event* EventSet::RestoreEvent(std::unique_ptr<Event> event, size_t place) {
-  event->SetShouldWindowOpen(false);
-  const int32 next = event->GetNextEventTime();
-  // Ahead of the message that the insertion posts.
-  if (event->GetActive() && next != 0 && next <= context_.clock.Now())
-    context_.queue.Post(SETS_OPENED);
-  return InsertEvent(std::move(event), place);
+void EventSet::RestoreEvents(std::vector<EventList::Removed> removed) {
+  const int64 now = context_.clock.Now();
+  bool isAnyDue = false;
+  std::vector<Event*> events;
+  for (const EventList::Removed& each : removed) {
+    Event& event = *events.emplace_back(each.event.get());
+    event.SetShouldWindowOpen(false);
+    const int32 next = event.GetNextEventTime();
+    isAnyDue = isAnyDue || (event.GetActive() && next != 0 && next <= now);
+  }
+  events_.Insert(std::move(removed));
+  if (window_)
+    for (Event* const event : events) window_->EventAdded(*event);
+  SetModified();
+  if (isAnyDue) context_.queue.Post(SETS_OPENED);
+  context_.queue.Post(EVENT_SETS_CHANGED);
 }
 
 std::unique_ptr<Event> EventSet::RemoveEvent(Event* event) {
-  const size_t place = PlaceOf(event);
-  if (place == events_.size()) return nullptr;
-  if (deliveries_ == 0) context_.alerts.EventDeleted(handle_, event->GetHandle());
-  if (EditorWindow* editor = event->GetWindow()) editor->CloseNow();
-  if (window_) window_->EventRemoved(*event);
-  index_.Remove(event);
-  std::unique_ptr<Event> removed = std::move(events_[place]);
-  events_.erase(events_.begin() + static_cast<std::ptrdiff_t>(place));
-  removed->indexStamp = 0;
+  if (!HasEvent(event)) return nullptr;
+  return std::move(RemoveEvents({event}).front().event);
+}
+
+std::vector<EventList::Removed> EventSet::RemoveEvents(const std::vector<Event*>& events) {
+  for (Event* const event : events) {
+    if (deliveries_ == 0) context_.alerts.EventDeleted(handle_, event->GetHandle());
+    if (EditorWindow* const editor = event->GetWindow()) editor->CloseNow();
+  }
+  if (window_) window_->EventsRemoved(events);
+  std::vector<EventList::Removed> removed = events_.Remove(events);
   SetModified();
   context_.queue.Post(EVENT_SETS_CHANGED);
   return removed;
@@ -88,23 +75,26 @@ std::unique_ptr<Event> EventSet::RemoveEvent(Event* event) {
 
 void EventSet::EventModified(Event* event) {
   if (event->indexStamp == 0) return;  // not in the list (yet)
-  index_.Changed(event);
+  events_.Changed(event);
   if (window_) window_->EventModified(*event);
   SetModified();
   context_.queue.Post(EVENT_SETS_CHANGED);
 }
 
 void EventSet::SetModified() {
+  if (deliveries_ == 0 && recorded_ == 0 && recorder_) recorder_->ChangedUnseen();
   bool& flag = deliveries_ > 0 ? deliveryModified_ : modified_;
   if (flag) return;
   flag = true;
   if (window_) window_->SetChanged();
 }
 
-Event* EventSet::GetNextEvent() {
-  if (!index_.IsBuilt()) index_.Build(events_);
-  return index_.Next();
+void EventSet::BackAsSaved() {
+  modified_ = false;
+  if (window_) window_->SetChanged();
 }
+
+Event* EventSet::GetNextEvent() { return events_.Next(); }
 
 int32 EventSet::GetNextEventTime(Event** event) {
   *event = GetNextEvent();
@@ -113,7 +103,7 @@ int32 EventSet::GetNextEventTime(Event** event) {
 
 int32 EventSet::GetNextEventTime(Event** event, const std::function<bool(const Event&)>& passOver) {
   *event = nullptr;
-  for (const auto& held : events_) {
+  for (const auto& held : Events()) {
     if (!held->GetActive() || held->GetNextEventTime() == 0 || passOver(*held)) continue;
     if (!*event || held->GetNextEventTime() < (*event)->GetNextEventTime()) *event = held.get();
   }
@@ -123,7 +113,7 @@ int32 EventSet::GetNextEventTime(Event** event, const std::function<bool(const E
 void EventSet::SetFileName(const std::string& path) {
   if (path == fileName_) return;
   fileName_ = path;
-  for (const auto& event : events_)
+  for (const auto& event : Events())
     if (EditorWindow* editor = event->GetWindow()) editor->EventChanged();
 }
 
@@ -136,6 +126,7 @@ void EventSet::Saved(const std::string& path) {
   SetFileName(path);
   untitled_ = modified_ = deliveryModified_ = false;
   delivered_.Clear();
+  if (recorder_) recorder_->Saved();
   if (window_) window_->SetChanged();
 }
 
@@ -172,12 +163,12 @@ void EventSet::OpenWindow() {
 
 void EventSet::OpenEditors() {
   int32 opened = 0;
-  for (const auto& event : events_)
+  for (const auto& event : Events())
     if (event->GetShouldWindowOpen() && opened++ < MaxEditorsAtOpening) event->OpenWindow();
 }
 
 void EventSet::CommitEdits() {
-  for (const auto& event : events_)
+  for (const auto& event : Events())
     if (EditorWindow* const editor = event->GetWindow()) editor->CommitEdits();
   if (window_) window_->CommitEdits();
 }
@@ -201,7 +192,7 @@ bool EventSet::Delivers(bool shown) const {
 
 void EventSet::WindowClosed() {
   window_ = nullptr;
-  for (const auto& event : events_) {
+  for (const auto& event : Events()) {
     EditorWindow* const editor = event->GetWindow();
     event->SetShouldWindowOpen(editor != nullptr);
     if (editor) editor->CloseNow();

@@ -10,13 +10,14 @@
 
 #include "core/events/DeliveredLog.h"
 #include "core/events/Event.h"
-#include "core/events/NextEventIndex.h"
+#include "core/events/EventList.h"
 #include "core/events/SetFile.h"
 #include "core/settings/SetLayout.h"
 #include "support/Locker.h"
 
 namespace kestrin {
 
+class EditRecorder;
 class SetWindow;
 
 /// The set is the lock of its events. It is created, changed and destroyed in the main thread;
@@ -32,8 +33,8 @@ class EventSet : public Locker {
   Context& GetContext() const { return context_; }
   uint64 GetHandle() const { return handle_; }
 
-  const std::vector<std::unique_ptr<Event>>& Events() const { return events_; }
-  int32 CountEvents() const { return static_cast<int32>(events_.size()); }
+  const std::vector<std::unique_ptr<Event>>& Events() const { return events_.All(); }
+  int32 CountEvents() const { return static_cast<int32>(Events().size()); }
   bool HasEvent(const Event* event) const;
   Event* FindEvent(uint64 handle) const;
 
@@ -42,15 +43,14 @@ class EventSet : public Locker {
   /// Appends while reading: nobody is told, nothing is marked.
   void AppendRead(std::unique_ptr<Event> event);
   /// Takes the event out (its editor is closed first) and tells the window and the application. The
-  /// caller may keep the event and offer it back, at its old place, with InsertEvent.
+  /// caller may keep what it gets and offer it back, at its old place.
   std::unique_ptr<Event> RemoveEvent(Event* event);
-  Event* InsertEvent(std::unique_ptr<Event> event, size_t place);
-  size_t PlaceOf(const Event* event) const;
-  /// Offers a removed event back. Its editor stays closed, its times stay as they are; what has
-  /// come due meanwhile counts as missed.
-  Event* RestoreEvent(std::unique_ptr<Event> event, size_t place);
+  std::vector<EventList::Removed> RemoveEvents(const std::vector<Event*>& events);
+  /// Their editors stay closed, their times stay as they are; what has come due meanwhile counts as
+  /// missed.
+  void RestoreEvents(std::vector<EventList::Removed> removed);
   /// Room for that many events, while reading.
-  void Reserve(size_t count) { events_.reserve(count); }
+  void Reserve(size_t count) { events_.Reserve(count); }
 
   void EventModified(Event* event);
   Event* GetNextEvent();
@@ -91,6 +91,23 @@ class EventSet : public Locker {
    private:
     EventSet& set_;
   };
+
+  /// While one of these lives, changes of the set are noted down by whoever makes them.
+  class Recorded {
+   public:
+    explicit Recorded(EventSet& set) : set_(set) { ++set_.recorded_; }
+    ~Recorded() { --set_.recorded_; }
+    Recorded(const Recorded&) = delete;
+    Recorded& operator=(const Recorded&) = delete;
+
+   private:
+    EventSet& set_;
+  };
+  /// Not owned; null when nobody notes down what is changed.
+  EditRecorder* Recorder() const { return recorder_; }
+  void SetRecorder(EditRecorder* recorder) { recorder_ = recorder; }
+  /// From the recorder: the person has taken back all that was changed since the last save.
+  void BackAsSaved();
 
   bool IsActionRunning() const { return actionRuns_; }
   /// For a removed event that is still being dealt with; until then.
@@ -142,13 +159,10 @@ class EventSet : public Locker {
 
  private:
   void OpenEditors();
-  void Insert(std::unique_ptr<Event> event, size_t at);
 
   Context& context_;
   uint64 handle_;
-  std::vector<std::unique_ptr<Event>> events_;
-  NextEventIndex index_;
-  uint64 nextStamp_ = 1;
+  EventList events_;
   std::string fileName_;
   bool untitled_ = false;
   std::unique_ptr<SetFile> file_;
@@ -159,6 +173,8 @@ class EventSet : public Locker {
   bool modified_ = false;
   bool deliveryModified_ = false;
   int32 deliveries_ = 0;
+  int32 recorded_ = 0;
+  EditRecorder* recorder_ = nullptr;
   bool actionRuns_ = false;
 };
 

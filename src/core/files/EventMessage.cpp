@@ -10,9 +10,9 @@
 #include "core/events/HandlerTable.h"
 #include "core/files/EventFields.h"
 #include "core/files/EventRecordFile.h"
+#include "core/files/HandlerBlock.h"
 #include "core/timing/EventTypes.h"
 #include "kestrin/EndianIndependentFile.h"
-#include "support/MemoryFile.h"
 #include "support/OwnedText.h"
 
 namespace kestrin {
@@ -20,16 +20,6 @@ namespace kestrin {
 namespace {
 
 constexpr uint32 IconCode = FourCharCode("iBit"), HandlerDataCode = FourCharCode("hDat");
-constexpr int32 FileBufferSize = 4096;
-/// As far as a handler can read after a count of 0.
-constexpr size_t ZerosWithoutData = size_t{64} << 10;
-
-/// An empty file for a handler's block, known to nobody else.
-struct BlockFile : EndianIndependentFile {
-  BlockFile()
-      : EndianIndependentFile(std::make_unique<MemoryFile>(),
-                              OpenReadWrite | OpenCreate | OpenErase, FileBufferSize) {}
-};
 
 // ---- Writing ----
 

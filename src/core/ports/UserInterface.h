@@ -4,6 +4,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "core/ports/Alert.h"
 #include "kestrin/Types.h"
@@ -24,6 +25,9 @@ class SetWindow {
   virtual void EventAdded(Event& event) = 0;
   /// The event is about to go; nothing may keep a pointer to it.
   virtual void EventRemoved(Event& event) = 0;
+  virtual void EventsRemoved(const std::vector<Event*>& events) {
+    for (Event* const event : events) EventRemoved(*event);
+  }
   /// Columns of the event have changed. May be called 100,000 times in a row: collect, repaint
   /// once.
   virtual void EventModified(Event& event) = 0;
@@ -42,7 +46,7 @@ class EditorWindow {
  public:
   virtual ~EditorWindow() = default;
   virtual void Activate() = 0;
-  /// The event's times, status or active flag have changed. May be collected.
+  /// The event's name, times, status or active flag have changed. May be collected.
   virtual void RedrawTimes() = 0;
   /// Any other field has changed, by somebody else than this window.
   virtual void EventChanged() = 0;

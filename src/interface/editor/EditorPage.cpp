@@ -1,6 +1,6 @@
 #include "interface/editor/EditorPage.h"
 
-#include "core/events/EventSet.h"
+#include "core/events/EventEdit.h"
 #include "interface/fields/TypedField.h"
 #include "interface/fields/WrappingTextView.h"
 
@@ -8,7 +8,7 @@ namespace kestrin {
 
 void EditorPage::Write(const std::function<void(Event&)>& change) {
   {
-    const AutoLock lock(event_.GetProtectionSemaphore());
+    const EventEdit edit(event_);
     change(event_);
   }
   ShowEvent();

@@ -6,6 +6,7 @@
 #include <QVBoxLayout>
 #include <utility>
 
+#include "core/events/EditRecorder.h"
 #include "core/events/EventSet.h"
 #include "core/events/HandlerTable.h"
 #include "core/loop/Notices.h"
@@ -13,6 +14,9 @@
 #include "interface/common/Frames.h"
 #include "interface/common/ShownText.h"
 #include "interface/fields/ChoiceMenu.h"
+#include "interface/fields/PassUndoOn.h"
+#include "interface/fields/TypedField.h"
+#include "interface/fields/WrappingTextView.h"
 
 namespace kestrin {
 
@@ -43,6 +47,16 @@ void PutInTabOrder(QWidget* before, QWidget* view) {
   for (QWidget* next : widgets) {
     QWidget::setTabOrder(before, next);
     before = next;
+  }
+}
+
+/// Fields of our own see to that themselves.
+void PassUndoKeysOn(const QWidget& view) {
+  for (QWidget* field : view.findChildren<QWidget*>()) {
+    const bool isText = field->inherits("QLineEdit") || field->inherits("QPlainTextEdit") ||
+                        field->inherits("QTextEdit");
+    const bool isOwn = qobject_cast<TypedField*>(field) || qobject_cast<WrappingTextView*>(field);
+    if (isText && !isOwn) PassUndoOn(*field);
   }
 }
 
@@ -138,6 +152,8 @@ void EventActionView::AddEditView() {
   if (!hasFrame_) return;
   viewed_ = GetEvent().GetAddOnData();
   if (!viewed_) return;
+  if (EditRecorder* const recorder = GetEvent().GetOwner()->Recorder())
+    recorder->HandlerShown(GetEvent());
   QWidget* view = nullptr;
   try {
     view = viewed_->CreateEditView(GetEditViewRect());
@@ -159,6 +175,7 @@ void EventActionView::Place(QWidget* view) {
   frame_->setWidget(view);
   view->setAutoFillBackground(fillsItself);  // the page is behind it
   PutInTabOrder(handler_, view);
+  PassUndoKeysOn(*view);
   view->show();
 }
 

@@ -1,6 +1,6 @@
 #include "interface/editor/EventTextViews.h"
 
-#include "core/events/EventSet.h"
+#include "core/events/EventEdit.h"
 
 namespace kestrin {
 
@@ -9,18 +9,18 @@ std::string NagTextView::StoredText() const { return GetEvent().Record().NagMess
 std::string CommentTextView::StoredText() const { return GetEvent().GetComment(); }
 
 void PrewarnTextView::StoreChange() {
-  const AutoLock lock(GetEvent().GetProtectionSemaphore());
-  GetEvent().SetPrewarnMessage(Text());
+  const EventEdit edit(GetEvent());
+  edit->SetPrewarnMessage(Text());
 }
 
 void NagTextView::StoreChange() {
-  const AutoLock lock(GetEvent().GetProtectionSemaphore());
-  GetEvent().SetNagMessage(Text());
+  const EventEdit edit(GetEvent());
+  edit->SetNagMessage(Text());
 }
 
 void CommentTextView::StoreChange() {
-  const AutoLock lock(GetEvent().GetProtectionSemaphore());
-  GetEvent().SetComment(Text());
+  const EventEdit edit(GetEvent());
+  edit->SetComment(Text());
 }
 
 }  // namespace kestrin

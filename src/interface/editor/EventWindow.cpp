@@ -20,12 +20,6 @@
 
 namespace kestrin {
 
-namespace {
-
-QKeySequence SaveKey() { return Qt::CTRL | Qt::Key_S; }
-
-}  // namespace
-
 EventWindow::EventWindow(Event& event) : event_(&event) {
   setObjectName("eventWindow");
   setWindowTitle("Event");
@@ -54,17 +48,21 @@ void EventWindow::Build() {
 void EventWindow::AddShortcuts() {
   auto* close = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_W), this);
   connect(close, &QShortcut::activated, this, &QWidget::close);
-  auto* save = new QShortcut(SaveKey(), this);
-  connect(save, &QShortcut::activated, this, &EventWindow::SaveSet);
+  for (const QKeySequence& key :
+       {QKeySequence(Qt::CTRL | Qt::Key_S), QKeySequence(Qt::CTRL | Qt::Key_Z),
+        QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)}) {
+    auto* shortcut = new QShortcut(key, this);
+    connect(shortcut, &QShortcut::activated, this, [this, key] { PassOn(key); });
+  }
 }
 
-/// The set's window knows how: it may have to ask where.
-void EventWindow::SaveSet() {
+/// Saving may have to ask where; what is undone may be of another event.
+void EventWindow::PassOn(const QKeySequence& key) {
   CommitEdits();
   const auto* setWindow = dynamic_cast<QWidget*>(event_->GetOwner()->GetWindow());
   if (!setWindow) return;
   for (QAction* action : setWindow->findChildren<QAction*>())
-    if (action->shortcut() == SaveKey()) return action->trigger();
+    if (action->shortcut() == key) return action->trigger();
 }
 
 /// Its room is there from the start, so that nothing moves when there is something to say.
@@ -140,7 +138,7 @@ void EventWindow::RedrawTimes() {
   if (std::exchange(redrawWaits_, true)) return;
   const auto redraw = [this] {
     redrawWaits_ = false;
-    if (event_) ShowEvent();
+    EventChanged();
   };
   QMetaObject::invokeMethod(this, redraw, Qt::QueuedConnection);
 }

@@ -55,7 +55,8 @@ class EventWindow final : public QWidget, public EditorWindow {
   void ShowEvent();
   void ShowComplaint(const QString& last);
   void AddShortcuts();
-  void SaveSet();
+  /// Has the set's window carry out what the key is for there.
+  void PassOn(const QKeySequence& key);
   /// Takes the window back from the event; afterwards there is no event.
   void Detach();
 

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "interface/common/ShownText.h"
+#include "interface/fields/PassUndoOn.h"
 #include "support/OwnedText.h"
 
 namespace kestrin {
@@ -25,6 +26,7 @@ QColor Mixed(const QColor& a, const QColor& b, float share) {
 TypedField::TypedField(const char* objectName, Shower show, Taker take, QWidget* parent)
     : QLineEdit(parent), show_(std::move(show)), take_(std::move(take)) {
   setObjectName(objectName);
+  PassUndoOn(*this);
   sign_ =
       addAction(style()->standardIcon(QStyle::SP_MessageBoxWarning), QLineEdit::TrailingPosition);
   sign_->setVisible(false);
@@ -68,8 +70,11 @@ bool TypedField::Commit() {
   typed_ = !why.isEmpty();
   if (typed_ && text() != typed) setText(typed);
   Complain(why, typed_);
-  ShowValue();
-  return !typed_;
+  if (typed_) return false;
+  // Even as it stands there: from now on the change is the event's to take back.
+  setText(show_());
+  if (!hasFocus()) setCursorPosition(0);
+  return true;
 }
 
 void TypedField::Restore() {

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "interface/common/ShownText.h"
+#include "interface/fields/PassUndoOn.h"
 #include "interface/fields/TypedField.h"
 #include "support/OwnedText.h"
 
@@ -33,6 +34,7 @@ WrappingTextView::WrappingTextView(const char* objectName, const QString& access
   setObjectName(objectName);
   setAccessibleName(accessibleName);
   setTabChangesFocus(true);
+  PassUndoOn(*this);
   setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
   connect(document(), &QTextDocument::contentsChange, this, [this](int from, int, int added) {
     changedFrom_ = from;
@@ -83,6 +85,9 @@ void WrappingTextView::focusOutEvent(QFocusEvent* event) {
   if (event->reason() == Qt::PopupFocusReason) return;
   Complain({});
   Commit();
+  // From now on the change is the event's to take back.
+  document()->clearUndoRedoStacks();
+  undoSteps_ = 0;
 }
 
 /// A clipboard may hold any amount; one character more than fits is enough to be told about it.

@@ -19,7 +19,7 @@ QCheckBox* NewVerifyBox(const char* objectName, const QString& label, Handler& h
     Event& event = *handler.GetAttachedTo();
     const AutoLock lock(event.GetProtectionSemaphore());
     handler.SetVerify(on);
-    event.SetModified();
+    event.HandlerChanged();
   });
   return box;
 }

@@ -5,7 +5,7 @@
 #include <QImageReader>
 #include <QMimeData>
 
-#include "core/events/EventSet.h"
+#include "core/events/EventEdit.h"
 #include "core/loop/Notices.h"
 #include "interface/common/DroppedFiles.h"
 #include "interface/common/FilePanels.h"
@@ -133,9 +133,9 @@ void IconView::OpenPanel() {
 void IconView::Choose(const IconChoice& choice) {
   if (!event_ || choice == Now()) return;
   {
-    const AutoLock lock(event_->GetProtectionSemaphore());
+    const EventEdit edit(*event_);
     const bool isOwn = choice.index == OwnIconNumber;
-    event_->SetIcon(choice.index, isOwn ? std::make_unique<IconPair>(choice.own) : nullptr);
+    edit->SetIcon(choice.index, isOwn ? std::make_unique<IconPair>(choice.own) : nullptr);
   }
   ShowEvent();
 }

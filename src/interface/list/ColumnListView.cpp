@@ -1,7 +1,9 @@
 #include "interface/list/ColumnListView.h"
 
 #include <QAccessible>
+#include <QApplication>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QScrollBar>
 #include <algorithm>
 
@@ -27,7 +29,7 @@ void ColumnListView::BuildList() {
   setUniformRowHeights(true);
   setAllColumnsShowFocus(true);
   setAlternatingRowColors(true);
-  setSelectionMode(SingleSelection);
+  setSelectionMode(ExtendedSelection);
   setSelectionBehavior(SelectRows);
   setEditTriggers(NoEditTriggers);
   setVerticalScrollMode(ScrollPerPixel);
@@ -84,6 +86,7 @@ void ColumnListView::dataChanged(const QModelIndex& first, const QModelIndex& la
                                  const QList<int>&) {
   // A tree looks at each of the rows, for new heights and children; here there are none.
   viewport()->update();
+  updateEditorGeometries();
   if (!QAccessible::isActive()) return;
   QAccessibleTableModelChangeEvent event(this, QAccessibleTableModelChangeEvent::DataChanged);
   event.setFirstRow(first.row());
@@ -95,6 +98,7 @@ void ColumnListView::dataChanged(const QModelIndex& first, const QModelIndex& la
 
 void ColumnListView::keyPressEvent(QKeyEvent* event) {
   if (event->matches(QKeySequence::Copy)) return;  // a cell's text is nobody's event
+  if (state() == EditingState) return;             // what its field leaves over is for nobody
   switch (event->key()) {
     case Qt::Key_Return:
     case Qt::Key_Enter:
@@ -104,19 +108,50 @@ void ColumnListView::keyPressEvent(QKeyEvent* event) {
     case Qt::Key_Delete:
       emit DeleteRequested();
       return;
+    case Qt::Key_Space:
+      if (event->modifiers() != Qt::NoModifier)
+        QTreeView::keyPressEvent(event);
+      else if (IsSearching())
+        keyboardSearch(event->text());
+      else
+        emit ToggleRequested();
+      return;
     default:
       QTreeView::keyPressEvent(event);
   }
+}
+
+bool ColumnListView::IsSearching() const {
+  return searched_.isValid() && searched_.elapsed() < QApplication::keyboardInputInterval();
+}
+
+void ColumnListView::scrollTo(const QModelIndex& index, ScrollHint hint) {
+  const int sideways = horizontalScrollBar()->value();
+  QTreeView::scrollTo(index, hint);
+  horizontalScrollBar()->setValue(sideways);
+}
+
+void ColumnListView::Rename() {
+  if (!currentIndex().isValid() || isColumnHidden(NameColumn)) return;
+  ScrollToColumn(NameColumn);
+  edit(currentIndex().siblingAtColumn(NameColumn));
+}
+
+void ColumnListView::CommitRename() {
+  if (auto* const name = viewport()->findChild<QLineEdit*>("rename")) commitData(name);
 }
 
 /// The toolkit makes the first row current without selecting it.
 void ColumnListView::focusInEvent(QFocusEvent* event) {
   const bool hadCurrent = currentIndex().isValid();
   QTreeView::focusInEvent(event);
-  if (!hadCurrent && currentIndex().isValid()) setCurrentIndex(currentIndex());
+  if (hadCurrent || !currentIndex().isValid()) return;
+  selectionModel()->select(currentIndex(),
+                           QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
 }
 
 void ColumnListView::keyboardSearch(const QString& search) {
+  searched_.start();
   // The search looks into the current column, and texts are looked for by name.
   const QModelIndex current = currentIndex();
   const QModelIndex from = model()->index(current.isValid() ? current.row() : 0, NameColumn);

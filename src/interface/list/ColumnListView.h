@@ -1,6 +1,7 @@
 // A list with several columns that are sorted by, hidden, resized and reordered.
 #pragma once
 
+#include <QElapsedTimer>
 #include <QTreeView>
 #include <vector>
 
@@ -17,7 +18,7 @@ struct CLVColumn {
   uint32 flags;
 };
 
-/// Shows a flat model, one selected row at most.
+/// Shows a flat model. It scrolls sideways only when the person asks for it.
 class ColumnListView : public QTreeView {
   Q_OBJECT
 
@@ -36,6 +37,15 @@ class ColumnListView : public QTreeView {
  signals:
   void Invoked(const QModelIndex& index);
   void DeleteRequested();
+  /// By Space, which belongs to a name that is being typed to search for it.
+  void ToggleRequested();
+
+ public:
+  void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
+  /// Lets the person type over the name of the current row.
+  void Rename();
+  /// Takes over the name that is being typed over.
+  void CommitRename();
 
  protected:
   // What the person does to the columns.
@@ -53,9 +63,11 @@ class ColumnListView : public QTreeView {
   void BuildList();
   void WatchHeader();
   void ScrollToColumn(int column);
+  bool IsSearching() const;
 
   SortHeader* header_;
   std::vector<CLVColumn> columns_;
+  QElapsedTimer searched_;  ///< since a name was typed into last
 };
 
 }  // namespace kestrin

@@ -5,7 +5,10 @@
 #include <utility>
 
 #include "core/events/Event.h"
+#include "core/events/EventEdit.h"
 #include "core/events/EventSet.h"
+#include "core/timing/EventTypes.h"
+#include "interface/common/ShownText.h"
 #include "interface/icons/StandardIcons.h"
 #include "interface/list/EventCells.h"
 
@@ -89,6 +92,17 @@ void EventListModel::EventRemoved(Event& event) {
   endRemoveRows();
 }
 
+void EventListModel::EventsRemoved(const std::vector<Event*>& events) {
+  if (events.size() <= FewEvents) {
+    for (Event* const event : events) EventRemoved(*event);
+    return;
+  }
+  Apply();
+  beginResetModel();
+  order_.Remove(events);
+  endResetModel();
+}
+
 void EventListModel::Apply() {
   applyWaits_ = false;
   if (!changed_.empty()) ApplyChanged();
@@ -140,10 +154,22 @@ int EventListModel::columnCount(const QModelIndex& parent) const {
 QVariant EventListModel::data(const QModelIndex& index, int role) const {
   const Event* event = EventAt(index.row());
   if (!event) return {};
+  if (role == DimmedRole) return !event->GetActive() || event->GetStatus() == DoneWithEvent;
   if (index.column() == IconColumn) return IconCell(*event, role);
+  if (role == Qt::EditRole) return ShownText(event->GetName());
   if (role == Qt::ToolTipRole) return TipText(*event, index.column());
   const bool isText = role == Qt::DisplayRole || role == Qt::AccessibleTextRole;
   return isText ? CellText(*event, index.column()) : QVariant();
+}
+
+bool EventListModel::setData(const QModelIndex& index, const QVariant& value, int role) {
+  Event* const event = EventAt(index.row());
+  const QString name = value.toString();
+  if (!event || role != Qt::EditRole || index.column() != NameColumn) return false;
+  if (name == ShownText(event->GetName())) return true;
+  const EventEdit edit(*event);
+  edit->SetName(name.toStdString());
+  return true;
 }
 
 QVariant EventListModel::headerData(int section, Qt::Orientation orientation, int role) const {
@@ -155,8 +181,9 @@ QVariant EventListModel::headerData(int section, Qt::Orientation orientation, in
 }
 
 Qt::ItemFlags EventListModel::flags(const QModelIndex& index) const {
-  return index.isValid() ? Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemNeverHasChildren
-                         : Qt::NoItemFlags;
+  if (!index.isValid()) return Qt::NoItemFlags;
+  const Qt::ItemFlags flags = Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemNeverHasChildren;
+  return index.column() == NameColumn ? flags | Qt::ItemIsEditable : flags;
 }
 
 }  // namespace kestrin

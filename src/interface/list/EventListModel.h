@@ -30,6 +30,7 @@ class EventListModel final : public QAbstractTableModel {
   void EventAdded(Event& event);
   /// At once: the event is about to go.
   void EventRemoved(Event& event);
+  void EventsRemoved(const std::vector<Event*>& events);
   void EventModified(Event& event);
   /// Applies what was collected now.
   void Apply();
@@ -38,7 +39,11 @@ class EventListModel final : public QAbstractTableModel {
 
   int rowCount(const QModelIndex& parent = {}) const override;
   int columnCount(const QModelIndex& parent = {}) const override;
+  /// Whether the row's event comes no more: it is finished or inactive.
+  static constexpr int DimmedRole = Qt::UserRole;
   QVariant data(const QModelIndex& index, int role) const override;
+  /// Only names: the person renames in place.
+  bool setData(const QModelIndex& index, const QVariant& value, int role) override;
   QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
   Qt::ItemFlags flags(const QModelIndex& index) const override;
 

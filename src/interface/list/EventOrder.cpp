@@ -158,6 +158,15 @@ int32 EventOrder::Remove(const Event* event) {
   return at;
 }
 
+void EventOrder::Remove(const std::vector<Event*>& events) {
+  for (const Event* event : events) {
+    const auto found = rows_.find(event);
+    if (found != rows_.end()) found->second.moves = true;
+  }
+  std::erase_if(places_, [](const Place& place) { return place.row->moves; });
+  for (const Event* event : events) rows_.erase(event);
+}
+
 void EventOrder::Clear() {
   places_.clear();
   rows_.clear();

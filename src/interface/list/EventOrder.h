@@ -52,6 +52,7 @@ class EventOrder {
   int32 Add(Event* event);
   /// Where the event stood.
   int32 Remove(const Event* event);
+  void Remove(const std::vector<Event*>& events);
   void Clear();
 
   /// The event has changed: moves it and returns where it stands now.

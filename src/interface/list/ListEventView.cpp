@@ -68,14 +68,68 @@ void ListEventView::SetColumnShown(Columns column, bool shown) {
   for (size_t each = 0; each < all.size(); ++each) ShowColumn(static_cast<int>(each), all[each]);
 }
 
+/// One row stays selected, so that the next key works on something one can see.
+void ListEventView::RemoveEvents(const std::vector<Event*>& events) {
+  const QPersistentModelIndex current = currentIndex();
+  const int row = current.row();
+  model_.EventsRemoved(events);
+  if (selectionModel()->hasSelection()) return;
+  SelectRow(current.isValid() ? current.row() : std::min(row, model_.rowCount() - 1));
+}
+
 Event* ListEventView::GetSelectedEvent() {
-  const QModelIndexList selected = selectionModel()->selectedRows();
-  return selected.isEmpty() ? nullptr : model_.EventAt(selected.first().row());
+  const QModelIndex current = currentIndex();
+  if (current.isValid() && selectionModel()->isSelected(current))
+    return model_.EventAt(current.row());
+  const QItemSelection& selection = selectionModel()->selection();
+  return selection.isEmpty() ? nullptr : model_.EventAt(selection.first().top());
+}
+
+std::vector<Event*> ListEventView::GetSelectedEvents() const {
+  std::vector<int> rows;
+  for (const QItemSelectionRange& range : selectionModel()->selection())
+    for (int row = range.top(); row <= range.bottom(); ++row) rows.push_back(row);
+  std::sort(rows.begin(), rows.end());
+  rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+  std::vector<Event*> events;
+  for (const int row : rows) events.push_back(model_.EventAt(row));
+  return events;
+}
+
+/// Whatever keys are held just now: the toolkit's own way of it looks at them.
+void ListEventView::SelectRow(int row) {
+  if (row < 0) {
+    emit SelectedEventChanged();
+    return;
+  }
+  const QModelIndex index = model_.index(row, NameColumn);
+  selectionModel()->setCurrentIndex(
+      index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+  scrollTo(index);
 }
 
 void ListEventView::SelectEvent(const Event* event) {
   const int row = model_.RowOf(event);
-  if (row >= 0) setCurrentIndex(model_.index(row, NameColumn));
+  if (row >= 0) SelectRow(row);
+}
+
+void ListEventView::SelectEvents(const std::vector<Event*>& events) {
+  model_.Apply();
+  std::vector<int> rows;
+  for (const Event* const event : events) rows.push_back(model_.RowOf(event));
+  std::sort(rows.begin(), rows.end());
+  std::erase(rows, -1);
+  if (rows.empty()) return;
+  SelectRow(rows.front());
+  QItemSelection selection;
+  for (size_t i = 0; i < rows.size();) {
+    size_t end = i + 1;
+    while (end < rows.size() && rows[end] == rows[end - 1] + 1) ++end;
+    selection.append(QItemSelectionRange(model_.index(rows[i], 0),
+                                         model_.index(rows[end - 1], NumberOfColumns - 1)));
+    i = end;
+  }
+  selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
 }
 
 void ListEventView::DisplayOrderChanged() {

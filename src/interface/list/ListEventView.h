@@ -19,14 +19,19 @@ class ListEventView final : public ColumnListView, public EventSetViewInterface 
   void SetColumnShown(Columns column, bool shown) override;
   QWidget* GetBViewPart() override { return this; }
   void AddEvent(Event* event) override { model_.EventAdded(*event); }
-  void RemoveEvent(Event* event) override { model_.EventRemoved(*event); }
+  void RemoveEvent(Event* event) override { RemoveEvents({event}); }
+  void RemoveEvents(const std::vector<Event*>& events);
   /// Applies now what was collected.
   void SortEvents() override { model_.Apply(); }
+  /// The current one, if it is selected, else the first that is.
   Event* GetSelectedEvent() override;
+  /// In the order of the rows.
+  std::vector<Event*> GetSelectedEvents() const;
   void EventModified(Event* event) override { model_.EventModified(*event); }
 
   /// Selects the event's row and scrolls to it.
   void SelectEvent(const Event* event);
+  void SelectEvents(const std::vector<Event*>& events);
   /// In which no column is out of sight.
   int WidthOfColumns() const;
   /// Shows nothing any more: the set is about to go.
@@ -43,6 +48,7 @@ class ListEventView final : public ColumnListView, public EventSetViewInterface 
 
  private:
   void AddColumnLabels();
+  void SelectRow(int row);
   std::array<int, NumberOfColumns> FittingWidths() const;
 
   EventListModel model_;

@@ -1,30 +1,27 @@
 #include "interface/sets/EventCommands.h"
 
 #include "core/events/EventSet.h"
+#include "core/files/EventMessage.h"
 #include "core/ports/UserInterface.h"
 #include "core/settings/KestrinSettings.h"
+#include "interface/common/ShownText.h"
 #include "interface/list/ListEventView.h"
 #include "interface/sets/EventClipboard.h"
 
 namespace kestrin {
 
 EventCommands::EventCommands(EventSet& set, ListEventView& list)
-    : QObject(&list), set_(&set), list_(list) {}
+    : QObject(&list), set_(&set), list_(list), history_(set) {}
 
-void EventCommands::New() {
-  if (!set_) return;
-  Event* event = nullptr;
-  {
-    const AutoLock settings(set_->GetContext().settings.Protect);
-    const AutoLock lock(*set_);
-    event = set_->AddEvent(nullptr);
-  }
-  Select(event);
+void EventCommands::Add(std::vector<std::unique_ptr<Event>> events, EditKind kind) {
+  if (!set_ || events.empty()) return;
+  list_.SelectEvents(history_.Add(std::move(events), kind));
+  emit Added();
 }
 
-void EventCommands::Select(const Event* event) {
-  list_.SelectEvent(event);
-  emit Added();
+void EventCommands::New() {
+  std::vector<std::unique_ptr<Event>> one(1);
+  Add(std::move(one), EditKind::New);
 }
 
 void EventCommands::Edit(Event* event) {
@@ -37,46 +34,83 @@ void EventCommands::Edit(Event* event) {
 void EventCommands::EditSelected() { Edit(list_.GetSelectedEvent()); }
 
 void EventCommands::DeleteSelected() {
-  Event* const event = list_.GetSelectedEvent();
-  if (!set_ || !event) return;
-  const std::string name = event->GetName();
-  deleted_.Delete(*event);
-  emit Deleted(name);
+  if (set_) history_.Remove(list_.GetSelectedEvents(), EditKind::Delete);
+}
+
+void EventCommands::DeleteFinished() {
+  if (!set_) return;
+  std::vector<Event*> finished;
+  for (const auto& event : set_->Events())
+    if (event->GetStatus() == DoneWithEvent) finished.push_back(event.get());
+  if (finished.empty())
+    emit Noted("No event is finished.");
+  else
+    history_.Remove(finished, EditKind::Delete);
+}
+
+void EventCommands::Duplicate() {
+  if (!set_) return;
+  std::vector<std::unique_ptr<Event>> copies;
+  for (Event* const event : list_.GetSelectedEvents()) {
+    if (EditorWindow* const editor = event->GetWindow()) editor->CommitEdits();
+    Message message;
+    if (!GenerateMessageForEvent(*event, &message)) continue;
+    auto copy = EventFromMessage(*set_, message).NewEvent;
+    if (!copy) continue;
+    copy->SetShouldWindowOpen(false);
+    copies.push_back(std::move(copy));
+  }
+  Add(std::move(copies), EditKind::Duplicate);
+}
+
+void EventCommands::SetActive(bool active) {
+  if (set_) history_.SetActive(list_.GetSelectedEvents(), active);
+}
+
+void EventCommands::ToggleActive() {
+  if (const Event* const current = list_.GetSelectedEvent()) SetActive(!current->GetActive());
 }
 
 void EventCommands::Cut() {
-  if (Copy()) DeleteSelected();
+  if (Copy()) history_.Remove(list_.GetSelectedEvents(), EditKind::Cut);
 }
 
 bool EventCommands::Copy() {
-  Event* const event = list_.GetSelectedEvent();
-  if (!set_ || !event) return false;
-  if (EditorWindow* const editor = event->GetWindow()) editor->CommitEdits();
+  Event* const current = list_.GetSelectedEvent();
+  if (!set_ || !current) return false;
+  const std::vector<Event*> events = list_.GetSelectedEvents();
+  for (Event* const event : events)
+    if (EditorWindow* const editor = event->GetWindow()) editor->CommitEdits();
   const AutoLock lock(*set_);
-  return CopyEvent(*event);
+  return CopyEvents(*current, events);
 }
 
 void EventCommands::Paste() {
   if (!set_) return;
-  std::unique_ptr<Event> event = EventFromClipboard(*set_);
-  if (!event) return;
-  event->SetShouldWindowOpen(false);
-  const Event* added = nullptr;
-  {
-    const AutoLock settings(set_->GetContext().settings.Protect);
-    const AutoLock lock(*set_);
-    added = set_->AddEvent(std::move(event));
-  }
-  Select(added);
+  auto events = EventsFromClipboard(*set_);
+  for (const auto& event : events) event->SetShouldWindowOpen(false);
+  Add(std::move(events), EditKind::Paste);
 }
 
 void EventCommands::Undo() {
-  if (!set_) return;
-  if (const Event* const event = deleted_.RestoreLast()) Select(event);
+  if (set_) Tell(history_.Undo());
+}
+
+void EventCommands::Redo() {
+  if (set_) Tell(history_.Redo());
+}
+
+void EventCommands::Tell(const std::optional<EditHistory::Done>& done) {
+  if (!done || done->events.empty()) return;
+  list_.SelectEvents(done->events);
+  emit Added();
+  if (!done->hasPassed.empty())
+    emit Noted("“" + ShownLine(done->hasPassed) +
+               "” is back at a moment that has passed; it will not ring.");
 }
 
 void EventCommands::Forget() {
-  deleted_.Clear();
+  history_.Clear();
   set_ = nullptr;
 }
 

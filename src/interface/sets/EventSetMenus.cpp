@@ -63,11 +63,19 @@ EventSetMenus::EventSetMenus(QMenuBar& bar, Context& context)
            {"&Copy", Ctrl(Qt::Key_C), COPY_EVENT, Item::Window, false},
            {"&Paste", Ctrl(Qt::Key_V), PASTE_EVENT},
            {},
-           {"&Undo delete", Ctrl(Qt::Key_Z), UNDO_DELETE, Item::Window, false}});
+           {"&Undo", Ctrl(Qt::Key_Z), UNDO_EDIT, Item::Window, false},
+           {"&Redo", CtrlShift(Qt::Key_Z), REDO_EDIT, Item::Window, false}});
   AddMenu(bar, "Eve&nt",
           {{"&New event…", CtrlShift(Qt::Key_N), NEW_EVENT},
            {"&Edit event…", Ctrl(Qt::Key_E), EDIT_EVENT, Item::Window, false},
-           {"&Delete event", {}, DELETE_EVENT, Item::Window, false}});
+           {"&Delete event", Qt::Key_Delete, DELETE_EVENT, Item::Window, false},
+           {},
+           {"D&uplicate event", Ctrl(Qt::Key_D), DUPLICATE_EVENT, Item::Window, false},
+           {"&Rename event", Qt::Key_F2, RENAME_EVENT, Item::Window, false},
+           {"&Activate", {}, ACTIVATE_EVENT, Item::Window, false},
+           {"Dea&ctivate", {}, DEACTIVATE_EVENT, Item::Window, false},
+           {},
+           {"Delete &finished events", {}, DELETE_FINISHED}});
   AddViewMenu(bar);
   AddContextMenus(bar);
 }
@@ -163,7 +171,9 @@ void EventSetMenus::AddContextMenus(QMenuBar& bar) {
   rowMenu_->setObjectName("rowMenu");
   rowMenu_->addAction(Find(EDIT_EVENT));
   rowMenu_->addSeparator();
-  rowMenu_->addActions({Find(CUT_EVENT), Find(COPY_EVENT)});
+  rowMenu_->addActions({Find(CUT_EVENT), Find(COPY_EVENT), Find(PASTE_EVENT)});
+  rowMenu_->addSeparator();
+  rowMenu_->addActions({Find(DUPLICATE_EVENT), Find(ACTIVATE_EVENT), Find(DEACTIVATE_EVENT)});
   rowMenu_->addSeparator();
   rowMenu_->addAction(Find(DELETE_EVENT));
   emptyMenu_ = new QMenu(&bar);
@@ -207,10 +217,27 @@ void EventSetMenus::ShowLayout(const SetLayout& layout) {
 void EventSetMenus::ShowRemembered(bool remembered) { Find(REMEMBER_SET)->setChecked(remembered); }
 
 void EventSetMenus::EnableForSelection(bool selected) {
-  for (const uint32 command : {CUT_EVENT, COPY_EVENT, EDIT_EVENT, DELETE_EVENT})
+  for (const uint32 command : {CUT_EVENT, COPY_EVENT, EDIT_EVENT, DELETE_EVENT, DUPLICATE_EVENT,
+                               RENAME_EVENT, ACTIVATE_EVENT, DEACTIVATE_EVENT})
     Find(command)->setEnabled(selected);
 }
 
-void EventSetMenus::EnableUndo(bool possible) { Find(UNDO_DELETE)->setEnabled(possible); }
+void EventSetMenus::ShowStep(uint32 command, const QString& word, const QString& phrase) {
+  QAction& item = *Find(command);
+  item.setText(phrase.isEmpty() ? word : word + ' ' + WithoutMnemonic(phrase));
+  item.setEnabled(!phrase.isEmpty());
+}
+
+void EventSetMenus::ShowSteps(const QString& undo, const QString& redo) {
+  ShowStep(UNDO_EDIT, "&Undo", undo);
+  ShowStep(REDO_EDIT, "&Redo", redo);
+}
+
+void EventSetMenus::AddListKeys(QWidget& list) {
+  for (const uint32 command : {DELETE_EVENT, RENAME_EVENT}) {
+    Find(command)->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+    list.addAction(Find(command));
+  }
+}
 
 }  // namespace kestrin

@@ -31,7 +31,10 @@ class EventSetMenus final : public QObject {
   /// Marks whether the set is remembered for delivery.
   void ShowRemembered(bool remembered);
   void EnableForSelection(bool selected);
-  void EnableUndo(bool possible);
+  /// What would be taken back and what done again, as phrases; empty for nothing.
+  void ShowSteps(const QString& undo, const QString& redo);
+  /// Has the keys that mean something to the list alone work there.
+  void AddListKeys(QWidget& list);
 
   /// Of a row, of the list's empty part, and of its header.
   QMenu& RowMenu() const { return *rowMenu_; }
@@ -53,6 +56,7 @@ class EventSetMenus final : public QObject {
   void AddRecentMenu(QMenu& file);
   void ShowRecent();
   void AddContextMenus(QMenuBar& bar);
+  void ShowStep(uint32 command, const QString& word, const QString& phrase);
   QAction* Find(uint32 command) const;
 
   Context& context_;

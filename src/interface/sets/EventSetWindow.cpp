@@ -1,5 +1,6 @@
 #include "interface/sets/EventSetWindow.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QHeaderView>
 #include <QMenu>
@@ -23,6 +24,7 @@
 #include "interface/sets/SetCommands.h"
 #include "interface/sets/SetSaving.h"
 #include "interface/sets/StatusLine.h"
+#include "interface/sets/StepTexts.h"
 
 namespace kestrin {
 
@@ -63,24 +65,18 @@ void EventSetWindow::ConnectCommands() {
   connect(menus_, &EventSetMenus::ViewModeChosen, this, &EventSetWindow::SetViewMode);
   connect(list_, &ListEventView::EventInvoked, commands_, &EventCommands::Edit);
   connect(list_, &ListEventView::DeleteRequested, commands_, &EventCommands::DeleteSelected);
+  connect(list_, &ListEventView::ToggleRequested, commands_, &EventCommands::ToggleActive);
   connect(list_, &ListEventView::SelectedEventChanged, this, [this] { Command(EVENT_SELECTED); });
-  connect(status_, &StatusLine::UndoRequested, this, [this] { Command(UNDO_DELETE); });
+  connect(status_, &StatusLine::UndoRequested, this, [this] { Command(UNDO_EDIT); });
   connect(status_, &StatusLine::RememberRequested, this, [this] { Command(REMEMBER_SET); });
   connect(status_, &StatusLine::RememberedIs, menus_, &EventSetMenus::ShowRemembered);
   connect(hint_, &EmptySetHint::NewEventRequested, this, [this] { Command(NEW_EVENT); });
-  connect(commands_, &EventCommands::Deleted, this, [this](const std::string& name) {
-    status_->ShowDeleted(name);
-    menus_->EnableUndo(true);
-  });
-  connect(commands_, &EventCommands::Added, this, [this] {
-    const Event* const deleted = commands_->LastDeleted();
-    if (deleted)
-      status_->OfferDeleted(deleted->GetName());
-    else
-      status_->HideDeleted();
-    menus_->EnableUndo(deleted != nullptr);
-    list_->setFocus();
-  });
+  connect(commands_, &EventCommands::Added, this, [this] { list_->setFocus(); });
+  connect(commands_, &EventCommands::Noted, this,
+          [this](const QString& note) { status_->Report(note, false); });
+  commands_->History().Changed = [this] { ShowSteps(); };
+  connect(qApp, &QApplication::focusChanged, this, [this] { commands_->History().EndSitting(); });
+  menus_->AddListKeys(*list_);
   connect(saving_, &SetSaving::CloseAllowed, this, &EventSetWindow::CloseNow);
   list_->setContextMenuPolicy(Qt::CustomContextMenu);
   connect(list_, &QWidget::customContextMenuRequested, this, &EventSetWindow::ShowRowMenu);
@@ -116,10 +112,27 @@ void EventSetWindow::EventAdded(Event& event) {
   status_->Refresh();
 }
 
-void EventSetWindow::EventRemoved(Event& event) {
-  list_->RemoveEvent(&event);
-  hint_->setVisible(set_->CountEvents() == 1);  // it is counted still
+void EventSetWindow::EventRemoved(Event& event) { EventsRemoved({&event}); }
+
+/// A delivery may have taken away what the next step was about.
+void EventSetWindow::EventsRemoved(const std::vector<Event*>& events) {
+  list_->RemoveEvents(events);
+  hint_->setVisible(set_->CountEvents() == static_cast<int32>(events.size()));  // still counted
   status_->Refresh();
+  QMetaObject::invokeMethod(this, &EventSetWindow::ShowSteps, Qt::QueuedConnection);
+}
+
+void EventSetWindow::CommitEdits() { list_->CommitRename(); }
+
+void EventSetWindow::ShowSteps() {
+  if (!set_) return;
+  const auto undo = commands_->History().NextUndo(), redo = commands_->History().NextRedo();
+  menus_->ShowSteps(undo ? StepPhrase(*undo) : QString(), redo ? StepPhrase(*redo) : QString());
+  const QString report = undo ? StepReport(*undo) : QString();
+  if (report.isEmpty())
+    status_->HideReport();
+  else
+    status_->Report(report, true);
 }
 
 void EventSetWindow::EventModified(Event& event) {
@@ -139,7 +152,7 @@ void EventSetWindow::SettingsChanged() {
 }
 
 void EventSetWindow::Command(uint32 command) {
-  if (!set_ || SaveCommand(command) || EventCommand(command)) return;
+  if (!set_ || SaveCommand(command) || EventCommand(command) || EditCommand(command)) return;
   if (EventSetMenus::ColumnOf(command))
     ToggleColumn(command);
   else if (command == QUIT_REQUESTED)
@@ -174,9 +187,6 @@ bool EventSetWindow::EventCommand(uint32 command) {
     case PASTE_EVENT:
       commands_->Paste();
       return true;
-    case UNDO_DELETE:
-      commands_->Undo();
-      return true;
     case NEW_EVENT:
       commands_->New();
       return true;
@@ -188,6 +198,32 @@ bool EventSetWindow::EventCommand(uint32 command) {
       return true;
     case EVENT_SELECTED:
       menus_->EnableForSelection(list_->GetSelectedEvent() != nullptr);
+      return true;
+    default:
+      return false;
+  }
+}
+
+bool EventSetWindow::EditCommand(uint32 command) {
+  switch (command) {
+    case UNDO_EDIT:
+      commands_->Undo();
+      return true;
+    case REDO_EDIT:
+      commands_->Redo();
+      return true;
+    case DUPLICATE_EVENT:
+      commands_->Duplicate();
+      return true;
+    case RENAME_EVENT:
+      list_->Rename();
+      return true;
+    case ACTIVATE_EVENT:
+    case DEACTIVATE_EVENT:
+      commands_->SetActive(command == ACTIVATE_EVENT);
+      return true;
+    case DELETE_FINISHED:
+      commands_->DeleteFinished();
       return true;
     default:
       return false;

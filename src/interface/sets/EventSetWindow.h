@@ -32,9 +32,10 @@ class EventSetWindow final : public QMainWindow, public SetWindow {
   void Activate() override;
   void EventAdded(Event& event) override;
   void EventRemoved(Event& event) override;
+  void EventsRemoved(const std::vector<Event*>& events) override;
   void EventModified(Event& event) override;
   void SetChanged() override;
-  void CommitEdits() override {}
+  void CommitEdits() override;
   bool RequestClose() override;
   void CloseNow() override;
 
@@ -54,6 +55,8 @@ class EventSetWindow final : public QMainWindow, public SetWindow {
   void Command(uint32 command);
   bool SaveCommand(uint32 command);
   bool EventCommand(uint32 command);
+  bool EditCommand(uint32 command);
+  void ShowSteps();
   void SetViewMode(int32 mode);
   void ToggleColumn(uint32 command);
   void ShowRowMenu(const QPoint& at);

@@ -48,7 +48,7 @@ StatusLine::StatusLine(EventSet& set)
   auto* column = new QVBoxLayout(this);
   column->setContentsMargins(0, 0, 0, 0);
   column->setSpacing(0);
-  column->addWidget(BuildDeletedRow());
+  column->addWidget(BuildReportRow());
   column->addLayout(lines);
   Update();
 }
@@ -65,25 +65,25 @@ QLayout* StatusLine::BuildRingingRow() {
   return row;
 }
 
-QWidget* StatusLine::BuildDeletedRow() {
-  deletedRow_ = new QWidget;
-  deletedRow_->setObjectName("deletedRow");
-  deletedRow_->setAutoFillBackground(true);
-  deletedRow_->setBackgroundRole(QPalette::AlternateBase);
-  deleted_ = new ElidedLabel;
-  deleted_->setObjectName("deleted");
-  deleted_->setForegroundRole(QPalette::Text);
+QWidget* StatusLine::BuildReportRow() {
+  reportRow_ = new QWidget;
+  reportRow_->setObjectName("reportRow");
+  reportRow_->setAutoFillBackground(true);
+  reportRow_->setBackgroundRole(QPalette::AlternateBase);
+  report_ = new ElidedLabel;
+  report_->setObjectName("report");
+  report_->setForegroundRole(QPalette::Text);
   undo_ = new QPushButton("&Undo");
-  undo_->setObjectName("undoDelete");
+  undo_->setObjectName("undo");
   connect(undo_, &QPushButton::clicked, this, &StatusLine::UndoRequested);
-  auto* row = new QHBoxLayout(deletedRow_);
+  auto* row = new QHBoxLayout(reportRow_);
   row->setContentsMargins(8, 3, 8, 3);
   row->setSpacing(8);
-  row->addWidget(deleted_);
+  row->addWidget(report_);
   row->addWidget(undo_);
   row->addStretch(1);
-  deletedRow_->hide();
-  return deletedRow_;
+  reportRow_->hide();
+  return reportRow_;
 }
 
 void StatusLine::Refresh() {
@@ -116,17 +116,16 @@ void StatusLine::ShowNext() {
   }
 }
 
-void StatusLine::OfferDeleted(const std::string& name) {
-  deleted_->SetText("Deleted “" + ShownLine(name), "”.");
-  deletedRow_->show();
-}
-
-void StatusLine::ShowDeleted(const std::string& name) {
-  OfferDeleted(name);
-  QAccessibleEvent event(deleted_, QAccessible::Alert);
+/// Of a long name the beginning is shown, and what closes the sentence.
+void StatusLine::Report(const QString& what, bool canUndo) {
+  const qsizetype closing = what.endsWith("”.") ? 2 : 0;
+  report_->SetText(what.chopped(closing), what.right(closing));
+  undo_->setVisible(canUndo);
+  reportRow_->show();
+  QAccessibleEvent event(report_, QAccessible::Alert);
   QAccessible::updateAccessibility(&event);
 }
 
-void StatusLine::HideDeleted() { deletedRow_->hide(); }
+void StatusLine::HideReport() { reportRow_->hide(); }
 
 }  // namespace kestrin

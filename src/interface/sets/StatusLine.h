@@ -1,8 +1,7 @@
-// The foot of an event set window: what comes next, when the set rings, and what was deleted.
+// The foot of an event set window: what comes next, when the set rings, and what was just done.
 #pragma once
 
 #include <QWidget>
-#include <string>
 
 class QPushButton;
 
@@ -20,11 +19,10 @@ class StatusLine final : public QWidget {
   /// Something of the set or the settings has changed. Collected: the line changes once, on the
   /// next turn of the event loop.
   void Refresh();
-  /// Offers what was deleted back, until HideDeleted.
-  void OfferDeleted(const std::string& name);
-  /// The same, and screen readers are told.
-  void ShowDeleted(const std::string& name);
-  void HideDeleted();
+  /// Says what was done, or what the person should know, and tells screen readers; `canUndo`: and
+  /// offers it back. Until the next one, or HideReport.
+  void Report(const QString& what, bool canUndo);
+  void HideReport();
   /// The set is about to go.
   void Forget() { set_ = nullptr; }
 
@@ -36,7 +34,7 @@ class StatusLine final : public QWidget {
   void RememberedIs(bool remembered);
 
  private:
-  QWidget* BuildDeletedRow();
+  QWidget* BuildReportRow();
   QLayout* BuildRingingRow();
   void Update();
   void ShowNext();
@@ -45,8 +43,8 @@ class StatusLine final : public QWidget {
   ElidedLabel* next_;
   ElidedLabel* ringing_;
   QPushButton* remember_;
-  QWidget* deletedRow_ = nullptr;
-  ElidedLabel* deleted_ = nullptr;
+  QWidget* reportRow_ = nullptr;
+  ElidedLabel* report_ = nullptr;
   QPushButton* undo_ = nullptr;
   bool refreshWaits_ = false;
 };

@@ -39,7 +39,7 @@ TEST_F(EventSetTest, TheIndexAgreesWithASearchWhateverChanges) {
   std::mt19937 random(4711);
   const auto upTo = [&random](size_t limit) { return static_cast<size_t>(random() % limit); };
   EventSet& set = NewSet();
-  std::vector<std::unique_ptr<Event>> removed;
+  std::vector<EventList::Removed> removed;
   const auto someTime = [&] { return Sunday + Day + static_cast<int32>(upTo(9)); };
   for (int step = 0; step < 20000; ++step) {
     const size_t count = set.Events().size();
@@ -48,11 +48,13 @@ TEST_F(EventSetTest, TheIndexAgreesWithASearchWhateverChanges) {
     if (choice == 0 && count < 40) {
       Add(set, OnceAt(someTime()));
     } else if (choice == 1) {
-      removed.push_back(set.RemoveEvent(event));
-      removed.back()->SetEventTime(someTime(), true);  // tells nobody while it is out
+      removed.push_back(std::move(set.RemoveEvents({event}).front()));
+      removed.back().event->SetEventTime(someTime(), true);  // tells nobody while it is out
     } else if (choice == 2 && !removed.empty()) {
-      set.InsertEvent(std::move(removed.back()), upTo(count + 3));
-      removed.pop_back();
+      const size_t all = upTo(2) == 0 ? removed.size() : 1;
+      std::vector<EventList::Removed> back;
+      for (; back.size() < all; removed.pop_back()) back.push_back(std::move(removed.back()));
+      set.RestoreEvents(std::move(back));
     } else if (choice == 3) {
       event->SetActive(upTo(2) == 0);
     } else if (choice > 3) {
@@ -103,19 +105,20 @@ TEST_F(EventSetTest, WindowAndApplicationAreTold) {
 
   const uint64 handle = event.GetHandle();
   event.OpenWindow();
-  std::unique_ptr<Event> removed = set.RemoveEvent(&event);
+  std::vector<EventList::Removed> removed = set.RemoveEvents({&event});
   EXPECT_THAT(window.Removed, ElementsAre(handle));
   EXPECT_THAT(World.Ui.EditorWindows, IsEmpty()) << "its editor closes first";
   EXPECT_EQ(messages(), 1u);
-  EXPECT_EQ(set.RemoveEvent(removed.get()), nullptr) << "it is not in the list";
-  removed->SetName("Butter");
+  Event* const out = removed[0].event.get();
+  EXPECT_EQ(set.RemoveEvent(out), nullptr) << "it is not in the list";
+  out->SetName("Butter");
   EXPECT_EQ(messages(), 0u);
 
   set.AddEvent(nullptr);
   EXPECT_EQ(World.Ui.EditorWindows.size(), 1u) << "a new event opens its editor";
-  const Event* const back = set.InsertEvent(std::move(removed), 0);
+  set.RestoreEvents(std::move(removed));
   EXPECT_THAT(window.Added, ElementsAre(testing::_, handle));
-  EXPECT_EQ(set.PlaceOf(back), 0u);
+  EXPECT_EQ(set.Events()[0].get(), out) << "at its old place";
   EXPECT_EQ(World.Ui.EditorWindows.size(), 1u);
 }
 

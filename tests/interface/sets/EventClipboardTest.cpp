@@ -29,6 +29,11 @@ struct EventClipboardTest : testing::Test {
     dynamic_cast<MessageDataHandler&>(*tea.GetAddOnData()).SetMessage("Put the kettle on");
     return tea;
   }
+  static bool CopyOne(Event& event) { return CopyEvents(event, {&event}); }
+  static std::unique_ptr<Event> PastedInto(EventSet& set) {
+    auto events = EventsFromClipboard(set);
+    return events.size() == 1 ? std::move(events[0]) : nullptr;
+  }
   static void Put(const char* type, const QByteArray& bytes) {
     auto* content = new QMimeData;
     content->setData(type, bytes);
@@ -42,12 +47,12 @@ struct EventClipboardTest : testing::Test {
 TEST_F(EventClipboardTest, AnEventIsThereForAllProgramsAlsoOnceItIsDeleted) {
   EXPECT_FALSE(ClipboardHasEvent());
   Event& tea = Tea();
-  ASSERT_TRUE(CopyEvent(tea));
+  ASSERT_TRUE(CopyOne(tea));
   source.RemoveEvent(&tea);
   EXPECT_EQ(QGuiApplication::clipboard()->text(), "T\uFFFDa & \u20AC\n");
   EXPECT_TRUE(ClipboardHasEvent());
   for (int times = 0; times < 2; ++times) {
-    const auto pasted = EventFromClipboard(target);
+    const auto pasted = PastedInto(target);
     ASSERT_TRUE(pasted);
     EXPECT_EQ(pasted->GetName(), Name);
     EXPECT_EQ(pasted->GetOwner(), &target);
@@ -56,16 +61,29 @@ TEST_F(EventClipboardTest, AnEventIsThereForAllProgramsAlsoOnceItIsDeleted) {
   }
 }
 
+TEST_F(EventClipboardTest, OfSeveralTheCurrentOneIsThereForThoseWhoKnowOnlyOne) {
+  Event& tea = Tea();
+  std::vector<Event*> all = {source.AddEvent(nullptr), &tea, source.AddEvent(nullptr)};
+  all[0]->SetName("Cake");
+  ASSERT_TRUE(CopyEvents(tea, all));
+  EXPECT_EQ(QGuiApplication::clipboard()->text(), "Cake\nT\uFFFDa & \u20AC\n\nUntitled");
+  const auto pasted = EventsFromClipboard(target);
+  ASSERT_EQ(pasted.size(), 3u);
+  for (size_t i = 0; i < pasted.size(); ++i) EXPECT_EQ(pasted[i]->GetName(), all[i]->GetName());
+  Put(EventClipboardType, EventBytes());
+  EXPECT_EQ(PastedInto(target)->GetName(), Name);
+}
+
 TEST_F(EventClipboardTest, AnEventThatCannotBeCopiedLeavesTheClipboardEmpty) {
-  ASSERT_TRUE(CopyEvent(Tea()));
+  ASSERT_TRUE(CopyOne(Tea()));
   Event& bare = AppendEvent(source, "without a handler's data");
-  EXPECT_FALSE(CopyEvent(bare));
+  EXPECT_FALSE(CopyOne(bare));
   EXPECT_FALSE(ClipboardHasEvent());
   EXPECT_EQ(QGuiApplication::clipboard()->text(), "");
 }
 
 TEST_F(EventClipboardTest, NothingComesOfWhatIsNoWholeEvent) {
-  ASSERT_TRUE(CopyEvent(Tea()));
+  ASSERT_TRUE(CopyOne(Tea()));
   const QByteArray whole = EventBytes();
   const QByteArray refused[] = {{},
                                 "{}",
@@ -77,23 +95,23 @@ TEST_F(EventClipboardTest, NothingComesOfWhatIsNoWholeEvent) {
                                 QByteArray(whole).replace("\"Message\"", "5")};
   for (const QByteArray& bytes : refused) {
     Put(EventClipboardType, bytes);
-    EXPECT_FALSE(EventFromClipboard(target)) << bytes.left(60).toStdString();
+    EXPECT_FALSE(PastedInto(target)) << bytes.left(60).toStdString();
   }
   Put("text/plain", whole);
   EXPECT_FALSE(ClipboardHasEvent());
-  EXPECT_FALSE(EventFromClipboard(target));
+  EXPECT_FALSE(PastedInto(target));
   EXPECT_TRUE(context.Alerts.Empty()) << "in silence";
   Put(EventClipboardType, whole);
-  EXPECT_TRUE(EventFromClipboard(target));
+  EXPECT_TRUE(PastedInto(target));
 }
 
 TEST_F(EventClipboardTest, OneAlertTellsOfAllTextsThatWereCut) {
-  ASSERT_TRUE(CopyEvent(Tea()));
+  ASSERT_TRUE(CopyOne(Tea()));
   auto message = *Message::Unflatten(EventBytes().toStdString());
   message.Set("Name", "Tea\0 and cake"s);
   message.Set("Comment", std::string(5000, 'x'));
   Put(EventClipboardType, QByteArray::fromStdString(message.Flatten()));
-  EXPECT_TRUE(EventFromClipboard(target));
+  EXPECT_TRUE(PastedInto(target));
   context.RunMessages();
   QCoreApplication::processEvents();
   EXPECT_EQ(context.Bells, 1);

@@ -54,10 +54,18 @@ const Row Table[] = {
     {"Edit", "Copy", "Ctrl+C", Code("COPY"), ToWindow, WithSelection},
     {"Edit", "Paste", "Ctrl+V", Code("PSTE"), ToWindow},
     {"Edit", ""},
-    {"Edit", "Undo delete", "Ctrl+Z", Code("UNDO"), ToWindow, Disabled},
+    {"Edit", "Undo", "Ctrl+Z", Code("UNDO"), ToWindow, Disabled},
+    {"Edit", "Redo", "Ctrl+Shift+Z", Code("REDO"), ToWindow, Disabled},
     {"Event", "New event…", "Ctrl+Shift+N", 15, ToWindow},
     {"Event", "Edit event…", "Ctrl+E", 17, ToWindow, WithSelection},
-    {"Event", "Delete event", "", 18, ToWindow, WithSelection},
+    {"Event", "Delete event", "Del", 18, ToWindow, WithSelection},
+    {"Event", ""},
+    {"Event", "Duplicate event", "Ctrl+D", Code("DUPL"), ToWindow, WithSelection},
+    {"Event", "Rename event", "F2", Code("RENA"), ToWindow, WithSelection},
+    {"Event", "Activate", "", Code("ACTV"), ToWindow, WithSelection},
+    {"Event", "Deactivate", "", Code("DACT"), ToWindow, WithSelection},
+    {"Event", ""},
+    {"Event", "Delete finished events", "", Code("DFIN"), ToWindow},
     {"View", "View mode"},
     {"View", "Display"},
     {"View mode", "List", "", 0, Nowhere, Ticked},
@@ -198,7 +206,8 @@ TEST_F(SetMenusTest, RowsTheEmptyPartAndTheHeaderHaveMenusOfTheirOwn) {
   };
   const QPoint row = list.visualRect(list.currentIndex()).center();
   EXPECT_THAT(menuAt(list.viewport(), row),
-              ElementsAre("Edit event…", "Cut", "Copy", "Delete event"));
+              ElementsAre("Edit event…", "Cut", "Copy", "Paste", "Duplicate event", "Activate",
+                          "Deactivate", "Delete event"));
   EXPECT_THAT(menuAt(list.viewport(), QPoint(10, list.viewport()->height() - 2)),
               ElementsAre("New event…", "Paste"));
   EXPECT_THAT(menuAt(list.header()->viewport(), QPoint(10, 5)),

@@ -1,5 +1,8 @@
 // Events made, edited, copied, deleted and brought back, also when they came due meanwhile.
 #include <QClipboard>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QTabWidget>
 
 #include "core/files/StoredSetFile.h"
 #include "core/ports/UserInterface.h"
@@ -80,25 +83,28 @@ TEST_F(UndoTest, DeletedEventsComeBackAsAndWhereTheyWereTheLastOneFirst) {
   Key(set, Qt::Key_Delete);
   EXPECT_THAT(Names(set), ElementsAre("Cake"));
   EXPECT_EQ(Selected(set), "Cake") << "the next row";
-  EXPECT_EQ(Line(set, "deleted"), "Deleted “Tea”.");
+  EXPECT_EQ(Line(set, "report"), "Deleted “Tea”.");
   EXPECT_EQ(Line(set, "nextEvent"), "Next: Cake, Sun, Nov 15 2026");
   Choose(WindowOf(set), "Delete event");
   EXPECT_EQ(Line(set, "nextEvent"), "No events yet");
   EXPECT_EQ(Selected(set), "");
-  auto* button = WindowOf(set).findChild<QPushButton*>("undoDelete");
+  auto* button = WindowOf(set).findChild<QPushButton*>("undo");
   button->setFocus();
   QTest::keyClick(button, Qt::Key_Space);
   Run();
   EXPECT_THAT(Names(set), ElementsAre("Cake"));
-  EXPECT_EQ(Line(set, "deleted"), "Deleted “Tea”.") << "what can still come back";
+  EXPECT_EQ(Line(set, "report"), "Deleted “Tea”.") << "what can still come back";
   Key(set, Qt::Key_Z, Qt::ControlModifier);
   EXPECT_THAT(Names(set), ElementsAre("Tea", "Cake"));
   EXPECT_EQ(First(set).GetHandle(), handle);
   EXPECT_EQ(First(set).GetNextEventTime(), Sunday + 9 * Hour);
   EXPECT_FALSE(First(set).GetWindow()) << "the editor stays closed";
   EXPECT_EQ(Selected(set), "Tea");
-  EXPECT_EQ(Line(set, "deleted"), "");
-  EXPECT_FALSE(Item(WindowOf(set), "Undo delete")->isEnabled());
+  EXPECT_EQ(Line(set, "report"), "");
+  EXPECT_FALSE(Item(WindowOf(set), "Undo")->isEnabled());
+  Key(set, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+  EXPECT_THAT(Names(set), ElementsAre("Cake"));
+  EXPECT_EQ(Line(set, "report"), "Deleted “Tea”.");
 }
 
 TEST_F(UndoTest, WhatCameDueWhileItWasDeletedCountsAsMissed) {
@@ -112,7 +118,7 @@ TEST_F(UndoTest, WhatCameDueWhileItWasDeletedCountsAsMissed) {
     Post(Message(DELIVER_EVENTS));
     EXPECT_THAT(AlertTexts(), IsEmpty());
     It->Queue.Post(EVENT_SETS_CHANGED);  // a pass that waits already comes first
-    Choose(WindowOf(set), "Undo delete");
+    Choose(WindowOf(set), "Undo deletion of 'Tea'");
     EXPECT_THAT(AlertTexts(), SizeIs(deliverIfMissed ? 1 : 0));
     EXPECT_EQ(Answer("The event was missed.", "Ok"), deliverIfMissed);
     EXPECT_EQ(First(set).GetNextEventTime(), Sunday + Day + 9 * Hour);
@@ -125,8 +131,8 @@ TEST_F(UndoTest, AnEventThatDeliveryDeletedIsNotOffered) {
   It->Time.JumpTo(Sunday + 9 * Hour);
   Post(Message(DELIVER_EVENTS));
   EXPECT_EQ(set.CountEvents(), 0);
-  EXPECT_FALSE(Item(WindowOf(set), "Undo delete")->isEnabled());
-  EXPECT_EQ(Line(set, "deleted"), "");
+  EXPECT_FALSE(Item(WindowOf(set), "Undo")->isEnabled());
+  EXPECT_EQ(Line(set, "report"), "");
 }
 
 TEST_F(UndoTest, CutAndPasteMoveAnEventToAnotherSet) {
@@ -145,11 +151,101 @@ TEST_F(UndoTest, CutAndPasteMoveAnEventToAnotherSet) {
   EXPECT_EQ(First(to).GetNextEventTime(), Sunday + 9 * Hour);
   EXPECT_EQ(Selected(to), "Tea");
   EXPECT_FALSE(First(to).GetWindow());
-  Choose(WindowOf(from), "Undo delete");
+  Choose(WindowOf(from), "Undo cutting of 'Tea'");
   EXPECT_THAT(Names(from), ElementsAre("Tea", "Cake"));
   QGuiApplication::clipboard()->setText("only words");
   Choose(WindowOf(to), "Paste");
   EXPECT_EQ(to.CountEvents(), 1);
+}
+
+TEST_F(UndoTest, TheEditorsKeysTakeBackWhatItsFieldsNoLongerCan) {
+  EventSet& set = TwoEvents();
+  Event& tea = First(set);
+  tea.SetTabShown(4);
+  tea.OpenWindow();
+  auto* editor = dynamic_cast<QWidget*>(tea.GetWindow());
+  ASSERT_TRUE(QTest::qWaitForWindowActive(editor));
+  const auto key = [&](QWidget* at, Qt::Key which, Qt::KeyboardModifiers modifiers = {}) {
+    at->setFocus();
+    QTest::keyClick(at, which, modifiers);
+    Run();
+  };
+  auto* name = editor->findChild<QLineEdit*>("eventName");
+  auto* comment = editor->findChild<QPlainTextEdit*>("comment");
+  name->setFocus();
+  name->selectAll();
+  QTest::keyClicks(name, "Coffee");
+  key(name, Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_EQ(name->text(), "Tea") << "its own";
+  QTest::keyClick(name, Qt::Key_End);
+  QTest::keyClicks(name, " time");
+  key(name, Qt::Key_Return);
+  comment->setFocus();
+  QTest::keyClicks(comment, "black");
+  key(name, Qt::Key_Home);
+  EXPECT_EQ(tea.GetComment(), "black");
+  EXPECT_TRUE(Item(WindowOf(set), "Undo change of 'Tea time'"));
+  key(name, Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_EQ(comment->toPlainText(), "");
+  key(comment, Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_EQ(tea.GetName(), "Tea");
+  EXPECT_EQ(name->text(), "Tea");
+  EXPECT_FALSE(set.HasBeenModified());
+  for (int i = 0; i < 2; ++i) key(comment, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+  EXPECT_EQ(tea.GetName() + tea.GetComment(), "Tea timeblack");
+  EXPECT_TRUE(tea.GetWindow());
+
+  editor->findChild<QTabWidget*>("tabs")->setCurrentIndex(0);
+  Run();
+  auto* message = editor->findChild<QPlainTextEdit*>("messageText");
+  ASSERT_TRUE(message);
+  message->setFocus();
+  QTest::keyClicks(message, "The kettle");
+  key(name, Qt::Key_Home);
+  key(name, Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_EQ(editor->findChild<QPlainTextEdit*>("messageText")->toPlainText(), "");
+  key(name, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+  EXPECT_EQ(editor->findChild<QPlainTextEdit*>("messageText")->toPlainText(), "The kettle");
+}
+
+TEST_F(UndoTest, ManyAtATimeAreOneStep) {
+  EventSet& set = TwoEvents();
+  Add(set, "Pie", Sunday + 11 * Hour).SetTimes({0, 0, DoneWithEvent});
+  Run();
+  ListOf(set).selectAll();
+  Key(set, Qt::Key_D, Qt::ControlModifier);
+  EXPECT_THAT(Names(set),
+              testing::UnorderedElementsAre("Tea", "Cake", "Pie", "Tea", "Cake", "Pie"));
+  EXPECT_THAT(ListOf(set).GetSelectedEvents(), SizeIs(3)) << "the copies";
+  Key(set, Qt::Key_Delete);
+  Choose(WindowOf(set), "Undo deletion of 3 events");
+  EXPECT_THAT(set.Events(), SizeIs(6));
+  Choose(WindowOf(set), "Delete finished events");
+  EXPECT_THAT(Names(set), testing::Not(testing::Contains("Pie")));
+  EXPECT_EQ(Line(set, "report").substr(0, 7), "Deleted");
+
+  Select(set, "Cake");
+  QTest::keyClick(&ListOf(set), Qt::Key_Space);
+  Run();
+  EXPECT_EQ(Line(set, "report"), "Deactivated “Cake”.");
+  const Event* const cake = ListOf(set).GetSelectedEvent();
+  EXPECT_FALSE(cake->GetActive());
+  Key(set, Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_TRUE(cake->GetActive());
+  QTest::keyClicks(&ListOf(set), "ca e");
+  EXPECT_TRUE(cake->GetActive()) << "a blank of a name that is being typed";
+
+  Key(set, Qt::Key_F2);
+  auto* rename = ListOf(set).findChild<QLineEdit*>("rename");
+  ASSERT_TRUE(rename);
+  rename->setText("Cup cake");
+  EXPECT_EQ(cake->GetName(), "Cake");
+  set.CommitEdits();
+  EXPECT_EQ(cake->GetName(), "Cup cake") << "a save takes along what is being typed";
+  QTest::keyClick(rename, Qt::Key_Return);
+  Run();
+  EXPECT_FALSE(cake->GetWindow()) << "Return is the field's";
+  EXPECT_TRUE(Item(WindowOf(set), "Undo change of 'Cup cake'"));
 }
 
 TEST_F(UndoTest, EditorsThatStoodOpenOpenAgainButNeverTooMany) {
