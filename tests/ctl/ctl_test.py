@@ -169,6 +169,8 @@ class CommandsTest(CtlTest):
 
     def test_next_computes_in_the_zone_of_the_process(self):
         self.make("set", once(SATURDAY, "gone"), daily(9 * HOUR, "breakfast"), daily(9 * HOUR, "asleep", Active=0))
+        whole_day = {"ApplyTime": 0, "ApplyPrewarn": 1, "PrewarnTime": 2, "PrewarnType": HOURS}
+        self.make("birthdays", daily(0, "birthday", **whole_day))
         keys = "Name", "ActualEventTime", "NextEventTime", "Status"
         # In Berlin an hour more than summer time's.
         for self.zone, ahead in ("America/New_York", 3), ("UTC", 23), ("Europe/Berlin", 22):
@@ -181,6 +183,8 @@ class CommandsTest(CtlTest):
         for row in ("gone       Sat, Oct 24 2026, 12:00:00 PM  None", "asleep     Sun, Oct 25 2026, 09:00:00 AM",
                     "  Inactive\n"):
             self.assertIn(row, table)
+        self.assertIn("birthday  Sun, Oct 25 2026  Sat, Oct 24 2026, 10:00:00 PM",
+                      self.out("next", "--at", SATURDAY, "birthdays"))
 
     def test_agenda_shows_every_kind_of_delivery(self):
         self.zone = "UTC"

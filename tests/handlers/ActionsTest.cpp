@@ -52,6 +52,10 @@ TEST_F(ActionsTest, AMessageIsAnAlertThatHoldsTheApplicationUntilItIsClosed) {
                             "\nThe event was missed.  It occurred Mon, Nov 16 2026, 05:08:42 AM"
                             "\n\nPour it.");
   Answer(0);
+  World.Settings.Time24Hour = true;
+  Deliver(true);
+  EXPECT_THAT(OnlyText(), testing::HasSubstr("It occurred Mon, Nov 16 2026, 05:08:42\n"));
+  Answer(0);
 }
 
 TEST_F(ActionsTest, ACommandRunsUnasked) {
@@ -231,6 +235,8 @@ TEST_F(ActionsTest, WithoutAScreenOnlyWhatNeedsNoneIsDelivered) {
 }
 
 TEST_F(ActionsTest, RemindersAreAnsweredByHandleAndOccurrence) {
+  Subject->SetEventTime(Sunday + 17 * Hour, true);
+  World.Settings.Time24Hour = true;
   Subject->SetPrewarnMessage("Warm the pot.");
   Subject->SetNagMessage("Cold by now.");
   World.OnMessage = [this](const Message& message) {
@@ -250,8 +256,9 @@ TEST_F(ActionsTest, RemindersAreAnsweredByHandleAndOccurrence) {
     EXPECT_EQ(request.HarmlessButton, 1);
     EXPECT_EQ(request.Role, nag ? AlertRole::Nag : AlertRole::Prewarning);
     EXPECT_EQ(request.Event, Subject->GetHandle());
-    EXPECT_THAT(request.Text, testing::StartsWith("The event \"Tea\" "));
-    EXPECT_THAT(request.Text, testing::EndsWith(nag ? "Cold by now." : "Warm the pot."));
+    EXPECT_EQ(request.Text,
+              nag ? "The event \"Tea\" occurred at 17:00 today.\n\nCold by now."
+                  : "The event \"Tea\" will occur at 17:00 today.\n\nWarm the pot.");
     EXPECT_EQ(World.Holding.CountFor(Set->GetHandle()), 1);
 
     World.Messages.clear();

@@ -176,6 +176,7 @@ TEST_F(DeliveryPassTest, AReplyActsOnlyOnTheEventAndOccurrenceItIsFor) {
       {"no more prewarnings", PREWARN_ALERT_REPLY, ahead, WaitingForPrewarning, true},
       {"after the last prewarning", PREWARN_ALERT_REPLY, ahead, WaitingForEvent, true},
       {"the event has come", PREWARN_ALERT_REPLY, past, WaitingForEvent, false},
+      {"it comes this very second", PREWARN_ALERT_REPLY, Now, WaitingForEvent, false},
       {"it nags already", PREWARN_ALERT_REPLY, past, WaitingToNag, false},
       {"no more nagging", NAG_ALERT_REPLY, past, WaitingToNag, true},
       {"it nags no longer", NAG_ALERT_REPLY, ahead, WaitingForEvent, false},
@@ -321,6 +322,25 @@ TEST_F(DeliveryPassTest, TheTableOfStatesOnThePageHolds) {
     }
     World.Open.Sets.clear();
   }
+}
+
+TEST_F(DeliveryPassTest, AnAllDayEventIsMissedOnceItsDayIsOverWhereThePersonIs) {
+  for (const char* name : {"Europe/Berlin", "Asia/Tokyo", "America/New_York"})
+    for (const auto& [sinceMidnight, delivered] : {std::pair(9 * Hour, "All day"),
+                                                   {20 * Hour + 30 * Minute, "All day"},
+                                                   {Day - 1, "All day"},
+                                                   {Day, "All day missed"}}) {
+      const Zone& zone = World.Core.zone = *Zone::Load(name);
+      EventRecord record = OnceAt(static_cast<int32>(zone.ToMoment({Sunday})), "All day");
+      record.ApplyTime = false;
+      Add(NewSet(), record);
+      World.Time.JumpTo(zone.ToMoment({Sunday + sinceMidnight}));
+      while (World.Queue.Take()) {
+      }
+      Pass.SetCounterForNextEvent(true);
+      EXPECT_THAT(Delivered(), ElementsAre(delivered)) << name << ", " << sinceMidnight;
+      World.Open.Sets.clear();
+    }
 }
 
 TEST(NagOrPrewarnMessageTest, SaysWhatAndWhen) {

@@ -218,9 +218,17 @@ TEST_F(WhenPageTest, TheCalendarPicksADayAndKeepsTheTimeOfDay) {
   EXPECT_EQ(Record().MultiStartTime, Monday + 8 * Day + 8 * Hour + 61);
 
   DeleteClosed();
+  Type("startDate", "Nov 18 2026 9 am");
   QTest::keyClick(&field, Qt::Key_F4);
   QTest::keyClick(&days(), Qt::Key_Escape);
-  EXPECT_EQ(Record().MultiStartTime, Monday + 8 * Day + 8 * Hour + 61);
+  EXPECT_EQ(Record().MultiStartTime, Monday + 2 * Day + 9 * Hour) << "what was typed counts first";
+
+  DeleteClosed();
+  Type("startDate", "no date");
+  QTest::keyClick(&field, Qt::Key_F4);
+  QTest::keyClick(&days(), Qt::Key_Return);
+  EXPECT_EQ(FieldText("startDate"), "Wed, Nov 18 2026, 09:00:00 AM") << "the day it has";
+  EXPECT_EQ(Record().MultiStartTime, Monday + 2 * Day + 9 * Hour);
   EXPECT_TRUE(window->isVisible());
 }
 

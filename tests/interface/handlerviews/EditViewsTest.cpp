@@ -198,6 +198,13 @@ TEST_F(EditViewsTest, AnAddOnBringsItsOwnView) {
   const Rect& frame = DataOf<DiaryData>().Frame;  // its sides are pixels of it
   EXPECT_EQ(QSizeF(frame.right - frame.left, frame.bottom - frame.top),
             Find("editViewFrame").size() - QSize(1, 1));
+  window->close();
+  Open(*event, ActionTab);
+  view = &Find("editView");
+  EXPECT_EQ(QSizeF(frame.right - frame.left, frame.bottom - frame.top),
+            Find("editViewFrame").size() - QSize(1, 1))
+      << "at first too";
+  Find("handler").setFocus();
   QTest::keyClick(&Find("handler"), Qt::Key_Tab);
   EXPECT_TRUE(Find("addOnField").hasFocus()) << "it comes after the menu";
   QTest::keyClicks(&Find("addOnField"), "Dear diary");

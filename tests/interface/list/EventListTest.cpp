@@ -99,7 +99,14 @@ TEST_F(EventListTest, CellsSayWhatTheEventIs) {
   timed.ApplyTime = true;
   timed.Status = 77;
   set.AppendRead(std::make_unique<Event>(set, timed));
+  EventRecord wholeDay;
+  wholeDay.Name = "Whole day";
+  wholeDay.ActualEventTime = 1794873600;
+  wholeDay.NextEventTime = 1794773322;
+  set.AppendRead(std::make_unique<Event>(set, wholeDay));
   Open();
+  EXPECT_THAT(Row(2), ElementsAre("Whole day", "Tue, Nov 17 2026", "Sun, Nov 15 2026, 08:08:42 PM",
+                                  _, "Waiting for event"));
   EXPECT_THAT(Row(0), ElementsAre("Tea <b>", "Sun, Nov 15 2026", _, "Unknown", "Inactive"));
   EXPECT_THAT(Row(1), ElementsAre("\uFFFD", "Sun, Nov 15 2026, 08:08:42 PM", "None", _, "77"));
   context.Settings.Time24Hour = true;

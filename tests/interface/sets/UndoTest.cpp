@@ -301,6 +301,13 @@ TEST_F(UndoTest, TheStatusLineSaysWhenTheSetRings) {
   Run();
   EXPECT_THAT(Line(set, "nextEvent"), testing::EndsWith("www, Sun, Nov 15 2026, 09:00 AM"));
   EXPECT_EQ(WindowOf(set).width(), width) << "a long name widens nothing";
+  Event& wholeDay = First(set);
+  wholeDay.SetApplyTime(false);
+  wholeDay.SetPrewarnTime(2);
+  wholeDay.SetPrewarnType(Hours);
+  wholeDay.SetApplyPrewarn(true);
+  Run();
+  EXPECT_THAT(Line(set, "nextEvent"), testing::EndsWith("www, Sun, Nov 15 2026, 10:00 PM"));
 }
 
 }  // namespace
