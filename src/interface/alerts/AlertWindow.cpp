@@ -6,7 +6,6 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QVBoxLayout>
-#include <utility>
 
 #include "interface/alerts/AlertCascade.h"
 #include "interface/alerts/AlertPane.h"
@@ -118,7 +117,6 @@ void AlertWindow::keyPressEvent(QKeyEvent* event) {
 void AlertWindow::reject() { Press(harmlessButton_); }
 
 void AlertWindow::Press(int which) {
-  if (std::exchange(answered_, true)) return;
   hide();
   emit Pressed(which);
 }

@@ -58,7 +58,6 @@ class AlertWindow final : public QDialog {
   int place_;
   bool isPrompt_;
   int harmlessButton_ = 0;
-  bool answered_ = false;
   AlertPane* pane_;
   KeyGuard* guard_;
 };

@@ -187,6 +187,8 @@ TEST_F(KestrinAppTest, WhatWasDeliveredIsKnownByItsNameInTheFile) {
     StartWith({DailyAt(due, "Tea"), DailyAt(due, "Milk"), DailyAt(due, "Milk")}, {Work});
     Now = due;
     Post(Message(NEW_EVENT_SET));
+    FirstEvent(Work).SetName("Toast");
+    ASSERT_TRUE(Set(Work)->SaveData());
     for (const char* name : {"Cake", "Milk"}) FirstEvent(Work).SetName(name);
     Set(Work)->Events()[2]->SetActive(false);
     DeliverAt(Now);
@@ -196,7 +198,7 @@ TEST_F(KestrinAppTest, WhatWasDeliveredIsKnownByItsNameInTheFile) {
     It->App.RevertToSavedIfRemembered(Work);
     Run();
     EXPECT_THAT(Delivered(), ElementsAre("Milk")) << "the one that was inactive";
-    EXPECT_EQ(FirstEvent(Work).GetName(), "Tea");
+    EXPECT_EQ(FirstEvent(Work).GetName(), "Toast");
     EXPECT_EQ(FirstEvent(Work).GetNextEventTime(), Now + Day);
     Start();
     EXPECT_THAT(Delivered(), IsEmpty());

@@ -220,6 +220,18 @@ TEST_F(DeliveryPassTest, AReplyActsOnlyOnTheEventAndOccurrenceItIsFor) {
   }
 }
 
+TEST_F(DeliveryPassTest, AnEventThatIsDeletedWhileItActsHasBeenDelivered) {
+  EventSet& set = NewSet();
+  EventRecord record = DailyAt(Now);
+  record.DeleteOnceDelivered = true;
+  Add(set, record);
+  std::unique_ptr<Event> deleted;
+  World.Actions.WhenEvent = [&](Event& event) { deleted = set.RemoveEvent(&event); };
+  World.RunMessages();
+  ASSERT_TRUE(deleted);
+  EXPECT_EQ(deleted->GetNextEventTime(), Now + Day) << "put back, it does not come again";
+}
+
 TEST_F(DeliveryPassTest, AnActionOfMoreThanASecondStopsTheProgram) {
   Add(NewSet(), DailyAt(Now));
   int64 took = DealWithEventLimit;
