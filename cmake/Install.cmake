@@ -5,7 +5,7 @@ set(data ${PROJECT_SOURCE_DIR}/data)
 set(made ${PROJECT_BINARY_DIR}/install)
 
 install(TARGETS kestrin KestrinBackground KestrinProbe kestrinctl RUNTIME DESTINATION ${home})
-install(DIRECTORY DESTINATION ${home}/add-ons)
+install(TARGETS Notification LIBRARY DESTINATION ${home}/add-ons)
 install(FILES "docs/Kestrin documentation.html" DESTINATION ${home})
 install(DIRECTORY docs/pictures DESTINATION ${home})
 install(FILES data/mime/vnd.ZR.Kestrin.xml DESTINATION share/mime/packages)

@@ -38,6 +38,12 @@ char* GenerateMessageAlertText(Event* event, bool missed, const char* s1, const 
 void DeliverEventMessage(Event* event, bool missed, const char* s1, const char* s2, const char* s3,
                          const char* s4, const char* s5);
 
+/// Shows that text as a notification of the desktop and returns; the hold as above. One that nobody
+/// has answered when it goes, or that the desktop does not show, becomes that alert. `urgency`:
+/// a NotificationUrgency; a larger number counts as UrgencyCritical. Main thread.
+void DeliverEventNotification(Event* event, bool missed, uint32 urgency, const char* s1,
+                              const char* s2, const char* s3, const char* s4, const char* s5);
+
 /// Reads a value of the application's settings; the bytes stay the store's and are valid until
 /// the next call. StatusOk, or StatusError when there is none.
 status_t ReadAddOnSetting(const char* name, const void*& data, int32& size, uint32& type);

@@ -19,6 +19,9 @@ inline constexpr status_t StatusOk = 0;
 inline constexpr status_t StatusError = -1;
 inline constexpr status_t StatusFileError = INT32_MIN + 0x6000;
 
+/// How much a notification presses; the numbers are those of the desktop's service.
+enum NotificationUrgency : uint8 { UrgencyLow = 0, UrgencyNormal = 1, UrgencyCritical = 2 };
+
 /// Screen rectangle in pixels, edges inclusive, as stored in set files.
 struct Rect {
   float left = 0, top = 0, right = -1, bottom = -1;

@@ -54,9 +54,11 @@ AlertRequest AlertAbout(const DeliveredEvent& delivered, AlertRole role, std::st
   return request;
 }
 
-void ShowDeliveryAlert(const DeliveredEvent& delivered, std::string text) {
+void ShowDeliveryAlert(const DeliveredEvent& delivered, std::string text,
+                       std::optional<NotificationUrgency> notify) {
   AlertRequest request = AlertAbout(delivered, AlertRole::Delivery, std::move(text));
   request.Buttons = {"Ok"};
+  request.Notify = notify;
   request.Done = [context = delivered.context](int) { context->queue.Post(PROCESS_HOLD_DONE); };
   delivered.context->alerts.Show(std::move(request));
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <initializer_list>
+#include <optional>
 #include <string>
 
 #include "core/events/Context.h"
@@ -31,9 +32,10 @@ std::string MessageAlertText(const Event& event, bool missed,
 /// An alert about the event, with what it is about filled in.
 AlertRequest AlertAbout(const DeliveredEvent& delivered, AlertRole role, std::string text);
 
-/// Shows the text with the button "Ok". The caller has taken a hold, which the alert's end
-/// releases. Any thread.
-void ShowDeliveryAlert(const DeliveredEvent& delivered, std::string text);
+/// Shows the text with the button "Ok", with an urgency as a notification. The caller has taken a
+/// hold, which the alert's end releases. Any thread.
+void ShowDeliveryAlert(const DeliveredEvent& delivered, std::string text,
+                       std::optional<NotificationUrgency> notify = std::nullopt);
 
 /// Takes that hold, and says in the parts what happened to the event.
 void TellOfDelivery(const Event& event, bool missed, std::initializer_list<const char*> parts);

@@ -50,6 +50,13 @@ void DeliverEventMessage(Event* event, bool missed, const char* s1, const char* 
                     MessageAlertText(*event, missed, {s1, s2, s3, s4, s5}));
 }
 
+void DeliverEventNotification(Event* event, bool missed, uint32 urgency, const char* s1,
+                              const char* s2, const char* s3, const char* s4, const char* s5) {
+  ShowDeliveryAlert(DeliveredEvent(*event, missed),
+                    MessageAlertText(*event, missed, {s1, s2, s3, s4, s5}),
+                    static_cast<NotificationUrgency>(std::min<uint32>(urgency, UrgencyCritical)));
+}
+
 status_t ReadAddOnSetting(const char* name, const void*& data, int32& size, uint32& type) {
   const Context* const context = AddOnServices;
   if (!context) return StatusError;

@@ -7,6 +7,7 @@
 #include "core/loop/Holds.h"
 #include "interface/alerts/AlertAccessible.h"
 #include "interface/common/ApplicationIcon.h"
+#include "interface/common/Wayland.h"
 #include "interface/editor/EventWindow.h"
 #include "interface/handlerviews/HandlerViews.h"
 #include "interface/sets/EventSetWindow.h"
@@ -62,6 +63,7 @@ bool QtUserInterface::MoveToWindow(AlertId id, const AlertRequest& request) {
   return alerts_.MoveToWindow(id, request);
 }
 int32 QtUserInterface::MostReminderBoxes() const { return alerts_.MostReminderBoxes(); }
+bool QtUserInterface::KeepsAbove() const { return !IsOnWayland(); }
 void QtUserInterface::RaiseAlert(AlertId id) { alerts_.Raise(id); }
 void QtUserInterface::CloseAlert(AlertId id) { alerts_.Close(id); }
 

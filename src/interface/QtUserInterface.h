@@ -38,6 +38,7 @@ class QtUserInterface final : public QObject, public UserInterface {
   void UpdateAlert(AlertId id, const AlertRequest& request) override;
   bool MoveToWindow(AlertId id, const AlertRequest& request) override;
   int32 MostReminderBoxes() const override;
+  bool KeepsAbove() const override;
   void RaiseAlert(AlertId id) override;
   void CloseAlert(AlertId id) override;
   void WaitForFatalError(const std::string& title, const std::string& text,

@@ -33,6 +33,10 @@ class LoadEventHandlersTest : public testing::Test {
   void Put(const std::string& addOn, const std::string& place) {
     fs::create_symlink(fs::path(KESTRIN_TEST_ADD_ONS) / (addOn + ".so"), root_ / place);
   }
+  /// What is built by itself, outside the tree.
+  static fs::path Outside(const std::string& addOn) {
+    return fs::path(KESTRIN_OUTSIDE) / addOn / "build" / (addOn + ".so");
+  }
   std::string In(const std::string& place) const { return root_ / place; }
   void Load(SettingsStore* settings = nullptr) {
     LoadEventHandlers(World.Core, settings, In("app"), In("user"));
@@ -62,6 +66,7 @@ class LoadEventHandlersTest : public testing::Test {
 };
 
 using Texts = std::vector<std::string>;
+using namespace std::string_literals;
 
 TEST_F(LoadEventHandlersTest, EveryWayToFailIsReportedAndLeavesNoRow) {
   char leaf = 'a';
@@ -180,8 +185,11 @@ TEST_F(LoadEventHandlersTest, EveryPromisedServiceIsThere) {
   EXPECT_EQ(saves, 2);
   const std::string times = "1794773322/1794773322/1";
   const std::string first = "Kestrin event:  Tea\n\nTea, hot " + times + " end";
-  EXPECT_EQ(World.Ui.Texts(), (Texts{first, "Kestrin event:  Tea calls 1 in " + In("set"), first,
-                                     "Kestrin event:  Tea calls 2 in " + In("set")}));
+  const std::string second = "Kestrin event:  Tea\n\nnotified";
+  EXPECT_EQ(World.Ui.Texts(),
+            (Texts{first, second, "Kestrin event:  Tea calls 1 in " + In("set"), first, second,
+                   "Kestrin event:  Tea calls 2 in " + In("set")}));
+  EXPECT_EQ(World.Notified.Open.size(), 2u);
   while (World.Ui.CloseFirst()) World.RunMessages();
   EXPECT_EQ(World.Holding.Count(), 0);
 }
@@ -190,7 +198,7 @@ TEST_F(LoadEventHandlersTest, EveryPromisedServiceIsThere) {
 class OutsideAddOnTest : public LoadEventHandlersTest {
  protected:
   OutsideAddOnTest() {
-    fs::create_symlink(fs::path(KESTRIN_OUTSIDE_ADD_ON) / "LogToFile.so", root_ / "user/log");
+    fs::create_symlink(Outside("LogToFile"), root_ / "user/log");
     setenv("XDG_STATE_HOME", In("state").c_str(), 1);
     Load();
     Subject = &MakeEvent("Write to log");
@@ -231,22 +239,42 @@ TEST_F(OutsideAddOnTest, KeepsWhatALaterVersionStored) {
   }
 }
 
-TEST_F(LoadEventHandlersTest, ThePagesExampleReadsItsLineAndShowsIt) {
-  fs::create_symlink(fs::path(KESTRIN_QUOTE) / "Quote.so", root_ / "user/quote");
+/// The page's example and what is shipped.
+TEST_F(LoadEventHandlersTest, WhatIsBuiltOutsideReadsItsDataAndActs) {
+  const struct {
+    const char* name;
+    std::string payload, text;
+    std::optional<NotificationUrgency> notify;
+  } cases[] = {
+      {"Quote", "\5Carpe", "\n\nCarpe", std::nullopt},
+      {"Notification", std::string("\4\0Tea", 5), "\n\nTea", UrgencyLow},
+      {"Notification", "\1\7", "", UrgencyCritical},
+      {"Notification", std::string(1, '\0'), "", UrgencyNormal},
+  };
+  for (const char* name : {"Quote", "Notification"})
+    fs::create_symlink(Outside(name), root_ / "user" / name);
   Load();
-  std::ofstream(root_ / "in", std::ios::binary) << std::string("\0\5\0\0\0Carpe", 10);
-  Opened<EndianIndependentFile> in(World.SystemFiles, In("in"), OpenReadOnly, 64);
-  Event& event = MakeEvent("Quote");
-  bool ok = false;
-  event.AdoptAddOnData(
-      World.Handlers.Find("Quote"),
-      World.Handlers.MakeAddOnData(World.Handlers.Find("Quote"), &event, &in, &ok, nullptr));
-  ASSERT_TRUE(ok);
-  HandlerActions().DeliverEvent(event, false);
-  World.RunMessages();
-  EXPECT_EQ(World.Ui.Texts(), (Texts{"Kestrin event:  Tea\n\nCarpe"}));
-  while (World.Ui.CloseFirst()) World.RunMessages();
-  EXPECT_EQ(World.Holding.Count(), 0);
+  for (const auto& each : cases) {
+    SCOPED_TRACE(each.name + each.text);
+    const std::string payload = each.payload.substr(0, 1) + "\0\0\0"s + each.payload.substr(1);
+    std::ofstream(root_ / "in", std::ios::binary) << "\0"s + payload;
+    Opened<EndianIndependentFile> in(World.SystemFiles, In("in"), OpenReadOnly, 64);
+    Opened<EndianIndependentFile> out(World.SystemFiles, In("out"),
+                                      OpenWriteOnly | OpenCreate | OpenErase, 64);
+    Event& event = MakeEvent(each.name);
+    bool ok = false;
+    const int32 row = World.Handlers.Find(each.name);
+    auto data = World.Handlers.MakeAddOnData(row, &event, &in, &ok, nullptr);
+    ASSERT_TRUE(ok && data->SaveData(&out));
+    event.AdoptAddOnData(row, std::move(data));
+    HandlerActions().DeliverEvent(event, false);
+    World.RunMessages();
+    ASSERT_EQ(World.Ui.Texts(), Texts{"Kestrin event:  Tea" + each.text});
+    EXPECT_EQ(World.Ui.Alerts[0].Request.Notify, each.notify);
+    EXPECT_EQ(World.Ui.Alerts[0].Place == NoPlace, each.notify.has_value());
+    while (World.Ui.CloseFirst()) World.RunMessages();
+    EXPECT_EQ(World.Holding.Count(), 0);
+  }
 }
 
 TEST_F(LoadEventHandlersTest, AFolderThatIsBothPlacesIsReadOnce) {

@@ -28,7 +28,7 @@ class FakeUserInterface final : public UserInterface {
     for (auto* window : std::vector(SetWindows)) window->Orphan(), window->CloseNow();
   }
 
-  bool Screen = true;
+  bool Screen = true, Above = true;
   int32 MostBoxes = INT32_MAX;
   std::string Busy = "-";             ///< what the box says that the person is at
   AlertDesk* Desk = nullptr;          ///< gets the answers
@@ -73,6 +73,7 @@ class FakeUserInterface final : public UserInterface {
         new FakeEditorWindow(event, [this](auto* window) { std::erase(EditorWindows, window); }));
   }
   void OpenAlert(AlertId id, const AlertRequest& request, int32 place) override {
+    CloseAlert(id);  // one that was only heard
     Alerts.push_back({id, request, place});
     History.push_back(request);
   }
@@ -87,6 +88,7 @@ class FakeUserInterface final : public UserInterface {
     return false;
   }
   int32 MostReminderBoxes() const override { return MostBoxes; }
+  bool KeepsAbove() const override { return Above; }
   void RaiseAlert(AlertId) override { Calls.emplace_back("RaiseAlert"); }
   void CloseAlert(AlertId id) override {
     std::erase_if(Alerts, [id](const Alert& alert) { return alert.Id == id; });

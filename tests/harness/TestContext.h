@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "core/delivery/ReminderFaces.h"
 #include "core/events/AddOnServices.h"
 #include "core/events/Context.h"
 #include "core/events/HandlerTable.h"
@@ -16,6 +17,7 @@
 #include "harness/FakeClock.h"
 #include "harness/FakeDesktop.h"
 #include "harness/FakeEventActions.h"
+#include "harness/FakeNotifications.h"
 #include "harness/FakeUserInterface.h"
 #include "harness/FakeWorkers.h"
 
@@ -35,7 +37,9 @@ struct World {
                                                       Threads,  actions ? *actions : Actions,
                                                       Open,     Settings,
                                                       Handlers, Zone(),
-                                                      1} {}
+                                                      1} {
+    Faces.Connect(Core);
+  }
   World(const World&) = delete;
   World& operator=(const World&) = delete;
 
@@ -44,7 +48,9 @@ struct World {
   MessageQueue Queue;
   Holds Holding{Queue};
   Screen Ui;
-  AlertDesk Alerts{Queue, Ui};
+  FakeNotifications Notified;
+  ReminderFaces Faces{Ui, Notified};
+  AlertDesk Alerts{Queue, Faces};
   Notices Notes{Alerts, Holding, Ui};
   FakeDesktop Machine;
   FakeWorkers Threads;

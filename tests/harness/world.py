@@ -184,11 +184,12 @@ class BusTest(unittest.TestCase):
         layout = {"WindowFrame": [400, 300, 900, 600]}
         return self.write(name, make_golden.make_set(events, layout=layout, **arguments).bytes)
 
-    def remember(self, *sets):
-        """These sets, and no others, are remembered for delivery."""
+    def remember(self, *sets, **choices):
+        """These sets, and no others, are remembered for delivery; the choices are settings of one number."""
+        numbers = {key: {"type": "LONG", "value": [value]} for key, value in choices.items()}
         self.write("config/Kestrin/KestrinSettings.json",
                    json.dumps({"NumberOfSetsToUse": {"type": "LONG", "value": [len(sets)]},
-                               "SetsToUse": {"type": "BYTE", "texts": sets}}))
+                               "SetsToUse": {"type": "BYTE", "texts": sets}} | numbers))
 
     def remember_tea(self, when):
         tea = self.write_set("day.kestrin", daily("Tea", when, say("Put the kettle on.")))

@@ -36,6 +36,7 @@ class EmptyUserInterface final : public UserInterface {
   void UpdateAlert(AlertId, const AlertRequest&) override {}
   bool MoveToWindow(AlertId, const AlertRequest&) override { return false; }
   int32 MostReminderBoxes() const override { return INT32_MAX; }
+  bool KeepsAbove() const override { return true; }
   void RaiseAlert(AlertId) override {}
   void CloseAlert(AlertId) override {}
   void WaitForFatalError(const std::string&, const std::string&, const std::string&) override {}

@@ -222,6 +222,7 @@ void AlertDesk::Finish(AlertId id, int which) {
   const auto found = open_.find(id);
   Open open = std::move(found->second);
   open_.erase(found);
+  ui_.CloseAlert(id);
   asWindow_ = asWindow_ && std::any_of(open_.begin(), open_.end(), [](const auto& entry) {
                 return entry.second.place == RowPlace;
               });

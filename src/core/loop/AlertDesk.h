@@ -11,7 +11,7 @@
 #include "core/loop/MessageQueue.h"
 #include "core/loop/PutOffKeeper.h"
 #include "core/ports/Alert.h"
-#include "core/ports/UserInterface.h"
+#include "core/ports/AlertScreen.h"
 
 namespace kestrin {
 
@@ -25,7 +25,7 @@ class AlertDesk {
  public:
   static constexpr int32 MaxOpenAlerts = 24;
 
-  AlertDesk(MessageQueue& queue, UserInterface& ui) : queue_(queue), ui_(ui) {}
+  AlertDesk(MessageQueue& queue, AlertScreen& ui) : queue_(queue), ui_(ui) {}
 
   /// Any thread. The request's Done is called exactly once, in the main thread: when the alert is
   /// answered, or with the harmless button when it is brought up to date by another or ended. Once
@@ -35,7 +35,7 @@ class AlertDesk {
 
   /// On ALERTS_WAITING. Main thread, as all that follows.
   void OpenWaiting();
-  /// From the user interface, which has closed the window already.
+  /// From the user interface; the screen closes what shows the alert still.
   void Answered(AlertId id, int which);
   /// Who keeps what is put off. Without one nothing can be put off.
   void KeepWith(PutOffKeeper* keeper) { keeper_ = keeper; }
@@ -83,7 +83,7 @@ class AlertDesk {
   int32 FreePlace() const;
 
   MessageQueue& queue_;
-  UserInterface& ui_;
+  AlertScreen& ui_;
   mutable std::mutex guard_;  ///< of waiting_ and ended_; all else belongs to the main thread
   std::deque<AlertRequest> waiting_;
   bool ended_ = false;

@@ -7,6 +7,7 @@
 
 #include "core/loop/AlertDesk.h"
 #include "core/loop/Holds.h"
+#include "core/ports/UserInterface.h"
 
 namespace kestrin {
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,8 @@ using AlertId = uint64;
 
 /// The place of an alert that is a row of the Reminders window.
 inline constexpr int32 RowPlace = -1;
+/// The place of one that is heard here and seen elsewhere.
+inline constexpr int32 NoPlace = -2;
 
 enum class AlertKind { Information, Warning };
 
@@ -48,6 +51,8 @@ struct AlertRequest {
   std::string KeptId;         ///< what the keeper of put-off alerts knows it by; may be empty
   std::string Run, Open;      ///< of a question: the command, or the file, that Ok carries out
   int32 ComesAgain = 0;       ///< of a nag: when the next one comes; 0 = no more of them
+  /// Of a message: it is to be a notification, whatever the settings say.
+  std::optional<NotificationUrgency> Notify;
   /// Called once, in the main thread, with the index of the pressed button.
   std::function<void(int which)> Done;
 

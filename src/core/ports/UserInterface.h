@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "core/ports/Alert.h"
+#include "core/ports/AlertScreen.h"
 #include "kestrin/Types.h"
 
 class QWidget;
@@ -58,29 +58,11 @@ class EditorWindow {
   virtual void CloseNow() = 0;
 };
 
-class UserInterface {
+class UserInterface : public AlertScreen {
  public:
-  virtual ~UserInterface() = default;
-
-  /// False when the process has no display: no window can be opened.
-  virtual bool HasScreen() const = 0;
-
   /// Both return null without a screen.
   virtual SetWindow* OpenSetWindow(EventSet& set) = 0;
   virtual EditorWindow* OpenEventWindow(Event& event) = 0;
-
-  /// Alerts are opened, changed and answered by id; the answer goes to AlertDesk::Answered. `place`
-  /// is the alert's position in the cascade, 0 and up, free of any other open box, or RowPlace.
-  virtual void OpenAlert(AlertId id, const AlertRequest& request, int32 place) = 0;
-  virtual void UpdateAlert(AlertId id, const AlertRequest& request) = 0;
-  /// A box becomes a row of the Reminders window; false when the person is at it: it stays.
-  virtual bool MoveToWindow(AlertId id, const AlertRequest& request) = 0;
-  /// So many reminders stand as boxes; with one more, all are rows.
-  virtual int32 MostReminderBoxes() const = 0;
-  /// Brings the alert to the front and gives it the focus.
-  virtual void RaiseAlert(AlertId id) = 0;
-  /// Closes the window without an answer.
-  virtual void CloseAlert(AlertId id) = 0;
 
   /// A warning with one button that waits, in a loop of its own, until it is pressed.
   virtual void WaitForFatalError(const std::string& title, const std::string& text,

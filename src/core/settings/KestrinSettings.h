@@ -24,6 +24,14 @@ enum DeliverMode : int32 {
 
 enum WithoutSet : int32 { ShowLastUsed = 0, ShowNewSet = 1 };
 
+enum ReminderFace : int32 { AsWindows = 0, AsNotifications = 1, AsBoth = 2 };
+/// What the setting means; -1 is until a person has chosen. `keepsAbove`: windows can be kept above
+/// others.
+constexpr int32 FacesChosen(int32 setting, bool keepsAbove) {
+  if (setting >= AsWindows && setting <= AsBoth) return setting;
+  return keepsAbove ? AsWindows : AsBoth;
+}
+
 enum SoundKind : int32 { ThemeSound = 0, FileSound = 1, NoSound = 2 };
 
 /// What is set, as at the very first start: `= {}` puts all of it back.
@@ -47,6 +55,7 @@ struct SettingsValues {
   Rect SettingsWindowFrame{60, 50, 342, 350};
   std::string ZoneName;           ///< the system's zone when times were last computed; may be empty
   int32 ReminderBoxes = 3;        ///< reminders that stand as boxes; 0 = all, 1 = always the window
+  int32 ShowRemindersAs = -1;     ///< see FacesChosen
   int32 EveningTime = 18 * 3600;  ///< of "This evening", seconds after midnight
   int32 MorningTime = 8 * 3600;
   int32 LastLater = -1;  ///< the LaterChoice that was taken last, or -1

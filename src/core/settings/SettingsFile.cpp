@@ -77,6 +77,7 @@ void VisitChoices(Visitor& visit, SettingsValues& settings) {
   visit("Time24Hour", BoolType, One(settings.Time24Hour));
   visit("RememberWindowSetupAsDefault", BoolType, One(settings.RememberWindowSetupAsDefault));
   visit("ReminderBoxes", LongType, One(settings.ReminderBoxes));
+  visit("ShowRemindersAs", LongType, One(settings.ShowRemindersAs));
   visit("EveningTime", LongType, One(settings.EveningTime));
   visit("MorningTime", LongType, One(settings.MorningTime));
   visit("LastLater", LongType, One(settings.LastLater));

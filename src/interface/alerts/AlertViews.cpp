@@ -1,19 +1,18 @@
 #include "interface/alerts/AlertViews.h"
 
 #include <QEventLoop>
-#include <QGuiApplication>
 #include <algorithm>
 #include <chrono>
 #include <utility>
 
 #include "core/events/Context.h"
-#include "core/events/EventSet.h"
-#include "core/events/OpenSets.h"
+#include "core/events/EventHandles.h"
 #include "core/loop/AlertDesk.h"
 #include "core/settings/KestrinSettings.h"
 #include "interface/alerts/AlertCascade.h"
 #include "interface/alerts/AlertWindow.h"
 #include "interface/alerts/RemindersWindow.h"
+#include "interface/common/Wayland.h"
 
 namespace kestrin {
 
@@ -66,16 +65,16 @@ int32 AlertViews::MostReminderBoxes() const {
   if (wanted <= 0) return INT32_MAX;
   if (wanted == 1) return 0;
   // There every window opens in the middle of the screen, over the one before.
-  return QGuiApplication::platformName().startsWith("wayland") ? 1 : wanted;
+  return IsOnWayland() ? 1 : wanted;
 }
 
 void AlertViews::Open(AlertId id, const AlertRequest& request, int32 place) {
-  heard_[id] = request.Role;
+  const bool isNew = heard_.emplace(id, request.Role).second;
   if (place == RowPlace)
     AddRow(id, request);
-  else
+  else if (place != NoPlace)
     OpenBox(id, request, place);
-  Sound();
+  if (isNew) Sound();
 }
 
 bool AlertViews::MoveToWindow(AlertId id, const AlertRequest& request) {
@@ -102,7 +101,9 @@ void AlertViews::OpenReminders() {
       *context_, [this](const AlertRequest& request) { return MayOpenEvent(request); });
   connect(reminders_, &RemindersWindow::Answered, this, &AlertViews::Answer);
   connect(reminders_, &RemindersWindow::PutOff, this, &AlertViews::PutOff);
-  connect(reminders_, &RemindersWindow::OpenEventWanted, this, &AlertViews::OpenEvent);
+  connect(reminders_, &RemindersWindow::OpenEventWanted, this, [this](uint64 set, uint64 event) {
+    OpenWindowsOf(*context_, {set, event});
+  });
   connect(reminders_, &RemindersWindow::Emptied, this, [this] {
     RemindersWindow* const window = std::exchange(reminders_, nullptr);
     if (!window) return;
@@ -118,17 +119,19 @@ void AlertViews::OpenBox(AlertId id, const AlertRequest& request, int32 place) {
   connect(box.get(), &AlertWindow::PutOff, this,
           [this, id](const PutOffMoment& when) { PutOff(id, when); });
   connect(box.get(), &AlertWindow::OpenEventWanted, this,
-          [this, set = request.Set, event = request.Event] { OpenEvent(set, event); });
+          [this, about = EventHandles{request.Set, request.Event}] {
+            OpenWindowsOf(*context_, about);
+          });
   box->Announce();
 }
 
 void AlertViews::Update(AlertId id, const AlertRequest& request) {
   heard_[id] = request.Role;
   if (reminders_ && reminders_->Update(id, request)) return Sound();
-  const auto found = boxes_.find(id);
-  if (found == boxes_.end()) return;
-  found->second->Update(request, MayOpenEvent(request));
-  found->second->Announce();
+  if (const auto found = boxes_.find(id); found != boxes_.end()) {
+    found->second->Update(request, MayOpenEvent(request));
+    found->second->Announce();
+  }
   Sound();
 }
 
@@ -175,19 +178,7 @@ void AlertViews::PutOff(AlertId id, const PutOffMoment& when) {
 }
 
 bool AlertViews::MayOpenEvent(const AlertRequest& request) const {
-  if (!context_ || request.Event == 0 || !request.IsReminder()) return false;
-  const AutoLock open(context_->openSets.Protect);
-  const EventSet* const set = context_->openSets.FindHandle(request.Set);
-  return set && set->FindEvent(request.Event);
-}
-
-/// The set's window comes with the editor: what is changed there is saved there.
-void AlertViews::OpenEvent(uint64 setHandle, uint64 event) {
-  const AutoLock open(context_->openSets.Protect);
-  EventSet* const set = context_->openSets.FindHandle(setHandle);
-  if (!set || !set->FindEvent(event)) return;
-  set->OpenWindow();
-  if (Event* const found = set->FindEvent(event)) found->OpenWindow();
+  return context_ && request.IsReminder() && HasEvent(*context_, {request.Set, request.Event});
 }
 
 void AlertViews::WaitForFatalError(const AlertRequest& request) {

@@ -54,7 +54,6 @@ class AlertViews final : public QObject {
   void Answer(AlertId id, int which);
   void PutOff(AlertId id, const PutOffMoment& when);
   bool MayOpenEvent(const AlertRequest& request) const;
-  void OpenEvent(uint64 set, uint64 event);
 
   AlertSound sound_;
   QTimer repeat_;

@@ -12,6 +12,7 @@
 
 #include "core/events/Context.h"
 #include "core/settings/KestrinSettings.h"
+#include "interface/common/Wayland.h"
 #include "interface/fields/DropDown.h"
 #include "interface/fields/TimeField.h"
 
@@ -29,6 +30,8 @@ ReminderSettings::ReminderSettings(Context& context, QWidget* parent)
   setObjectName("reminderSettings");
   auto* form = new QFormLayout(this);
   form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
+  AddMenu(*form, "showRemindersAs", "Show &reminders as:", {"Windows", "Notifications", "Both"},
+          settings_.ShowRemindersAs, FacesChosen(-1, !IsOnWayland()));
   QStringList boxes = {"Always as boxes", "Always in one window"};
   for (int most = 2; most <= 6; ++most) boxes += QString("Up to %1 as boxes").arg(most);
   AddMenu(*form, "reminderBoxes", "Show &them:", boxes, settings_.ReminderBoxes);
@@ -48,13 +51,13 @@ void ReminderSettings::SettingsChanged() {
 }
 
 void ReminderSettings::AddMenu(QFormLayout& form, const char* objectName, const QString& label,
-                               const QStringList& items, int32& setting) {
+                               const QStringList& items, int32& setting, int32 otherwise) {
   auto* menu = new DropDown;
   menu->setObjectName(objectName);
   menu->addItems(items);
   form.addRow(label, menu);
-  show_.emplace_back([menu, &setting] {
-    menu->setCurrentIndex(setting >= 0 && setting < menu->count() ? setting : -1);
+  show_.emplace_back([menu, &setting, otherwise] {
+    menu->setCurrentIndex(setting >= 0 && setting < menu->count() ? setting : otherwise);
   });
   connect(menu, &QComboBox::activated, this, [this, &setting](int index) {
     Store(setting, index);

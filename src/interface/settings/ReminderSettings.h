@@ -26,9 +26,9 @@ class ReminderSettings final : public QGroupBox {
   void SettingsChanged();
 
  private:
-  /// The index of an item is the setting's value; a value without an item shows none.
+  /// The index of an item is the setting's value; a value without an item shows `otherwise`.
   void AddMenu(QFormLayout& form, const char* objectName, const QString& label,
-               const QStringList& items, int32& setting);
+               const QStringList& items, int32& setting, int32 otherwise = -1);
   void AddTime(QFormLayout& form, const char* objectName, const QString& label, int32& setting);
   void AddVolume(QFormLayout& form);
   void AddCheckBox(QFormLayout& form, const char* objectName, const QString& label, bool& setting);

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "core/app/KestrinApp.h"
+#include "core/delivery/ReminderFaces.h"
 #include "core/events/AddOnServices.h"
 #include "core/events/HandlerTable.h"
 #include "core/events/OpenSets.h"
@@ -27,6 +28,7 @@
 #include "programs/kestrin/DesktopSession.h"
 #include "session/ApplicationBus.h"
 #include "session/BusBackground.h"
+#include "session/BusNotifications.h"
 #include "session/DisplayProbe.h"
 #include "session/LogindWatch.h"
 #include "session/PortalFilePanels.h"
@@ -71,6 +73,7 @@ struct Parts {
       : queue(messages), bus(applicationBus) {
     context.filePanels = &filePanels;
     ui.Connect(context, app.Ending());
+    faces.Connect(context);
   }
 
   AppParts ForApp() {
@@ -108,7 +111,9 @@ struct Parts {
         qApp, [] { QApplication::beep(); }, Qt::QueuedConnection);
   }};
   QtUserInterface ui{[this] { Sound(); }, [this] { sound.Stop(); }};
-  AlertDesk alerts{queue, ui};
+  BusNotifications notifications{bus.Connection()};
+  ReminderFaces faces{ui, notifications};
+  AlertDesk alerts{queue, faces};
   Notices notices{alerts, holds, ui};
   SystemDesktop desktop;
   ThreadWorkers workers;

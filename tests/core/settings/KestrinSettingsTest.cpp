@@ -53,16 +53,16 @@ struct KestrinSettingsTest : testing::Test {
                Settings.Layout.NumberOfKeys, Settings.NumberOfUserIcons, Settings.Time24Hour,
                Settings.RememberWindowSetupAsDefault, Settings.UserMiniIcons,
                Settings.UserLargeIcons, Settings.ZoneName)) +
-           testing::PrintToString(
-               std::tuple(Sides(Settings.SetWindowPosition.DefaultFrame()),
-                          Sides(Settings.EventWindowPosition.DefaultFrame()),
-                          Sides(Settings.SettingsWindowFrame), Settings.Layout.ColumnOrder,
-                          Settings.Layout.ColumnShown, Settings.Layout.ColumnWidth,
-                          Settings.Layout.SortKeys, Settings.Layout.SortModes,
-                          Settings.IconPanelLocation.x, Settings.IconPanelLocation.y,
-                          Settings.ReminderBoxes, Settings.EveningTime, Settings.MorningTime,
-                          Settings.LastLater, Settings.ReminderSound, Settings.ReminderVolume,
-                          Settings.SoundUntilAnswered, Settings.NagSoundUntilAnswered));
+           testing::PrintToString(std::tuple(
+               Sides(Settings.SetWindowPosition.DefaultFrame()),
+               Sides(Settings.EventWindowPosition.DefaultFrame()),
+               Sides(Settings.SettingsWindowFrame), Settings.Layout.ColumnOrder,
+               Settings.Layout.ColumnShown, Settings.Layout.ColumnWidth, Settings.Layout.SortKeys,
+               Settings.Layout.SortModes, Settings.IconPanelLocation.x,
+               Settings.IconPanelLocation.y, Settings.ReminderBoxes, Settings.EveningTime,
+               Settings.MorningTime, Settings.LastLater, Settings.ShowRemindersAs,
+               Settings.ReminderSound, Settings.ReminderVolume, Settings.SoundUntilAnswered,
+               Settings.NagSoundUntilAnswered));
   }
   void Init() { InitSettings(Settings, *store, context.Notes); }
   void Write() { WriteSettings(Settings, *store, context.Notes); }
@@ -138,7 +138,7 @@ TEST_F(KestrinSettingsTest, EveryKeyOnThePageCountsOnlyWithItsTypeAndSize) {
     EXPECT_TRUE(counts);
     ++keys;
   }
-  EXPECT_EQ(keys, 25);
+  EXPECT_EQ(keys, 26);
 }
 
 TEST_F(KestrinSettingsTest, TheCountSplitsTheNamesAndTheBytesBoundThem) {

@@ -69,6 +69,8 @@ class ServiceData : public EventAddOnData, public ActsWithoutScreen {
                               std::to_string(GetEventApplyTime(event));
     ProcessHold();
     DeliverEventMessage(event, missed, "\n\n", name, " ", times.c_str(), " end");
+    ProcessHold();
+    DeliverEventNotification(event, missed, 7, "\n\nnotified", "", nullptr, nullptr, nullptr);
     const std::unique_ptr<char[]> text(GenerateMessageAlertText(
         event, missed, " calls ", calls.c_str(), nullptr, " in ", GetEventSetFileName(event)));
     ReportError(text.get());

@@ -158,6 +158,8 @@ TEST_F(SettingsWindowTest, EachMenuStoresTheNumberOfItsItem) {
       EXPECT_EQ(menu->currentIndex(), item);
     }
   }
+  auto& faces = Find<QComboBox>(*OpenOne<SettingsWindow>(), "showRemindersAs");
+  EXPECT_EQ(faces.currentText(), "Windows") << "where nothing is chosen";
   context.Settings.WhichEventsToDeliver = 7;
   EXPECT_EQ(Find<QComboBox>(Reopen(), "deliverEvents").currentIndex(), -1);
   EXPECT_EQ(context.Settings.WhichEventsToDeliver, 7) << "looking changes nothing";
@@ -220,7 +222,7 @@ TEST_F(SettingsWindowTest, TheClockRedrawsTheListAtOnce) {
 }
 
 TEST_F(SettingsWindowTest, ThereIsOneWindowThatHoldsTheApplicationAndComesBackWhereItWas) {
-  Open().setGeometry(40, 70, 700, 560);
+  Open().setGeometry(40, 70, 700, 640);
   EXPECT_EQ(Open().windowTitle(), "Kestrin settings");
   EXPECT_EQ(context.Holding.Count(), 1);
   QTest::keyClick(OpenOne<SettingsWindow>(), Qt::Key_Escape);
@@ -228,11 +230,11 @@ TEST_F(SettingsWindowTest, ThereIsOneWindowThatHoldsTheApplicationAndComesBackWh
   EXPECT_EQ(context.Holding.Count(), 0);
 
   SettingsWindow& second = Open();
-  EXPECT_EQ(second.geometry(), QRect(40, 70, 700, 560));
+  EXPECT_EQ(second.geometry(), QRect(40, 70, 700, 640));
   Find<QCheckBox>(second, "rememberDefaults").click();
   second.setGeometry(90, 90, 650, 450);
   QTest::keyClick(&second, Qt::Key_W, Qt::ControlModifier);
-  EXPECT_EQ(context.Settings.SettingsWindowFrame, (Rect{40, 70, 739, 629})) << "not remembered";
+  EXPECT_EQ(context.Settings.SettingsWindowFrame, (Rect{40, 70, 739, 709})) << "not remembered";
 }
 
 TEST_F(SettingsWindowTest, AboutSaysWhatThisIsAndGoesWithTheOthers) {
@@ -261,9 +263,9 @@ TEST_F(SettingsWindowTest, TabWalksThroughTheControlsFromTopToBottom) {
   SettingsWindow& window = Open();
   for (const char* name :
        {"rememberDefaults", "deliverEvents", "openRemembered", "withoutSet", "clock24",
-        "reminderBoxes", "eveningTime", "morningTime", "reminderSound", "reminderVolume",
-        "soundUntilAnswered", "nagSoundUntilAnswered", "rememberedSets", "forgetSelected",
-        "rememberDefaults"}) {
+        "showRemindersAs", "reminderBoxes", "eveningTime", "morningTime", "reminderSound",
+        "reminderVolume", "soundUntilAnswered", "nagSoundUntilAnswered", "rememberedSets",
+        "forgetSelected", "rememberDefaults"}) {
     ASSERT_TRUE(window.focusWidget());
     EXPECT_EQ(window.focusWidget()->objectName(), name);
     QTest::keyClick(window.focusWidget(), Qt::Key_Tab);
