@@ -27,7 +27,8 @@ DeliveredEvent::DeliveredEvent(const class Event& event, bool missed)
       Occurrence(event.GetActualEventTime()),
       AtTime(event.GetApplyTime()),
       Missed(missed),
-      Face{event.GetName(), event.Record().IconNumber, {}} {
+      Face{event.GetName(), event.Record().IconNumber, {}},
+      Record(event.GetDelivery()) {
   if (const IconPair* own = event.GetOwnIcon()) Face.OwnIcon = *own;
 }
 
@@ -48,6 +49,7 @@ AlertRequest AlertAbout(const DeliveredEvent& delivered, AlertRole role, std::st
   request.Event = delivered.Event;
   request.Occurrence = delivered.Occurrence;
   request.Face = delivered.Face;
+  request.Record = delivered.Record;
   request.OccursAtTime = delivered.AtTime;
   request.NamesTime = delivered.Missed;
   request.Away = delivered.Missed;

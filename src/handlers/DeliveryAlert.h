@@ -4,6 +4,7 @@
 #include <initializer_list>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "core/events/Context.h"
 #include "core/ports/Alert.h"
@@ -15,13 +16,17 @@ class Event;
 /// Which event a delivery was for; outlives the event.
 struct DeliveredEvent {
   DeliveredEvent(const Event& event, bool missed);
+  /// One that is known from the journal alone.
+  DeliveredEvent(Context& contextOfRecord, std::string record)
+      : context(&contextOfRecord), Record(std::move(record)) {}
 
   Context* context;
-  uint64 Set, Event;
-  int32 Occurrence;
-  bool AtTime;  ///< Occurrence is more than a bare day
-  bool Missed;
+  uint64 Set = 0, Event = 0;
+  int32 Occurrence = 0;
+  bool AtTime = false;  ///< Occurrence is more than a bare day
+  bool Missed = false;
   AlertFace Face;
+  std::string Record;  ///< the journal's, of the delivery under way
 };
 
 /// "Kestrin event:  ", the event's name, the missed line when `missed`, and the parts; null parts

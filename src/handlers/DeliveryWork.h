@@ -4,6 +4,7 @@
 #include <functional>
 #include <string>
 
+#include "core/ports/EventActions.h"
 #include "handlers/DeliveryAlert.h"
 
 namespace kestrin {
@@ -20,6 +21,10 @@ struct DeliveryWork {
 /// Returns at once; holds the application until the work is done and everything told. The answer
 /// "Cancel", which any end of the question but "Ok" counts as, drops the work.
 void AskThenWork(const DeliveredEvent& delivered, DeliveryWork work);
+
+/// What a record of the journal has left to do; the event may be gone. Nothing happens when another
+/// session does it.
+void WorkOfRecord(Context& context, const std::string& record, const ActionPlan& plan);
 
 /// Whether the event's set came from elsewhere and has not been saved by the user since: then
 /// nothing is started for it unasked.

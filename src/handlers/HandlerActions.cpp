@@ -14,7 +14,10 @@
 #include "core/settings/KestrinSettings.h"
 #include "core/timing/EventTiming.h"
 #include "core/timing/EventTypes.h"
+#include "handlers/ActOnFileDataHandler.h"
+#include "handlers/CommandDataHandler.h"
 #include "handlers/DeliveryAlert.h"
+#include "handlers/DeliveryWork.h"
 
 namespace kestrin {
 
@@ -102,6 +105,26 @@ void HandlerActions::DeliverEvent(Event& event, bool missed) {
     notices.ReportCompoundError("Kestrin: The handler \"" + handler, "\" failed to deal with the ",
                                 which + ".");
   }
+}
+
+/// What asks first is claimed when it is answered.
+ActionPlan HandlerActions::PlanOf(const Event& event) const {
+  ActionPlan plan;
+  const EventAddOnData* const data = event.GetAddOnData();
+  if (event.GetSelectedHandler() >= NumberOfBuiltInHandlers) {
+    plan.OneSession = true;
+  } else if (const auto* const command = dynamic_cast<const CommandDataHandler*>(data)) {
+    plan.Run = command->GetCommand();
+    plan.OneSession = !plan.Run.empty() && !command->NeedsScreen();
+  } else if (const auto* const file = dynamic_cast<const ActOnFileDataHandler*>(data)) {
+    plan.Open = file->GetFileName();
+    plan.OneSession = !plan.Open.empty() && !file->NeedsScreen();
+  }
+  return plan;
+}
+
+void HandlerActions::CarryOut(Context& context, const std::string& record, const ActionPlan& plan) {
+  WorkOfRecord(context, record, plan);
 }
 
 bool HandlerActions::CanDeliver(const Event& event) const {

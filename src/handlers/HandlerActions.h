@@ -13,6 +13,8 @@ class HandlerActions final : public EventActions {
   /// What the handler throws is caught and reported.
   void DeliverEvent(Event& event, bool missed) override;
   bool CanDeliver(const Event& event) const override;
+  ActionPlan PlanOf(const Event& event) const override;
+  void CarryOut(Context& context, const std::string& record, const ActionPlan& plan) override;
 };
 
 }  // namespace kestrin

@@ -42,7 +42,6 @@ TEST_F(ActionsTest, AMessageIsAnAlertThatHoldsTheApplicationUntilItIsClosed) {
   const AlertRequest& request = World.Ui.Alerts[0].Request;
   EXPECT_THAT(request.Buttons, ElementsAre("Ok"));
   EXPECT_EQ(request.Role, AlertRole::Delivery);
-  EXPECT_TRUE(World.Alerts.AnyFor(Set->GetHandle()));
   EXPECT_EQ(World.Holding.Count(), 1);
   Answer(0);
   World.Core.zone = Zone::Load("Asia/Tokyo").value();

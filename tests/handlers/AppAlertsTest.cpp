@@ -1,4 +1,5 @@
-// Alerts that stood open at a forced end, in the whole application with its true handlers.
+// Alerts that stood open when their process ended, by force or killed, in the whole application
+// with its true handlers.
 #include "handlers/CommandDataHandler.h"
 #include "handlers/HandlerActions.h"
 #include "handlers/LoadEventHandlers.h"
@@ -31,23 +32,48 @@ class AppAlertsTest : public AppTestBase {
   HandlerActions Real;
 };
 
-TEST_F(AppAlertsTest, AfterAForcedEndItsButtonActsUnlessItsOccurrenceIsOver) {
-  for (const bool isOver : {false, true}) {
-    Now = Sunday + 10 * Hour;
-    WriteSet(Work, {Nagging()});
-    Remember({Work});
-    Wake();
-    Post(Message(FORCED_QUIT));
-    if (isOver) WriteSet(Work, {DailyAt(Sunday + Day + 9 * Hour)});
-    Now += 10 * Minute;
-    Start();
-    EXPECT_THAT(Alerts(), ElementsAre("The event \"Tea\" occurred at 9:00 AM today.\n\nPour it."));
-    EXPECT_EQ(Ui().Alerts[0].Request.Title, "Kestrin nag");
-    Answer(0);
-    EXPECT_EQ(FirstEvent(Work).GetNextEventTime(), Sunday + Day + 9 * Hour);
-    EXPECT_EQ(It->World.Holding.Count(), 1) << "the window";
-    EXPECT_FALSE(Disk.Bytes(AlertFile));
+TEST_F(AppAlertsTest, AfterItsProcessHasEndedItsButtonActsUnlessItsOccurrenceIsOver) {
+  for (const bool isOver : {false, true})
+    for (const bool killed : {false, true}) {
+      Now = Sunday + 10 * Hour;
+      StartWith({Nagging()});
+      if (!killed) Post(Message(FORCED_QUIT));
+      if (isOver) WriteSet(Work, {DailyAt(Sunday + Day + 9 * Hour)});
+      Now += 10 * Minute;
+      Wake(false);
+      Start();
+      EXPECT_THAT(Alerts(),
+                  ElementsAre("The event \"Tea\" occurred at 9:00 AM today.\n\nPour it."));
+      ASSERT_EQ(Ui().Alerts[0].Request.Title, "Kestrin nag");
+      Answer(0);
+      EXPECT_EQ(FirstEvent(Work).GetNextEventTime(), Sunday + Day + 9 * Hour);
+      EXPECT_EQ(It->World.Holding.Count(), 1) << "the window";
+      Start();
+      EXPECT_THAT(Alerts(), IsEmpty()) << "it was answered";
+    }
+}
+
+TEST_F(AppAlertsTest, WhatWasRecordedBeforeThereWasAJournalIsTakenOver) {
+  Now = Sunday + 9 * Hour + Minute;
+  StartWith({Nagging()});
+  Crash();
+  Message old;
+  old.Set("Text", std::string("Pour it."));
+  old.Set("Role", static_cast<int32>(AlertRole::Nag));
+  old.Set("Button0", std::string("No more nagging"));
+  old.Set("Button1", std::string("OK"));
+  old.Set("EventSet", std::string(Work));
+  old.Set("Event", std::string("Tea"));
+  old.Set("Occurrence", Sunday + 9 * Hour);
+  Disk.Put("/state/open-alerts.json", "damage\n" + old.Flatten() + "\n");
+  Start();
+  for (int start = 0; start < 2; ++start) {
+    EXPECT_THAT(Alerts(), ElementsAre("Pour it."));
+    EXPECT_FALSE(Disk.Bytes("/state/open-alerts.json"));
+    if (start == 0) Start();
   }
+  Answer(0);
+  EXPECT_EQ(FirstEvent(Work).GetStatus(), WaitingForEvent);
 }
 
 TEST_F(AppAlertsTest, AButtonActsInTheSetThatItsAlertIsAboutWhicheverWasOpenedFirst) {
@@ -84,7 +110,6 @@ TEST_F(AppAlertsTest, AQuestionIsAskedAnewAndADeliveryOnlyShown) {
   EXPECT_THAT(It->World.Machine.Commands, ElementsAre("brew"));
   ASSERT_TRUE(Answer(0));
   EXPECT_EQ(It->World.Holding.Count(), 1);
-  EXPECT_FALSE(Disk.Bytes(AlertFile));
 }
 
 }  // namespace

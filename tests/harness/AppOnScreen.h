@@ -42,7 +42,7 @@ class AppOnScreen : public testing::Test {
 
   struct Process : World<QtUserInterface> {
     explicit Process(const std::string& folder)
-        : World(nullptr, &Carried, [] {}),
+        : World({nullptr, &Carried}, [] {}),
           Store(MakeBuiltInPrefs(SystemFiles, folder + "/config")),
           App(Core, {Background, Bus, Store, folder, folder + "/state",
                      [this] { LoadBuiltInHandlers(Core); }, [this] { Handlers.Clear(); },

@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <memory>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -23,12 +24,12 @@ class AppTestBase : public testing::Test {
   static constexpr const char* Work = "/sets/Work.kestrin";
   static constexpr const char* Home = "/sets/Home.kestrin";
   static constexpr const char* Recovered = "/state/recovered/Untitled event set 1.kestrin";
-  static constexpr const char* AlertFile = "/state/open-alerts.json";
+  static constexpr const char* JournalFile = "/state/journal";
 
   /// One process; gone without an end when it is destroyed.
   struct Process {
     explicit Process(AppTestBase& test)
-        : World(&test.Door, test.OwnActions),
+        : World({&test.Door, test.OwnActions, ++test.Starts, &test.Dead}),
           Store(MakeBuiltInPrefs(test.Door, "/config")),
           App(World.Core, {Background, Bus, Store, "/opt", "/state",
                            [this, &test] { test.LoadHandlers(World.Core); },
@@ -37,7 +38,7 @@ class AppTestBase : public testing::Test {
                              World.Handlers.Clear();
                            },
                            [&test] { return test.SystemZone; }, [this] { Ended = true; },
-                           std::to_string(++test.Starts)}) {
+                           std::to_string(test.Starts)}) {
       World.Ui.App = &App.Ending();
       Background.Queue = &World.Queue;
       World.Core.zone = test.SystemZone;
@@ -72,7 +73,7 @@ class AppTestBase : public testing::Test {
   }
   void WriteSet(const std::string& path, const std::vector<EventRecord>& records) {
     Crash();
-    TestContext world(&Disk, OwnActions);
+    TestContext world(WorldParts{&Disk, OwnActions});
     LoadHandlers(world.Core);
     const auto owned = kestrin::NewSet(world.Core, path);
     EventSet& set = *owned;
@@ -97,6 +98,8 @@ class AppTestBase : public testing::Test {
   /// A start that remembers one set, of these events.
   void StartWith(const std::vector<EventRecord>& records,
                  const std::vector<std::string>& arguments = {}) {
+    Crash();
+    Disk.Remove(JournalFile);
     WriteSet(Work, records);
     Remember({Work});
     Start(arguments);
@@ -106,8 +109,11 @@ class AppTestBase : public testing::Test {
     Post(Message(DELIVER_EVENTS));
   }
   void Wake(bool screen = true) { Start({}, {Message(DELIVER_EVENTS)}, screen); }
-  /// The process goes on: nothing is saved, nobody is told.
-  void Crash() { It.reset(); }
+  /// The process goes: nothing is saved, nobody is told.
+  void Crash() {
+    if (It) Dead.insert(Starts);
+    It.reset();
+  }
   void Run() {
     for (int turns = 0; auto message = It->World.Queue.Take(); ++turns) {
       ASSERT_LT(turns, 1000) << "the queue never comes to rest";
@@ -146,7 +152,8 @@ class AppTestBase : public testing::Test {
 
   int64 Now = Sunday + 8 * Hour;  ///< when the next process starts
   Zone SystemZone;
-  int Starts = 0;
+  int Starts = 0;                      ///< so many processes; the last one's number
+  std::set<int64> Dead;                ///< their numbers
   EventActions* OwnActions = nullptr;  ///< instead of those that only write down
   MemoryFileDoor Disk;
   FailingFileDoor Door{Disk};

@@ -21,7 +21,9 @@ class FakeEventActions final : public EventActions {
   };
 
   std::vector<Delivery> Deliveries;
-  bool Able = true;                       ///< what CanDeliver answers
+  ActionPlan Plan;                                              ///< of every event
+  std::vector<std::pair<std::string, std::string>> CarriedOut;  ///< records, commands
+  bool Able = true;                                             ///< what CanDeliver answers
   std::function<void(Event&)> WhenEvent;  ///< may be null; called within DeliverEvent
 
   /// The names of what was delivered since the last time, with " missed" appended.
@@ -39,6 +41,10 @@ class FakeEventActions final : public EventActions {
     if (WhenEvent) WhenEvent(event);
   }
   bool CanDeliver(const Event&) const override { return Able; }
+  ActionPlan PlanOf(const Event&) const override { return Plan; }
+  void CarryOut(Context&, const std::string& record, const ActionPlan& plan) override {
+    CarriedOut.emplace_back(record, plan.Run);
+  }
 
  private:
   void Record(const char* kind, const Event& event, bool missed) {

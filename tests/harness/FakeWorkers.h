@@ -26,6 +26,10 @@ class FakeWorkers final : public Workers {
     return true;
   }
 
+  bool StartLater(const char* name, int32, std::function<void()> work) override {
+    return Start(name, std::move(work));
+  }
+
   /// Runs what was deferred, also what that defers in turn.
   void RunPending() {
     while (!pending_.empty()) {

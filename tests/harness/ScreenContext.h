@@ -36,7 +36,7 @@ struct InMemory {
 
 /// On the real screen, over files in memory.
 struct ScreenContext : InMemory, World<QtUserInterface> {
-  ScreenContext() : World(&Files, nullptr, [this] { ++Bells; }) {
+  ScreenContext() : World({&Files}, [this] { ++Bells; }) {
     LoadBuiltInHandlers(Core);
     Ui.Connect(Core, Application);
   }

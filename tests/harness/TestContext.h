@@ -1,6 +1,8 @@
 // A whole context of fakes around the real queue, holds, alerts and notices.
 #pragma once
 
+#include <set>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -9,6 +11,7 @@
 #include "core/events/Context.h"
 #include "core/events/HandlerTable.h"
 #include "core/events/OpenSets.h"
+#include "core/journal/Journal.h"
 #include "core/loop/AlertDesk.h"
 #include "core/loop/Holds.h"
 #include "core/loop/MessageQueue.h"
@@ -18,10 +21,20 @@
 #include "harness/FakeDesktop.h"
 #include "harness/FakeEventActions.h"
 #include "harness/FakeNotifications.h"
+#include "harness/FakeProcesses.h"
 #include "harness/FakeUserInterface.h"
 #include "harness/FakeWorkers.h"
+#include "harness/MemoryFileDoor.h"
 
 namespace kestrin {
+
+/// What a world may be given instead of its own.
+struct WorldParts {
+  FileDoor* Files = nullptr;  ///< else the system's own; the journal lies in memory then
+  EventActions* Actions = nullptr;
+  int64 Process = 1;
+  const std::set<int64>* Dead = nullptr;  ///< processes
+};
 
 /// Everything that a context is made of, on fakes of the ports but the screen, which is `Screen`.
 /// Files are the system's own and actions are written down only, unless others are handed in; the
@@ -29,15 +42,20 @@ namespace kestrin {
 template <typename Screen>
 struct World {
   template <typename... ScreenParts>
-  World(FileDoor* files, EventActions* actions, ScreenParts&&... parts)
-      : Ui(std::forward<ScreenParts>(parts)...), Core{Time,     files ? *files : SystemFiles,
-                                                      Queue,    Holding,
-                                                      Ui,       Alerts,
-                                                      Notes,    Machine,
-                                                      Threads,  actions ? *actions : Actions,
-                                                      Open,     Settings,
-                                                      Handlers, Zone(),
-                                                      1} {
+  World(const WorldParts& parts, ScreenParts&&... ofScreen)
+      : Ui(std::forward<ScreenParts>(ofScreen)...),
+        Core{Time,     parts.Files ? *parts.Files : SystemFiles,
+             Queue,    Holding,
+             Ui,       Alerts,
+             Notes,    Machine,
+             Threads,  parts.Actions ? *parts.Actions : Actions,
+             Open,     Settings,
+             Handlers, Zone(),
+             1},
+        Who(parts.Process, parts.Dead),
+        Record(parts.Files ? *parts.Files : StateFiles, Who, Time, "/state",
+               [this](const std::string& words) { Notes.ReportError(words); }) {
+    Core.journal = &Record;
     Faces.Connect(Core);
   }
   World(const World&) = delete;
@@ -59,15 +77,16 @@ struct World {
   HandlerTable Handlers;
   Context Core;
   const ServesAddOns Serves{Core};
+  MemoryFileDoor StateFiles;  ///< where the journal lies beside the system's files
+  FakeProcesses Who;
+  Journal Record;
   OpenSets Open;
 };
 
 /// Without a screen.
 struct TestContext : World<FakeUserInterface> {
-  explicit TestContext(FileDoor* files = nullptr, EventActions* actions = nullptr)
-      : World(files, actions) {
-    Ui.Desk = &Alerts;
-  }
+  explicit TestContext(FileDoor* files = nullptr) : TestContext(WorldParts{files}) {}
+  explicit TestContext(const WorldParts& parts) : World(parts) { Ui.Desk = &Alerts; }
 
   /// Gets every message that the context itself has no answer to; may be null.
   std::function<void(const Message&)> OnMessage;

@@ -3,29 +3,35 @@ import pathlib
 import sys
 
 sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "harness"))
-from world import APPLICATION, DAY, WorldTest, daily, main, say  # noqa: E402
+from world import APPLICATION, DAY, WorldTest, daily, main, run, say  # noqa: E402
 
 WAITING_FOR_PREWARNING, WAITING_FOR_EVENT = 0, 1
 MINUTES = 4
 
 
 class Loss(WorldTest):
-    def test_a_killed_application_delivers_again(self):
-        soon = self.now() + 4
-        day = self.remember_tea(soon)
+    def test_a_killed_application_shows_its_alert_again_and_delivers_once(self):
+        soon, done = self.now() + 4, self.path("done")
+        day = self.write_set("day.kestrin", daily("Tea", soon, say("Put the kettle on.")),
+                             daily("Count", soon, run(f"echo once >> {done}")))
+        self.remember(day)
         self.hand_over(soon)
-        self.alert("Tea")
+        alert = self.alert("Tea")
+        self.until(lambda: self.read("done"), "the command")
         self.kill(APPLICATION)
         self.gone(APPLICATION)
-        self.assertEqual(self.saved_time(day), soon)
 
-        earlier = self.now() - 100  # as the file would be found more than a minute later
-        self.remember_tea(earlier)
+        application = self.start()
+        again = self.alert("Tea")
+        self.assertEqual(again.text, alert.text)
+        again.press("Ok")
+        self.until(lambda: self.saved_time(day) == soon + DAY, "the delivery on disk")
+        application.kill()
+        self.gone(APPLICATION)
+
         self.start()
-        alert = self.alert("Tea")
-        self.assertTrue(alert.text.startswith("Kestrin event:  Tea\nThe event was missed.  It occurred "), alert.text)
-        alert.press("Ok")
-        self.until(lambda: self.saved_time(day) == earlier + DAY, "the delivery on disk")
+        self.window("day.kestrin")
+        self.assertEqual((self.alerts(), self.read("done")), ([], "once\n"))
 
     def test_an_alert_outlives_the_end_of_the_session(self):
         due = self.now() + 3600

@@ -13,14 +13,12 @@
 namespace kestrin {
 
 AppEnding::AppEnding(Context& context, const AppParts& parts, DeliveryPass& pass,
-                     SavingByItself& saving, RecordedAlerts& recorded,
-                     BackgroundContact& background)
+                     Settling& settling, BackgroundContact& background)
     : DocumentApp(context.holds),
       context_(context),
       parts_(parts),
       pass_(pass),
-      saving_(saving),
-      recorded_(recorded),
+      settling_(settling),
       background_(background) {}
 
 /// Nobody needs to be asked any longer whether their changes are to be saved.
@@ -89,7 +87,7 @@ void AppEnding::Quit() {
     parts_.background.AskToQuit();
   else
     pass_.SendNextTime();
-  saving_.SaveModifiedSets();
+  settling_.SaveEverything();
   WriteSettings();
   background_.Finish();
   if (!context_.alerts.Empty())
@@ -112,15 +110,15 @@ void AppEnding::WriteSettings() {
 /// The session may go on all the same: nothing closes.
 void AppEnding::SessionSaved() {
   CommitAllEdits();
-  saving_.SaveModifiedSets();
+  settling_.SaveEverything();
   WriteSettings();
 }
 
 void AppEnding::ForcedQuit() {
   CommitAllEdits();
-  recorded_.EndByForce();
+  context_.alerts.EndByForce();
   pass_.SendNextTime();
-  saving_.SaveModifiedSets();
+  settling_.SaveEverything();
   CloseEverything();
   WriteSettings();
   parts_.background.Finish();

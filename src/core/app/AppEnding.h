@@ -4,8 +4,7 @@
 #include "core/app/AppParts.h"
 #include "core/app/BackgroundContact.h"
 #include "core/app/DocumentApp.h"
-#include "core/app/RecordedAlerts.h"
-#include "core/app/SavingByItself.h"
+#include "core/app/Settling.h"
 #include "core/delivery/DeliveryPass.h"
 #include "core/events/Context.h"
 
@@ -14,8 +13,8 @@ namespace kestrin {
 /// Main thread. Everything handed in outlives it.
 class AppEnding final : public DocumentApp {
  public:
-  AppEnding(Context& context, const AppParts& parts, DeliveryPass& pass, SavingByItself& saving,
-            RecordedAlerts& recorded, BackgroundContact& background);
+  AppEnding(Context& context, const AppParts& parts, DeliveryPass& pass, Settling& settling,
+            BackgroundContact& background);
 
   /// The start is over: until then giving the last hold back ends nothing.
   void BeginRunning() { running_ = true; }
@@ -50,8 +49,7 @@ class AppEnding final : public DocumentApp {
   Context& context_;
   const AppParts& parts_;
   DeliveryPass& pass_;
-  SavingByItself& saving_;
-  RecordedAlerts& recorded_;
+  Settling& settling_;
   BackgroundContact& background_;
   bool running_ = false;
   bool hasQuit_ = false;

@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <utility>
 
+#include "core/app/OldOpenAlerts.h"
 #include "core/events/EventSet.h"
 #include "core/events/OpenSets.h"
+#include "core/journal/Journal.h"
 #include "core/loop/AlertDesk.h"
 #include "core/loop/MessageQueue.h"
 #include "core/loop/Notices.h"
@@ -42,10 +44,11 @@ KestrinApp::KestrinApp(Context& context, AppParts parts)
       recovery_(context.files, parts_.stateFolder),
       background_(context.notices, parts_.background, parts_.KestrinDir),
       saving_(context, recovery_),
-      recorded_(context, recovery_),
+      settling_(context, saving_),
+      openAlerts_(context),
       absent_(context, parts_.stateFolder),
       opening_(context, recovery_, absent_, parts_.addSampleEvents),
-      ending_(context, parts_, pass_, saving_, recorded_, background_) {}
+      ending_(context, parts_, pass_, settling_, background_) {}
 
 KestrinApp::~KestrinApp() {
   context_.settings.WhenChanged = nullptr;
@@ -59,6 +62,7 @@ void KestrinApp::Construct() {
   delivering_ = context_.settings.WhichEventsToDeliver;
   context_.settings.WhenChanged = [this] { context_.queue.Post(SETTINGS_CHANGED); };
   parts_.loadHandlers();
+  if (context_.journal) context_.journal->Read();
   const AutoLock open(context_.openSets.Protect);
   opening_.ReadSelectedSets();
   later_.Read();
@@ -89,12 +93,15 @@ void KestrinApp::ArgvReceived(const std::vector<std::string>& arguments) {
 void KestrinApp::ReadyToRun() {
   opening_.BeginRunning();
   ending_.BeginRunning();
-  recorded_.ShowAgain();
   {
     const AutoLock settings(context_.settings.Protect);
     const AutoLock open(context_.openSets.Protect);
     if (!BackgroundOnlyStartup && !DeliverOnly) opening_.OpenUserInterface();
   }
+  if (context_.ui.HasScreen())
+    for (const JournalRecord& record : TakeOverOldAlerts(context_, recovery_))
+      openAlerts_.Show(record);
+  openAlerts_.ShowAgain();
   CheckZone();
   if (!DeliverOnly) pass_.PassWithStartupFlag();
   if (!BackgroundOnlyStartup && !DeliverOnly) return;
@@ -108,20 +115,19 @@ void KestrinApp::MessageReceived(const Message& message) {
     DeliverOnly = true;
     CheckZone();
   }
-  if (pass_.MessageReceived(message)) {
-    if (message.what == PREWARN_ALERT_REPLY || message.what == NAG_ALERT_REPLY) SaveDeliveredSets();
-    return;
-  }
+  if (pass_.MessageReceived(message)) return;
   if (WindowMessage(message) || BackgroundMessage(message)) return;
   switch (message.what) {
     case PROCESS_HOLD_DONE:
       context_.holds.ProcessDone(static_cast<uint64>(message.Get<int64>("EventSet").value_or(0)));
-      SaveDeliveredSets();
       break;
     case PASSES_AT_REST:
-      SaveDeliveredSets();
+      settling_.Rest();
       putOff_.FollowNames();
       absent_.TryAgain();
+      break;
+    case JOURNAL_SYNCED:
+      settling_.Synced();
       break;
     case ALERTS_WAITING:
       context_.alerts.OpenWaiting();
@@ -228,10 +234,6 @@ void KestrinApp::SettingsChanged() {
   // A set that delivers from now on is like an opened one.
   const int32 delivering = context_.settings.WhichEventsToDeliver;
   if (std::exchange(delivering_, delivering) != delivering) pass_.PassWithStartupFlag();
-}
-
-void KestrinApp::SaveDeliveredSets() {
-  if (!pass_.IsDealing()) saving_.SaveDeliveredSets();
 }
 
 bool KestrinApp::BackgroundMessage(const Message& message) {

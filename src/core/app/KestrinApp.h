@@ -8,10 +8,11 @@
 #include "core/app/AppEnding.h"
 #include "core/app/AppParts.h"
 #include "core/app/BackgroundContact.h"
-#include "core/app/RecordedAlerts.h"
 #include "core/app/SavingByItself.h"
 #include "core/app/SetOpening.h"
+#include "core/app/Settling.h"
 #include "core/delivery/DeliveryPass.h"
+#include "core/delivery/OpenAlerts.h"
 #include "core/delivery/PutOffAlerts.h"
 #include "core/events/Context.h"
 #include "core/files/RecoveryFolder.h"
@@ -58,7 +59,6 @@ class KestrinApp {
   void Activate();
   bool BackgroundMessage(const Message& message);
   void SettingsChanged();
-  void SaveDeliveredSets();
   void RecomputeAll();
 
   Context& context_;
@@ -69,7 +69,8 @@ class KestrinApp {
   RecoveryFolder recovery_;
   BackgroundContact background_;
   SavingByItself saving_;
-  RecordedAlerts recorded_;
+  Settling settling_;
+  OpenAlerts openAlerts_;
   AbsentSets absent_;
   SetOpening opening_;
   AppEnding ending_;

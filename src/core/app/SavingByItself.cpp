@@ -4,25 +4,19 @@
 
 #include "core/events/EventSet.h"
 #include "core/events/OpenSets.h"
-#include "core/loop/AlertDesk.h"
-#include "core/loop/Holds.h"
 #include "core/loop/Notices.h"
 #include "core/settings/KestrinSettings.h"
 
 namespace kestrin {
 
-/// A save here keeps what was delivered from being delivered again; until the alerts are closed a
-/// crash must deliver again rather than never.
-void SavingByItself::SaveDeliveredSets() {
+std::vector<uint64> SavingByItself::SaveDeliveredSets() {
+  std::vector<uint64> saved;
   const AutoLock settings(context_.settings.Protect);
   const AutoLock open(context_.openSets.Protect);
-  for (const auto& set : context_.openSets.Sets) {
-    const uint64 handle = set->GetHandle();
-    if (!set->OnlyDeliveriesChanged() || set->IsUntitled() || context_.alerts.AnyFor(handle) ||
-        context_.holds.CountFor(handle) > 0)
-      continue;
-    SaveItself(*set);
-  }
+  for (const auto& set : context_.openSets.Sets)
+    if (set->OnlyDeliveriesChanged() && !set->IsUntitled() && SaveItself(*set))
+      saved.push_back(set->GetHandle());
+  return saved;
 }
 
 void SavingByItself::SaveModifiedSets() {
@@ -34,8 +28,7 @@ void SavingByItself::SaveModifiedSets() {
       if (titled) recovery_.Forget(*set);
       continue;
     }
-    // What only deliveries have changed is delivered again; in the sample nobody has written a
-    // word.
+    // What only deliveries have changed is in the journal; in the sample nobody has written a word.
     if (set->OnlyDeliveriesChanged()) continue;
     if (!recovery_.SaveCopy(*set) && !titled) ReportUnsaved(*set);
   }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <set>
+#include <vector>
 
 #include "core/events/Context.h"
 #include "core/files/RecoveryFolder.h"
@@ -16,8 +17,8 @@ class SavingByItself {
   SavingByItself(Context& context, RecoveryFolder& recovery)
       : context_(context), recovery_(recovery) {}
 
-  /// The sets in which only deliveries have changed anything, once their alerts are closed.
-  void SaveDeliveredSets();
+  /// The sets in which only deliveries have changed anything. Their handles.
+  std::vector<uint64> SaveDeliveredSets();
   /// At the end: every modified set, as a recovery copy where its file cannot take it.
   void SaveModifiedSets();
   /// Before an overrun stops the program: a copy of everything modified, whatever its state.

@@ -164,17 +164,12 @@ void SetOpening::RevertToSaved(const std::string& path) {
   OpenSets& open = context_.openSets;
   EventSet* const set = open.FindFile(path);
   if (!set) return;
-  const DeliveredLog delivered = set->Delivered();
   const uint64 handle = set->GetHandle();
   SetWindow* const window = set->GetWindow();
   if (window) window->CloseNow();  // which may be the end of the set
   open.Destroy(open.FindHandle(handle));
   EventSet* const fresh = LoadSet(path);
   if (!fresh) return;
-  {
-    const AutoLock lock(*fresh);
-    delivered.MoveOnDelivered(*fresh, context_.clock.Now());
-  }
   if (window) fresh->OpenWindow();
 }
 

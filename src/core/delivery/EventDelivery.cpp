@@ -1,9 +1,10 @@
 #include "core/delivery/EventDelivery.h"
 
 #include <cstdio>
-#include <tuple>
 
+#include "core/delivery/DeliveryRecord.h"
 #include "core/events/Event.h"
+#include "core/events/EventIdentity.h"
 #include "core/events/EventProgress.h"
 #include "core/events/EventSet.h"
 #include "core/loop/MessageQueue.h"
@@ -27,27 +28,32 @@ bool IsLate(const Event& event, int64 now) {
 
 /// Whoever is at the windows while `act` runs may change the event, delete it, or close its set.
 template <typename Action>
-void Deliver(Event& event, int32 found, Action act) {
-  const auto times = [&event] {
-    return std::tuple(event.GetActualEventTime(), event.GetNextEventTime(), event.GetStatus());
-  };
-  const auto due = times();
+void Deliver(Event& event, const DeliveryRecord::Delivery& delivery, Action act) {
   EventSet& owner = *event.GetOwner();
-  owner.Delivered().RecordDelivered(event, found);
-  {
+  const EventState due = StateOf(event.Record());
+  DeliveryRecord record(event, delivery);
+  if (record.MayAct()) {
     const EventSet::ActionRuns running(owner);
     event.SetActing(true);
+    event.SetDelivery(record.Id());
     owner.Unlock();
     act();
     owner.Lock();
+    event.SetDelivery("");
     event.SetActing(false);
   }
-  if (times() == due) {
-    owner.Delivered().RecordDelivered(event, event.GetStatus());  // a save would have dropped it
-    EventDelivered(event);
-  } else {
+  if (StateOf(event.Record()) == due) {
+    record.Acted(EventDelivered(event));
+  } else {  // the person's own times stand, and their rule; the file's event goes on by its own
+    record.Acted(delivery.To);
     owner.GetContext().queue.Post(EVENT_DEALT_WITH);
   }
+}
+
+/// What the delivery leads to, as far as can be foreseen.
+DeliveryRecord::Delivery Foreseen(const Event& event, RecordKind kind, const EventState& found,
+                                  int64 now, bool missed = false) {
+  return {kind, found, StateAfterDelivery(event, now), missed, false};
 }
 
 }  // namespace
@@ -57,24 +63,29 @@ void DealWithEvent(Event& event, bool checkMissed) {
   EventActions& actions = owner.GetContext().actions;
   const EventSet::DeliveryChange byDelivery(owner);
   const int64 now = owner.GetContext().clock.Now();
-  const int32 found = event.GetStatus();
+  EventState found = StateOf(event.Record());  // as its file has it
   DropPrewarnings(event, now);
   if (event.GetStatus() == WaitingForPrewarning) {
-    Deliver(event, found, [&] { actions.DeliverPrewarnMessage(event); });
+    Deliver(event, Foreseen(event, RecordKind::Prewarning, found, now),
+            [&] { actions.DeliverPrewarnMessage(event); });
     return;
   }
   if (event.GetStatus() == WaitingForEvent) {
     const bool late = checkMissed && IsLate(event, now);
     if (!late || event.Record().DeliverIfMissed) {
-      Deliver(event, found, [&] { actions.DeliverEvent(event, late); });
+      Deliver(event, Foreseen(event, RecordKind::Event, found, now, late),
+              [&] { actions.DeliverEvent(event, late); });
       return;
     }
     PassOverMissed(event);
+    DeliveryRecord::WriteMissed(event, found);
+    found = StateOf(event.Record());
   } else if (event.GetStatus() != WaitingToNag) {
     event.UpdateEventTime();  // the status does not fit the times: nothing to deliver
   }
   if (event.GetStatus() == WaitingToNag && event.GetNextEventTime() <= now + 60) {
-    Deliver(event, found, [&] { actions.DeliverNagMessage(event); });
+    Deliver(event, Foreseen(event, RecordKind::Nag, found, now),
+            [&] { actions.DeliverNagMessage(event); });
     return;
   }
   owner.GetContext().queue.Post(EVENT_DEALT_WITH);

@@ -2,13 +2,13 @@
 // for.
 #pragma once
 
-#include <functional>
 #include <map>
 #include <optional>
 #include <set>
 #include <string>
 #include <vector>
 
+#include "core/delivery/ReturningAlert.h"
 #include "core/events/Context.h"
 #include "core/events/EventSet.h"
 #include "core/journal/Later.h"
@@ -26,6 +26,7 @@ class PutOffAlerts final : public PutOffKeeper {
   PutOffAlerts(Context& context, Later& later) : context_(context), later_(later) {}
 
   std::string Keep(const AlertRequest& request, const PutOffMoment& when) override;
+  void Asked(AlertRequest& request) override;
   void Opening(AlertRequest& request) override;
   void Ended(const AlertRequest& request) override;
   void EventDeleted(uint64 set, uint64 event) override;
@@ -41,15 +42,9 @@ class PutOffAlerts final : public PutOffKeeper {
   struct Handles {
     uint64 Set = 0, Event = 0;
   };
-  struct Found {
-    EventSet* set = nullptr;
-    Event* event = nullptr;
-  };
-  Found Find(const PutOffAlert& alert);
+  FoundEvent Find(const PutOffAlert& alert);
   void Return(const PutOffAlert& alert);
   bool AskAnew(const PutOffAlert& alert, Event& event);
-  void ShowAgain(const PutOffAlert& alert, const Found& found);
-  std::function<void(int)> DoneOf(const AlertRequest& request) const;
   void End(const std::string& id);
   const std::vector<PutOffAlert>& All();
   void Changed();

@@ -60,6 +60,7 @@ class EmptyDesktop final : public Desktop {
 class EmptyWorkers final : public Workers {
  public:
   bool Start(const char*, std::function<void()>) override { return false; }
+  bool StartLater(const char*, int32, std::function<void()>) override { return false; }
 };
 
 enum class DeliveryKind { Prewarning, Event, Nag };
@@ -71,6 +72,8 @@ class RecordingActions final : public EventActions {
   void DeliverNagMessage(Event& event) override;
   void DeliverEvent(Event& event, bool missed) override;
   bool CanDeliver(const Event&) const override { return true; }
+  ActionPlan PlanOf(const Event&) const override { return {}; }
+  void CarryOut(Context&, const std::string&, const ActionPlan&) override {}
 
   /// May be empty.
   std::function<void(DeliveryKind kind, Event& event, bool missed)> OnDelivery;

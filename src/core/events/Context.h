@@ -14,6 +14,7 @@ class DesktopFilePanels;
 class EventActions;
 class HandlerTable;
 class Holds;
+class Journal;
 class KestrinSettings;
 class MessageQueue;
 class Notices;
@@ -38,6 +39,7 @@ struct Context {
   Zone zone;                                ///< the system's zone; changed only between messages
   uint64 nextHandle = 1;                    ///< handles of sets and events; never reused
   DesktopFilePanels* filePanels = nullptr;  ///< null: the program shows panels of its own
+  Journal* journal = nullptr;               ///< null: nothing is written down (a virtual engine)
 };
 
 }  // namespace kestrin

@@ -48,7 +48,7 @@ void Event::StorePlain(T& field, V value) {
 }
 
 void Event::SetName(std::string_view name) {
-  if (!owner_.IsUntitled()) owner_.Delivered().RecordRename(*this);
+  if (indexStamp != 0) owner_.FileNames().BeforeChange(owner_, *this);
   record_.Name = FitText(name);
   if (window_) window_->RedrawTimes();
   owner_.EventModified(this);
@@ -215,6 +215,7 @@ bool Event::SetSelectedHandler(int32 row) {
     data = handlers.MakeAddOnData(row, this, nullptr, &ok, &threw);
     if (!data) return false;
   }
+  if (indexStamp != 0) owner_.FileNames().BeforeChange(owner_, *this);
   if (window_) window_->RemoveEditView();
   handlers_.Select(row, std::move(data));
   if (window_) window_->AddEditView();
@@ -224,6 +225,7 @@ bool Event::SetSelectedHandler(int32 row) {
 
 std::string Event::GetHandlerName() const {
   const HandlerTable& handlers = owner_.GetContext().handlers;
+  if (!handlers.Has(GetSelectedHandler())) return "";  // there are no handlers (any more)
   if (GetSelectedHandler() != UnknownHandler) return handlers.NameOf(GetSelectedHandler());
   const auto* unknown = dynamic_cast<const KeepsOriginalHandler*>(GetAddOnData());
   return unknown ? unknown->GetOriginalHandler() : handlers.NameOf(UnknownHandler);

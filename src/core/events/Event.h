@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "core/events/AddOnSlots.h"
 #include "core/events/Context.h"
@@ -123,6 +124,9 @@ class Event {
   /// Whether its action runs now, which needs it and its data.
   bool IsActing() const { return acting_; }
   void SetActing(bool acting) { acting_ = acting; }
+  /// The journal's record of the delivery under way; empty when there is none.
+  const std::string& GetDelivery() const { return delivery_; }
+  void SetDelivery(std::string record) { delivery_ = std::move(record); }
 
   /// Opens the editor, or activates it.
   void OpenWindow();
@@ -151,6 +155,7 @@ class Event {
   AddOnSlots handlers_;
   EditorWindow* window_ = nullptr;
   bool acting_ = false;
+  std::string delivery_;
   bool skipNag_ = false;
   bool skipPrewarn_ = false;
 };

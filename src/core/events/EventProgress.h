@@ -2,6 +2,7 @@
 // Nothing here delivers anything. Callers are the main thread.
 #pragma once
 
+#include "core/journal/JournalRecord.h"
 #include "kestrin/Types.h"
 
 namespace kestrin {
@@ -14,15 +15,17 @@ void DropPrewarnings(Event& event, int64 now);
 /// The state after a missed event that is not delivered.
 void PassOverMissed(Event& event);
 
-/// The state after what was due has been delivered; posts EVENT_DEALT_WITH. The event may be gone
-/// afterwards.
-void EventDelivered(Event& event);
+/// The state in which the event will be once what is due at `now` has been delivered.
+EventState StateAfterDelivery(const Event& event, int64 now);
+
+/// Puts the event into that state and posts EVENT_DEALT_WITH. The event may be gone afterwards.
+EventState EventDelivered(Event& event);
 
 /// Prewarnings and nags up to that moment are left out: the person will be reminded then.
 void PassRemindersOver(Event& event, int64 until);
 
-/// Advances the state as after a delivery, delivering nothing: for what was delivered before its
-/// set was read again. The event may be gone afterwards.
-void MoveOn(Event& event);
+/// Plain assignment, for what the file of a set does not know yet. The event may be gone
+/// afterwards.
+void AssignState(Event& event, const EventState& state);
 
 }  // namespace kestrin

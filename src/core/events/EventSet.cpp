@@ -1,7 +1,11 @@
 #include "core/events/EventSet.h"
 
+#include <cstdint>
+
 #include "core/events/EditRecorder.h"
+#include "core/events/EventIdentity.h"
 #include "core/events/OpenSets.h"
+#include "core/journal/Journal.h"
 #include "core/loop/AlertDesk.h"
 #include "core/loop/MessageQueue.h"
 #include "core/loop/Notices.h"
@@ -30,6 +34,7 @@ void EventSet::AppendRead(std::unique_ptr<Event> event) { events_.Append(std::mo
 Event* EventSet::AddEvent(std::unique_ptr<Event> event) {
   if (!event) event = std::make_unique<Event>(*this);
   Event* const added = event.get();
+  fileNames_.BeforeMove(*this);
   events_.Append(std::move(event));
   if (window_) window_->EventAdded(*added);
   if (window_ && added->GetShouldWindowOpen()) added->OpenWindow();
@@ -48,6 +53,7 @@ void EventSet::RestoreEvents(std::vector<EventList::Removed> removed) {
     const int32 next = event.GetNextEventTime();
     isAnyDue = isAnyDue || (event.GetActive() && next != 0 && next <= now);
   }
+  fileNames_.BeforeMove(*this);
   events_.Insert(std::move(removed));
   if (window_)
     for (Event* const event : events) window_->EventAdded(*event);
@@ -67,6 +73,7 @@ std::vector<EventList::Removed> EventSet::RemoveEvents(const std::vector<Event*>
     if (EditorWindow* const editor = event->GetWindow()) editor->CloseNow();
   }
   if (window_) window_->EventsRemoved(events);
+  for (const Event* const event : events) fileNames_.Removed(*event);
   std::vector<EventList::Removed> removed = events_.Remove(events);
   SetModified();
   context_.queue.Post(EVENT_SETS_CHANGED);
@@ -123,11 +130,30 @@ void EventSet::BecomeUntitled(const std::string& name) {
 }
 
 void EventSet::Saved(const std::string& path) {
+  if (untitled_ && context_.journal) context_.journal->Renamed(JournalPath(*this), path);
   SetFileName(path);
   untitled_ = modified_ = deliveryModified_ = false;
-  delivered_.Clear();
+  FollowNames();
   if (recorder_) recorder_->Saved();
   if (window_) window_->SetChanged();
+}
+
+/// The file calls the events by other names: so does the journal.
+void EventSet::FollowNames() {
+  const std::vector<NamesInFile::Renaming> renamings = fileNames_.Saved(*this);
+  Journal* const journal = context_.journal;
+  if (!journal || renamings.empty()) return;
+  const std::string path = JournalPath(*this);
+  if (!journal->Knows(path)) return;
+  // By way of names that nobody has, since one may have been given up for another.
+  const auto between = [](EventName name, size_t number) {
+    name.Place = INT32_MIN + static_cast<int32>(number);
+    return name;
+  };
+  for (size_t i = 0; i < renamings.size(); ++i)
+    journal->Renamed(path, renamings[i].first, between(renamings[i].second, i));
+  for (size_t i = 0; i < renamings.size(); ++i)
+    journal->Renamed(path, between(renamings[i].second, i), renamings[i].second);
 }
 
 void EventSet::Remember(bool remember) {

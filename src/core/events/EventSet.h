@@ -8,9 +8,9 @@
 #include <utility>
 #include <vector>
 
-#include "core/events/DeliveredLog.h"
 #include "core/events/Event.h"
 #include "core/events/EventList.h"
+#include "core/events/NamesInFile.h"
 #include "core/events/SetFile.h"
 #include "core/settings/SetLayout.h"
 #include "support/Locker.h"
@@ -64,6 +64,7 @@ class EventSet : public Locker {
   void CommitEdits();
 
   SetFile& File() { return *file_; }
+  const SetFile& File() const { return *file_; }
   using SavedBy = SetFile::SavedBy;
   bool SaveData(SavedBy by = SavedBy::User) { return file_->Save(by); }
   const std::string& WhyNotSaved() const { return file_->WhyNotSaved(); }
@@ -136,7 +137,7 @@ class EventSet : public Locker {
   void BecomeUntitled(const std::string& name);
   bool IsUntitled() const { return untitled_; }
 
-  DeliveredLog& Delivered() { return delivered_; }
+  NamesInFile& FileNames() { return fileNames_; }
   /// The last component of the file name.
   std::string GetLeaf() const;
   static std::string LeafOf(const std::string& path);
@@ -159,6 +160,7 @@ class EventSet : public Locker {
 
  private:
   void OpenEditors();
+  void FollowNames();
 
   Context& context_;
   uint64 handle_;
@@ -169,7 +171,7 @@ class EventSet : public Locker {
   SetWindow* window_ = nullptr;
   std::vector<std::unique_ptr<Event>> acting_;
   SetLayout layout_;
-  DeliveredLog delivered_;
+  NamesInFile fileNames_;
   bool modified_ = false;
   bool deliveryModified_ = false;
   int32 deliveries_ = 0;

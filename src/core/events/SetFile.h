@@ -25,7 +25,8 @@ class SetFile {
   /// succeeds, the new file is remembered for delivery or not, as `remember` says. With `remember`
   /// the earlier file is not remembered any longer; without, it goes on as it was left there.
   virtual bool SaveAs(const std::string& path, bool remember) = 0;
-  /// Writes into the file what deliveries have changed in it, without the user's changes.
+  /// Writes into the file what deliveries have changed in it, as the journal has it, without the
+  /// user's changes.
   virtual void SaveDeliveriesAlone() = 0;
 
   /// The set was read from a recovery copy: it goes by that name, unsaved, and the copy goes when

@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "core/events/EventIdentity.h"
 #include "core/events/EventSet.h"
 #include "core/files/EventSetFile.h"
+#include "core/journal/Journal.h"
 #include "support/WholeFile.h"
 
 namespace kestrin {
@@ -20,7 +22,11 @@ bool RecoveryFolder::SaveCopy(EventSet& set) {
   if (files_.MakeFolders(copies_) != StatusOk) return false;
   std::string& path = made_[set.GetHandle()];
   if (path.empty()) path = NewName(set);
-  return set.SaveCopy(path);
+  if (!set.SaveCopy(path)) return false;
+  // By the copy's path the next process knows the set.
+  Journal* const journal = set.GetContext().journal;
+  if (journal && set.IsUntitled()) journal->Renamed(JournalPath(set), path);
+  return true;
 }
 
 std::string RecoveryFolder::NewName(const EventSet& set) const {
@@ -47,17 +53,9 @@ std::vector<std::string> RecoveryFolder::Copies() const {
   return paths;
 }
 
-bool RecoveryFolder::RecordAlerts(const std::vector<Message>& alerts) {
-  if (alerts.empty())
-    return files_.Kind(alerts_) == FileKind::Missing || files_.Remove(alerts_) == StatusOk;
-  std::string lines;
-  for (const Message& alert : alerts) lines += alert.Flatten() + "\n";
-  return files_.MakeFolders(alerts_.substr(0, alerts_.rfind('/'))) == StatusOk &&
-         WriteWholeFile(files_, alerts_, lines) == StatusOk;
-}
-
-std::vector<Message> RecoveryFolder::RecordedAlerts() const {
+std::vector<Message> RecoveryFolder::OldAlerts() const {
   std::vector<Message> alerts;
+  if (files_.Kind(alerts_) == FileKind::Missing) return alerts;
   status_t status = StatusOk;
   const std::string lines = ReadWholeFile(files_, alerts_, status).value_or("");
   for (size_t at = 0; at < lines.size();) {
@@ -70,6 +68,10 @@ std::vector<Message> RecoveryFolder::RecordedAlerts() const {
     at = end + 1;
   }
   return alerts;
+}
+
+void RecoveryFolder::RemoveOldAlerts() {
+  if (files_.Kind(alerts_) != FileKind::Missing) files_.Remove(alerts_);
 }
 
 }  // namespace kestrin

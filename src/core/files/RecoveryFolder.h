@@ -1,4 +1,4 @@
-// What outlives a forced end: copies of sets that have no file, and the alerts that stood open.
+// What outlives a forced end: copies of sets that have no file.
 #pragma once
 
 #include <map>
@@ -12,7 +12,7 @@ namespace kestrin {
 
 class EventSet;
 
-/// Copies lie in "recovered" below the state folder, alerts in "open-alerts.json" beside it.
+/// Copies lie in "recovered" below the state folder.
 class RecoveryFolder {
  public:
   RecoveryFolder(FileDoor& files, const std::string& stateFolder);
@@ -24,9 +24,9 @@ class RecoveryFolder {
   /// Full paths, sorted.
   std::vector<std::string> Copies() const;
 
-  /// Replaces the record; an empty one removes the file.
-  bool RecordAlerts(const std::vector<Message>& alerts);
-  std::vector<Message> RecordedAlerts() const;
+  /// Open alerts as earlier versions recorded them, in "open-alerts.json" beside it.
+  std::vector<Message> OldAlerts() const;
+  void RemoveOldAlerts();
 
  private:
   std::string NewName(const EventSet& set) const;

@@ -4,7 +4,10 @@
 #include <system_error>
 #include <utility>
 
+#include "core/events/EventIdentity.h"
+#include "core/events/EventProgress.h"
 #include "core/events/EventSet.h"
+#include "core/journal/Journal.h"
 #include "core/loop/AppMessages.h"
 #include "core/loop/MessageQueue.h"
 #include "core/loop/Notices.h"
@@ -42,6 +45,21 @@ Stored MakeSet(Context& context, const std::string& name) {
   return {std::move(set), stored};
 }
 
+/// What the journal knows and the file does not: a delivery made it.
+void FollowJournal(EventSet& set, const std::string& path) {
+  const Journal* const journal = set.GetContext().journal;
+  if (!journal || !journal->Knows(path)) return;
+  std::vector<StoredEvent> events;
+  events.reserve(set.Events().size());
+  for (const auto& event : set.Events())
+    events.push_back(
+        {set.FileNames().Of(set, *event), RuleMark(event->Record()), StateOf(event->Record())});
+  const std::vector<std::optional<EventState>> states = journal->Follow(path, events);
+  const EventSet::DeliveryChange byDelivery(set);
+  for (size_t i = states.size(); i-- > 0;)
+    if (states[i]) AssignState(*set.Events()[i], *states[i]);
+}
+
 }  // namespace
 
 std::unique_ptr<EventSet> NewSet(Context& context, const std::string& untitledName) {
@@ -72,6 +90,7 @@ ConstructorResult StoredSetFile::Read(SetFileReport& report) {
   Notices& notices = set_.GetContext().notices;
   KnownOfFile().stamp = Files().Stamp(path);
   const ConstructorResult result = ReadSetFile(set_, path, report);
+  if (report.Fault.empty()) FollowJournal(set_, path);
   if (report.IsUnknownVersion && !report.IsKnown)
     notices.ReportError(
         "The EventSet file " + path +
@@ -176,8 +195,12 @@ bool StoredSetFile::SaveAs(const std::string& path, bool remember) {
   const bool wasRemembered = set_.DeliversUnseen();
   if (hadFile && !remember) SaveDeliveriesAlone();
   const Known before = KnownOfFile();
+  // What is known of a set that goes by another path goes with it.
+  Journal* const journal = hadFile && remember ? set_.GetContext().journal : nullptr;
+  if (journal) journal->Renamed(earlier, path);
   set_.SetFileName(path);
   if (!Save(SavedBy::User)) {
+    if (journal) journal->Renamed(path, earlier);
     set_.SetFileName(earlier);
     if (path != earlier) known_ = before;
     return false;
@@ -196,19 +219,15 @@ bool StoredSetFile::SaveAs(const std::string& path, bool remember) {
 
 void StoredSetFile::SaveDeliveriesAlone() {
   const std::string& path = set_.GetFileName();
-  if (set_.Delivered().Count() == 0 || set_.IsUntitled() ||
-      KnownOfFile().stamp != Files().Stamp(path))
-    return;
   Context& context = set_.GetContext();
+  const bool mayDiffer = context.journal && context.journal->Knows(path);
+  if (!mayDiffer || set_.IsUntitled() || KnownOfFile().stamp != Files().Stamp(path)) return;
   const Stored inFile = MakeSet(context, path);
   SetFileReport report;
   inFile.file->Read(report);
   if (!report.Fault.empty()) return;
-  set_.Delivered().MoveOnDelivered(*inFile.set, context.clock.Now());
-  if (inFile.set->HasBeenModified() && inFile.file->Save(SavedBy::Itself)) {
+  if (inFile.set->HasBeenModified() && inFile.file->Save(SavedBy::Itself))
     known_.stamp = inFile.file->known_.stamp;
-    set_.Delivered().ForgetDelivered();
-  }
 }
 
 void StoredSetFile::BecomeRecovered(const std::string& untitledName) {

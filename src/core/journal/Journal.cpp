@@ -48,6 +48,10 @@ void Journal::Index(RecordLog::Place place, const RecordLine* earlier, const Rec
   const std::string before = earlier ? KeyOf(earlier->Fields) : std::string();
   const std::string after = now ? KeyOf(now->Fields) : std::string();
   if (earlier && now && before == after) return;
+  if (earlier)
+    if (const auto set = bySet_.find(earlier->Fields.Text("set")); --set->second == 0)
+      bySet_.erase(set);
+  if (now) ++bySet_[now->Fields.Text("set")];
   if (earlier) {
     const auto found = byEvent_.find(before);
     if (found != byEvent_.end()) {

@@ -70,6 +70,8 @@ class Journal {
   /// All records, or those of one event, in order.
   std::vector<JournalRecord> All() const;
   std::vector<JournalRecord> About(const std::string& set, const EventName& event) const;
+  /// Whether there is any record about the set.
+  bool Knows(const std::string& set) const { return bySet_.contains(set); }
   /// The latest occurrence that was delivered, passed over or missed; nothing when none is known.
   std::optional<int32> LastOccurrence(const std::string& set, const EventName& event) const;
 
@@ -114,6 +116,7 @@ class Journal {
   RecordLog log_;
   History history_;
   std::unordered_map<std::string, Places> byEvent_;  ///< by set, name and handler
+  std::unordered_map<std::string, size_t> bySet_;    ///< how many
   std::unordered_set<std::string> foundAtStart_;     ///< ids
 };
 

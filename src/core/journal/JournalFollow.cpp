@@ -42,6 +42,12 @@ class Chain {
     return last->To;
   }
 
+  /// The records of that place are about the event that stands there.
+  void Take(int32 place) {
+    for (size_t i = 0; i < records_.size(); ++i)
+      if (records_[i].Event.Place == place) used_[i] = true;
+  }
+
   /// The file has what the records say of it.
   bool LeadsTo(const StoredEvent& event) const {
     return std::any_of(records_.begin(), records_.end(), [&event](const JournalRecord& record) {
@@ -81,6 +87,7 @@ std::vector<std::optional<EventState>> Journal::Follow(
     }
     chainOf[i] = &chain->second;
     states[i] = chain->second.FromState(events[i], true);
+    if (states[i] || chain->second.LeadsTo(events[i])) chain->second.Take(events[i].Name.Place);
   }
   for (size_t i = 0; i < events.size(); ++i) {
     if (!chainOf[i] || states[i]) continue;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <cstdlib>
 #include <limits>
 
 namespace kestrin {
@@ -82,6 +83,24 @@ KeptAlert AlertOfFields(const RecordFields& fields) {
   return alert;
 }
 
+/// The number, and for an event's own icon its bitmaps.
+std::string TextOfIcon(const AlertFace& face) {
+  const std::string number = std::to_string(face.IconNumber);
+  return face.OwnIcon.large.empty() ? number
+                                    : number + ":" + face.OwnIcon.large + face.OwnIcon.mini;
+}
+
+AlertFace FaceOf(const std::string& icon) {
+  AlertFace face;
+  face.IconNumber = icon.empty() ? -1 : std::atoi(icon.c_str());
+  const size_t bitmaps = icon.find(':');
+  if (bitmaps != std::string::npos &&
+      icon.size() - bitmaps - 1 == size_t{LargeIconBytes} + size_t{MiniIconBytes})
+    face.OwnIcon = {icon.substr(bitmaps + 1, LargeIconBytes),
+                    icon.substr(bitmaps + 1 + LargeIconBytes)};
+  return face;
+}
+
 }  // namespace
 
 const char* NameOf(ActStage stage) { return ActNames[static_cast<size_t>(stage)]; }
@@ -90,7 +109,7 @@ const char* NameOf(RecordKind kind) { return KindNames[static_cast<size_t>(kind)
 
 KeptAlert KeepAlert(const AlertRequest& request) {
   return {request.Role,    request.Kind,           request.Title,         request.Text,
-          request.Buttons, request.HarmlessButton, request.DefaultButton, std::string()};
+          request.Buttons, request.HarmlessButton, request.DefaultButton, TextOfIcon(request.Face)};
 }
 
 AlertRequest AlertOf(const KeptAlert& kept) {
@@ -105,6 +124,7 @@ AlertRequest AlertOf(const KeptAlert& kept) {
   };
   request.HarmlessButton = within(kept.HarmlessButton);
   request.DefaultButton = within(kept.DefaultButton);
+  request.Face = FaceOf(kept.Icon);
   return request;
 }
 

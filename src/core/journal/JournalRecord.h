@@ -37,10 +37,11 @@ struct KeptAlert {
   std::string Title, Text;
   std::vector<std::string> Buttons;
   int HarmlessButton = 0, DefaultButton = 0;
-  std::string Icon;  ///< the event's, in whatever form the asker gave it; may be empty
+  std::string Icon;  ///< the event's number and, for one of its own, ":" and the bitmaps
 };
 KeptAlert KeepAlert(const AlertRequest& request);
-/// Without handles and continuation. Buttons are never empty, the two numbers within them.
+/// Without handles, continuation and the event's name. Buttons are never empty, the two numbers
+/// within them.
 AlertRequest AlertOf(const KeptAlert& kept);
 
 struct JournalRecord {

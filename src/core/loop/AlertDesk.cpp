@@ -59,14 +59,11 @@ bool IsPromptAbout(const AlertRequest& request, uint64 set) {
   return request.Role == AlertRole::Prompt && request.Set == set;
 }
 
-bool HoldsSavesBack(const AlertRequest& request, uint64 set) {
-  return request.Role != AlertRole::Prompt && request.Set == set;
-}
-
 }  // namespace
 
 void AlertDesk::Show(AlertRequest request) {
   AssertNoSetLocked("AlertDesk::Show");
+  if (std::this_thread::get_id() == mainThread_) Record(request);
   std::unique_lock lock(guard_);
   const bool ended = ended_;
   if (!ended && request.Role == AlertRole::Prompt) {
@@ -84,13 +81,22 @@ void AlertDesk::Show(AlertRequest request) {
 
 AlertRequest AlertDesk::Open::Shown() const { return added ? Together(request, *added) : request; }
 
+int AlertDesk::Open::ButtonOfRequest(int which) const {
+  return request.Role == AlertRole::Question || !added ? which : request.HarmlessButton;
+}
+
+int AlertDesk::Open::ButtonOfAdded(int which) const {
+  return request.Role == AlertRole::Question ? added->HarmlessButton : which;
+}
+
 void AlertDesk::Open::AnswerAll(int which) {
-  const bool isQuestion = request.Role == AlertRole::Question;
-  Answer(request, isQuestion || !added ? which : request.HarmlessButton);
-  if (added) Answer(*added, isQuestion ? added->HarmlessButton : which);
+  const int ofAdded = added ? ButtonOfAdded(which) : 0;
+  Answer(request, ButtonOfRequest(which));
+  if (added) Answer(*added, ofAdded);
 }
 
 void AlertDesk::OpenWaiting() {
+  RecordShown();
   if (!ui_.HasScreen()) {
     for (size_t rest = CountWaiting(); rest > 0; --rest)
       if (auto request = TakeWaiting(0)) {
@@ -156,6 +162,26 @@ std::optional<AlertRequest> AlertDesk::TakeNext() {
   return std::nullopt;
 }
 
+void AlertDesk::Record(AlertRequest& request) {
+  if (keeper_) keeper_->Asked(request);
+  if (recorder_) recorder_->Shown(request);
+  request.IsRecorded = true;
+}
+
+/// What other threads have asked for. The recorder may have something to say itself: not under the
+/// guard.
+void AlertDesk::RecordShown() {
+  std::unique_lock lock(guard_);
+  for (size_t at = settled_; at < waiting_.size(); ++at) {
+    if (waiting_[at].IsRecorded) continue;
+    AlertRequest request = waiting_[at];
+    lock.unlock();
+    Record(request);
+    lock.lock();
+    waiting_[at] = std::move(request);
+  }
+}
+
 void AlertDesk::BringUpToDate() {
   // What a continuation adds meanwhile is left for the next turn.
   for (size_t rest = CountWaiting() - settled_; rest > 0; --rest) {
@@ -186,6 +212,7 @@ bool AlertDesk::ReplaceWaiting() {
 }
 
 void AlertDesk::Outdated(AlertRequest& request) {
+  if (recorder_) recorder_->Answered(request, request.HarmlessButton);
   if (keeper_) keeper_->Ended(request);
   AnswerHarmlessly(request);
 }
@@ -210,11 +237,19 @@ bool AlertDesk::TakeIntoOpen(AlertRequest& fresh) {
 void AlertDesk::Answered(AlertId id, int which) {
   const auto found = open_.find(id);
   if (found == open_.end()) return;
-  if (keeper_) {
-    keeper_->Ended(found->second.request);
-    if (found->second.added) keeper_->Ended(*found->second.added);
+  const Open& open = found->second;
+  const AlertRequest shown = open.Shown();
+  const bool isButton = which >= 0 && which < static_cast<int>(shown.Buttons.size());
+  const int pressed = isButton ? which : shown.HarmlessButton;
+  if (recorder_) {
+    recorder_->Answered(open.request, open.ButtonOfRequest(pressed));
+    if (open.added) recorder_->Answered(*open.added, open.ButtonOfAdded(pressed));
   }
-  Finish(id, which);
+  if (keeper_) {
+    keeper_->Ended(open.request);
+    if (open.added) keeper_->Ended(*open.added);
+  }
+  Finish(id, pressed);
 }
 
 /// Closed and answered; what is kept of it is another matter.
@@ -227,9 +262,7 @@ void AlertDesk::Finish(AlertId id, int which) {
                 return entry.second.place == RowPlace;
               });
   if (CountWaiting() > 0) queue_.Post(ALERTS_WAITING);
-  const AlertRequest shown = open.Shown();
-  const bool isButton = which >= 0 && which < static_cast<int>(shown.Buttons.size());
-  open.AnswerAll(isButton ? which : shown.HarmlessButton);
+  open.AnswerAll(which);
 }
 
 std::string AlertDesk::PutOff(AlertId id, const PutOffMoment& when) {
@@ -239,6 +272,10 @@ std::string AlertDesk::PutOff(AlertId id, const PutOffMoment& when) {
   std::string why = keeper_->Keep(shown, when);
   if (!why.empty()) return why;
   if (found->second.added) keeper_->Ended(*found->second.added);
+  if (recorder_) {
+    recorder_->PutOff(found->second.request);
+    if (found->second.added) recorder_->PutOff(*found->second.added);
+  }
   Finish(id, shown.HarmlessButton);
   return "";
 }
@@ -293,25 +330,13 @@ void AlertDesk::DismissPrompts() {
   for (AlertRequest& request : dismissed) AnswerHarmlessly(request);
 }
 
-bool AlertDesk::AnyFor(uint64 set) const {
-  if (std::any_of(open_.begin(), open_.end(),
-                  [set](const auto& entry) { return HoldsSavesBack(entry.second.request, set); }))
-    return true;
-  std::lock_guard lock(guard_);
-  return std::any_of(waiting_.begin(), waiting_.end(),
-                     [set](const AlertRequest& request) { return HoldsSavesBack(request, set); });
-}
-
 bool AlertDesk::Empty() const { return open_.empty() && CountWaiting() == 0; }
 
-std::vector<AlertRequest> AlertDesk::EndByForce() {
+void AlertDesk::EndByForce() {
+  RecordShown();
   BringUpToDate();
   std::map<AlertId, Open> open = std::exchange(open_, {});
-  std::vector<AlertRequest> ended;
-  for (const auto& [id, alert] : open) {
-    ui_.CloseAlert(id);
-    ended.push_back(alert.Shown());
-  }
+  for (const auto& [id, alert] : open) ui_.CloseAlert(id);
   std::deque<AlertRequest> waiting;
   {
     std::lock_guard lock(guard_);
@@ -319,11 +344,8 @@ std::vector<AlertRequest> AlertDesk::EndByForce() {
     settled_ = 0;
     waiting.swap(waiting_);
   }
-  std::copy(waiting.begin(), waiting.end(), std::back_inserter(ended));
   for (auto& [id, alert] : open) alert.AnswerAll(alert.Shown().HarmlessButton);
   for (AlertRequest& request : waiting) AnswerHarmlessly(request);
-  for (AlertRequest& request : ended) request.Done = nullptr;
-  return ended;
 }
 
 int32 AlertDesk::FreePlace() const {

@@ -6,8 +6,10 @@
 #include <map>
 #include <mutex>
 #include <optional>
+#include <thread>
 #include <vector>
 
+#include "core/loop/AlertRecorder.h"
 #include "core/loop/MessageQueue.h"
 #include "core/loop/PutOffKeeper.h"
 #include "core/ports/Alert.h"
@@ -25,7 +27,9 @@ class AlertDesk {
  public:
   static constexpr int32 MaxOpenAlerts = 24;
 
-  AlertDesk(MessageQueue& queue, AlertScreen& ui) : queue_(queue), ui_(ui) {}
+  /// Built in the main thread.
+  AlertDesk(MessageQueue& queue, AlertScreen& ui)
+      : queue_(queue), ui_(ui), mainThread_(std::this_thread::get_id()) {}
 
   /// Any thread. The request's Done is called exactly once, in the main thread: when the alert is
   /// answered, or with the harmless button when it is brought up to date by another or ended. Once
@@ -39,6 +43,8 @@ class AlertDesk {
   void Answered(AlertId id, int which);
   /// Who keeps what is put off. Without one nothing can be put off.
   void KeepWith(PutOffKeeper* keeper) { keeper_ = keeper; }
+  /// Who writes down what was shown and answered; may be null.
+  void RecordWith(AlertRecorder* recorder) { recorder_ = recorder; }
   bool CanPutOff() const { return keeper_ != nullptr; }
   /// From the user interface: the alert is to come back, and its Done gets the harmless answer. It
   /// stands open still when a sentence comes back that says why it cannot be put off.
@@ -51,13 +57,11 @@ class AlertDesk {
   bool Asks(uint64 event) const;
   /// A person is about to delete the event: what was put off for it does not return.
   void EventDeleted(uint64 set, uint64 event);
-  /// Whether an alert about the set, other than a prompt, stands open or waits.
-  bool AnyFor(uint64 set) const;
   bool Empty() const;
 
-  /// Closes everything with the harmless answer and returns what stood open or waited, in order.
+  /// Closes everything with the harmless answer, which counts as none: the recorder is not told.
   /// Later requests are answered harmlessly at once.
-  std::vector<AlertRequest> EndByForce();
+  void EndByForce();
 
  private:
   struct Open {
@@ -65,10 +69,15 @@ class AlertDesk {
     std::optional<AlertRequest> added;  ///< a reminder that stands in it as lines
     int32 place;
     AlertRequest Shown() const;
+    /// What each of the two is answered with when that button is pressed.
+    int ButtonOfRequest(int which) const;
+    int ButtonOfAdded(int which) const;
     void AnswerAll(int which);
   };
   static constexpr int MostTurnsWaited = 5000;
 
+  void Record(AlertRequest& request);
+  void RecordShown();
   void BringUpToDate();
   bool ReplaceWaiting();
   bool TakeIntoOpen(AlertRequest& fresh);
@@ -91,6 +100,8 @@ class AlertDesk {
   std::map<AlertId, Open> open_;
   AlertId nextId_ = 1;
   PutOffKeeper* keeper_ = nullptr;
+  AlertRecorder* recorder_ = nullptr;
+  const std::thread::id mainThread_;
   bool asWindow_ = false;  ///< reminders are rows
   int turnsWaited_ = 0;
 };

@@ -37,6 +37,7 @@ enum MessageCode : uint32 {
   BACKGROUND_GONE = FourCharCode("BgGn"),  ///< the background deliverer has ended
   BACKGROUND_LAUNCHED = FourCharCode("BgLd"),  ///< bools "runs", "inTrash": what has come of it
   FORCED_QUIT = FourCharCode("FrcQ"),          ///< a signal or the end of the desktop session
+  JOURNAL_SYNCED = FourCharCode("JrSy"),       ///< what was written down before is durable
   PASSES_AT_REST = FourCharCode("Rest"),  ///< nothing is due any more: save what delivery changed
 };
 

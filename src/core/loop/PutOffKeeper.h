@@ -14,6 +14,8 @@ class PutOffKeeper {
   /// The alert is safe on disk when this returns the empty text; else the text, a sentence for the
   /// person, says why it is not. Main thread.
   virtual std::string Keep(const AlertRequest& request, const PutOffMoment& when) = 0;
+  /// It is asked for: one that was put off before is known again.
+  virtual void Asked(AlertRequest& request) = 0;
   /// The alert is about to open: what stands unanswered of its event is added to its text.
   virtual void Opening(AlertRequest& request) = 0;
   /// It was answered by a person, or a later one took its place.

@@ -1,5 +1,6 @@
 #include <pthread.h>
 
+#include <chrono>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -23,6 +24,13 @@ bool ThreadWorkers::Start(const char* name, std::function<void()> work) {
     --*running_;
     return false;
   }
+}
+
+bool ThreadWorkers::StartLater(const char* name, int32 milliseconds, std::function<void()> work) {
+  return Start(name, [milliseconds, work = std::move(work)] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+    work();
+  });
 }
 
 }  // namespace kestrin

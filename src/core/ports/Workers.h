@@ -15,11 +15,14 @@ class Workers {
   /// Runs `work` in a thread of its own, named `name`. False when no thread can be had. The thread
   /// is not waited for at exit.
   virtual bool Start(const char* name, std::function<void()> work) = 0;
+  /// The same, after that time.
+  virtual bool StartLater(const char* name, int32 milliseconds, std::function<void()> work) = 0;
 };
 
 class ThreadWorkers final : public Workers {
  public:
   bool Start(const char* name, std::function<void()> work) override;
+  bool StartLater(const char* name, int32 milliseconds, std::function<void()> work) override;
   /// How many have not come back yet. What they work with must outlive them.
   int32 Running() const { return *running_; }
 

@@ -12,6 +12,7 @@
 #include "core/events/AddOnServices.h"
 #include "core/events/HandlerTable.h"
 #include "core/events/OpenSets.h"
+#include "core/journal/Journal.h"
 #include "core/journal/JournalRecord.h"
 #include "core/loop/AlertDesk.h"
 #include "core/loop/MessageCodes.h"
@@ -72,6 +73,7 @@ struct Parts {
   Parts(MessageQueue& messages, ApplicationBus& applicationBus)
       : queue(messages), bus(applicationBus) {
     context.filePanels = &filePanels;
+    context.journal = &journal;
     ui.Connect(context, app.Ending());
     faces.Connect(context);
   }
@@ -122,6 +124,9 @@ struct Parts {
   HandlerTable handlers;
   Context context{clock,   files,   queue,    holds,    ui,       alerts,         notices, desktop,
                   workers, actions, openSets, settings, handlers, Zone::System(), 1};
+  SystemProcesses processes;
+  Journal journal{files, processes, clock, StateFolder() + "/kestrin",
+                  [this](const std::string& words) { notices.ReportError(words); }};
   OpenSets openSets;
   const ServesAddOns serves{context};
   BusBackground background{bus.Connection(), files, queue};

@@ -170,26 +170,28 @@ TEST_F(KestrinAppQuitTest, ASetThatCannotBeSavedIsToldOnceAndCopied) {
   }
 }
 
-TEST_F(KestrinAppQuitTest, WhatDeliveriesChangedIsSavedOnceNothingOfTheSetIsOpen) {
+TEST_F(KestrinAppQuitTest, WhatDeliveriesChangedIsSavedOnceTheJournalIsDurable) {
   StartWith({DailyAt(Sunday + 8 * Hour)});
-  EXPECT_FALSE(Set(Work)->HasBeenModified()) << "nothing holds it";
   const std::string before = *Disk.Bytes(Work);
-  It->World.Time.JumpTo(Sunday + Day + 8 * Hour);
-  const uint64 handle = Set(Work)->GetHandle();
-  for (int holds = 0; holds < 2; ++holds) It->World.Holding.ProcessHold(handle);
-  It->World.Holding.ProcessDone(handle);
-  Post(Message(DELIVER_EVENTS));
-  EXPECT_EQ(Disk.Bytes(Work), before) << "until then a crash delivers again";
-  Message done(PROCESS_HOLD_DONE);
-  done.Set("EventSet", static_cast<int64>(handle));
-  Post(done);
+  It->World.Threads.How = FakeWorkers::Mode::Deferred;
+  It->World.Holding.ProcessHold(Set(Work)->GetHandle());  // an open alert, a running command
+  DeliverAt(Sunday + Day + 8 * Hour);
+  EXPECT_EQ(Disk.Bytes(Work), before);
+  It->World.Threads.RunPending();
+  Run();
   EXPECT_NE(Disk.Bytes(Work), before);
   EXPECT_FALSE(Set(Work)->HasBeenModified());
+  EXPECT_EQ(It->World.Holding.Count(), 2) << "the window, and what is open";
 
   It->World.Time.JumpTo(Sunday + 2 * Day + 8 * Hour);
   FirstEvent(Work).SetComment("mine");
   Post(Message(DELIVER_EVENTS));
   EXPECT_TRUE(Set(Work)->HasBeenModified()) << "what the user changed is theirs to save";
+  It->World.Threads.RunPending();
+  Disk.CutPower(false);
+  Now = It->World.Time.Now();
+  Start();
+  EXPECT_EQ(FirstEvent(Work).GetNextEventTime(), Sunday + 3 * Day + 8 * Hour);
 }
 
 TEST_F(KestrinAppQuitTest, AutomaticSavesReportOnceAndMakeNoCopy) {
@@ -229,22 +231,13 @@ TEST_F(KestrinAppQuitTest, AForcedEndKeepsEverything) {
   EXPECT_EQ(NameIn(Recovered), "typed");
   EXPECT_EQ(It->Background.Times.back(), Sunday + Day);
 
-  Start({}, {}, false);  // a start that can show nothing
-  Post(Message(FORCED_QUIT));
-  EXPECT_TRUE(Disk.Bytes(AlertFile)) << "what nobody has seen is kept";
-
   Start();
   EXPECT_THAT(Shown(), ElementsAre(Work, "Untitled event set 1"));
   EventSet* const again = Set("Untitled event set 1");
   EXPECT_TRUE(again->IsUntitled() && again->HasBeenModified());
-  ASSERT_THAT(Alerts(), ElementsAre("Sure?", "broken"));
-  EXPECT_EQ(It->World.Holding.Count(), 4);
-  Answer(1);
-
+  EXPECT_THAT(Alerts(), IsEmpty()) << "reports and prompts do not outlive their process";
+  Crash();
   Start();
-  EXPECT_THAT(Alerts(), ElementsAre("broken")) << "answered alerts are struck off at once";
-  Answer(0);
-  EXPECT_FALSE(Disk.Bytes(AlertFile));
   EventSet* const saved = Set("Untitled event set 1");
   saved->SetFileName(Home);
   ASSERT_TRUE(saved->SaveData());

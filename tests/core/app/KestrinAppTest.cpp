@@ -144,6 +144,8 @@ TEST_F(KestrinAppTest, WhatWasDueInASetThatIsOpenedMayHaveBeenMissed) {
   Post(Files({Home}));
   EXPECT_THAT(Delivered(), ElementsAre("Milk missed"));
   // And so is one that a changed setting lets deliver.
+  Crash();
+  Disk.Remove(JournalFile);
   WriteSet(Work, {DailyAt(Sunday + 7 * Hour)});
   Remember({Work});
   Configure([](KestrinSettings& settings) { settings.WhichEventsToDeliver = DeliverNothing; });

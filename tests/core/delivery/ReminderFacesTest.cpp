@@ -18,6 +18,7 @@ class Keeper final : public PutOffKeeper {
     KeptFor = when.moment;
     return Why;
   }
+  void Asked(AlertRequest&) override {}
   void Opening(AlertRequest&) override {}
   void Ended(const AlertRequest&) override {}
   void EventDeleted(uint64, uint64) override {}

@@ -1,0 +1,37 @@
+// What follows when the passes rest: the journal is made durable, then the sets that deliveries
+// have changed are saved, then the journal gives what is settled to the history.
+#pragma once
+
+#include <functional>
+
+#include "core/app/SavingByItself.h"
+#include "core/events/Context.h"
+
+namespace kestrin {
+
+/// Main thread. Both outlive this.
+class Settling {
+ public:
+  Settling(Context& context, SavingByItself& saving) : context_(context), saving_(saving) {}
+
+  /// PASSES_AT_REST.
+  void Rest();
+  /// JOURNAL_SYNCED: the worker is done.
+  void Synced();
+  /// At once, every modified set: the process may end any moment.
+  void SaveEverything();
+
+ private:
+  void Save();
+  void Settle(EventSet& set);
+  void KeepShort();
+  void Start(const char* name, std::function<void()> work);
+
+  Context& context_;
+  SavingByItself& saving_;
+  bool syncing_ = false;
+  bool again_ = false;
+  bool pruned_ = false;  ///< the history, in this process
+};
+
+}  // namespace kestrin

@@ -1,0 +1,64 @@
+#include "core/delivery/DeliveryRecord.h"
+
+#include <optional>
+#include <utility>
+
+#include "core/events/EventIdentity.h"
+#include "core/events/EventSet.h"
+#include "core/journal/Journal.h"
+#include "core/ports/EventActions.h"
+
+namespace kestrin {
+
+namespace {
+
+JournalRecord RecordOf(Event& event, const DeliveryRecord::Delivery& delivery, ActStage act) {
+  EventSet& set = *event.GetOwner();
+  JournalRecord record;
+  record.Set = JournalPath(set);
+  record.Event = set.FileNames().Of(set, event);
+  record.Rule = RuleMark(event.Record());
+  record.Kind = delivery.Kind;
+  record.From = delivery.From;
+  record.To = delivery.To;
+  record.Missed = delivery.Missed;
+  record.Trial = delivery.Trial;
+  record.Act = act;
+  return record;
+}
+
+}  // namespace
+
+DeliveryRecord::DeliveryRecord(Event& event, const Delivery& delivery)
+    : journal_(event.GetOwner()->GetContext().journal), to_(delivery.To) {
+  if (!journal_) return;
+  JournalRecord record = RecordOf(event, delivery, ActStage::Acting);
+  ActionPlan plan;
+  if (delivery.Kind == RecordKind::Event)
+    plan = event.GetOwner()->GetContext().actions.PlanOf(event);
+  record.Run = std::move(plan.Run);
+  record.Open = std::move(plan.Open);
+  if (!plan.OneSession) {
+    id_ = journal_->Begin(std::move(record));
+    return;
+  }
+  const std::optional<std::string> claimed = journal_->Claim(std::move(record));
+  mayAct_ = claimed.has_value();
+  id_ = claimed.value_or("");
+}
+
+void DeliveryRecord::Acted(const EventState& to) {
+  if (!journal_ || id_.empty()) return;
+  if (to != to_) journal_->Became(id_, to);
+  const std::optional<JournalRecord> record = journal_->Find(id_);
+  if (record && record->Act == ActStage::Acting) journal_->Stage(id_, ActStage::Acted);
+}
+
+void DeliveryRecord::WriteMissed(Event& event, const EventState& from) {
+  Journal* const journal = event.GetOwner()->GetContext().journal;
+  if (!journal) return;
+  const Delivery delivery{RecordKind::Event, from, StateOf(event.Record()), true, false};
+  journal->Begin(RecordOf(event, delivery, ActStage::Missed));
+}
+
+}  // namespace kestrin
