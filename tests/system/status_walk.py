@@ -1,5 +1,6 @@
 """Whether a reminder would come: each link of the way is broken in turn, and mended as it is told."""
 import pathlib
+import re
 import shutil
 import signal
 import subprocess
@@ -110,11 +111,40 @@ class Status(WorldTest):
                 os.rename(self.home / "hidden", self.home / file)
                 self.holds()
 
-        self.remember()
-        self.breaks("Sets that deliver", "none is remembered")
+        for reason, sets, choices in [("none is remembered", [], {}),
+                                      ("none, so say the settings", [self.tea], {"WhichEventsToDeliver": 4}),
+                                      ("only sets that are shown", [self.tea], {"WhichEventsToDeliver": 0})]:
+            self.remember(*sets, **choices)
+            self.breaks("Sets that deliver", reason)
+        self.write("config/Kestrin/KestrinSettings.json", "no settings")
+        self.breaks("Sets that deliver", "the settings cannot be read")
         said, broken = self.ask(DBUS_SESSION_BUS_ADDRESS="unix:path=/nowhere")
         self.assertIn("Session bus", broken, said)
         self.assertFalse(self.pid_of(APPLICATION))
+
+    def test_the_settings_window_shows_the_same_and_lets_one_come(self):
+        application = self.start(self.tea, program=self.path("programs/kestrin"))
+        self.until(lambda: re.search("Application +ok +the bus starts.*", self.ask()[0]), "the files for the bus")
+        said = [re.split("  +", line.strip()) for line in self.holds().splitlines()[2:-2]]
+        self.keys("day.kestrin", "alt+f", "t")
+        self.keys("Kestrin settings", "alt+e")
+        window = "Test reminders"
+
+        def texts():
+            return [node.get_name() for node in self.controls(window)]
+        self.until(lambda: "A reminder would reach you." in texts(), "the verdict")
+        self.assertEqual([text for line in said for text in (line[1], line[0], line[2])], [
+            text for text in texts()[2:-3] if text])
+        os.unlink(self.home / LOGIN)
+        self.keys(window, "alt+l")
+        self.until(lambda: any("This mends it:  mkdir -p" in text for text in texts()), "what mends the broken link")
+        self.keys(window, "alt+r")
+        self.until(lambda: self.now() < self.when() < self.due, "an earlier time with the deliverer")
+        self.keys("day.kestrin", "ctrl+q")
+        self.left(application)
+        self.alert("This reminder came through the deliverer.").press("Ok")
+        self.gone(APPLICATION)
+        self.assertEqual(self.when(), self.due)
 
 
 if __name__ == "__main__":

@@ -19,6 +19,7 @@ class KestrinSettings;
 class MessageQueue;
 class Notices;
 class OpenSets;
+class ReminderCheck;
 class UserInterface;
 class Workers;
 
@@ -40,6 +41,7 @@ struct Context {
   uint64 nextHandle = 1;                    ///< handles of sets and events; never reused
   DesktopFilePanels* filePanels = nullptr;  ///< null: the program shows panels of its own
   Journal* journal = nullptr;               ///< null: nothing is written down (a virtual engine)
+  ReminderCheck* reminderCheck = nullptr;   ///< null: nobody can be asked
 };
 
 }  // namespace kestrin

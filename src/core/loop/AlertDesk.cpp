@@ -280,6 +280,10 @@ std::string AlertDesk::PutOff(AlertId id, const PutOffMoment& when) {
   return "";
 }
 
+std::string AlertDesk::ShowAt(const AlertRequest& request, const PutOffMoment& when) {
+  return keeper_ ? keeper_->Keep(request, when) : "Nobody here keeps reminders.";
+}
+
 bool AlertDesk::Asks(uint64 event) const {
   if (std::any_of(open_.begin(), open_.end(), [event](const auto& entry) {
         return IsQuestionAbout(entry.second.request, event);

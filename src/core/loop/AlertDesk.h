@@ -49,6 +49,8 @@ class AlertDesk {
   /// From the user interface: the alert is to come back, and its Done gets the harmless answer. It
   /// stands open still when a sentence comes back that says why it cannot be put off.
   std::string PutOff(AlertId id, const PutOffMoment& when);
+  /// An alert that comes at that moment for the first time; what comes back is as above.
+  std::string ShowAt(const AlertRequest& request, const PutOffMoment& when);
   /// Brings the prompt about the set to the front; false when none stands open or waits.
   bool RaisePrompt(uint64 set);
   /// Closes every prompt, those that wait too, with its harmless answer.

@@ -11,11 +11,14 @@
 #include "interface/fields/DropDown.h"
 #include "interface/settings/ReminderSettings.h"
 #include "interface/settings/SelectedSetsView.h"
+#include "interface/settings/TestRemindersWindow.h"
 
 namespace kestrin {
 
 SettingsWindow::SettingsWindow(Context& context, DocumentApp& application)
-    : SideWindow(application), settings_(context.settings) {
+    : SideWindow(application), settings_(context.settings), openTest_([&context, &application] {
+        return new TestRemindersWindow(context, application);
+      }) {
   setObjectName("settingsWindow");
   setWindowTitle("Kestrin settings");
   auto* column = new QVBoxLayout(this);
@@ -88,7 +91,14 @@ QLayout* SettingsWindow::MakeList() {
   auto* column = new QVBoxLayout;
   column->addWidget(label);
   column->addWidget(sets_, 1);
-  column->addWidget(forget, 0, Qt::AlignLeft);
+  auto* test = new QPushButton("T&est reminders…");
+  test->setObjectName("testReminders");
+  connect(test, &QPushButton::clicked, this, &SettingsWindow::TestReminders);
+  auto* buttons = new QHBoxLayout;
+  buttons->addWidget(forget);
+  buttons->addStretch(1);
+  buttons->addWidget(test);
+  column->addLayout(buttons);
   return column;
 }
 
@@ -102,7 +112,13 @@ void SettingsWindow::ForgetSelected() {
   sets_->ForgetSelected();
 }
 
+void SettingsWindow::TestReminders() {
+  if (!test_ || test_->IsClosed()) test_ = openTest_();
+  test_->Activate();
+}
+
 void SettingsWindow::Closing() {
+  if (test_ && !test_->IsClosed()) test_->close();
   const AutoLock lock(settings_.Protect);
   if (!settings_.RememberWindowSetupAsDefault) return;
   settings_.SettingsWindowFrame = PlainFrameOf(*this);

@@ -1,6 +1,7 @@
 // The window of the application's settings.
 #pragma once
 
+#include <QPointer>
 #include <functional>
 #include <vector>
 
@@ -16,6 +17,7 @@ class KestrinSettings;
 class ReminderSettings;
 struct Context;
 class SelectedSetsView;
+class TestRemindersWindow;
 
 /// Every change takes effect at once. Opens where the settings say and leaves its place there when
 /// window setups are remembered.
@@ -38,8 +40,11 @@ class SettingsWindow final : public SideWindow {
                const QStringList& items, int32& setting);
   QLayout* MakeList();
   void ForgetSelected();
+  void TestReminders();
 
   KestrinSettings& settings_;
+  std::function<TestRemindersWindow*()> openTest_;
+  QPointer<TestRemindersWindow> test_;       ///< goes with this window
   std::vector<std::function<void()>> show_;  ///< for each control: brings it in step
   ReminderSettings* reminders_ = nullptr;
   SelectedSetsView* sets_ = nullptr;

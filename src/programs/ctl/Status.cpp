@@ -1,6 +1,7 @@
 // `kestrinctl status`: the way of a reminder to the person, link by link.
 #include <unistd.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
@@ -15,6 +16,7 @@
 #include "core/timing/DateTimeText.h"
 #include "core/timing/EventRecord.h"
 #include "programs/ctl/Commands.h"
+#include "programs/ctl/JsonWriter.h"
 #include "programs/ctl/LoginEntry.h"
 #include "programs/ctl/Probe.h"
 #include "programs/ctl/TextTable.h"
@@ -151,7 +153,8 @@ Link Chain::DisplayLink() const {
 
 Link Chain::LoginLink() const {
   const LoginEntry entry = FindLoginEntry(folder_ + "/kestrin");
-  const std::string text = entry.Path + (entry.Path.empty() ? "" : " ") + entry.Fault;
+  const bool both = !entry.Path.empty() && !entry.Fault.empty();
+  const std::string text = entry.Path + (both ? " " : "") + entry.Fault;
   return {"Start at login", text, entry.Mend};
 }
 
@@ -217,24 +220,44 @@ std::vector<Link> Chain::Links() {
   return links;
 }
 
-}  // namespace
+bool PrintJson(const std::vector<Link>& links) {
+  JsonWriter json(stdout);
+  json.BeginArray();
+  for (const Link& link : links) {
+    json.BeginObject();
+    json.Key("link");
+    json.String(link.Name);
+    json.Key("found");
+    json.String(link.Text);
+    json.Key("mend");
+    json.Text(link.Mend);
+    json.EndObject();
+  }
+  json.EndArray();
+  return json.Finish();
+}
 
-int Status(VirtualEngine& engine, const CtlArguments&) {
-  const std::vector<Link> links = Chain(engine).Links();
+bool PrintTable(const std::vector<Link>& links, bool broken) {
   const TextTable table({"Link", "", "What was found"});
   bool written = table.Print(stdout, links.size(), [&](size_t row, TextTable::Row& cells) {
     cells[0] = links[row].Name;
     cells[1] = links[row].Mend.empty() ? "ok" : "BROKEN";
     cells[2] = TextTable::Cell(links[row].Text, TextWidth);
   });
-  bool broken = false;
-  for (const Link& link : links) {
-    if (link.Mend.empty()) continue;
-    broken = true;
-    written = written &&
-              std::printf("\nBroken: %s. This mends it:\n%s\n", link.Name, link.Mend.c_str()) >= 0;
-  }
-  if (!broken) written = written && std::puts("\nA reminder would reach you.") >= 0;
+  for (const Link& link : links)
+    if (!link.Mend.empty())
+      written = written && std::printf("\nBroken: %s. This mends it:\n%s\n", link.Name,
+                                       link.Mend.c_str()) >= 0;
+  return written && (broken || std::puts("\nA reminder would reach you.") >= 0);
+}
+
+}  // namespace
+
+int Status(VirtualEngine& engine, const CtlArguments& arguments) {
+  const std::vector<Link> links = Chain(engine).Links();
+  const bool broken =
+      std::any_of(links.begin(), links.end(), [](const Link& link) { return !link.Mend.empty(); });
+  const bool written = arguments.json ? PrintJson(links) : PrintTable(links, broken);
   const int status = WrittenOut(written && std::fflush(stdout) == 0);
   return status == ExitSuccess && broken ? ExitBroken : status;
 }

@@ -29,7 +29,7 @@ constexpr char Usage[] =
     "time\n"
     "       kestrinctl check FILE...                  whether files can be read\n"
     "       kestrinctl rewrite IN OUT                 save IN again as OUT, in today's format\n"
-    "       kestrinctl status                         link by link, whether a reminder would reach "
+    "       kestrinctl status [--json]                link by link, whether a reminder would reach "
     "you\n"
     "       kestrinctl --help | --version\n"
     "\n"
@@ -53,7 +53,7 @@ constexpr Command Commands[] = {
     {"agenda", kestrin::AgendaCommand, "--json --startup --from --to", 1, AnyNumber},
     {"check", kestrin::Check, "", 1, AnyNumber},
     {"rewrite", kestrin::Rewrite, "", 2, 2},
-    {"status", kestrin::Status, "", 0, 0},
+    {"status", kestrin::Status, "--json", 0, 0},
 };
 
 int Wrong(const std::string& what) {

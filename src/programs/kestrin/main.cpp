@@ -30,6 +30,7 @@
 #include "session/ApplicationBus.h"
 #include "session/BusBackground.h"
 #include "session/BusNotifications.h"
+#include "session/CtlReminderCheck.h"
 #include "session/DisplayProbe.h"
 #include "session/LogindWatch.h"
 #include "session/PortalFilePanels.h"
@@ -74,6 +75,7 @@ struct Parts {
       : queue(messages), bus(applicationBus) {
     context.filePanels = &filePanels;
     context.journal = &journal;
+    context.reminderCheck = &reminderCheck;
     ui.Connect(context, app.Ending());
     faces.Connect(context);
   }
@@ -108,6 +110,7 @@ struct Parts {
   SystemFileDoor files;
   Holds holds{queue};
   PortalFilePanels filePanels{bus.Connection()};
+  CtlReminderCheck reminderCheck{ExecutableFolder()};
   ReminderSound sound{[] {
     QMetaObject::invokeMethod(
         qApp, [] { QApplication::beep(); }, Qt::QueuedConnection);

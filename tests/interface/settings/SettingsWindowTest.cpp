@@ -265,7 +265,7 @@ TEST_F(SettingsWindowTest, TabWalksThroughTheControlsFromTopToBottom) {
        {"rememberDefaults", "deliverEvents", "openRemembered", "withoutSet", "clock24",
         "showRemindersAs", "reminderBoxes", "eveningTime", "morningTime", "reminderSound",
         "reminderVolume", "soundUntilAnswered", "nagSoundUntilAnswered", "rememberedSets",
-        "forgetSelected", "rememberDefaults"}) {
+        "forgetSelected", "testReminders", "rememberDefaults"}) {
     ASSERT_TRUE(window.focusWidget());
     EXPECT_EQ(window.focusWidget()->objectName(), name);
     QTest::keyClick(window.focusWidget(), Qt::Key_Tab);
