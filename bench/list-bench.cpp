@@ -8,6 +8,7 @@
 // runs each.
 #include <time.h>
 
+#include <QAction>
 #include <QApplication>
 #include <QHeaderView>
 #include <QMouseEvent>
@@ -30,13 +31,15 @@
 #include "interface/QtUserInterface.h"
 #include "interface/list/ListEventView.h"
 #include "interface/sets/EventSetWindow.h"
+#include "interface/sets/SetCommands.h"
 
 namespace kestrin {
 namespace {
 
-enum Figure { Open, Sort, OneChange, ManyChanges, NumberOfFigures };
-constexpr std::array<const char*, NumberOfFigures> Names = {"open-and-paint", "sort-by-three-keys",
-                                                            "one-change", "ten-thousand-changes"};
+enum Figure { Open, Sort, OneChange, ManyChanges, DeleteAll, UndoAll, NumberOfFigures };
+constexpr std::array<const char*, NumberOfFigures> Names = {
+    "open-and-paint",       "sort-by-three-keys", "one-change",
+    "ten-thousand-changes", "delete-all",         "undo-delete-all"};
 constexpr int Many = 10000;
 
 double ProcessorMicroseconds() {
@@ -67,6 +70,12 @@ void ClickColumn(QTreeView& list, int column, Qt::KeyboardModifiers modifiers) {
                       type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton, modifiers);
     QCoreApplication::sendEvent(header->viewport(), &event);
   }
+}
+
+/// The menu item of that command.
+void Choose(const QWidget& window, uint32 command) {
+  for (QAction* action : window.findChildren<QAction*>())
+    if (action->data().toUInt() == command) action->trigger();
 }
 
 class Holder final : public DocumentApp {
@@ -106,6 +115,14 @@ bool MeasureOurs(const char* path, Best& best) {
   best.Measure(ManyChanges, [&set] {
     for (int i = 0; i < Many; ++i) set.Events()[static_cast<size_t>(i)]->SetName("Changed");
   });
+  list.setFocus();
+  best.Measure(DeleteAll, [&window, &list] {
+    list.selectAll();
+    Choose(window, DELETE_EVENT);
+  });
+  if (set.CountEvents() != 0) return false;
+  best.Measure(UndoAll, [&window] { Choose(window, UNDO_EDIT); });
+  if (set.CountEvents() < Many) return false;
   window.CloseNow();
   QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
   engine.openSets.Sets.clear();

@@ -11,7 +11,8 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 runs=${1:-5}
 copies=8334 # of the sample's twelve events
 # Microseconds.
-declare -A limits=([open-and-paint]=300000 [sort-by-three-keys]=200000 [one-change]=1000)
+declare -A limits=([open-and-paint]=300000 [sort-by-three-keys]=200000 [one-change]=1000
+  [delete-all]=300000 [undo-delete-all]=300000)
 
 cmake --preset release >/dev/null
 cmake --build --preset release --target make-sample list-bench >&2

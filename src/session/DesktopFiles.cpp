@@ -106,10 +106,15 @@ bool LaunchFile(const std::string& path) {
     return process > 0;
   }
   if (const auto entry = ReadDesktopEntry(path, status)) return Start(entry.get(), nullptr);
+  return OpenFileAt(path, {});
+}
+
+bool OpenFileAt(const std::string& path, const std::string& anchor) {
   const auto application = DefaultApplication(path);
-  if (!application) return false;
   const Held<char> uri(g_filename_to_uri(path.c_str(), nullptr, nullptr));
-  return uri && Start(application.get(), uri.get());
+  if (!application || !uri) return false;
+  const std::string place = anchor.empty() ? uri.get() : uri.get() + ("#" + anchor);
+  return Start(application.get(), place.c_str());
 }
 
 }  // namespace kestrin

@@ -15,4 +15,7 @@ FileDescription DescribeFile(const std::string& path);
 /// entry, or the default application of a document or folder. Any thread.
 bool LaunchFile(const std::string& path);
 
+/// Opens a document at the anchor of that name, in its default application. Any thread.
+bool OpenFileAt(const std::string& path, const std::string& anchor);
+
 }  // namespace kestrin

@@ -11,6 +11,9 @@ class SystemDesktop final : public Desktop {
  public:
   FileDescription Describe(const std::string& path) override { return DescribeFile(path); }
   bool Launch(const std::string& path) override { return LaunchFile(path); }
+  bool OpenPage(const std::string& path, const std::string& anchor) override {
+    return OpenFileAt(path, anchor);
+  }
   void RunCommand(const std::string& command) override { RunShellCommand(command); }
 };
 

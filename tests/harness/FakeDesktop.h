@@ -25,6 +25,9 @@ class FakeDesktop final : public Desktop {
     Launched.push_back(path);
     return LaunchWorks;
   }
+  bool OpenPage(const std::string& path, const std::string& anchor) override {
+    return Launch(anchor.empty() ? path : path + '#' + anchor);
+  }
   void RunCommand(const std::string& command) override { Commands.push_back(command); }
 };
 

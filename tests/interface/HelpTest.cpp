@@ -1,3 +1,6 @@
+#include <QFile>
+#include <QTabWidget>
+
 #include "harness/AppOnScreen.h"
 
 namespace kestrin {
@@ -8,6 +11,40 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 
 using HelpTest = AppOnScreen;
+
+/// Where F1 leads from each window and page is a chapter of the page.
+TEST_F(HelpTest, TheKeyOpensItAtTheChapterOfTheWindow) {
+  QFile shipped(QT_TESTCASE_SOURCEDIR "/../../docs/Kestrin documentation.html");
+  ASSERT_TRUE(shipped.open(QIODevice::ReadOnly));
+  const QString text = shipped.readAll();
+  ASSERT_TRUE(shipped.copy(Folder.filePath("Kestrin documentation.html")));
+  EventSet& set = OpenSet();
+  set.Events()[0]->OpenWindow();
+  auto* const editor = dynamic_cast<QWidget*>(set.Events()[0]->GetWindow());
+  It->Ui.ShowSettingsWindow();
+  const auto chapter = [&](QWidget* window) {
+    It->Machine.Launched.clear();
+    window->activateWindow();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(window));
+    QTest::keyClick(window, Qt::Key_F1);
+    Run();
+    const auto& launched = It->Machine.Launched;
+    const QString name = launched.empty() ? "" : QString(launched[0].c_str()).section('#', 1);
+    EXPECT_TRUE(text.contains("id=\"" + name + '"')) << name.toStdString();
+    return name.toStdString();
+  };
+  EXPECT_EQ(chapter(&WindowOf(set)), "sets");
+  auto* const tabs = editor->findChild<QTabWidget*>("tabs");
+  for (const char* page : {"actions", "kinds", "reminders", "reminders", "event"}) {
+    tabs->setFocus();
+    EXPECT_EQ(chapter(editor), page);
+    tabs->setCurrentIndex(tabs->currentIndex() + 1);
+  }
+  for (QWidget* window : QApplication::topLevelWidgets()) {
+    if (window->objectName() != "settingsWindow") continue;
+    EXPECT_EQ(chapter(window), "delivery");
+  }
+}
 
 TEST_F(HelpTest, OpensThePageBesideTheProgramOrSaysWhyNot) {
   EventSetWindow& window = WindowOf(NewSet());

@@ -83,7 +83,7 @@ class Notifications(WorldTest):
         self.remember(tea, ShowRemindersAs=WINDOWS)
         application = self.start(tea)
         self.keys("Tea.kestrin", "Home", "Return")
-        editor = "Event (set Tea.kestrin)"
+        editor = "Tea – Event (set Tea.kestrin)"
         self.in_front(editor)
         self.click_on(editor, "Action", "page tab")
         self.click_on(editor, "Text:", "text")

@@ -12,10 +12,11 @@ class Person(WorldTest):
         application = self.start()
         self.keys("Untitled event set 1", "ctrl+n")
         self.keys("Untitled event set 2", "ctrl+shift+n")
-        editor = "Event (set Untitled event set 2)"
+        editor = "Untitled – Event (set Untitled event set 2)"
         self.in_front(editor)
         self.has_focus(editor, "Name:")
         self.type("Water the plants\n")
+        editor = "Water the plants – Event"
         self.click_on(editor, "Message", "text")
         self.type("Two cans of rain.")
 
@@ -24,7 +25,7 @@ class Person(WorldTest):
         self.type(self.path("home/Plants"))
         self.click_on("Save event set", "Remember for delivery", "check box")
         self.click_on("Save event set", "Save", "push button")
-        editor = "Event (set Plants.kestrin)"
+        editor = "Water the plants – Event (set Plants.kestrin)"
         self.in_front(editor)
         self.click_on(editor, "When", "page tab")
         self.click_on(editor, "Date", "text")
@@ -64,7 +65,7 @@ class Person(WorldTest):
         self.keys("Save event set", "Escape")
 
         self.keys("Busy.kestrin", "ctrl+shift+n")
-        self.keys("Event (set Busy", "ctrl+w")
+        self.keys("Untitled – Event (set Busy", "ctrl+w")
         self.keys("Busy.kestrin", "ctrl+w")
         question = self.alert("Save changes to the document")
         two, alert = self.ring("Two")
@@ -84,7 +85,7 @@ class Person(WorldTest):
         self.start(set_of("From"))
 
         def copied():
-            self.keys("From.kestrin", "space", "ctrl+c")
+            self.keys("From.kestrin", "Home", "ctrl+c")
             return self.output(*xclip, "text/plain", "-o") == "Tea \u2615 & cake".encode()
         self.until(copied, "the name")
         event = self.output(*xclip, kind, "-o")
@@ -128,7 +129,7 @@ class ReadAloud(WorldTest):
             "Tea", self.now() + 3600, ApplyPrewarn=1, ApplyPrewarnRepeat=1, ApplyNag=1)))
         self.look("Names.kestrin")
         self.keys("Names.kestrin", "Home", "Return")
-        editor = "Event (set Names.kestrin)"
+        editor = "Tea – Event (set Names.kestrin)"
         self.in_front(editor)
         for page in "Action", "Prewarning", "Nagging", "Comment", "When":
             self.click_on(editor, page, "page tab")

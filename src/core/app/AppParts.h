@@ -27,6 +27,8 @@ struct AppParts {
   std::string mark = "0";         ///< tells this process's records from those of all others
   /// Adds the sample's events to a set that nobody knows of yet.
   std::function<void(EventSet& set)> addSampleEvents = [](EventSet&) {};
+  /// Whether the region counts 24 hours, for the very first start; null: as the settings' default.
+  std::function<bool()> usesClock24 = nullptr;
 };
 
 }  // namespace kestrin

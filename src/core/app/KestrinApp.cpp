@@ -59,6 +59,9 @@ void KestrinApp::Construct() {
   background_.LaunchBackgroundApp(nullptr);
   const AutoLock settings(context_.settings.Protect);
   InitSettings(context_.settings, parts_.settings, context_.notices);
+  // The box begins as the region has it; from then on it is the person's.
+  if (parts_.usesClock24 && !parts_.settings.Get("WhichEventsToDeliver"))
+    context_.settings.Time24Hour = parts_.usesClock24();
   delivering_ = context_.settings.WhichEventsToDeliver;
   context_.settings.WhenChanged = [this] { context_.queue.Post(SETTINGS_CHANGED); };
   parts_.loadHandlers();
@@ -177,7 +180,7 @@ bool KestrinApp::WindowMessage(const Message& message) {
       context_.ui.ShowSettingsWindow();
       return true;
     case HELP_REQUESTED:
-      HelpRequested();
+      HelpRequested(message);
       return true;
     case ABOUT_REQUESTED:
       context_.ui.ShowAboutWindow();
@@ -251,7 +254,8 @@ bool KestrinApp::BackgroundMessage(const Message& message) {
   }
 }
 
-void KestrinApp::HelpRequested() {
+void KestrinApp::HelpRequested(const Message& message) {
+  const std::string chapter = message.Get<std::string>("Chapter").value_or("");
   const std::string path = parts_.KestrinDir + "/" + HelpFile;
   if (context_.files.Kind(path) == FileKind::Missing) {
     context_.notices.Inform(
@@ -263,8 +267,8 @@ void KestrinApp::HelpRequested() {
     return;
   }
   ending_.ProcessHold();
-  const bool started = context_.workers.Start("Help", [&context = context_, path] {
-    if (!context.desktop.Launch(path))
+  const bool started = context_.workers.Start("Help", [&context = context_, path, chapter] {
+    if (!context.desktop.OpenPage(path, chapter))
       context.notices.ReportCompoundError("Kestrin found no program that shows its help, \"", path,
                                           "\".  Any web browser does.");
     context.queue.Post(PROCESS_HOLD_DONE);

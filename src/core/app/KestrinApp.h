@@ -40,7 +40,7 @@ class KestrinApp {
 
   /// Re-reads an open set from its file; what was delivered stays delivered.
   void RevertToSavedIfRemembered(const std::string& path);
-  void HelpRequested();
+  void HelpRequested(const Message& message);
   /// The system's zone has changed, or may have: recomputes every set if so.
   void CheckZone();
 

@@ -54,6 +54,7 @@ class EmptyDesktop final : public Desktop {
  public:
   FileDescription Describe(const std::string&) override { return {}; }
   bool Launch(const std::string&) override { return false; }
+  bool OpenPage(const std::string&, const std::string&) override { return false; }
   void RunCommand(const std::string&) override {}
 };
 

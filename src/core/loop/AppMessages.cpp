@@ -43,4 +43,10 @@ Message SetDiscarded(const std::string& path) {
   return discarded;
 }
 
+Message HelpAt(const std::string& chapter) {
+  Message message(HELP_REQUESTED);
+  message.Set("Chapter", chapter);
+  return message;
+}
+
 }  // namespace kestrin

@@ -23,6 +23,9 @@ Message AlertReply(MessageCode code, uint64 set, uint64 event, int32 occurrence,
 /// OPEN_FILES, with windows or without.
 Message OpenFiles(const std::vector<std::string>& paths, bool window = true);
 
+/// HELP_REQUESTED for a chapter: the id of a heading of the page.
+Message HelpAt(const std::string& chapter);
+
 /// SET_DISCARDED.
 Message SetDiscarded(const std::string& path);
 

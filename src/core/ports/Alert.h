@@ -18,7 +18,7 @@ inline constexpr int32 RowPlace = -1;
 /// The place of one that is heard here and seen elsewhere.
 inline constexpr int32 NoPlace = -2;
 
-enum class AlertKind { Information, Warning };
+enum class AlertKind { Information, Warning, Question };
 
 /// What an alert is for. A Prewarning or Nag brings the one that still stands open for the same
 /// event up to date instead of joining it. A Prompt answers what the person just did: it opens

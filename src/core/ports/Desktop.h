@@ -22,6 +22,8 @@ class Desktop {
   virtual FileDescription Describe(const std::string& path) = 0;
   /// Starts an application or opens a document. False when that fails; already running is success.
   virtual bool Launch(const std::string& path) = 0;
+  /// Opens a page in what shows such pages, at the anchor of that name.
+  virtual bool OpenPage(const std::string& path, const std::string& anchor) = 0;
   /// Runs a shell command and waits for it. What it starts outlives the application.
   virtual void RunCommand(const std::string& command) = 0;
 };

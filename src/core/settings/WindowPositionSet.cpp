@@ -37,6 +37,16 @@ void WindowPositionSet::SetDefaultFrame(Rect frame) {
   steps_ = 0;
 }
 
+bool WindowPositionSet::Gives(Rect frame) const {
+  for (int32 step = 0; step <= MaxSteps; ++step) {
+    const float offset = Step * static_cast<float>(step);
+    if (frame == Rect{default_.left + offset, default_.top + offset, default_.right + offset,
+                      default_.bottom + offset})
+      return true;
+  }
+  return false;
+}
+
 Rect WindowPositionSet::MovedOntoScreen(Rect frame, Rect screen, Rect fallback) {
   if (!HoldsSomething(frame)) frame = fallback;
   if (!HoldsSomething(screen)) return frame;

@@ -14,6 +14,8 @@ class WindowPositionSet {
   Rect NextFrame();
   Rect DefaultFrame() const { return default_; }
   void SetDefaultFrame(Rect frame);
+  /// Whether that is one of the frames for new windows, so that nobody has chosen it.
+  bool Gives(Rect frame) const;
 
   /// `frame` moved, and only if need be shrunk, so that it lies within `screen`. A frame with
   /// values that are no numbers, or with nothing inside, becomes `fallback` first.

@@ -41,15 +41,37 @@ void DrawWarning(QPainter& painter) {
   DrawMark(painter, QColor::fromRgba(WarningMark), 0.38, 0.58, 0.77);
 }
 
+void DrawQuestion(QPainter& painter) {
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(InformationColour);
+  painter.drawEllipse(QRectF(0.02, 0.02, 0.96, 0.96));
+  QPainterPath hook(QPointF(0.36, 0.38));
+  hook.arcTo(QRectF(0.36, 0.22, 0.28, 0.28), 170, -215);
+  hook.quadTo(0.5, 0.52, 0.5, 0.61);
+  painter.setBrush(Qt::NoBrush);
+  painter.setPen(QPen(Qt::white, 0.1, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+  painter.drawPath(hook);
+  painter.drawPoint(QPointF(0.5, 0.77));
+}
+
+QStyle::StandardPixmap StandardOf(AlertKind kind) {
+  switch (kind) {
+    case AlertKind::Warning:
+      return QStyle::SP_MessageBoxWarning;
+    case AlertKind::Question:
+      return QStyle::SP_MessageBoxQuestion;
+    default:
+      return QStyle::SP_MessageBoxInformation;
+  }
+}
+
 }  // namespace
 
 QPixmap AlertIcon(AlertKind kind, int size, const QWidget& alert) {
   const qreal ratio = alert.devicePixelRatioF();
-  const bool isWarning = kind == AlertKind::Warning;
   if (QIcon::themeName() != QIcon::fallbackThemeName()) {
-    const auto standard =
-        isWarning ? QStyle::SP_MessageBoxWarning : QStyle::SP_MessageBoxInformation;
-    return alert.style()->standardIcon(standard, nullptr, &alert).pixmap(QSize(size, size), ratio);
+    const QIcon standard = alert.style()->standardIcon(StandardOf(kind), nullptr, &alert);
+    return standard.pixmap(QSize(size, size), ratio);
   }
   QPixmap picture(QSize(size, size) * ratio);
   picture.setDevicePixelRatio(ratio);
@@ -57,8 +79,10 @@ QPixmap AlertIcon(AlertKind kind, int size, const QWidget& alert) {
   QPainter painter(&picture);
   painter.setRenderHint(QPainter::Antialiasing);
   painter.scale(size, size);
-  if (isWarning)
+  if (kind == AlertKind::Warning)
     DrawWarning(painter);
+  else if (kind == AlertKind::Question)
+    DrawQuestion(painter);
   else
     DrawInformation(painter);
   return picture;

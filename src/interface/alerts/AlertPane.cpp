@@ -41,8 +41,12 @@ class MenuButton final : public QPushButton {
 
 bool IsQuestion(const AlertRequest& request) { return request.Role == AlertRole::Question; }
 
-QString ButtonText(const std::string& label, bool isQuestion) {
+/// Reminders take few letters, so that none is pressed by accident; a prompt answers what the
+/// person just did.
+QString ButtonText(const std::string& label, AlertRole role) {
   const QString text = WithoutMnemonic(ShownLine(label));
+  if (role == AlertRole::Prompt) return text == "Don't save" ? "Do&n't save" : "&" + text;
+  const bool isQuestion = role == AlertRole::Question;
   const bool hasLetter = text.startsWith("No more ") || (isQuestion && text == "Ok");
   return hasLetter ? "&" + text : text;
 }
@@ -143,10 +147,9 @@ void AlertPane::ShowRequest(const AlertRequest& request, bool mayOpen) {
 }
 
 void AlertPane::ShowButtons(const std::vector<std::string>& labels) {
-  const bool question = IsQuestion(request_);
-  if (labels == labels_ && question == lettersOfQuestion_) return;
+  if (labels == labels_ && request_.Role == lettersOf_) return;
   labels_ = labels;
-  lettersOfQuestion_ = question;
+  lettersOf_ = request_.Role;
   for (QPushButton* button : std::exchange(buttons_, {})) {
     button->disconnect(this);
     button->setObjectName(QString());
@@ -157,7 +160,7 @@ void AlertPane::ShowButtons(const std::vector<std::string>& labels) {
   if (inPlace_) width = QPushButton("No more prewarnings").sizeHint().width();
   for (const std::string& label : labels) {
     const int which = static_cast<int>(buttons_.size());
-    auto* button = new QPushButton(ButtonText(label, question));
+    auto* button = new QPushButton(ButtonText(label, lettersOf_));
     button->setObjectName(QString("alertButton%1").arg(which));
     button->installEventFilter(this);
     connect(button, &QPushButton::clicked, this, [this, which] { Press(which); });

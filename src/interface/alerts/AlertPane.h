@@ -85,7 +85,7 @@ class AlertPane final : public QWidget {
   QElapsedTimer shown_;  ///< since the request is shown
   QTimer dueTimer_;
   std::vector<std::string> labels_;
-  bool lettersOfQuestion_ = false;
+  AlertRole lettersOf_ = AlertRole::Notice;
   std::vector<QPushButton*> buttons_;
   QPushButton* default_ = nullptr;
   QLabel* icon_ = nullptr;

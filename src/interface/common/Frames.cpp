@@ -47,6 +47,8 @@ Rect PlainFrameOf(const QWidget& window) {
   return FrameOf(isPlain ? window.geometry() : window.normalGeometry());
 }
 
+QRect RoomFor(const QRect& geometry) { return ScreenFor(geometry)->availableGeometry(); }
+
 QRect GeometryOnScreen(Rect stored, Rect fallback, QSize smallest) {
   const QRect wanted = Rounded(stored);
   QRect room = ScreenFor(wanted)->availableGeometry();

@@ -13,6 +13,9 @@ Rect FrameOf(const QRect& geometry);
 /// Where the window stands, or would stand if it did not fill the screen.
 Rect PlainFrameOf(const QWidget& window);
 
+/// The part of the screen that shows most of it, in which a window's frame may stand.
+QRect RoomFor(const QRect& geometry);
+
 /// The geometry, without the window manager's frame, of a window that opens at `stored`: on the
 /// screen that shows most of it, with room for a title bar. `fallback` is for frames that are none;
 /// below `smallest` the window cannot be shown.

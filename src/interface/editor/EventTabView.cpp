@@ -1,6 +1,8 @@
 #include "interface/editor/EventTabView.h"
 
+#include <QEvent>
 #include <QShortcut>
+#include <QTabBar>
 
 #include "core/events/EventSet.h"
 #include "interface/editor/EventActionView.h"
@@ -14,6 +16,7 @@ namespace kestrin {
 EventTabView::EventTabView(Event& event) {
   setObjectName("tabs");
   setAccessibleName("Pages of the event");
+  tabBar()->installEventFilter(this);
   AddPages(event);
   const int32 shown = event.Record().TabShown;
   setCurrentIndex(shown >= 0 && shown < count() ? shown : 0);
@@ -28,6 +31,28 @@ EventTabView::EventTabView(Event& event) {
   };
   turn(Qt::Key_PageUp, -1);
   turn(Qt::Key_PageDown, 1);
+}
+
+/// The letter of the page that is shown goes into it.
+bool EventTabView::eventFilter(QObject* bar, QEvent* event) {
+  if (bar == tabBar() && event->type() == QEvent::Shortcut)
+    QMetaObject::invokeMethod(
+        this,
+        [this, before = currentIndex()] {
+          if (currentIndex() == before) EnterPage();
+        },
+        Qt::QueuedConnection);
+  return QTabWidget::eventFilter(bar, event);
+}
+
+void EventTabView::EnterPage() {
+  const QWidget* const page = currentWidget();
+  for (QWidget* next = nextInFocusChain(); next != this; next = next->nextInFocusChain()) {
+    const bool takesFocus = (next->focusPolicy() & Qt::TabFocus) != 0 && next->isEnabled();
+    if (!takesFocus || !next->isVisible() || !page->isAncestorOf(next)) continue;
+    next->setFocus(Qt::TabFocusReason);
+    return;
+  }
 }
 
 void EventTabView::AddPages(Event& event) {

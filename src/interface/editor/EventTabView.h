@@ -28,7 +28,11 @@ class EventTabView final : public QTabWidget {
   void RemoveEditView();
   void AddEditView();
 
+ protected:
+  bool eventFilter(QObject* bar, QEvent* event) override;
+
  private:
+  void EnterPage();
   void AddPages(Event& event);
   void AddPage(EditorPage* page, const QString& label);
   void TurnTo(int by);

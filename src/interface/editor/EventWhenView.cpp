@@ -101,6 +101,8 @@ void EventWhenView::BuildPeriod(QGridLayout& grid) {
   });
   for (int32 type = 0; type < NumberOfPeriodTypes; ++type)
     periodType_->Add(type, PeriodTypeLabel(type));
+  for (int32 type = MultiAnnually; type <= SubDaily; ++type)
+    periodType_->SetTip(type, PeriodTypeTip(type));
   grid.addWidget(Caption("&Repeat:", periodType_), 0, CaptionColumn);
   grid.addWidget(periodType_, 0, ContentColumn, Qt::AlignLeft);
 }

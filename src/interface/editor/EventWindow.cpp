@@ -14,7 +14,9 @@
 #include "core/events/EventSet.h"
 #include "core/settings/KestrinSettings.h"
 #include "interface/common/Frames.h"
+#include "interface/common/HelpKey.h"
 #include "interface/common/ShownText.h"
+#include "interface/editor/EditorPlace.h"
 #include "interface/editor/EventTabView.h"
 #include "interface/editor/EventView.h"
 
@@ -54,6 +56,15 @@ void EventWindow::AddShortcuts() {
     auto* shortcut = new QShortcut(key, this);
     connect(shortcut, &QShortcut::activated, this, [this, key] { PassOn(key); });
   }
+  OpenHelpByKey(*this, event_->GetOwner()->GetContext(), [this] { return HelpChapter(); });
+}
+
+/// Of the page that is worked at.
+std::string EventWindow::HelpChapter() const {
+  constexpr const char* chapters[] = {"actions", "kinds", "reminders", "reminders", "event"};
+  const int page = tabs_->currentIndex();
+  const bool isAtHeader = header_->isAncestorOf(focusWidget());
+  return isAtHeader || page < 0 ? "event" : chapters[page];
 }
 
 /// Saving may have to ask where; what is undone may be of another event.
@@ -111,11 +122,26 @@ void EventWindow::ShowComplaint(const QString& last) {
 
 void EventWindow::OpenAtFrame() {
   layout()->activate();
-  setGeometry(
-      GeometryOnScreen(event_->Record().WindowFrame,
-                       event_->GetOwner()->GetContext().settings.EventWindowPosition.DefaultFrame(),
-                       minimumSizeHint()));
+  const WindowPositionSet& positions =
+      event_->GetOwner()->GetContext().settings.EventWindowPosition;
+  const Rect stored = event_->Record().WindowFrame;
+  const QRect inside = GeometryOnScreen(stored, positions.DefaultFrame(), minimumSizeHint());
+  const QMargins around(0, style()->pixelMetric(QStyle::PM_TitleBarHeight), 0, 0);
+  const QRect frame =
+      PlaceOfEditor({inside + around, !positions.Gives(stored), RoomFor(inside), FramesBeside()});
+  setGeometry(frame - around);
   opened_ = geometry();
+}
+
+/// The set's window comes first.
+std::vector<QRect> EventWindow::FramesBeside() const {
+  std::vector<QRect> frames;
+  const auto* const setWindow = dynamic_cast<QWidget*>(event_->GetOwner()->GetWindow());
+  if (setWindow && setWindow->isVisible()) frames.push_back(setWindow->frameGeometry());
+  for (const QWidget* widget : QApplication::topLevelWidgets())
+    if (widget != this && widget->isVisible() && qobject_cast<const EventWindow*>(widget))
+      frames.push_back(widget->frameGeometry());
+  return frames;
 }
 
 void EventWindow::Activate() {
@@ -126,7 +152,11 @@ void EventWindow::Activate() {
 }
 
 void EventWindow::Retitle() {
-  setWindowTitle(WindowTitle("Event (set " + event_->GetOwner()->GetLeaf() + ")"));
+  constexpr qsizetype LongestName = 60;
+  QString name = ShownLine(event_->GetName());
+  if (name.size() > LongestName) name = name.left(LongestName) + u'…';
+  const std::string described = " – Event (set " + event_->GetOwner()->GetLeaf() + ")";
+  setWindowTitle(WindowTitle(name.toStdString() + described));
 }
 
 void EventWindow::ShowEvent() {

@@ -48,6 +48,8 @@ class EventWindow final : public QWidget, public EditorWindow {
   void BuildComplaintLine();
   void AddPage(EditorPage* page);
   void OpenAtFrame();
+  std::vector<QRect> FramesBeside() const;
+  std::string HelpChapter() const;
   void StoreFrame();
   void CloseOwnPopup();
   void RememberAsDefault();

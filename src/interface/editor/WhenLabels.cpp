@@ -36,6 +36,23 @@ QString FromTheEnd(int32 number) { return number == 1 ? "Last" : Ordinal(number)
 }  // namespace
 
 QString PeriodTypeLabel(int32 periodType) { return LabelIn(PeriodTypeNames, periodType); }
+QString PeriodTypeTip(int32 periodType) {
+  switch (periodType) {
+    case MultiAnnually:
+      return "Every so many years, as every 2 years";
+    case MultiMonthly:
+      return "Every so many months, as every 3 months";
+    case MultiWeekly:
+      return "Every so many weeks, as every 2 weeks";
+    case MultiDaily:
+      return "Every so many days, as every 10 days";
+    case SubDaily:
+      return "Several times a day: every so many hours or minutes";
+    default:
+      return {};
+  }
+}
+
 QString TimingTypeLabel(int32 timingType) { return LabelIn(TimingTypeNames, timingType); }
 QString IntervalTypeLabel(int32 intervalType) { return LabelIn(IntervalTypeNames, intervalType); }
 QString WeekdayLabel(int32 weekday) { return LabelIn(DayNames, weekday); }

@@ -9,6 +9,8 @@ namespace kestrin {
 
 /// A number outside its table is called "Unknown (n)".
 QString PeriodTypeLabel(int32 periodType);
+/// What a kind is whose name does not say it; else empty.
+QString PeriodTypeTip(int32 periodType);
 QString TimingTypeLabel(int32 timingType);
 /// "years" and the like; empty for types without an interval and for SubDaily, which has a menu.
 QString IntervalUnitLabel(int32 periodType);

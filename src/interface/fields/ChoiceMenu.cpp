@@ -28,6 +28,12 @@ void ChoiceMenu::ShowValue(int32 value, const QString& labelOfOther) {
     item = otherItem_ = count() - 1;
   }
   setCurrentIndex(item);
+  if (hasTips_) setToolTip(itemData(item, Qt::ToolTipRole).toString());
+}
+
+void ChoiceMenu::SetTip(int32 value, const QString& tip) {
+  hasTips_ = true;
+  setItemData(findData(value), tip, Qt::ToolTipRole);
 }
 
 void ChoiceMenu::SetOffered(int32 value, bool offered) {

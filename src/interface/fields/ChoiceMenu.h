@@ -19,12 +19,15 @@ class ChoiceMenu final : public DropDown {
              QWidget* parent = nullptr);
 
   void Add(int32 value, const QString& label) { addItem(label, value); }
+  /// What the value's item, and the menu while it shows it, says beside its label.
+  void SetTip(int32 value, const QString& tip);
   /// Shows the value; one that is not on offer gets an item of its own while it is shown.
   void ShowValue(int32 value, const QString& labelOfOther);
   void SetOffered(int32 value, bool offered);
 
  private:
   int otherItem_ = -1;
+  bool hasTips_ = false;
 };
 
 }  // namespace kestrin

@@ -16,6 +16,10 @@ std::string Name(const QString& name) { return name.toLower().toStdString(); }
 
 }  // namespace
 
+bool UsesClock24(const QLocale& region) {
+  return !region.timeFormat(QLocale::ShortFormat).contains('a', Qt::CaseInsensitive);
+}
+
 QLocale RegionOf(const QWidget& widget) {
   const QWidget& window = *widget.window();
   return window.testAttribute(Qt::WA_SetLocale) ? window.locale() : QLocale::system();

@@ -10,6 +10,9 @@ class QWidget;
 namespace kestrin {
 
 /// The locale set on the widget's window, else the system's.
+/// Whether the region counts the hours of a day through.
+bool UsesClock24(const QLocale& region);
+
 QLocale RegionOf(const QWidget& widget);
 
 /// Its order of numbers, its names of weekdays and months, and the words known of its language.

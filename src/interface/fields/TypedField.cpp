@@ -113,7 +113,10 @@ void TypedField::focusInEvent(QFocusEvent* event) {
 
 void TypedField::focusOutEvent(QFocusEvent* event) {
   QLineEdit::focusOutEvent(event);
-  if (event->reason() != Qt::PopupFocusReason) Commit();
+  if (event->reason() == Qt::PopupFocusReason) return;
+  Commit();
+  // Of what is too long for the field its beginning tells most.
+  if (event->reason() != Qt::ActiveWindowFocusReason) setCursorPosition(0);
 }
 
 void TypedField::changeEvent(QEvent* event) {

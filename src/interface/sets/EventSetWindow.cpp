@@ -15,6 +15,7 @@
 #include "core/settings/KestrinSettings.h"
 #include "interface/common/DroppedFiles.h"
 #include "interface/common/Frames.h"
+#include "interface/common/HelpKey.h"
 #include "interface/common/ShownText.h"
 #include "interface/list/ListEventView.h"
 #include "interface/sets/EmptySetHint.h"
@@ -77,6 +78,7 @@ void EventSetWindow::ConnectCommands() {
   commands_->History().Changed = [this] { ShowSteps(); };
   connect(qApp, &QApplication::focusChanged, this, [this] { commands_->History().EndSitting(); });
   menus_->AddListKeys(*list_);
+  OpenHelpByKey(*this, set_->GetContext(), [] { return "sets"; });
   connect(saving_, &SetSaving::CloseAllowed, this, &EventSetWindow::CloseNow);
   list_->setContextMenuPolicy(Qt::CustomContextMenu);
   connect(list_, &QWidget::customContextMenuRequested, this, &EventSetWindow::ShowRowMenu);

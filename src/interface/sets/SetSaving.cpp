@@ -1,5 +1,6 @@
 #include "interface/sets/SetSaving.h"
 
+#include <QApplication>
 #include <QFile>
 #include <QWidget>
 #include <cstdio>
@@ -79,6 +80,7 @@ void SetSaving::AskToSave() {
   request.Buttons = {"Don't save", "Cancel", "Save"};
   request.HarmlessButton = Cancel;
   request.DefaultButton = SaveChanges;
+  request.Kind = AlertKind::Question;
   request.Role = AlertRole::Prompt;
   request.Set = set_->GetHandle();
   request.Done = [saving = QPointer(this)](int which) {
@@ -116,6 +118,7 @@ void SetSaving::OpenPanel(bool remember) {
     return;
   }
   const QString file = QFile::decodeName(QByteArray::fromStdString(set_->GetFileName()));
+  asker_ = QApplication::activeWindow();
   panel_ = new SaveNamePanel(window_, set_->GetContext().filePanels, file, remember);
   connect(panel_, &SaveNamePanel::NameChosen, this, [this](const QString& path, bool confirmed) {
     NameChosen(set_->GetContext().files.Canonical(PathBytes(path)), confirmed);
@@ -179,13 +182,21 @@ void SetSaving::SaveInto(const std::string& file) {
   const bool remember = panel_->Remember();
   const QPointer<SaveNamePanel> panel = std::exchange(panel_, nullptr);
   panel->CloseAccepted();
+  ReturnFocus();
   set_->CommitEdits();
   Done(set_->SaveAs(file, remember));
 }
 
 void SetSaving::PanelCancelled() {
   panel_ = nullptr;
+  ReturnFocus();
   if (quitOnceSaved_) GiveUpClosing();
+}
+
+/// An editor asks through its set's window, which the panel belongs to.
+void SetSaving::ReturnFocus() {
+  if (asker_ && asker_->isVisible()) asker_->activateWindow();
+  asker_ = nullptr;
 }
 
 void SetSaving::Done(bool saved) {

@@ -3,6 +3,7 @@
 
 #include <QObject>
 #include <QPointer>
+#include <QWidget>
 #include <string>
 
 namespace kestrin {
@@ -45,6 +46,7 @@ class SetSaving final : public QObject {
   void AskToReplace(const std::string& file);
   void SaveInto(const std::string& file);
   void PanelCancelled();
+  void ReturnFocus();
   void Done(bool saved);
   void AllowClosing();
   void GiveUpClosing();
@@ -53,6 +55,7 @@ class SetSaving final : public QObject {
   DocumentApp& application_;
   QWidget& window_;
   QPointer<SaveNamePanel> panel_;
+  QPointer<QWidget> asker_;  ///< the window that the panel was asked for in
   bool quitOnceSaved_ = false;
 };
 

@@ -8,6 +8,7 @@
 #include "core/events/Context.h"
 #include "core/settings/KestrinSettings.h"
 #include "interface/common/Frames.h"
+#include "interface/common/HelpKey.h"
 #include "interface/fields/DropDown.h"
 #include "interface/settings/ReminderSettings.h"
 #include "interface/settings/SelectedSetsView.h"
@@ -43,6 +44,7 @@ SettingsWindow::SettingsWindow(Context& context, DocumentApp& application)
   column->addSpacing(style()->pixelMetric(QStyle::PM_LayoutVerticalSpacing, nullptr, this));
   column->addLayout(MakeList(), 1);
   SettingsChanged();
+  OpenHelpByKey(*this, context, [] { return "delivery"; });
   const AutoLock lock(settings_.Protect);
   setGeometry(GeometryOnScreen(settings_.SettingsWindowFrame, SettingsValues().SettingsWindowFrame,
                                minimumSizeHint()));

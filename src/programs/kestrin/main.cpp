@@ -25,6 +25,7 @@
 #include "handlers/LoadEventHandlers.h"
 #include "handlers/SampleEvents.h"
 #include "interface/QtUserInterface.h"
+#include "interface/fields/Region.h"
 #include "programs/Asked.h"
 #include "programs/kestrin/DesktopSession.h"
 #include "session/ApplicationBus.h"
@@ -94,7 +95,8 @@ struct Parts {
             Zone::System,
             [] { QCoreApplication::exit(); },
             ProcessMark(),
-            [](EventSet& set) { SampleEvents(set).AddSample(WelcomeAfter); }};
+            [](EventSet& set) { SampleEvents(set).AddSample(WelcomeAfter); },
+            [] { return UsesClock24(QLocale::system()); }};
   }
 
   void Sound() {

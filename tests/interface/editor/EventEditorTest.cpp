@@ -28,9 +28,9 @@ TEST_F(EventEditorTest, ANewEventIsReadyToBeNamed) {
 
 TEST_F(EventEditorTest, TheTitleAndTheHeaderShowThingsAsTheyAreNow) {
   OpenNew();
-  EXPECT_EQ(window->windowTitle(), "Event (set Home.kestrin)");
+  EXPECT_EQ(window->windowTitle(), "Water the plants – Event (set Home.kestrin)");
   set->SetFileName("/sets/a[*]b.kestrin");
-  EXPECT_EQ(window->windowTitle(), "Event (set a[*][*]b.kestrin)");
+  EXPECT_EQ(window->windowTitle(), "Water the plants – Event (set a[*][*]b.kestrin)");
   EXPECT_EQ(TextOf("actualTime"), "Mon, Nov 16 2026");
   EXPECT_EQ(TextOf("status"), "Waiting for event");
   event->SetName("by somebody else");
@@ -40,6 +40,7 @@ TEST_F(EventEditorTest, TheTitleAndTheHeaderShowThingsAsTheyAreNow) {
   QCoreApplication::sendPostedEvents(window);
   EXPECT_EQ(TextOf("nextTime"), "Sun, Nov 15 2026, 11:00:00 PM") << "no whole day";
   EXPECT_EQ(FieldText("eventName"), "by somebody else");
+  EXPECT_TRUE(window->windowTitle().startsWith("by somebody else – "));
   EXPECT_EQ(TextOf("status"), "Waiting for prewarning");
   EXPECT_EQ(Find("status").accessibleName(), "Status: Waiting for prewarning");
   Click("active");

@@ -54,8 +54,8 @@ TEST_P(LeavingTest, TheQuestionIsAskedOnceTakesTheFocusAndAfterSaveItLeaves) {
   std::vector<std::string> buttons;
   for (const QPushButton* button : alert->findChildren<QPushButton*>())
     if (button->isVisible()) buttons.push_back(button->text().toStdString());
-  EXPECT_THAT(buttons, ElementsAre("Don't save", "Cancel", "Save"));
-  EXPECT_EQ(qobject_cast<QPushButton*>(alert->focusWidget())->text(), "Save");
+  EXPECT_THAT(buttons, ElementsAre("Do&n't save", "&Cancel", "&Save"));
+  EXPECT_EQ(qobject_cast<QPushButton*>(alert->focusWidget())->text(), "&Save");
   QTest::keyClick(alert, Qt::Key_Escape);
   Run();
   ExpectStays();

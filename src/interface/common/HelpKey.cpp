@@ -1,0 +1,19 @@
+#include "interface/common/HelpKey.h"
+
+#include <QShortcut>
+#include <utility>
+
+#include "core/events/Context.h"
+#include "core/loop/AppMessages.h"
+#include "core/loop/MessageQueue.h"
+
+namespace kestrin {
+
+void OpenHelpByKey(QWidget& window, Context& context, std::function<std::string()> chapter) {
+  auto* key = new QShortcut(QKeySequence(Qt::Key_F1), &window);
+  QObject::connect(
+      key, &QShortcut::activated, &window,
+      [&queue = context.queue, chapter = std::move(chapter)] { queue.Post(HelpAt(chapter())); });
+}
+
+}  // namespace kestrin
