@@ -55,6 +55,12 @@ Locker::~Locker() {
 bool Locker::Lock() {
   if (!IsLocked()) CheckOrder(*this, rank_);
   mutex_.lock();
+  return Taken();
+}
+
+bool Locker::TryLock() { return mutex_.try_lock() && Taken(); }
+
+bool Locker::Taken() {
   const std::lock_guard<std::mutex> guard(ownerGuard_);
   owner_ = std::this_thread::get_id();
   if (++depth_ == 1) NoteTaken(*this, rank_);

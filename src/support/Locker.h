@@ -21,12 +21,16 @@ class Locker {
   Locker& operator=(const Locker&) = delete;
 
   bool Lock();
+  /// False, at once, when another thread has it.
+  bool TryLock();
   /// A release by a thread that does not hold the lock is ignored.
   void Unlock();
   bool IsLocked() const;  ///< by the calling thread
   const std::string& Name() const { return name_; }
 
  private:
+  bool Taken();
+
   std::string name_;
   LockRank rank_;
   std::recursive_mutex mutex_;

@@ -1,9 +1,16 @@
 #include "core/app/KestrinApp.h"
 
 #include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <future>
+#include <memory>
+#include <thread>
 #include <utility>
 
 #include "core/app/OldOpenAlerts.h"
+#include "core/delivery/UnfinishedActs.h"
 #include "core/events/EventSet.h"
 #include "core/events/OpenSets.h"
 #include "core/journal/Journal.h"
@@ -22,6 +29,8 @@ namespace kestrin {
 
 namespace {
 
+constexpr std::chrono::seconds MostTimeForCopies(2);
+
 constexpr char HelpFile[] = "Kestrin documentation.html";
 
 }  // namespace
@@ -29,15 +38,13 @@ constexpr char HelpFile[] = "Kestrin documentation.html";
 KestrinApp::KestrinApp(Context& context, AppParts parts)
     : context_(context),
       parts_(std::move(parts)),
-      pass_(
-          context,
-          [this](const Message& message, bool mayFail) {
-            if (mayFail)
-              parts_.background.Launch(&message, {});
-            else
-              background_.LaunchBackgroundApp(&message);
-          },
-          [this] { saving_.SaveRecoveryCopies(); }),
+      pass_(context,
+            [this](const Message& message, bool mayFail) {
+              if (mayFail)
+                parts_.background.Launch(&message, {});
+              else
+                background_.LaunchBackgroundApp(&message);
+            }),
       later_(context.files, parts_.stateFolder, parts_.mark,
              [this](const std::string& words) { context_.notices.ReportError(words); }),
       putOff_(context, later_),
@@ -46,16 +53,33 @@ KestrinApp::KestrinApp(Context& context, AppParts parts)
       saving_(context, recovery_),
       settling_(context, saving_),
       openAlerts_(context),
+      watch_([this](const std::string& record) { ActionOverruns(record); }),
       absent_(context, parts_.stateFolder),
       opening_(context, recovery_, absent_, parts_.addSampleEvents),
       ending_(context, parts_, pass_, settling_, background_) {}
 
 KestrinApp::~KestrinApp() {
+  context_.watch = nullptr;
   context_.settings.WhenChanged = nullptr;
   context_.alerts.KeepWith(nullptr);
 }
 
+/// In the watch's thread, while the action blocks the main one. Writing copies may block as well,
+/// by what the action holds.
+void KestrinApp::ActionOverruns(const std::string& record) {
+  if (context_.journal && !record.empty()) context_.journal->FailedNow(record, Overrun);
+  const auto written = std::make_shared<std::promise<void>>();
+  std::thread([this, written] {
+    saving_.SaveRecoveryCopies();
+    written->set_value();
+  }).detach();
+  written->get_future().wait_for(MostTimeForCopies);
+  std::fputs("Add-ons may not block or take more than one second to deal with an event\n", stderr);
+  std::abort();
+}
+
 void KestrinApp::Construct() {
+  context_.watch = &watch_;
   background_.LaunchBackgroundApp(nullptr);
   const AutoLock settings(context_.settings.Protect);
   InitSettings(context_.settings, parts_.settings, context_.notices);
@@ -105,6 +129,7 @@ void KestrinApp::ReadyToRun() {
     for (const JournalRecord& record : TakeOverOldAlerts(context_, recovery_))
       openAlerts_.Show(record);
   openAlerts_.ShowAgain();
+  GoOnWithUnfinishedActs(context_);
   CheckZone();
   if (!DeliverOnly) pass_.PassWithStartupFlag();
   if (!BackgroundOnlyStartup && !DeliverOnly) return;

@@ -11,6 +11,7 @@
 #include "core/app/SavingByItself.h"
 #include "core/app/SetOpening.h"
 #include "core/app/Settling.h"
+#include "core/delivery/ActionWatch.h"
 #include "core/delivery/DeliveryPass.h"
 #include "core/delivery/OpenAlerts.h"
 #include "core/delivery/PutOffAlerts.h"
@@ -59,6 +60,7 @@ class KestrinApp {
   void Activate();
   bool BackgroundMessage(const Message& message);
   void SettingsChanged();
+  void ActionOverruns(const std::string& record);
   void RecomputeAll();
 
   Context& context_;
@@ -71,6 +73,7 @@ class KestrinApp {
   SavingByItself saving_;
   Settling settling_;
   OpenAlerts openAlerts_;
+  ActionWatch watch_;
   AbsentSets absent_;
   SetOpening opening_;
   AppEnding ending_;

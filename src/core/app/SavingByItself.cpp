@@ -35,11 +35,13 @@ void SavingByItself::SaveModifiedSets() {
 }
 
 bool SavingByItself::SaveItself(EventSet& set) {
+  const uint64 before = set.File().Digest();
   if (!set.SaveData(EventSet::SavedBy::Itself)) {
     ReportUnsaved(set);
     return false;
   }
   reported_.erase(set.GetHandle());
+  recovery_.FollowSave(set, before);
   return true;
 }
 
@@ -52,9 +54,15 @@ void SavingByItself::ReportUnsaved(const EventSet& set) {
                                        set.GetFileName(), "." + Because(set.WhyNotSaved()));
 }
 
+/// What somebody has locked may be half changed: it is left out.
 void SavingByItself::SaveRecoveryCopies() {
-  for (const auto& set : context_.openSets.Sets)
-    if (set->HasBeenModified()) recovery_.SaveCopy(*set);
+  if (!context_.openSets.Protect.TryLock()) return;
+  for (const auto& set : context_.openSets.Sets) {
+    if (!set->TryLock()) continue;
+    if (set->HasBeenModified() && !set->OnlyDeliveriesChanged()) recovery_.SaveCopy(*set);
+    set->Unlock();
+  }
+  context_.openSets.Protect.Unlock();
 }
 
 }  // namespace kestrin

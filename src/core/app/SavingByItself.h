@@ -21,7 +21,7 @@ class SavingByItself {
   std::vector<uint64> SaveDeliveredSets();
   /// At the end: every modified set, as a recovery copy where its file cannot take it.
   void SaveModifiedSets();
-  /// Before an overrun stops the program: a copy of everything modified, whatever its state.
+  /// Any thread, before an overrun stops the program: a copy of what a person has changed.
   void SaveRecoveryCopies();
 
  private:

@@ -1,6 +1,7 @@
 #include "core/app/SetOpening.h"
 
 #include <cstdio>
+#include <optional>
 
 #include "core/events/EventSet.h"
 #include "core/events/OpenSets.h"
@@ -125,12 +126,26 @@ void SetOpening::OpenRecovered() {
   for (const std::string& path : recovery_.Copies()) {
     bool isOpen = false;
     for (const auto& set : context_.openSets.Sets) isOpen |= set->File().RecoveredFrom() == path;
-    if (isOpen) continue;
+    if (isOpen || OpenUnsaved(path)) continue;
     EventSet* const set = LoadSet(path);
     if (!set) continue;
     set->File().BecomeRecovered(GetNextUntitledWindowName());
     Show(*set);
   }
+}
+
+/// The copy of a set that has a file is that set with unsaved edits. One that somebody has edited
+/// since waits for the next start.
+bool SetOpening::OpenUnsaved(const std::string& copy) {
+  const std::optional<RecoveryFolder::Origin> origin = recovery_.OriginOf(copy);
+  if (!origin) return false;
+  EventSet* set = context_.openSets.FindFile(origin->File);
+  if (!set) set = LoadSet(origin->File, true);
+  if (!set) return false;
+  const bool isEdited = set->HasBeenModified() && !set->OnlyDeliveriesChanged();
+  if (!isEdited && !set->File().TakeUnsaved(copy, origin->Digest)) return false;
+  Show(*set);
+  return true;
 }
 
 void SetOpening::OpenUserInterface() {

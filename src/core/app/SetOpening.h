@@ -55,6 +55,7 @@ class SetOpening {
   void Used(const EventSet& set);
   std::string LastUsed() const;
   void OpenRecovered();
+  bool OpenUnsaved(const std::string& copy);
   void ReportOpening(ConstructorResult result, const std::string& path);
   void ForgetGone(const std::string& path);
 

@@ -52,9 +52,8 @@ bool ComputeAgenda(VirtualEngine& engine, const AgendaRequest& request,
     if (kind == DeliveryKind::Event) SpareFromDeletion(event);
   };
   std::optional<int32> next;
-  DeliveryPass pass(
-      engine.context, [&](const Message& message, bool) { next = message.Get<int32>("When"); },
-      [] {});
+  DeliveryPass pass(engine.context,
+                    [&](const Message& message, bool) { next = message.Get<int32>("When"); });
   due = EarliestDue(engine.openSets);
   pass.SetCounterForNextEvent(request.Startup);
   for (;;) {

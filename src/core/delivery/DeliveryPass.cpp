@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
+#include <utility>
 
 #include "core/delivery/EventDelivery.h"
 #include "core/delivery/PutOffAlerts.h"
@@ -24,15 +24,10 @@ namespace {
 constexpr int64 RetryWithoutScreen = 60;
 constexpr int32 MostLateness = 60;  // seconds; a wake-up that is later is like a start
 
-[[noreturn]] void StopInDebugger() {
-  std::fputs("Add-ons may not block or take more than one second to deal with an event\n", stderr);
-  std::abort();
-}
-
 }  // namespace
 
-DeliveryPass::DeliveryPass(Context& context, SendTime sendTime, std::function<void()> beforeStop)
-    : context_(context), sendTime_(std::move(sendTime)), beforeStop_(std::move(beforeStop)) {}
+DeliveryPass::DeliveryPass(Context& context, SendTime sendTime)
+    : context_(context), sendTime_(std::move(sendTime)) {}
 
 /// Ties go to the set that was opened first. Without a screen, what is due and needs one is passed
 /// over.
@@ -113,12 +108,7 @@ void DeliveryPass::PassWithStartupFlag() {
 
 void DeliveryPass::DealWith(const Earliest& earliest) {
   earliest.set->Lock();
-  const int64 begun = context_.clock.SteadyMicroseconds();
   DealWithEvent(*earliest.event, passStartup_);
-  if (context_.clock.SteadyMicroseconds() - begun > DealWithEventLimit) {
-    beforeStop_();
-    StopInDebugger();
-  }
   earliest.set->Unlock();
   earliest.set->DropActing();
   const AutoLock settings(context_.settings.Protect);

@@ -17,9 +17,9 @@ class PutOffAlerts;
 class DeliveryPass {
  public:
   /// Main thread. `sendTime` hands a NextEventMessage to the background deliverer; `mayFail` says
-  /// that failures are not reported. `beforeStop` is called before an overrun stops the program.
+  /// that failures are not reported.
   using SendTime = std::function<void(const Message& message, bool mayFail)>;
-  DeliveryPass(Context& context, SendTime sendTime, std::function<void()> beforeStop);
+  DeliveryPass(Context& context, SendTime sendTime);
 
   /// What was put off is one more source of the passes; outlives this.
   void Include(PutOffAlerts& putOff) { putOff_ = &putOff; }
@@ -54,15 +54,11 @@ class DeliveryPass {
 
   Context& context_;
   SendTime sendTime_;
-  std::function<void()> beforeStop_;
   PutOffAlerts* putOff_ = nullptr;
   std::function<int64()> alsoAt_;
   bool dealing_ = false;
   bool passStartup_ = false;
   bool nextIsStartup_ = false;
 };
-
-/// A handler may take that long, measured with the steady clock.
-inline constexpr int64 DealWithEventLimit = 1000000;
 
 }  // namespace kestrin

@@ -38,7 +38,7 @@ DeliveryRecord::DeliveryRecord(Event& event, const Delivery& delivery)
     plan = event.GetOwner()->GetContext().actions.PlanOf(event);
   record.Run = std::move(plan.Run);
   record.Open = std::move(plan.Open);
-  if (!plan.OneSession) {
+  if (!plan.OneSession || delivery.Trial) {
     id_ = journal_->Begin(std::move(record));
     return;
   }

@@ -2,13 +2,16 @@
 
 #include <cstdio>
 
+#include "core/delivery/ActionWatch.h"
 #include "core/delivery/DeliveryRecord.h"
 #include "core/events/Event.h"
 #include "core/events/EventIdentity.h"
 #include "core/events/EventProgress.h"
 #include "core/events/EventSet.h"
+#include "core/events/OpenSets.h"
 #include "core/loop/MessageQueue.h"
 #include "core/ports/EventActions.h"
+#include "core/settings/KestrinSettings.h"
 #include "core/timing/DateTimeText.h"
 #include "core/timing/EventTiming.h"
 #include "core/timing/EventTypes.h"
@@ -26,22 +29,31 @@ bool IsLate(const Event& event, int64 now) {
   return (!isOnItsDay || HasTimeOfDay(event.Record())) && actual < now - 60;
 }
 
-/// Whoever is at the windows while `act` runs may change the event, delete it, or close its set.
+/// Under the eyes of the watch, with the set unlocked. Whoever is at the windows meanwhile may
+/// change the event, delete it, or close its set.
+template <typename Action>
+void Act(Event& event, const DeliveryRecord& record, Action act) {
+  if (!record.MayAct()) return;
+  EventSet& owner = *event.GetOwner();
+  ActionWatch* const watch = owner.GetContext().watch;
+  const EventSet::ActionRuns running(owner);
+  event.SetActing(true);
+  event.SetDelivery(record.Id());
+  owner.Unlock();
+  if (watch) watch->Begin(record.Id());
+  act();
+  if (watch) watch->End();
+  owner.Lock();
+  event.SetDelivery("");
+  event.SetActing(false);
+}
+
 template <typename Action>
 void Deliver(Event& event, const DeliveryRecord::Delivery& delivery, Action act) {
   EventSet& owner = *event.GetOwner();
   const EventState due = StateOf(event.Record());
   DeliveryRecord record(event, delivery);
-  if (record.MayAct()) {
-    const EventSet::ActionRuns running(owner);
-    event.SetActing(true);
-    event.SetDelivery(record.Id());
-    owner.Unlock();
-    act();
-    owner.Lock();
-    event.SetDelivery("");
-    event.SetActing(false);
-  }
+  Act(event, record, act);
   if (StateOf(event.Record()) == due) {
     record.Acted(EventDelivered(event));
   } else {  // the person's own times stand, and their rule; the file's event goes on by its own
@@ -89,6 +101,32 @@ void DealWithEvent(Event& event, bool checkMissed) {
     return;
   }
   owner.GetContext().queue.Post(EVENT_DEALT_WITH);
+}
+
+void ActAgain(Event& event, RecordKind kind) {
+  EventSet& owner = *event.GetOwner();
+  Context& context = owner.GetContext();
+  EventActions& actions = context.actions;
+  owner.Lock();
+  {
+    const EventSet::DeliveryChange byDelivery(owner);
+    const EventState state = StateOf(event.Record());
+    DeliveryRecord record(event, {kind, state, state, false, true});
+    Act(event, record, [&] {
+      if (kind == RecordKind::Prewarning)
+        actions.DeliverPrewarnMessage(event);
+      else if (kind == RecordKind::Nag)
+        actions.DeliverNagMessage(event);
+      else
+        actions.DeliverEvent(event, false);
+    });
+    record.Acted(state);
+  }
+  owner.Unlock();
+  owner.DropActing();
+  const AutoLock settings(context.settings.Protect);
+  const AutoLock open(context.openSets.Protect);
+  context.openSets.DestroyDeparted();
 }
 
 std::string GetNagOrPrewarnMessage(ReminderKind kind, const std::string& name, int32 when,

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "core/journal/JournalRecord.h"
 #include "kestrin/Types.h"
 #include "support/LocalTime.h"
 
@@ -15,6 +16,10 @@ class Event;
 /// let go while the action runs, and returns with it locked. The event may be gone afterwards.
 /// `checkMissed`: the pass follows a start, so events may have been missed.
 void DealWithEvent(Event& event, bool checkMissed);
+
+/// Makes the event's action, or its prewarning or nag, once more and whatever its state is, which
+/// stays. Main thread, no set locked. The event may be gone afterwards.
+void ActAgain(Event& event, RecordKind kind);
 
 enum class ReminderKind { Prewarning, Nag };
 

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "core/delivery/ReturningAlert.h"
+#include "core/delivery/UnfinishedActs.h"
 #include "core/events/EventIdentity.h"
 #include "core/events/EventSet.h"
 #include "core/events/OpenSets.h"
@@ -72,6 +73,10 @@ void OpenAlerts::ShowAgain() {
 void OpenAlerts::Show(const JournalRecord& record) {
   const FoundEvent found = FindEvent(context_, record.Set, record.Event);
   again_.insert(record.Id);
+  if (IsFailureAlert(record)) {
+    const std::optional<JournalRecord> act = context_.journal->Find(record.Of);
+    return ShowFailure(context_, act.value_or(record), record.Id);
+  }
   if (record.Alert.Role == AlertRole::Question && found.event) return AskAnew(record, *found.event);
   ShowReturning(context_,
                 {record.Alert, record.Event.Name, record.Occurrence(), record.Id, "", record.Run,

@@ -8,6 +8,7 @@
 
 namespace kestrin {
 
+class ActionWatch;
 class AlertDesk;
 class Desktop;
 class DesktopFilePanels;
@@ -40,6 +41,7 @@ struct Context {
   Zone zone;                                ///< the system's zone; changed only between messages
   uint64 nextHandle = 1;                    ///< handles of sets and events; never reused
   DesktopFilePanels* filePanels = nullptr;  ///< null: the program shows panels of its own
+  ActionWatch* watch = nullptr;             ///< null: an action may take as long as it likes
   Journal* journal = nullptr;               ///< null: nothing is written down (a virtual engine)
   ReminderCheck* reminderCheck = nullptr;   ///< null: nobody can be asked
 };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/events/EditRecorder.h"
 #include "core/events/EventSet.h"
 #include "core/events/HandlerTable.h"
 #include "core/ports/Clock.h"
@@ -184,6 +185,21 @@ void Event::TakeFields(EventRecord record, bool ruleChanged, std::unique_ptr<Ico
   else
     owner_.EventModified(this);
   if (window_) window_->EventChanged();
+}
+
+void Event::TakeValues(Event& other) {
+  const bool open = record_.ShouldWindowOpen;
+  const int32 tab = record_.TabShown;
+  const Rect frame = record_.WindowFrame;
+  record_ = std::move(other.record_);
+  record_.ShouldWindowOpen = open;
+  record_.TabShown = tab;
+  record_.WindowFrame = frame;
+  ownIcon_ = std::move(other.ownIcon_);
+  owner_.EventModified(this);
+  if (!window_) return;
+  window_->RedrawTimes();
+  window_->EventChanged();
 }
 
 void Event::AdoptAddOnData(int32 row, std::unique_ptr<EventAddOnData> data) {

@@ -112,6 +112,9 @@ class Event {
   /// Recomputes the times and the status as at now and tells everybody.
   void UpdateEventTime();
 
+  /// For readers: everything but the handler's data as `other` has it, which may be emptied.
+  void TakeValues(Event& other);
+
   // For delivery.
   /// Takes what was worked out elsewhere and tells everybody.
   void SetTimes(const EventTimes& times);

@@ -2,8 +2,10 @@
 
 #include <cstdint>
 
+#include "core/events/AddOnReading.h"
 #include "core/events/EditRecorder.h"
 #include "core/events/EventIdentity.h"
+#include "core/events/HandlerTable.h"
 #include "core/events/OpenSets.h"
 #include "core/journal/Journal.h"
 #include "core/loop/AlertDesk.h"
@@ -138,6 +140,12 @@ void EventSet::Saved(const std::string& path) {
   if (window_) window_->SetChanged();
 }
 
+void EventSet::IsAsInFile() {
+  modified_ = deliveryModified_ = false;
+  fileNames_ = {};
+  if (window_) window_->SetChanged();
+}
+
 /// The file calls the events by other names: so does the journal.
 void EventSet::FollowNames() {
   const std::vector<NamesInFile::Renaming> renamings = fileNames_.Saved(*this);
@@ -189,8 +197,13 @@ void EventSet::OpenWindow() {
 
 void EventSet::OpenEditors() {
   int32 opened = 0;
-  for (const auto& event : Events())
-    if (event->GetShouldWindowOpen() && opened++ < MaxEditorsAtOpening) event->OpenWindow();
+  AddOnReading reading(context_, JournalPath(*this));
+  for (const auto& event : Events()) {
+    if (!event->GetShouldWindowOpen() || opened++ >= MaxEditorsAtOpening) continue;
+    if (event->GetSelectedHandler() >= NumberOfBuiltInHandlers)
+      reading.Begin(fileNames_.Of(*this, *event));
+    event->OpenWindow();
+  }
 }
 
 void EventSet::CommitEdits() {

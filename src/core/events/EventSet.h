@@ -76,6 +76,9 @@ class EventSet : public Locker {
   /// Has the set's file remembered for delivery, or forgotten.
   void Remember(bool remember);
 
+  /// From the file: it has been read again, and this is what it holds.
+  void IsAsInFile();
+
   bool HasBeenModified() const { return modified_ || deliveryModified_; }
   /// Whether all that changed since the last save is what deliveries changed.
   bool OnlyDeliveriesChanged() const { return deliveryModified_ && !modified_; }

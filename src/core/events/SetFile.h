@@ -3,6 +3,8 @@
 
 #include <string>
 
+#include "kestrin/Types.h"
+
 namespace kestrin {
 
 /// Each set has one. Main thread.
@@ -11,9 +13,11 @@ class SetFile {
   virtual ~SetFile() = default;
 
   enum class SavedBy { User, Itself };
-  /// Writes the file as a whole. On success nothing is modified any more. If the file was changed
-  /// by others since it was read, the set is written beside it, keeps that new name and the user is
-  /// told. A save by the user takes the mark of a downloaded file off.
+  /// Writes the file as a whole. On success nothing is modified any more. If the file holds other
+  /// bytes than were read, the set is written beside it, keeps that new name and the user is told;
+  /// but where deliveries alone have changed the set and it saves itself, the file is read again in
+  /// place, and what was delivered moved on. A save by the user takes the mark of a downloaded file
+  /// off.
   virtual bool Save(SavedBy by) = 0;
   /// One sentence for people on why the last Save, SaveAs or SaveCopy failed; empty when it did
   /// not.
@@ -32,6 +36,11 @@ class SetFile {
   /// The set was read from a recovery copy: it goes by that name, unsaved, and the copy goes when
   /// the set is saved or discarded.
   virtual void BecomeRecovered(const std::string& untitledName) = 0;
+  /// The set, which is not modified, takes over what was not saved of it, from a recovery copy that
+  /// was made when its file had these bytes. False when the copy cannot be read.
+  virtual bool TakeUnsaved(const std::string& copy, uint64 digest) = 0;
+  /// Of the bytes in the file as the set knows it; 0 when they are not known.
+  virtual uint64 Digest() const = 0;
   virtual const std::string& RecoveredFrom() const = 0;
   /// Removes the recovery copy, if there is one.
   virtual void DiscardRecovered() = 0;

@@ -142,9 +142,11 @@ class FieldWriter {
 }  // namespace
 
 bool ReadHandlerData(Event& event, const std::string& handlerName, EndianIndependentFile& file,
-                     std::string& complaint) {
+                     std::string& complaint, AddOnReading* reading) {
   const HandlerTable& handlers = event.GetOwner()->GetContext().handlers;
-  const int32 row = handlers.Find(handlerName);
+  int32 row = handlers.Find(handlerName);
+  if (row >= NumberOfBuiltInHandlers && reading && !reading->Begin(event.GetName(), handlerName))
+    row = UnknownHandler;
   // Only an add-on may fail in ways that leave the block to be kept; asking for the place costs.
   const int64 begin = row < NumberOfBuiltInHandlers ? 0 : file.Position();
   bool ok = true;
@@ -169,7 +171,8 @@ bool ReadHandlerData(Event& event, const std::string& handlerName, EndianIndepen
 
 std::unique_ptr<Event> ReadEventRecord(EventSet& owner, EndianIndependentFile& file,
                                        SetFileVersionIndex version, std::string& fault,
-                                       std::string& complaint, int64* handlerDataAt) {
+                                       std::string& complaint, AddOnReading* reading,
+                                       int64* handlerDataAt) {
   FieldReader in(file, version);
   EventRecord record;
   VisitEventFields(record, in);
@@ -182,7 +185,7 @@ std::unique_ptr<Event> ReadEventRecord(EventSet& owner, EndianIndependentFile& f
   auto event = std::make_unique<Event>(owner, std::move(record));
   event->AdoptIcon(in.TakeIcon());
   if (handlerDataAt) *handlerDataAt = file.Position();
-  if (!ReadHandlerData(*event, handlerName, file, complaint)) {
+  if (!ReadHandlerData(*event, handlerName, file, complaint, reading)) {
     fault = "the data of its handler \"" + handlerName + "\" cannot be read";
     return nullptr;
   }

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "core/events/AddOnReading.h"
 #include "core/events/Event.h"
 #include "kestrin/EndianIndependentFile.h"
 
@@ -13,11 +14,13 @@ namespace kestrin {
 using SetFileVersionIndex = uint8;
 
 /// Reads one record for `owner`; null when it cannot be read, with the reason in `fault`.
-/// A handler that failed although the record was read is told in `complaint`. `handlerDataAt` (may
+/// A handler that failed although the record was read is told in `complaint`. `reading` (may be
+/// null) says which data are kept unread. `handlerDataAt` (may
 /// be null) receives the place of the handler's block in the file.
 std::unique_ptr<Event> ReadEventRecord(EventSet& owner, EndianIndependentFile& file,
                                        SetFileVersionIndex version, std::string& fault,
-                                       std::string& complaint, int64* handlerDataAt = nullptr);
+                                       std::string& complaint, AddOnReading* reading = nullptr,
+                                       int64* handlerDataAt = nullptr);
 
 /// Writes one record. False when a write was not whole, or its handler threw; then `fault` says so.
 bool WriteEventRecord(Event& event, EndianIndependentFile& file, std::string& fault);
@@ -26,6 +29,6 @@ bool WriteEventRecord(Event& event, EndianIndependentFile& file, std::string& fa
 /// decides the handler; without one of that name, or when it fails in a way that `complaint` then
 /// tells, the block is kept under "Unknown".
 bool ReadHandlerData(Event& event, const std::string& handlerName, EndianIndependentFile& file,
-                     std::string& complaint);
+                     std::string& complaint, AddOnReading* reading = nullptr);
 
 }  // namespace kestrin

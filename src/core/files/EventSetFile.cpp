@@ -4,6 +4,7 @@
 #include <bit>
 #include <cstring>
 
+#include "core/events/AddOnReading.h"
 #include "core/files/EventRecordFile.h"
 #include "support/FileDoor.h"
 #include "support/HeapRoom.h"
@@ -85,15 +86,20 @@ ConstructorResult ReadEvents(EventSet& set, EndianIndependentFile& file,
   if (count < 0 || count > file.BytesLeft() / ShortestRecord)
     return Fail(report, "it is too short for the " + std::to_string(static_cast<uint32>(count)) +
                             " events it announces");
-  set.Reserve(static_cast<size_t>(count));
+  if (!report.Events) set.Reserve(static_cast<size_t>(count));
   int64 handlerDataAt = 0;
+  AddOnReading reading(set.GetContext(), set.GetFileName());
   for (int32 i = 0; i < count; ++i) {
     std::string fault;
-    std::unique_ptr<Event> event = ReadEventRecord(set, file, version, fault, report.Complaint,
-                                                   report.OnHandlerData ? &handlerDataAt : nullptr);
+    std::unique_ptr<Event> event =
+        ReadEventRecord(set, file, version, fault, report.Complaint, &reading,
+                        report.OnHandlerData ? &handlerDataAt : nullptr);
     if (!event) return Fail(report, "event " + std::to_string(i + 1) + ": " + fault);
     if (report.OnHandlerData) ReportHandlerData(file, *event, report, handlerDataAt);
-    set.AppendRead(std::move(event));
+    if (report.Events)
+      report.Events->push_back(std::move(event));
+    else
+      set.AppendRead(std::move(event));
   }
   return ConstructorResult::Success;
 }
@@ -133,7 +139,8 @@ ConstructorResult ReadSetFile(EventSet& set, const std::string& path, SetFileRep
   const ConstructorResult result =
       ReadEvents(set, file, static_cast<SetFileVersionIndex>(index), report);
   if (result != ConstructorResult::Success) return result;
-  if (!ReadLayout(file, set.Layout()))
+  SetLayout unused;
+  if (!ReadLayout(file, report.Events ? unused : set.Layout()))
     return Fail(report, "the settings of its window are cut off");
   return ConstructorResult::Success;
 }

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
+#include <vector>
 
 #include "core/events/EventSet.h"
 #include "kestrin/EndianIndependentFile.h"
@@ -23,6 +25,8 @@ struct SetFileReport {
   bool IsKnown = false;   ///< from the caller: the user has been told of this file
   std::string Fault;      ///< why the file was refused, for people; else empty
   std::string Complaint;  ///< an add-on failed, its events are kept; for people
+  /// Not null: the events are put here instead of into the set, and the window's settings are left.
+  std::vector<std::unique_ptr<Event>>* Events = nullptr;
   /// Called after each event with the place of its handler's data, after the count, in the file.
   std::function<void(const Event& event, int64 offset, int64 length)> OnHandlerData;
 };

@@ -21,7 +21,9 @@ bool RecoveryFolder::SaveCopy(EventSet& set) {
   if (!recovered.empty()) return set.SaveCopy(recovered);
   if (files_.MakeFolders(copies_) != StatusOk) return false;
   std::string& path = made_[set.GetHandle()];
+  if (path.empty() && !set.IsUntitled()) path = CopyOf(set.GetFileName());
   if (path.empty()) path = NewName(set);
+  if (!set.IsUntitled() && !Note(path, set)) return false;
   if (!set.SaveCopy(path)) return false;
   // By the copy's path the next process knows the set.
   Journal* const journal = set.GetContext().journal;
@@ -39,10 +41,44 @@ std::string RecoveryFolder::NewName(const EventSet& set) const {
   return path;
 }
 
+std::string RecoveryNote(const std::string& copy) { return copy + ".of"; }
+
+bool RecoveryFolder::Note(const std::string& copy, const EventSet& set) const {
+  Message note;
+  note.Set("File", set.GetFileName());
+  note.Set("Digest", static_cast<int64>(set.File().Digest()));
+  return WriteWholeFile(files_, RecoveryNote(copy), note.Flatten()) == StatusOk;
+}
+
+std::optional<RecoveryFolder::Origin> RecoveryFolder::OriginOf(const std::string& copy) const {
+  status_t status = StatusOk;
+  if (files_.Kind(RecoveryNote(copy)) == FileKind::Missing) return std::nullopt;
+  const auto note =
+      Message::Unflatten(ReadWholeFile(files_, RecoveryNote(copy), status).value_or(""));
+  const auto file = note ? note->Get<std::string>("File") : std::nullopt;
+  if (!file) return std::nullopt;
+  return Origin{*file, static_cast<uint64>(note->Get<int64>("Digest").value_or(0))};
+}
+
+std::string RecoveryFolder::CopyOf(const std::string& file) const {
+  for (const std::string& copy : Copies())
+    if (const auto origin = OriginOf(copy); origin && origin->File == file) return copy;
+  return "";
+}
+
+void RecoveryFolder::FollowSave(const EventSet& set, uint64 digestBefore) const {
+  for (const std::string& copy : Copies())
+    if (const auto origin = OriginOf(copy);
+        origin && origin->File == set.GetFileName() && origin->Digest == digestBefore)
+      Note(copy, set);
+}
+
 void RecoveryFolder::Forget(const EventSet& set) {
   const auto made = made_.find(set.GetHandle());
   if (made == made_.end()) return;
   files_.Remove(made->second);
+  if (files_.Kind(RecoveryNote(made->second)) != FileKind::Missing)
+    files_.Remove(RecoveryNote(made->second));
   made_.erase(made);
 }
 

@@ -7,6 +7,8 @@
 #include "core/events/EventIdentity.h"
 #include "core/events/EventProgress.h"
 #include "core/events/EventSet.h"
+#include "core/files/RecoveryFolder.h"
+#include "core/files/SetMerge.h"
 #include "core/journal/Journal.h"
 #include "core/loop/AppMessages.h"
 #include "core/loop/MessageQueue.h"
@@ -25,6 +27,7 @@ namespace {
 constexpr char OriginAttribute[] = "user.xdg.origin.url";
 constexpr char TypeAttribute[] = "user.mime_type";
 constexpr int32 WriteBuffer = 65536;
+constexpr int MostReadings = 5;
 
 /// What the system says of a negative errno, as a sentence.
 std::string SentenceOf(status_t status) {
@@ -88,7 +91,7 @@ StoredSetFile::Known& StoredSetFile::KnownOfFile() {
 ConstructorResult StoredSetFile::Read(SetFileReport& report) {
   const std::string& path = set_.GetFileName();
   Notices& notices = set_.GetContext().notices;
-  KnownOfFile().stamp = Files().Stamp(path);
+  KnownOfFile().version = Version(path);
   const ConstructorResult result = ReadSetFile(set_, path, report);
   if (report.Fault.empty()) FollowJournal(set_, path);
   if (report.IsUnknownVersion && !report.IsKnown)
@@ -114,15 +117,15 @@ bool StoredSetFile::WriteTo(const std::string& path) {
 }
 
 bool StoredSetFile::SaveCopy(const std::string& path) {
-  std::optional<FileStamp> written;
+  std::optional<FileVersion> written;
   return Replace(path, &written);
 }
 
 /// `written` tells the new file from all others, also where it came into place but the rest failed.
-bool StoredSetFile::Replace(const std::string& path, std::optional<FileStamp>* written) {
+bool StoredSetFile::Replace(const std::string& path, std::optional<FileVersion>* written) {
   const auto write = [&](const std::string& temporary) {
     if (!WriteTo(temporary)) return false;
-    *written = Files().Stamp(temporary);
+    *written = Version(temporary);
     return true;
   };
   whyNotSaved_.clear();
@@ -165,12 +168,51 @@ void StoredSetFile::TellKeptApart(const std::string& earlier) {
                              set_.GetLeaf() + "\", and the set now goes by that name.");
 }
 
+/// Where nothing is kept apart from the file, the stamp alone tells.
+std::optional<FileVersion> StoredSetFile::Version(const std::string& path) const {
+  return VersionOf(Files(), path, set_.GetContext().journal != nullptr);
+}
+
+uint64 StoredSetFile::Digest() const {
+  return known_.name == set_.GetFileName() && known_.version ? known_.version->Digest.value_or(0)
+                                                             : 0;
+}
+
+bool StoredSetFile::IsChangedByOthers() {
+  Known& known = KnownOfFile();
+  if (known.attempted && !HasChanged(Files(), known.name, *known.attempted))
+    known.version = known.attempted;
+  return known.version && HasChanged(Files(), known.name, *known.version);
+}
+
+bool StoredSetFile::ReadAgain() {
+  const std::string path = set_.GetFileName();
+  const std::optional<FileVersion> version = Version(path);
+  SetFileReport report;
+  if (!MergeFromFile(set_, path, report)) {
+    whyNotSaved_ = "The file was changed by another program, and " + report.Fault + ".";
+    return false;
+  }
+  if (!report.Complaint.empty()) set_.GetContext().notices.ReportError(report.Complaint);
+  // Should others have written meanwhile, these are not the bytes of next time either.
+  KnownOfFile().version = version;
+  origin_ = Files().GetAttribute(path, OriginAttribute);
+  set_.IsAsInFile();
+  FollowJournal(set_, path);
+  return true;
+}
+
 bool StoredSetFile::Save(SavedBy by) {
   const std::string earlier = set_.GetFileName();
+  const bool deliveriesAlone = by == SavedBy::Itself && set_.OnlyDeliveriesChanged();
+  bool changedByOthers = IsChangedByOthers();
+  for (int tries = 0; deliveriesAlone && changedByOthers; ++tries) {
+    if (tries == MostReadings) return whyNotSaved_ = "Other programs keep changing it.", false;
+    if (!ReadAgain()) return false;
+    if (!set_.HasBeenModified()) return true;  // others have saved what was delivered
+    changedByOthers = IsChangedByOthers();
+  }
   Known& known = KnownOfFile();
-  const std::optional<FileStamp> onDisk = Files().Stamp(earlier);
-  if (known.attempted && known.attempted == onDisk) known.stamp = known.attempted;
-  const bool changedByOthers = known.stamp && onDisk && *known.stamp != *onDisk;
   const std::string target = changedByOthers ? NameBeside() : earlier;
   known.attempted.reset();
   if (!Replace(target, &known.attempted)) return false;
@@ -179,12 +221,11 @@ bool StoredSetFile::Save(SavedBy by) {
     origin_.reset();
   }
   Files().SetAttribute(target, TypeAttribute, SetFileType);
-  if (!known.attempted) known.attempted = Files().Stamp(target);
-  known.stamp = known.attempted;
+  if (!known.attempted) known.attempted = Version(target);
+  known.version = known.attempted;
   known.name = target;
-  const bool wasUntitled = set_.IsUntitled();
   set_.Saved(target);
-  if (wasUntitled) DiscardRecovered();
+  DiscardRecovered();
   if (changedByOthers) TellKeptApart(earlier);
   return true;
 }
@@ -221,13 +262,13 @@ void StoredSetFile::SaveDeliveriesAlone() {
   const std::string& path = set_.GetFileName();
   Context& context = set_.GetContext();
   const bool mayDiffer = context.journal && context.journal->Knows(path);
-  if (!mayDiffer || set_.IsUntitled() || KnownOfFile().stamp != Files().Stamp(path)) return;
+  if (!mayDiffer || set_.IsUntitled() || IsChangedByOthers()) return;
   const Stored inFile = MakeSet(context, path);
   SetFileReport report;
   inFile.file->Read(report);
   if (!report.Fault.empty()) return;
   if (inFile.set->HasBeenModified() && inFile.file->Save(SavedBy::Itself))
-    known_.stamp = inFile.file->known_.stamp;
+    known_.version = inFile.file->known_.version;
 }
 
 void StoredSetFile::BecomeRecovered(const std::string& untitledName) {
@@ -236,9 +277,21 @@ void StoredSetFile::BecomeRecovered(const std::string& untitledName) {
   set_.SetModified();
 }
 
+bool StoredSetFile::TakeUnsaved(const std::string& copy, uint64 digest) {
+  SetFileReport report;
+  if (!MergeFromFile(set_, copy, report)) return false;
+  recoveredFrom_ = copy;
+  if (Known& known = KnownOfFile(); known.version && known.version->Digest != digest)
+    known.version = FileVersion{{}, digest};
+  set_.SetModified();
+  return true;
+}
+
 void StoredSetFile::DiscardRecovered() {
   if (recoveredFrom_.empty()) return;
   if (recoveredFrom_ != set_.GetFileName()) Files().Remove(recoveredFrom_);
+  const std::string note = RecoveryNote(recoveredFrom_);
+  if (Files().Kind(note) != FileKind::Missing) Files().Remove(note);
   recoveredFrom_.clear();
 }
 

@@ -9,6 +9,7 @@
 #include "core/events/Event.h"
 #include "core/events/SetFile.h"
 #include "core/files/EventSetFile.h"
+#include "core/files/FileVersion.h"
 #include "support/FileDoor.h"
 
 namespace kestrin {
@@ -41,6 +42,8 @@ class StoredSetFile final : public SetFile {
   bool SaveAs(const std::string& path, bool remember) override;
   void SaveDeliveriesAlone() override;
   void BecomeRecovered(const std::string& untitledName) override;
+  bool TakeUnsaved(const std::string& copy, uint64 digest) override;
+  uint64 Digest() const override;
   const std::string& RecoveredFrom() const override { return recoveredFrom_; }
   void DiscardRecovered() override;
 
@@ -51,16 +54,19 @@ class StoredSetFile final : public SetFile {
   /// What is known of the file of one name.
   struct Known {
     std::string name;
-    std::optional<FileStamp> stamp;  ///< as it was read or last written
+    std::optional<FileVersion> version;  ///< as it was read or last written
     /// What a save wrote that then failed: it may have come into place all the same.
-    std::optional<FileStamp> attempted;
+    std::optional<FileVersion> attempted;
   };
 
   FileDoor& Files() const;
   /// Forgets what it knows when the set has another name by now.
   Known& KnownOfFile();
   bool WriteTo(const std::string& path);
-  bool Replace(const std::string& path, std::optional<FileStamp>* written);
+  bool Replace(const std::string& path, std::optional<FileVersion>* written);
+  bool IsChangedByOthers();
+  bool ReadAgain();
+  std::optional<FileVersion> Version(const std::string& path) const;
   std::string NameBeside() const;
   void TellKeptApart(const std::string& earlier);
 

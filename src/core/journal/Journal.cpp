@@ -48,16 +48,12 @@ void Journal::Index(RecordLog::Place place, const RecordLine* earlier, const Rec
   const std::string before = earlier ? KeyOf(earlier->Fields) : std::string();
   const std::string after = now ? KeyOf(now->Fields) : std::string();
   if (earlier && now && before == after) return;
-  if (earlier)
-    if (const auto set = bySet_.find(earlier->Fields.Text("set")); --set->second == 0)
-      bySet_.erase(set);
+  if (earlier && --bySet_[earlier->Fields.Text("set")] == 0)
+    bySet_.erase(earlier->Fields.Text("set"));
   if (now) ++bySet_[now->Fields.Text("set")];
-  if (earlier) {
-    const auto found = byEvent_.find(before);
-    if (found != byEvent_.end()) {
-      std::erase(found->second, place);
-      if (found->second.empty()) byEvent_.erase(found);
-    }
+  if (const auto found = byEvent_.find(before); earlier && found != byEvent_.end()) {
+    std::erase(found->second, place);
+    if (found->second.empty()) byEvent_.erase(found);
   }
   if (!now) return;
   Places& places = byEvent_[after];
@@ -160,6 +156,22 @@ void Journal::Stage(const std::string& id, ActStage act, const std::string& why)
   fields.Set("act", NameOf(act));
   if (!why.empty()) fields.Set("why", why);
   log_.Append(id, fields);
+}
+
+void Journal::GoesOnWith(const std::string& id, const EventName& event) {
+  RecordFields fields;
+  fields.Set("name", event.Name);
+  fields.Set("handler", event.Handler);
+  fields.Set("place", int64{event.Place});
+  log_.Append(id, fields);
+}
+
+bool Journal::IsKeptUnread(const std::string& set, const EventName& event) const {
+  const std::vector<JournalRecord> records = About(set, event);
+  return std::any_of(records.begin(), records.end(), [this](const JournalRecord& record) {
+    const bool isLeft = !IsMine(record) && !processes_.Lives(record.By);
+    return record.Act == ActStage::Reading && (isLeft || !record.Why.empty());
+  });
 }
 
 void Journal::Became(const std::string& id, const EventState& to) {
@@ -282,13 +294,7 @@ void Journal::Renamed(const std::string& from, const std::string& to) {
 }
 
 void Journal::Renamed(const std::string& set, const EventName& from, const EventName& to) {
-  for (const JournalRecord& record : About(set, from)) {
-    RecordFields fields;
-    fields.Set("name", to.Name);
-    fields.Set("handler", to.Handler);
-    fields.Set("place", int64{to.Place});
-    log_.Append(record.Id, fields);
-  }
+  for (const JournalRecord& record : About(set, from)) GoesOnWith(record.Id, to);
 }
 
 bool Journal::IsSettled(const JournalRecord& record) const {

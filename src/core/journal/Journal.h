@@ -58,6 +58,8 @@ class Journal {
   void Ended(const std::string& id, int32 exit);
   /// Any thread: the act failed, and the program may not live to say so later.
   void FailedNow(const std::string& id, const std::string& why);
+  /// The same record, of another event: an add-on reads one after another.
+  void GoesOnWith(const std::string& id, const EventName& event);
   /// The record is of no use to anybody, nor to the history.
   void Forget(const std::string& id) { log_.End(id); }
 
@@ -70,6 +72,8 @@ class Journal {
   /// All records, or those of one event, in order.
   std::vector<JournalRecord> All() const;
   std::vector<JournalRecord> About(const std::string& set, const EventName& event) const;
+  /// Whether reading the event's data has ended a process, and nobody has wished it tried again.
+  bool IsKeptUnread(const std::string& set, const EventName& event) const;
   /// Whether there is any record about the set.
   bool Knows(const std::string& set) const { return bySet_.contains(set); }
   /// The latest occurrence that was delivered, passed over or missed; nothing when none is known.

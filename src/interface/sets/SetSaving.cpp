@@ -103,9 +103,8 @@ void SetSaving::Answered(int which) {
 
 /// What deliveries changed stays; a set that goes on without its window is read again.
 void SetSaving::Discard() {
-  if (set_->IsUntitled()) {
-    set_->File().DiscardRecovered();
-  } else {
+  set_->File().DiscardRecovered();
+  if (!set_->IsUntitled()) {
     set_->SaveDeliveriesAlone();
     set_->GetContext().queue.Post(SetDiscarded(set_->GetFileName()));
   }

@@ -166,7 +166,32 @@ TEST_F(KestrinAppQuitTest, ASetThatCannotBeSavedIsToldOnceAndCopied) {
     EXPECT_EQ(NameIn(Work), worksLater ? "changed again" : "Tea");
     LetWrite(true);
     Start();
-    EXPECT_EQ(Shown().size(), worksLater ? 1u : 2u) << "the copy opens beside the set";
+    EXPECT_THAT(Shown(), ElementsAre(Work)) << "the copy is this set, not one more";
+    EXPECT_EQ(FirstEvent(Work).GetName(), "changed again");
+    EXPECT_EQ(Set(Work)->HasBeenModified(), !worksLater);
+  }
+}
+
+TEST_F(KestrinAppQuitTest, UnsavedEditsAreKeptApartOnlyFromWhatOthersWrote) {
+  for (const bool byOthers : {false, true}) {
+    Now = Sunday + 8 * Hour;
+    StartWith({DailyAt(Sunday + 9 * Hour)});
+    FirstEvent(Work).SetComment("mine");
+    LetWrite(false);
+    Post(Message(FORCED_QUIT));
+    LetWrite(true);
+    ASSERT_TRUE(Disk.Bytes("/state/recovered/Work.kestrin"));
+    // Delivered and saved while nobody looks.
+    Now = Sunday + 10 * Hour;
+    Wake();
+    EXPECT_THAT(Delivered(), ElementsAre("Tea"));
+    if (byOthers) WriteSet(Work, {DailyAt(Sunday + Day + 9 * Hour), DailyAt(Sunday + Day)});
+    Start();
+    EXPECT_EQ(FirstEvent(Work).GetComment(), "mine");
+    EXPECT_EQ(FirstEvent(Work).GetNextEventTime(), Sunday + Day + 9 * Hour);
+    ASSERT_TRUE(Set(Work)->SaveData());
+    EXPECT_EQ(Disk.List("/sets")->size(), byOthers ? 3u : 2u) << "with the one for its mode";
+    EXPECT_THAT(*Disk.List("/state/recovered"), IsEmpty());
   }
 }
 

@@ -2,6 +2,7 @@
 // deliverer.
 #include "core/app/KestrinApp.h"
 
+#include "core/delivery/UnfinishedActs.h"
 #include "harness/AppTestBase.h"
 
 namespace kestrin {
@@ -205,6 +206,95 @@ TEST_F(KestrinAppTest, WhatWasDeliveredIsKnownByItsNameInTheFile) {
     Start();
     EXPECT_THAT(Delivered(), IsEmpty());
   }
+}
+
+TEST_F(KestrinAppTest, WhatWasBegunAndNotEndedIsToldAndEverythingElseGoesOn) {
+  const struct {
+    const char* handler;
+    const char* why;
+  } rows[] = {{"acting", "Kestrin ended while it was being carried out"},
+              {"failed", "it took more than one second, and Kestrin had to stop"}};
+  for (const auto& row : rows) {
+    Now = Sunday + 8 * Hour;
+    StartWith({DailyAt(Sunday + 9 * Hour), DailyAt(Sunday + 9 * Hour, "Milk")});
+    const std::string file = *Disk.Bytes(Work);
+    std::string journal;
+    It->World.Actions.WhenEvent = [&](Event& event) {
+      if (event.GetName() != "Tea") return;
+      if (row.handler == std::string("failed"))
+        It->World.Record.FailedNow(event.GetDelivery(), Overrun);
+      journal = *Disk.Bytes(JournalFile);
+    };
+    DeliverAt(Sunday + 9 * Hour);
+    Now = Sunday + 10 * Hour;
+    Crash();
+    Disk.Put(JournalFile, journal);
+    Disk.Put(Work, file);
+    for (int start = 0; start < 2; ++start) {
+      Start();
+      EXPECT_EQ(Delivered().size(), start == 0 ? 1u : 0u) << "Milk, once";
+      ASSERT_THAT(Alerts(),
+                  ElementsAre("Kestrin event:  Tea\n\nThe handler \"Message\" did not come to its "
+                              "end with the event \"Tea\" of the event set \"Work.kestrin\": " +
+                              std::string(row.why) + ".  It is not carried out again by itself."));
+      EXPECT_THAT(Ui().Alerts[0].Request.Buttons, ElementsAre("Try again", "Ok"));
+    }
+    EXPECT_EQ(FirstEvent(Work).GetNextEventTime(), Sunday + Day + 9 * Hour);
+    Answer(0);
+    EXPECT_THAT(Delivered(), ElementsAre("Tea"));
+    EXPECT_EQ(FirstEvent(Work).GetNextEventTime(), Sunday + Day + 9 * Hour);
+    Start();
+    EXPECT_THAT(Alerts(), IsEmpty());
+  }
+}
+
+TEST_F(KestrinAppTest, ACommandThatWaitedIsCarriedOutAtTheNextStart) {
+  StartWith({DailyAt(Sunday + 9 * Hour)});
+  It->World.Actions.Plan = {true, "brew", ""};
+  It->World.Actions.WhenEvent = [this](Event& event) {
+    It->World.Record.Stage(event.GetDelivery(), ActStage::Queued);
+  };
+  DeliverAt(Sunday + 9 * Hour);
+  Start({}, {}, false);
+  ASSERT_EQ(It->World.Actions.CarriedOut.size(), 1u);
+  EXPECT_EQ(It->World.Actions.CarriedOut[0].second, "brew");
+}
+
+TEST_F(KestrinAppTest, TwoSessionsNeverForkASetThatDeliveriesAloneHaveChanged) {
+  StartWith({DailyAt(Sunday + 9 * Hour), DailyAt(Sunday + 12 * Hour, "Milk")});
+  FirstEvent(Work).OpenWindow();
+  const uint64 handle = FirstEvent(Work).GetHandle();
+  Process other(*this);
+  const auto run = [&other] {
+    while (auto message = other.World.Queue.Take()) other.App.MessageReceived(*message);
+  };
+  other.App.Construct();
+  other.App.ReadyToRun();
+  run();
+  for (int day = 0; day < 4; ++day) {
+    const int32 due = Sunday + day * Day + 9 * Hour;
+    other.World.Time.JumpTo(due);
+    other.World.Queue.Post(DELIVER_EVENTS);
+    run();
+    if (day == 2) {  // and a third one edits
+      TestContext third(WorldParts{&Disk, nullptr, 77});
+      LoadHandlers(third.Core);
+      const auto set = ReadSet(third.Core, Work).Set;
+      set->Events()[1]->SetComment("theirs");
+      set->AddEvent(nullptr)->SetName("New");
+      ASSERT_TRUE(set->SaveData());
+    }
+    DeliverAt(due);
+    EXPECT_EQ(FirstEvent(Work).GetNextEventTime(), due + Day);
+    EXPECT_FALSE(Set(Work)->HasBeenModified());
+    EXPECT_EQ(Disk.List("/sets")->size(), 1u) << "day " << day;
+  }
+  EXPECT_EQ(FirstEvent(Work).GetHandle(), handle);
+  EXPECT_NE(FirstEvent(Work).GetWindow(), nullptr);
+  EXPECT_EQ(Set(Work)->CountEvents(), 3);
+  EXPECT_EQ(Set(Work)->Events()[1]->GetComment(), "theirs");
+  EXPECT_EQ(other.World.Actions.TakeNames().size() + Delivered().size(), 4u + 4u + 6u + 1u)
+      << "alerts in each session, and the new event";
 }
 
 TEST_F(KestrinAppTest, AnotherZoneRecomputesAllButTheOverdueAndTheNagging) {

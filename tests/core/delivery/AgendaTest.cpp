@@ -73,8 +73,7 @@ class AgendaTest : public SetTestBase {
 
   std::vector<std::string> Minutely(bool startup) {
     TestContext world;
-    DeliveryPass pass(
-        world.Core, [](const Message&, bool) {}, [] {});
+    DeliveryPass pass(world.Core, [](const Message&, bool) {});
     world.OnMessage = [&pass](const Message& message) { pass.MessageReceived(message); };
     world.Time.JumpTo(From - 2 * Day);
     OpenRandomSets(world.Core, Seed);

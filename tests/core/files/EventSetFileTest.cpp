@@ -151,6 +151,7 @@ TEST_F(EventSetSaveTest, AFailureAnywhereLosesNeitherTheFileNorTheChanges) {
 
         set.Events()[0]->SetName("Butter");
         Door.FailAt = Door.Count + 4;
+        Door.FailFromThen = true;
         EXPECT_FALSE(set.SaveData());
         Door.FailAt = 0;
         EXPECT_TRUE(set.SaveData()) << "a later attempt works";

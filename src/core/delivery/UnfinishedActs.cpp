@@ -1,0 +1,123 @@
+#include "core/delivery/UnfinishedActs.h"
+
+#include <utility>
+
+#include "core/delivery/EventDelivery.h"
+#include "core/delivery/ReturningAlert.h"
+#include "core/events/EventSet.h"
+#include "core/events/HandlerTable.h"
+#include "core/events/OpenSets.h"
+#include "core/journal/Journal.h"
+#include "core/loop/AlertDesk.h"
+#include "core/loop/AppMessages.h"
+#include "core/loop/Holds.h"
+#include "core/loop/MessageQueue.h"
+#include "core/ports/EventActions.h"
+#include "core/ports/UserInterface.h"
+
+namespace kestrin {
+
+namespace {
+
+constexpr char TryAgainButton[] = "Try again";
+constexpr char EndedMeanwhile[] = "Kestrin ended while it was being carried out";
+constexpr char TookTooLong[] = "it took more than one second, and Kestrin had to stop";
+constexpr char EndedReading[] = "Kestrin ended while its handler read its data";
+
+bool IsUntold(const JournalRecord& record) {
+  if (record.Act == ActStage::Acting) return true;
+  const bool isFailed = record.Act == ActStage::Failed || record.Act == ActStage::Reading;
+  return isFailed && (record.AlertIs == AlertStage::None || record.Why == Overrun);
+}
+
+/// Its alert was all that there was to do, and that is shown again.
+bool IsShown(const Context& context, const JournalRecord& record) {
+  const int32 row = context.handlers.Find(record.Event.Handler);
+  const bool isBuiltIn = row != UnknownHandler && row < NumberOfBuiltInHandlers;
+  return record.AlertIs != AlertStage::None && (isBuiltIn || record.Kind != RecordKind::Event);
+}
+
+std::string FailureText(const JournalRecord& act) {
+  const std::string which =
+      "the event \"" + act.Event.Name + "\" of the event set \"" + EventSet::LeafOf(act.Set) + "\"";
+  const std::string text = "Kestrin event:  " + act.Event.Name + "\n\n";
+  if (act.Act == ActStage::Reading)
+    return text + "The handler \"" + act.Event.Handler + "\" did not come to the end of reading " +
+           "or showing its data of " + which + ": " + act.Why +
+           ".  The data are kept unchanged and unread.  \"Try again\" lets the handler read them "
+           "when the event set is opened next.";
+  return text + "The handler \"" + act.Event.Handler + "\" did not come to its end with " + which +
+         ": " + act.Why + ".  It is not carried out again by itself.";
+}
+
+void TryAgain(Context& context, const JournalRecord& act, uint64 setHandle, uint64 eventHandle) {
+  if (act.Act == ActStage::Reading) return context.journal->Forget(act.Id);
+  EventSet* set = nullptr;
+  {
+    const AutoLock open(context.openSets.Protect);
+    set = context.openSets.FindHandle(setHandle);
+  }
+  if (Event* const event = set ? set->FindEvent(eventHandle) : nullptr) ActAgain(*event, act.Kind);
+}
+
+/// Adopted. Without a screen the next process tells.
+void GoOnWith(Context& context, JournalRecord record) {
+  if (record.Act == ActStage::Acting && IsShown(context, record))
+    return context.journal->Stage(record.Id, ActStage::Acted);
+  if (record.Act != ActStage::Reading) {
+    record.Why = record.Act == ActStage::Acting ? EndedMeanwhile
+                 : record.Why == Overrun        ? TookTooLong
+                                                : record.Why;
+    record.Act = ActStage::Failed;
+  } else {
+    record.Why = EndedReading;
+  }
+  if (!context.ui.HasScreen() && record.Why == TookTooLong) return;
+  context.journal->Stage(record.Id, record.Act, record.Why);
+  if (context.ui.HasScreen()) ShowFailure(context, record, record.Id);
+}
+
+}  // namespace
+
+bool IsFailureAlert(const JournalRecord& record) {
+  return record.Alert.Buttons.size() == 2 && record.Alert.Buttons[0] == TryAgainButton;
+}
+
+void ShowFailure(Context& context, const JournalRecord& act, const std::string& alertRecord) {
+  const FoundEvent found = FindEvent(context, act.Set, act.Event);
+  AlertRequest request;
+  request.Kind = AlertKind::Warning;
+  request.Role = AlertRole::Delivery;
+  request.Text = FailureText(act);
+  request.Record = alertRecord;
+  request.Occurrence = act.Occurrence();
+  request.Face.EventName = act.Event.Name;
+  request.Buttons = {"Ok"};
+  if (found.event) {
+    request.Set = found.set->GetHandle();
+    request.Event = found.event->GetHandle();
+    request.Face.IconNumber = found.event->Record().IconNumber;
+    if (const IconPair* const own = found.event->GetOwnIcon()) request.Face.OwnIcon = *own;
+    request.Buttons = {TryAgainButton, "Ok"};
+    request.HarmlessButton = request.DefaultButton = 1;
+  }
+  request.Done = [&context, act, set = request.Set, event = request.Event](int which) {
+    if (which == 0 && event != 0) TryAgain(context, act, set, event);
+    context.queue.Post(HoldDone(set));
+  };
+  context.holds.ProcessHold(request.Set);
+  context.alerts.Show(std::move(request));
+}
+
+void GoOnWithUnfinishedActs(Context& context) {
+  Journal* const journal = context.journal;
+  if (!journal) return;
+  const auto isQueued = [](const JournalRecord& record) { return record.Act == ActStage::Queued; };
+  for (const JournalRecord& record : journal->Orphans(isQueued))
+    if (journal->Adopt(record.Id))
+      context.actions.CarryOut(context, record.Id, {true, record.Run, record.Open});
+  for (const JournalRecord& record : journal->Orphans(IsUntold))
+    if (journal->Adopt(record.Id)) GoOnWith(context, record);
+}
+
+}  // namespace kestrin

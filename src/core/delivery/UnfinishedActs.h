@@ -1,0 +1,24 @@
+// What earlier processes began and did not end: a command that waited is carried out, everything
+// else is not done again unasked, and the person is told.
+#pragma once
+
+#include <string>
+
+#include "core/events/Context.h"
+#include "core/journal/JournalRecord.h"
+
+namespace kestrin {
+
+/// What the watch leaves in the journal as its reason: nobody has been told yet.
+inline constexpr char Overrun[] = "overrun";
+
+/// At a start, once the sets have been read. Main thread, with no set locked.
+void GoOnWithUnfinishedActs(Context& context);
+
+/// The alert about an act that has failed, with the button that tries again; its answer is written
+/// down in `alertRecord`.
+void ShowFailure(Context& context, const JournalRecord& act, const std::string& alertRecord);
+/// Whether the record's alert is such a one.
+bool IsFailureAlert(const JournalRecord& record);
+
+}  // namespace kestrin

@@ -1,0 +1,53 @@
+// An add-on that ends its process in the way that its event's data say: "read" while they are read,
+// "crash", "exit" or "block" when the event comes due.
+#include <kestrin/EndianIndependentFile.h>
+#include <kestrin/EventAddOnData.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <string>
+
+namespace {
+
+class HarmfulData : public kestrin::EventAddOnData {
+ public:
+  using EventAddOnData::EventAddOnData;
+  QWidget* CreateEditView(kestrin::Rect) override { return nullptr; }
+  bool Read(kestrin::EndianIndependentFile& file) {
+    kestrin::uint32 count = 0;
+    if (file.ReadNumber(&count, 4, 1) != 1) return false;
+    harm_.resize(count);
+    if (file.ReadRaw(harm_.data(), count) != static_cast<kestrin::int32>(count)) return false;
+    if (harm_ == "read") std::raise(SIGSEGV);
+    return true;
+  }
+  bool SaveData(kestrin::EndianIndependentFile* file) override {
+    auto count = static_cast<kestrin::uint32>(harm_.size());
+    return file->WriteNumber(&count, 4, 1) == 1 &&
+           file->WriteRaw(harm_.data(), count) == static_cast<kestrin::int32>(count);
+  }
+  void DealWithEvent(bool) override {
+    if (harm_ == "crash") std::raise(SIGSEGV);
+    if (harm_ == "exit") std::_Exit(0);
+    if (harm_ == "block")
+      while (true) pause();
+  }
+
+ private:
+  std::string harm_;
+};
+
+}  // namespace
+
+extern "C" {
+
+const char* InitializeAddOn() { return "Harmful"; }
+
+kestrin::EventAddOnData* NewAddOnData(kestrin::Event* event, kestrin::EndianIndependentFile* file,
+                                      bool* ok) {
+  auto* const data = new HarmfulData(event);
+  *ok = !file || data->Read(*file);
+  return data;
+}
+}

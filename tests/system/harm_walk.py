@@ -1,0 +1,65 @@
+"""Add-ons that end the program, while all other events go on."""
+import pathlib
+import sys
+
+sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "harness"))
+from world import APPLICATION, BIN, DAY, WorldTest, daily, handler_data, main, say  # noqa: E402
+
+ADD_ON = BIN.parent / "tests/harness/addons/built/Harmful.so"
+
+
+class Harm(WorldTest):
+    def remember_harm(self, harm, when):
+        add_ons = self.home / "home/.local/lib/kestrin/add-ons"
+        add_ons.mkdir(parents=True)
+        (add_ons / "Harmful.so").symlink_to(ADD_ON)
+        bad = self.write_set("bad.kestrin", daily("Bad", when, handler_data(b"Harmful", harm)))
+        good = self.write_set("good.kestrin", daily("Good", when, say("Kettle.")))
+        self.remember(bad, good)
+        return bad, good
+
+    def ends_once(self, harm):
+        """The deliverer wakes the application again, which tells and goes on."""
+        soon = self.now() + 4
+        bad, good = self.remember_harm(harm, soon)
+        self.hand_over(soon)
+        alert = self.alert("Bad")
+        self.assertIn('The handler "Harmful" did not come to its end with the event "Bad" of the event set '
+                      '"bad.kestrin": ', alert.text)
+        self.assertEqual(alert.buttons(), ["Open event", "Later", "Try again", "Ok"])
+        alert.press("Ok")
+        self.alert("Kettle.").press("Ok")
+        self.gone(APPLICATION)
+        self.assertEqual([self.saved_time(bad, "Bad"), self.saved_time(good, "Good")], [soon + DAY] * 2)
+        self.assertEqual(self.when(), soon + DAY)
+
+    def test_a_crash_does_not_come_again(self):
+        self.ends_once(b"crash")
+
+    def test_an_exit_does_not_come_again(self):
+        self.ends_once(b"exit")
+
+    def test_an_action_that_blocks_does_not_come_again(self):
+        self.ends_once(b"block")
+        self.assertIn("Add-ons may not block or take more than one second to deal with an event", self.errors())
+
+    def test_data_that_cannot_be_read_are_kept(self):
+        due = self.now() - 100
+        bad, good = self.remember_harm(b"read", due)
+        data = self.saved(bad)["Bad"]["HandlerData"]
+        self.assertNotEqual(self.status(self.start()), 0)
+        for _ in range(2):
+            application = self.start()
+            alert = self.alert("did not come to the end of reading")
+            self.until(lambda: self.saved_time(good, "Good") == due + DAY, "what else is due")
+            application.kill()
+            self.gone(APPLICATION)
+        self.start()
+        self.alert("did not come to the end of reading").press("Ok")
+        self.until(lambda: self.saved_time(bad, "Bad") == due + DAY, "the delivery on disk")
+        saved = self.saved(bad)["Bad"]
+        self.assertEqual((saved["HandlerName"], saved["HandlerData"]), ("Harmful", data))
+
+
+if __name__ == "__main__":
+    main()
