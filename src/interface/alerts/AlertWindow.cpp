@@ -11,6 +11,7 @@
 #include "interface/alerts/AlertPane.h"
 #include "interface/alerts/KeyGuard.h"
 #include "interface/common/ShownText.h"
+#include "interface/common/Wayland.h"
 
 namespace kestrin {
 
@@ -83,7 +84,10 @@ void AlertWindow::FitSize() {
   const QMargins margins = layout()->contentsMargins();
   pane_->FitText(largest.shrunkBy(margins));
   layout()->activate();
-  resize(layout()->totalSizeHint().boundedTo(largest));
+  const QSize size = layout()->totalSizeHint().boundedTo(largest);
+  // A tiling compositor lets only what has one size float.
+  if (IsOnWayland()) setFixedSize(size);
+  resize(size);
 }
 
 void AlertWindow::KeepOnScreen() {
