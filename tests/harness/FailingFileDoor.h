@@ -32,6 +32,8 @@ class FailingFileDoor final : public FileDoor {
   bool FailFromThen = false;  ///< every later call fails too, as on a machine that is going down
   int Count = 0;              ///< calls so far
   std::string Failed;         ///< what was failed first: "open", "write", "rename" and so on
+  /// Called when the first call has failed, a short write after its half; may be empty.
+  std::function<void()> WhenFailed;
 
   /// Somebody else works on the files around a rename; may be empty.
   std::function<void(const std::string& when)> OnRename;
@@ -97,8 +99,11 @@ class FailingFileDoor final : public FileDoor {
       return door_.Fails("read") ? door_.Error : file_->Read(data, count);
     }
     int64 Write(const void* data, size_t count) override {
-      if (!door_.Fails("write")) return file_->Write(data, count);
-      return door_.ShortWrite ? file_->Write(data, count / 2) : door_.Error;
+      const bool first = !door_.HasFailed();
+      if (!door_.Counts("write")) return file_->Write(data, count);
+      const int64 written = door_.ShortWrite ? file_->Write(data, count / 2) : door_.Error;
+      if (first && door_.WhenFailed) door_.WhenFailed();
+      return written;
     }
     int64 ReadAt(int64 position, void* data, size_t count) override {
       return door_.Fails("read") ? door_.Error : file_->ReadAt(position, data, count);
@@ -122,10 +127,16 @@ class FailingFileDoor final : public FileDoor {
     std::unique_ptr<OpenFile> file_;
   };
 
-  bool Fails(const char* what) {
+  bool Counts(const char* what) {
     ++Count;
     const bool fails = FailAt > 0 && (FailFromThen ? Count >= FailAt : Count == FailAt);
     if (fails && Failed.empty()) Failed = what;
+    return fails;
+  }
+  bool Fails(const char* what) {
+    const bool first = !HasFailed();
+    const bool fails = Counts(what);
+    if (fails && first && WhenFailed) WhenFailed();
     return fails;
   }
 

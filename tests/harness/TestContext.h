@@ -13,6 +13,7 @@
 #include "core/events/OpenSets.h"
 #include "core/journal/Journal.h"
 #include "core/loop/AlertDesk.h"
+#include "core/loop/AppMessages.h"
 #include "core/loop/Holds.h"
 #include "core/loop/MessageQueue.h"
 #include "core/loop/Notices.h"
@@ -54,7 +55,7 @@ struct World {
              1},
         Who(parts.Process, parts.Dead),
         Record(parts.Files ? *parts.Files : StateFiles, Who, Time, "/state",
-               [this](const std::string& words) { Notes.ReportError(words); }) {
+               [this](const std::string& words) { Queue.Post(ErrorFound(words)); }) {
     Core.journal = &Record;
     Faces.Connect(Core);
   }

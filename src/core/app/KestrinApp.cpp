@@ -15,6 +15,7 @@
 #include "core/events/OpenSets.h"
 #include "core/journal/Journal.h"
 #include "core/loop/AlertDesk.h"
+#include "core/loop/AppMessages.h"
 #include "core/loop/MessageQueue.h"
 #include "core/loop/Notices.h"
 #include "core/ports/BackgroundArgument.h"
@@ -46,7 +47,7 @@ KestrinApp::KestrinApp(Context& context, AppParts parts)
                 background_.LaunchBackgroundApp(&message);
             }),
       later_(context.files, parts_.stateFolder, parts_.mark,
-             [this](const std::string& words) { context_.notices.ReportError(words); }),
+             [this](const std::string& words) { context_.queue.Post(ErrorFound(words)); }),
       putOff_(context, later_),
       recovery_(context.files, parts_.stateFolder),
       background_(context.notices, parts_.background, parts_.KestrinDir),
@@ -159,6 +160,9 @@ void KestrinApp::MessageReceived(const Message& message) {
       break;
     case ALERTS_WAITING:
       context_.alerts.OpenWaiting();
+      break;
+    case ERROR_FOUND:
+      context_.notices.ReportError(message.Get<std::string>("text").value_or(""));
       break;
     case SETTINGS_CHANGED:
       SettingsChanged();

@@ -107,9 +107,10 @@ void DeliveryPass::PassWithStartupFlag() {
 }
 
 void DeliveryPass::DealWith(const Earliest& earliest) {
-  earliest.set->Lock();
-  DealWithEvent(*earliest.event, passStartup_);
-  earliest.set->Unlock();
+  {
+    const AutoLock lock(*earliest.set);
+    DealWithEvent(*earliest.event, passStartup_);
+  }
   earliest.set->DropActing();
   const AutoLock settings(context_.settings.Protect);
   const AutoLock open(context_.openSets.Protect);

@@ -37,6 +37,12 @@ Message OpenFiles(const std::vector<std::string>& paths, bool window) {
   return open;
 }
 
+Message ErrorFound(const std::string& text) {
+  Message message(ERROR_FOUND);
+  message.Set("text", text);
+  return message;
+}
+
 Message SetDiscarded(const std::string& path) {
   Message discarded(SET_DISCARDED);
   discarded.Set("path", path);

@@ -26,6 +26,9 @@ Message OpenFiles(const std::vector<std::string>& paths, bool window = true);
 /// HELP_REQUESTED for a chapter: the id of a heading of the page.
 Message HelpAt(const std::string& chapter);
 
+/// ERROR_FOUND: reported on a later turn.
+Message ErrorFound(const std::string& text);
+
 /// SET_DISCARDED.
 Message SetDiscarded(const std::string& path);
 

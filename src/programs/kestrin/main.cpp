@@ -15,6 +15,7 @@
 #include "core/journal/Journal.h"
 #include "core/journal/JournalRecord.h"
 #include "core/loop/AlertDesk.h"
+#include "core/loop/AppMessages.h"
 #include "core/loop/MessageCodes.h"
 #include "core/loop/Notices.h"
 #include "core/ports/Clock.h"
@@ -131,7 +132,7 @@ struct Parts {
                   workers, actions, openSets, settings, handlers, Zone::System(), 1};
   SystemProcesses processes;
   Journal journal{files, processes, clock, StateFolder() + "/kestrin",
-                  [this](const std::string& words) { notices.ReportError(words); }};
+                  [this](const std::string& words) { queue.Post(ErrorFound(words)); }};
   OpenSets openSets;
   const ServesAddOns serves{context};
   BusBackground background{bus.Connection(), files, queue};
