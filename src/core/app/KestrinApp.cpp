@@ -93,7 +93,7 @@ void KestrinApp::Construct() {
   if (context_.journal) context_.journal->Read();
   const AutoLock open(context_.openSets.Protect);
   opening_.ReadSelectedSets();
-  later_.Read();
+  putOff_.Read();
   context_.alerts.KeepWith(&putOff_);
   pass_.Include(putOff_);
   pass_.WakeAlsoAt([this] { return absent_.NextTry(); });

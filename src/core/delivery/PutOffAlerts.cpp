@@ -8,6 +8,7 @@
 #include "core/events/EventProgress.h"
 #include "core/events/EventSet.h"
 #include "core/events/OpenSets.h"
+#include "core/journal/Journal.h"
 #include "core/loop/AlertDesk.h"
 #include "core/loop/MessageQueue.h"
 #include "core/ports/Clock.h"
@@ -81,6 +82,17 @@ std::string PutOffAlerts::Keep(const AlertRequest& request, const PutOffMoment& 
   return "";
 }
 
+void PutOffAlerts::Read() {
+  later_.Read();
+  Journal* const journal = context_.journal;
+  if (!journal) return;
+  for (const PutOffAlert& alert : All()) {
+    const auto record = journal->Find(alert.Record);
+    if (record && record->AlertIs == AlertStage::Shown && journal->Adopt(alert.Record))
+      journal->PutOff(alert.Record);
+  }
+}
+
 void PutOffAlerts::Asked(AlertRequest& request) {
   const auto asked = askedAnew_.find(request.Event);
   if (asked == askedAnew_.end() || request.Role != AlertRole::Question) return;
@@ -92,7 +104,7 @@ void PutOffAlerts::Asked(AlertRequest& request) {
 void PutOffAlerts::Opening(AlertRequest& request) {
   const bool isOccurrence =
       request.Role == AlertRole::Delivery || request.Role == AlertRole::Question;
-  if (!isOccurrence || request.Event == 0 || !request.KeptId.empty()) return;
+  if (!isOccurrence || request.Event == 0 || request.IsReturning || !request.KeptId.empty()) return;
   if (All().empty()) return;
   const std::vector<PutOffAlert> all = All();
   for (const PutOffAlert& alert : all) {

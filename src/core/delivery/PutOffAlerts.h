@@ -25,6 +25,9 @@ class PutOffAlerts final : public PutOffKeeper {
   /// Both outlive this.
   PutOffAlerts(Context& context, Later& later) : context_(context), later_(later) {}
 
+  /// At the start, after the journal was read. What was put off by a process that died before the
+  /// journal said so does not stand open as well.
+  void Read();
   std::string Keep(const AlertRequest& request, const PutOffMoment& when) override;
   void Asked(AlertRequest& request) override;
   void Opening(AlertRequest& request) override;

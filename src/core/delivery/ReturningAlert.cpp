@@ -64,6 +64,7 @@ void ShowReturning(Context& context, const ReturningAlert& alert, const FoundEve
   AlertRequest request = AlertOf(alert.Alert);
   request.Face.EventName = alert.EventName;
   request.KeptId = alert.KeptId;
+  request.IsReturning = true;
   request.Record = alert.Record;
   request.Occurrence = alert.Occurrence;
   request.Run = alert.Run;

@@ -51,6 +51,7 @@ struct AlertRequest {
   std::string KeptId;         ///< what the keeper of put-off alerts knows it by; may be empty
   std::string Record;         ///< of the journal: which delivery it belongs to; may be empty
   bool IsRecorded = false;    ///< for AlertDesk alone
+  bool IsReturning = false;   ///< shown before, and shown again unanswered
   std::string Run, Open;      ///< of a question: the command, or the file, that Ok carries out
   int32 ComesAgain = 0;       ///< of a nag: when the next one comes; 0 = no more of them
   /// Of a message: it is to be a notification, whatever the settings say.
