@@ -56,7 +56,9 @@ KestrinApp::KestrinApp(Context& context, AppParts parts)
       openAlerts_(context),
       watch_([this](const std::string& record) { ActionOverruns(record); }),
       absent_(context, parts_.stateFolder),
-      opening_(context, recovery_, absent_, parts_.addSampleEvents),
+      opening_(context, recovery_, absent_, parts_.addSampleEvents,
+               [this](const Event& event) { return putOff_.Has(event); }),
+      passedOver_(context),
       ending_(context, parts_, pass_, settling_, background_) {}
 
 KestrinApp::~KestrinApp() {
@@ -91,9 +93,10 @@ void KestrinApp::Construct() {
   context_.settings.WhenChanged = [this] { context_.queue.Post(SETTINGS_CHANGED); };
   parts_.loadHandlers();
   if (context_.journal) context_.journal->Read();
+  passedOver_.Begin();
+  putOff_.Read();
   const AutoLock open(context_.openSets.Protect);
   opening_.ReadSelectedSets();
-  putOff_.Read();
   context_.alerts.KeepWith(&putOff_);
   pass_.Include(putOff_);
   pass_.WakeAlsoAt([this] { return absent_.NextTry(); });
@@ -151,6 +154,7 @@ void KestrinApp::MessageReceived(const Message& message) {
       context_.holds.ProcessDone(static_cast<uint64>(message.Get<int64>("EventSet").value_or(0)));
       break;
     case PASSES_AT_REST:
+      passedOver_.Rest();
       settling_.Rest();
       putOff_.FollowNames();
       absent_.TryAgain();

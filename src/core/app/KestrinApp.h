@@ -8,6 +8,7 @@
 #include "core/app/AppEnding.h"
 #include "core/app/AppParts.h"
 #include "core/app/BackgroundContact.h"
+#include "core/app/PassedOver.h"
 #include "core/app/SavingByItself.h"
 #include "core/app/SetOpening.h"
 #include "core/app/Settling.h"
@@ -76,6 +77,7 @@ class KestrinApp {
   ActionWatch watch_;
   AbsentSets absent_;
   SetOpening opening_;
+  PassedOver passedOver_;
   AppEnding ending_;
   int32 delivering_ = DeliverShownOrRemembered;  ///< which events, when a pass last asked
 };

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <optional>
 
+#include "core/delivery/ClockHealing.h"
 #include "core/events/EventSet.h"
 #include "core/events/OpenSets.h"
 #include "core/files/StoredSetFile.h"
@@ -90,6 +91,7 @@ EventSet* SetOpening::LoadSet(const std::string& file, bool quietly) {
     std::fprintf(stderr, "kestrin: %s: %s\n", file.c_str(), reading.Report.Fault.c_str());
   if (!quietly) ReportOpening(reading.Result, file);
   if (!reading.Set) return nullptr;
+  HealTimes(*reading.Set, isPutOff_);
   context_.openSets.Sets.push_back(std::move(reading.Set));
   return context_.openSets.Sets.back().get();
 }

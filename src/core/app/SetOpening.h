@@ -11,19 +11,22 @@
 
 namespace kestrin {
 
+class Event;
 class EventSet;
 enum class ConstructorResult : int32;
 
 /// Main thread. Callers hold the locks of the settings and of the open sets.
 class SetOpening {
  public:
-  /// `addSampleEvents`: as in AppParts.
+  /// `addSampleEvents`: as in AppParts. `isPutOff`: whether a reminder of the event was put off.
   SetOpening(Context& context, const RecoveryFolder& recovery, AbsentSets& absent,
-             const std::function<void(EventSet& set)>& addSampleEvents)
+             const std::function<void(EventSet& set)>& addSampleEvents,
+             std::function<bool(const Event& event)> isPutOff)
       : context_(context),
         recovery_(recovery),
         absent_(absent),
-        addSampleEvents_(addSampleEvents) {}
+        addSampleEvents_(addSampleEvents),
+        isPutOff_(std::move(isPutOff)) {}
 
   /// The start is over: what is opened from now on is followed by a pass with the start-up flag,
   /// in which what was due already meets the rule for missed events.
@@ -63,6 +66,7 @@ class SetOpening {
   const RecoveryFolder& recovery_;
   AbsentSets& absent_;
   const std::function<void(EventSet& set)>& addSampleEvents_;
+  const std::function<bool(const Event& event)> isPutOff_;
   int32 nextUntitled_ = 1;
   bool running_ = false;
 };

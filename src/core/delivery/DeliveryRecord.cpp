@@ -12,6 +12,8 @@ namespace kestrin {
 
 namespace {
 
+constexpr char FurtherOnes[] = "further occurrences had passed by then";
+
 JournalRecord RecordOf(Event& event, const DeliveryRecord::Delivery& delivery, ActStage act) {
   EventSet& set = *event.GetOwner();
   JournalRecord record;
@@ -23,6 +25,7 @@ JournalRecord RecordOf(Event& event, const DeliveryRecord::Delivery& delivery, A
   record.To = delivery.To;
   record.Missed = delivery.Missed;
   record.Trial = delivery.Trial;
+  if (delivery.Skips) record.Why = FurtherOnes;
   record.Act = act;
   return record;
 }
@@ -54,10 +57,10 @@ void DeliveryRecord::Acted(const EventState& to) {
   if (record && record->Act == ActStage::Acting) journal_->Stage(id_, ActStage::Acted);
 }
 
-void DeliveryRecord::WriteMissed(Event& event, const EventState& from) {
+void DeliveryRecord::WriteMissed(Event& event, const EventState& from, bool skips) {
   Journal* const journal = event.GetOwner()->GetContext().journal;
   if (!journal) return;
-  const Delivery delivery{RecordKind::Event, from, StateOf(event.Record()), true, false};
+  const Delivery delivery{RecordKind::Event, from, StateOf(event.Record()), true, false, skips};
   journal->Begin(RecordOf(event, delivery, ActStage::Missed));
 }
 

@@ -18,6 +18,7 @@ class DeliveryRecord {
     EventState From, To;  ///< as the file has it, and what it leads to
     bool Missed = false;
     bool Trial = false;  ///< changes no state
+    bool Skips = false;  ///< further occurrences that have passed are left out
   };
 
   /// The delivery is about to be made. The set is locked, or nobody else knows it.
@@ -32,7 +33,7 @@ class DeliveryRecord {
   void Acted(const EventState& to);
 
   /// It was not delivered, by the rule for missed events.
-  static void WriteMissed(Event& event, const EventState& from);
+  static void WriteMissed(Event& event, const EventState& from, bool skips);
 
  private:
   Journal* journal_;

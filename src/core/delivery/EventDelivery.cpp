@@ -62,10 +62,18 @@ void Deliver(Event& event, const DeliveryRecord::Delivery& delivery, Action act)
   }
 }
 
+/// Whether more than the one that is dealt with have passed.
+bool Skips(const Event& event, int64 now) {
+  const EventTimes next = ComputeEventTimes(event.Record(), event.GetActualEventTime(),
+                                            event.GetOwner()->GetContext().zone);
+  return next.NextEventTime != 0 && next.ActualEventTime > event.GetActualEventTime() &&
+         next.ActualEventTime <= now;
+}
+
 /// What the delivery leads to, as far as can be foreseen.
 DeliveryRecord::Delivery Foreseen(const Event& event, RecordKind kind, const EventState& found,
                                   int64 now, bool missed = false) {
-  return {kind, found, StateAfterDelivery(event, now), missed, false};
+  return {kind, found, StateAfterDelivery(event, now), missed, false, missed && Skips(event, now)};
 }
 
 }  // namespace
@@ -89,8 +97,9 @@ void DealWithEvent(Event& event, bool checkMissed) {
               [&] { actions.DeliverEvent(event, late); });
       return;
     }
+    const bool skips = Skips(event, now);
     PassOverMissed(event);
-    DeliveryRecord::WriteMissed(event, found);
+    DeliveryRecord::WriteMissed(event, found, skips);
     found = StateOf(event.Record());
   } else if (event.GetStatus() != WaitingToNag) {
     event.UpdateEventTime();  // the status does not fit the times: nothing to deliver

@@ -164,6 +164,12 @@ int64 PutOffAlerts::NextReturn() {
   return next;
 }
 
+bool PutOffAlerts::Has(const Event& event) {
+  if (All().empty()) return false;
+  EventSet& set = *event.GetOwner();
+  return !later_.About(JournalPath(set), set.FileNames().Of(set, event)).empty();
+}
+
 void PutOffAlerts::ReturnDue() {
   const int64 now = context_.clock.Now();
   if (NextReturn() == 0 || NextReturn() > now) return;

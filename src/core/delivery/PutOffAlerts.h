@@ -36,6 +36,8 @@ class PutOffAlerts final : public PutOffKeeper {
 
   /// When the next one returns that does not stand on the screen already; 0 for none.
   int64 NextReturn();
+  /// Whether anything about the event was put off. Its set need not be among the open ones.
+  bool Has(const Event& event);
   /// Asks for the alerts of all that is due. No set may be locked.
   void ReturnDue();
   /// Stores under which names the files of saved sets know the events.

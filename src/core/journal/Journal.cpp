@@ -159,11 +159,9 @@ void Journal::Stage(const std::string& id, ActStage act, const std::string& why)
 }
 
 void Journal::GoesOnWith(const std::string& id, const EventName& event) {
-  RecordFields fields;
-  fields.Set("name", event.Name);
-  fields.Set("handler", event.Handler);
-  fields.Set("place", int64{event.Place});
-  log_.Append(id, fields);
+  log_.Append(
+      id,
+      {{"name", event.Name}, {"handler", event.Handler}, {"place", std::to_string(event.Place)}});
 }
 
 bool Journal::IsKeptUnread(const std::string& set, const EventName& event) const {
@@ -175,9 +173,7 @@ bool Journal::IsKeptUnread(const std::string& set, const EventName& event) const
 }
 
 void Journal::Became(const std::string& id, const EventState& to) {
-  RecordFields fields;
-  fields.Set("to", TextOf(to));
-  log_.Append(id, fields);
+  log_.Append(id, {{"to", TextOf(to)}});
 }
 
 void Journal::Shown(const std::string& id, const KeptAlert& alert) {
@@ -212,10 +208,8 @@ void Journal::Answered(const std::string& id, int32 button, const std::string& t
 }
 
 void Journal::PutOff(const std::string& id) {
-  RecordFields fields;
-  fields.Set("alert", NameOf(AlertStage::PutOff));
-  fields.Set("answered", clock_.Now());
-  log_.Append(id, fields);
+  log_.Append(id,
+              {{"alert", NameOf(AlertStage::PutOff)}, {"answered", std::to_string(clock_.Now())}});
 }
 
 bool Journal::Adopt(const std::string& id) {
@@ -230,16 +224,11 @@ bool Journal::Adopt(const std::string& id) {
 }
 
 void Journal::Ended(const std::string& id, int32 exit) {
-  RecordFields fields;
-  fields.Set("exit", int64{exit});
-  log_.AppendFromThread(id, fields);
+  log_.AppendFromThread(id, {{"exit", std::to_string(exit)}});
 }
 
 void Journal::FailedNow(const std::string& id, const std::string& why) {
-  RecordFields fields;
-  fields.Set("act", NameOf(ActStage::Failed));
-  fields.Set("why", why);
-  log_.AppendFromThread(id, fields);
+  log_.AppendFromThread(id, {{"act", NameOf(ActStage::Failed)}, {"why", why}});
 }
 
 std::optional<JournalRecord> Journal::Find(const std::string& id) const {
@@ -250,7 +239,8 @@ std::optional<JournalRecord> Journal::Find(const std::string& id) const {
 
 std::vector<JournalRecord> Journal::All() const {
   std::vector<JournalRecord> all;
-  for (const auto& [place, line] : log_.All()) all.push_back(RecordOf(line.Id, line.Fields));
+  for (const auto& [place, line] : log_.All())
+    if (!line.Fields.Has("seen")) all.push_back(RecordOf(line.Id, line.Fields));
   return all;
 }
 
@@ -275,12 +265,14 @@ std::vector<JournalRecord> Journal::About(const std::string& set, const EventNam
   return records;
 }
 
-std::optional<int32> Journal::LastOccurrence(const std::string& set, const EventName& event) const {
+std::optional<int32> Journal::LastOccurrence(const std::string& set, const EventName& event,
+                                             int64 notAfter) const {
   std::optional<int32> last;
-  for (const JournalRecord& record : About(set, event))
-    if (record.From && !record.Trial && record.Kind != RecordKind::Prewarning &&
-        (!last || record.From->Actual > *last))
-      last = record.From->Actual;
+  for (const JournalRecord& record : About(set, event)) {
+    const bool isDelivery = record.From && !record.Trial && record.Kind != RecordKind::Prewarning;
+    if (!isDelivery || record.From->Actual > notAfter || record.GoesBack()) continue;
+    last = std::max(last.value_or(record.From->Actual), record.From->Actual);
+  }
   return last;
 }
 

@@ -2,6 +2,7 @@
 // nothing comes twice. docs/journal.md tells how.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -11,6 +12,7 @@
 
 #include "core/journal/History.h"
 #include "core/journal/JournalRecord.h"
+#include "core/journal/LastSeen.h"
 #include "core/journal/RecordLog.h"
 #include "core/ports/Clock.h"
 
@@ -32,6 +34,7 @@ class Journal {
 
   void Read();
   History& Past() { return history_; }
+  LastSeen& Seen() { return seen_; }
 
   // Writing. Every id is one that Begin or Further gave.
 
@@ -76,8 +79,10 @@ class Journal {
   bool IsKeptUnread(const std::string& set, const EventName& event) const;
   /// Whether there is any record about the set.
   bool Knows(const std::string& set) const { return bySet_.contains(set); }
-  /// The latest occurrence that was delivered, passed over or missed; nothing when none is known.
-  std::optional<int32> LastOccurrence(const std::string& set, const EventName& event) const;
+  /// The latest occurrence that was delivered, passed over or missed, but for those after that
+  /// moment; nothing when none is known.
+  std::optional<int32> LastOccurrence(const std::string& set, const EventName& event,
+                                      int64 notAfter = INT32_MAX) const;
 
   /// The state that each event of a set that was just read is really in; nothing for those that
   /// stand as the file says.
@@ -119,6 +124,7 @@ class Journal {
   ProcessOwner self_;
   RecordLog log_;
   History history_;
+  LastSeen seen_{log_};
   std::unordered_map<std::string, Places> byEvent_;  ///< by set, name and handler
   std::unordered_map<std::string, size_t> bySet_;    ///< how many
   std::unordered_set<std::string> foundAtStart_;     ///< ids

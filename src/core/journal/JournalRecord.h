@@ -66,6 +66,8 @@ struct JournalRecord {
   int64 Answered = 0;
   std::string Of;  ///< the record of whose delivery this alert is a further one
 
+  /// It leads to an earlier occurrence: the clock was wrong when its state was worked out.
+  bool GoesBack() const { return From && To && !To->Gone && To->Actual < From->Actual; }
   /// The time of the occurrence that it speaks of.
   int32 Occurrence() const { return From ? From->Actual : 0; }
 };

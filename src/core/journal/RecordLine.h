@@ -1,6 +1,7 @@
 // One line of the journal, of the history or of what was put off; docs/journal.md has the grammar.
 #pragma once
 
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -15,6 +16,9 @@ namespace kestrin {
 class RecordFields {
  public:
   using List = std::vector<std::pair<std::string, std::string>>;
+
+  RecordFields() = default;
+  RecordFields(std::initializer_list<List::value_type> fields) : list_(fields) {}
 
   void Set(std::string_view key, std::string_view value);
   void Set(std::string_view key, int64 value);

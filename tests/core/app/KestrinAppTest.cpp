@@ -297,6 +297,56 @@ TEST_F(KestrinAppTest, TwoSessionsNeverForkASetThatDeliveriesAloneHaveChanged) {
       << "alerts in each session, and the new event";
 }
 
+TEST_F(KestrinAppTest, AWrongClockHealsAndNothingIsDeliveredTwice) {
+  EventRecord once = DailyAt(Sunday + 9 * Hour, "once");
+  once.PeriodType = Once;
+  once.EventTime = Sunday + 3 * Day;
+  once.ActualEventTime = once.NextEventTime = once.EventTime;
+  EventRecord done = DailyAt(Sunday - Day + 9 * Hour, "done");
+  done.Status = DoneWithEvent;
+  done.NextEventTime = 0;
+  EventRecord nagging = DailyAt(Sunday - Day + 9 * Hour, "nagging");
+  nagging.ApplyNag = true;
+  nagging.NagRepeatTime = 1;
+  nagging.NagRepeatType = Hours;
+  nagging.Status = WaitingToNag;
+  nagging.NextEventTime = Sunday + 9 * Hour;
+  EventRecord dropped = DailyAt(Sunday + 9 * Hour, "dropped");
+  dropped.DeliverIfMissed = false;
+  for (const int32 ahead : {100 * Day, 20 * 365 * Day}) {
+    Now = Sunday + 8 * Hour;
+    StartWith({DailyAt(Sunday + 9 * Hour), done, nagging, once, dropped});
+    const auto hours = [this] {
+      std::vector<int32> times;
+      for (const auto& event : Set(Work)->Events())
+        times.push_back((event->GetNextEventTime() - Sunday) / Hour);
+      return times;
+    };
+    ASSERT_THAT(hours(), ElementsAre(9, 9, 9, 72, 9)) << "done is not, where its rule yields";
+    while (Answer(0)) {
+    }
+    // A login with the wrong clock: what was stored counts as missed.
+    Now = int64{Sunday} + ahead + 8 * Hour;
+    Start();
+    EXPECT_THAT(Delivered(),
+                UnorderedElementsAre("Tea missed", "done missed", "nagging", "once missed"));
+    ASSERT_EQ(Alerts().size(), 1u);
+    EXPECT_THAT(Alerts()[0],
+                testing::MatchesRegex(
+                    "Kestrin last looked at the clock on Sun, Nov 15 2026, 08:00:00 AM.  This came "
+                    "due since then and was not shown:\n(.|\n)*\n\"dropped\" of "
+                    "\"Work.kestrin\": Sun, Nov 15 2026, 09:00:00 AM, and what came after it"));
+    // And the clock is right again: the next occurrence that was not delivered, not today's.
+    Now = Sunday + 8 * Hour + 5 * Minute;
+    for (int start = 0; start < 2; ++start) {
+      Start();
+      EXPECT_THAT(hours(), ElementsAre(33, 33, 9, 0 - Sunday / Hour, 33));
+      EXPECT_THAT(Delivered(), IsEmpty());
+      EXPECT_THAT(Alerts(), IsEmpty());
+    }
+  }
+}
+
 TEST_F(KestrinAppTest, AnotherZoneRecomputesAllButTheOverdueAndTheNagging) {
   EventRecord nagging = DailyAt(Sunday + 6 * Hour, "nagging");
   nagging.Status = WaitingToNag;

@@ -1,0 +1,92 @@
+#include "core/delivery/ClockHealing.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "core/events/EventIdentity.h"
+#include "core/events/EventProgress.h"
+#include "core/events/EventSet.h"
+#include "core/journal/Journal.h"
+#include "core/ports/Clock.h"
+#include "core/timing/EventTiming.h"
+
+namespace kestrin {
+
+namespace {
+
+constexpr char WrongClock[] = "the clock was wrong when its next time was worked out";
+
+bool Repeats(const TimingRule& rule) {
+  return rule.PeriodType > Once && rule.PeriodType < NumberOfPeriodTypes;
+}
+
+/// A clock is set back by a little every day: within a day a nag is believed.
+std::optional<EventTimes> NagFrom(const TimingRule& rule, int64 now, const Zone& zone) {
+  TimingRule fromEvent = rule;
+  fromEvent.NextEventTime = rule.ActualEventTime;
+  const EventTimes limit = NextNag(fromEvent, now + SecondsPerDay, zone);
+  if (limit.Status == DoneWithEvent || rule.NextEventTime <= limit.NextEventTime)
+    return std::nullopt;
+  return NextNag(fromEvent, now, zone);
+}
+
+/// Occurrences over a day ahead were delivered by the wrong clock: they bound nothing, or a rule by
+/// the hour would be silent until then.
+EventTimes Afresh(EventSet& set, const Event& event, int64 now, const Zone& zone) {
+  const Journal* const journal = set.GetContext().journal;
+  const std::optional<int32> last =
+      journal ? journal->LastOccurrence(JournalPath(set), set.FileNames().Of(set, event),
+                                        now + SecondsPerDay)
+              : std::nullopt;
+  return ComputeEventTimes(event.Record(), std::max<int64>(now, last.value_or(0)), zone);
+}
+
+std::optional<EventTimes> Healed(EventSet& set, const Event& event,
+                                 const std::function<bool(const Event&)>& isPutOff) {
+  const EventRecord& rule = event.Record();
+  const int64 now = set.GetContext().clock.Now();
+  const Zone& zone = set.GetContext().zone;
+  if (!Repeats(rule)) return std::nullopt;
+  if (rule.Status == WaitingToNag && rule.ActualEventTime <= now + SecondsPerDay)
+    return isPutOff(event) ? std::nullopt : NagFrom(rule, now, zone);
+  const bool isDone = rule.NextEventTime == 0;
+  if (!isDone && rule.ActualEventTime <= now) return std::nullopt;
+  const EventTimes soonest = ComputeEventTimes(rule, now, zone);
+  if (soonest.NextEventTime == 0) return std::nullopt;
+  if (!isDone && rule.ActualEventTime <= soonest.ActualEventTime) return std::nullopt;
+  const EventTimes times = Afresh(set, event, now, zone);
+  const bool isSooner = isDone || times.ActualEventTime < rule.ActualEventTime;
+  return times.NextEventTime != 0 && isSooner ? std::optional(times) : std::nullopt;
+}
+
+/// So that a file that was put back is healed as well.
+void WriteDown(EventSet& set, const Event& event, const EventState& from, const EventState& to) {
+  Journal* const journal = set.GetContext().journal;
+  if (!journal) return;
+  JournalRecord record;
+  record.Set = JournalPath(set);
+  record.Event = set.FileNames().Of(set, event);
+  record.Rule = RuleMark(event.Record());
+  record.Kind = RecordKind::Event;
+  record.From = from;
+  record.To = to;
+  record.Act = ActStage::Passed;
+  record.Why = WrongClock;
+  journal->Begin(std::move(record));
+}
+
+}  // namespace
+
+void HealTimes(EventSet& set, const std::function<bool(const Event&)>& isPutOff) {
+  const AutoLock lock(set);
+  const EventSet::DeliveryChange byItself(set);
+  for (const auto& event : set.Events()) {
+    const std::optional<EventTimes> times = Healed(set, *event, isPutOff);
+    if (!times) continue;
+    const EventState from = StateOf(event->Record());
+    event->SetTimes(*times);
+    WriteDown(set, *event, from, StateOf(*times));
+  }
+}
+
+}  // namespace kestrin
