@@ -3,6 +3,7 @@
 #include <QEvent>
 #include <QShortcut>
 #include <QTabBar>
+#include <algorithm>
 
 #include "core/events/EventSet.h"
 #include "interface/editor/EventActionView.h"
@@ -10,6 +11,7 @@
 #include "interface/editor/EventNagView.h"
 #include "interface/editor/EventPrewarnView.h"
 #include "interface/editor/EventWhenView.h"
+#include "interface/editor/ScrolledPage.h"
 
 namespace kestrin {
 
@@ -66,7 +68,17 @@ void EventTabView::AddPages(Event& event) {
 
 void EventTabView::AddPage(EditorPage* page, const QString& label) {
   pages_.push_back(page);
-  addTab(page, label);
+  addTab(new ScrolledPage(page), label);
+}
+
+int EventTabView::LackOfHeight() const {
+  int lack = 0;
+  for (size_t i = 0; i < pages_.size(); ++i) {
+    const QWidget& scrolled = *widget(static_cast<int>(i));
+    lack =
+        std::max(lack, pages_[i]->minimumSizeHint().height() - scrolled.minimumSizeHint().height());
+  }
+  return lack;
 }
 
 void EventTabView::TurnTo(int by) { setCurrentIndex((currentIndex() + by + count()) % count()); }

@@ -24,6 +24,8 @@ class EventTabView final : public QTabWidget {
   explicit EventTabView(Event& event);
 
   const std::vector<EditorPage*>& Pages() const { return pages_; }
+  /// By how much the window must be higher than it can be, so that no page is scrolled.
+  int LackOfHeight() const;
   /// The handler's edit view goes, and comes; Pages' own ShowEvent leaves it alone.
   void RemoveEditView();
   void AddEditView();

@@ -125,7 +125,8 @@ void EventWindow::OpenAtFrame() {
   const WindowPositionSet& positions =
       event_->GetOwner()->GetContext().settings.EventWindowPosition;
   const Rect stored = event_->Record().WindowFrame;
-  const QRect inside = GeometryOnScreen(stored, positions.DefaultFrame(), minimumSizeHint());
+  const QSize whole = minimumSizeHint() + QSize(0, tabs_->LackOfHeight());
+  const QRect inside = GeometryOnScreen(stored, positions.DefaultFrame(), whole);
   const QMargins around(0, style()->pixelMetric(QStyle::PM_TitleBarHeight), 0, 0);
   const QRect frame =
       PlaceOfEditor({inside + around, !positions.Gives(stored), RoomFor(inside), FramesBeside()});

@@ -53,6 +53,34 @@ TEST_F(EventEditorTest, TheTitleAndTheHeaderShowThingsAsTheyAreNow) {
   EXPECT_EQ(TextOf("status"), "Done with event");
 }
 
+TEST_F(EventEditorTest, FitsOnALowScreenAndIsScrolledThere) {
+  constexpr int half = 400, titleBar = 30;  // a screen of 1280x800 at 200 %
+  for (int kind = Once; kind <= SubDaily; ++kind) {
+    EventRecord record;
+    record.PeriodType = kind;
+    record.Name = std::to_string(kind);
+    OpenRecord(record, WhenTab);
+    EXPECT_LE(window->minimumSizeHint().height(), half - titleBar);
+    EXPECT_LE(window->minimumSizeHint().width(), 640);
+    const QWidget& page = *Find("periodType").parentWidget();
+    EXPECT_GE(page.parentWidget()->height(), page.minimumSizeHint().height())
+        << "no bar where there is room";
+    window->close();
+  }
+}
+
+/// The letter of the page that is shown leads to its first control.
+TEST_F(EventEditorTest, ThePagesLetterGoesIntoIt) {
+  OpenNew(WhenTab);
+  QTest::keyClick(window, Qt::Key_W, Qt::AltModifier);
+  QCoreApplication::sendPostedEvents();
+  EXPECT_TRUE(Find("periodType").hasFocus());
+  EXPECT_EQ(Find("periodType").toolTip(), "");
+  event->SetPeriodType(SubDaily);
+  QCoreApplication::sendPostedEvents(window);
+  EXPECT_NE(Find("periodType").toolTip(), "");
+}
+
 TEST_F(EventEditorTest, ThePageShownIsTheEvents) {
   OpenNew(9);
   auto& tabs = Find<QTabWidget>("tabs");

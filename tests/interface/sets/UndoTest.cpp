@@ -248,6 +248,21 @@ TEST_F(UndoTest, ManyAtATimeAreOneStep) {
   EXPECT_TRUE(Item(WindowOf(set), "Undo change of 'Cup cake'"));
 }
 
+TEST_F(UndoTest, ANewEventIsTakenBackWithItsOpenEditor) {
+  EventSet& set = TwoEvents();
+  Key(set, Qt::Key_N, Qt::ControlModifier | Qt::ShiftModifier);
+  Event& added = *set.Events()[2];
+  auto* editor = dynamic_cast<QWidget*>(added.GetWindow());
+  ASSERT_TRUE(QTest::qWaitForWindowActive(editor));
+  editor->findChild<QLineEdit*>("eventName")->setFocus();
+  QTest::keyClicks(editor->findChild<QLineEdit*>("eventName"), "Oma");
+  for (int i = 0; i < 2; ++i) Key(set, Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_THAT(Names(set), ElementsAre("Tea", "Cake"));
+  EXPECT_FALSE(set.HasBeenModified());
+  for (int i = 0; i < 2; ++i) Key(set, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+  EXPECT_THAT(Names(set), ElementsAre("Tea", "Cake", "Oma"));
+}
+
 TEST_F(UndoTest, EditorsThatStoodOpenOpenAgainButNeverTooMany) {
   EventSet& set = TwoEvents();
   First(set).OpenWindow();
