@@ -11,14 +11,27 @@ namespace kestrin {
 namespace {
 
 constexpr std::chrono::seconds QuietTime{1};
+/// A timer that comes later than that: the process was held up.
+constexpr std::chrono::milliseconds MostQuietTime{1500};
 
 }  // namespace
 
 KeyGuard::KeyGuard(QWidget& window) : QObject(&window), window_(window) {
   quiet_.setSingleShot(true);
   quiet_.setInterval(QuietTime);
-  connect(&quiet_, &QTimer::timeout, this, [this] { open_ = true; });
+  connect(&quiet_, &QTimer::timeout, this, [this] {
+    // Keys that were typed while the process was held up have not been read yet.
+    if (quietSince_.hasExpired(MostQuietTime.count()))
+      WaitForQuiet();
+    else
+      open_ = true;
+  });
   qApp->installEventFilter(this);
+}
+
+void KeyGuard::WaitForQuiet() {
+  quietSince_.start();
+  quiet_.start();
 }
 
 void KeyGuard::OpenForGood() { open_ = forGood_ = true; }
@@ -30,7 +43,7 @@ bool KeyGuard::IsOfWindow(QObject* watched) const {
 }
 
 void KeyGuard::WindowEvent(QEvent* event) {
-  if (event->type() == QEvent::WindowActivate && !open_) quiet_.start();
+  if (event->type() == QEvent::WindowActivate && !open_) WaitForQuiet();
   if (event->type() != QEvent::WindowDeactivate || forGood_ || QApplication::activePopupWidget())
     return;
   quiet_.stop();
@@ -52,7 +65,7 @@ bool KeyGuard::eventFilter(QObject* watched, QEvent* event) {
     case QEvent::KeyPress:
     case QEvent::InputMethod:
       if (open_ || !IsOfWindow(watched)) return false;
-      if (quiet_.isActive()) quiet_.start();
+      if (quiet_.isActive()) WaitForQuiet();
       event->accept();  // or the key would go looking for a mnemonic
       return true;
     default:

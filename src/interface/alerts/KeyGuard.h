@@ -1,6 +1,7 @@
 // Keeps keys that were meant for another window out of an alert.
 #pragma once
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QTimer>
 
@@ -27,9 +28,11 @@ class KeyGuard final : public QObject {
 
  private:
   void WindowEvent(QEvent* event);
+  void WaitForQuiet();
   bool IsOfWindow(QObject* watched) const;
 
   QWidget& window_;
+  QElapsedTimer quietSince_;
   QTimer quiet_;  ///< runs while the window is active and no key has come
   bool open_ = false;
   bool forGood_ = false;
