@@ -127,7 +127,7 @@ class Installed(unittest.TestCase):
             for starts, line in self.commands(stage, manifest):
                 self.assertTrue(starts, line)
             for file in manifest:
-                if not re.search(r"/bin/|\.(png|gz)$|/lib/kestrin/[Kk]estrin", file):
+                if not re.search(r"/bin/|\.(png|gz|so)$|/lib/kestrin/[Kk]estrin", file):
                     text = (stage / file[1:]).read_text()
                     self.assertFalse(str(self.root) in text or str(BUILD) in text, file)
             service = stage / prefix[1:] / "share/dbus-1/services/vnd.ZR.KestrinBackground.service"
