@@ -10,6 +10,21 @@ target_compile_options(
 # A release knows no folder it was built in, so that every folder gives the same bytes.
 target_compile_options(kestrin_flags INTERFACE
                        $<$<CONFIG:Release>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=>)
+# As Debian builds its packages, whoever builds; scripts/checks/hardening.py looks at what came of it.
+include(CheckCXXCompilerFlag)
+check_cxx_compiler_flag(-fstack-clash-protection KESTRIN_HAS_STACK_CLASH)
+check_cxx_compiler_flag(-fcf-protection KESTRIN_HAS_CF_PROTECTION)
+target_compile_options(kestrin_flags INTERFACE
+                       -fstack-protector-strong
+                       $<$<BOOL:${KESTRIN_HAS_STACK_CLASH}>:-fstack-clash-protection>
+                       $<$<BOOL:${KESTRIN_HAS_CF_PROTECTION}>:-fcf-protection>)
+target_link_options(kestrin_flags INTERFACE -Wl,-z,relro -Wl,-z,now
+                    $<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:-pie>)
+if(NOT KESTRIN_SANITIZE) # sanitizers bring checks of their own, and want an optimising build neither
+  target_compile_options(kestrin_flags INTERFACE
+                         $<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE
+                         -D_FORTIFY_SOURCE=2>)
+endif()
 if(KESTRIN_SANITIZE)
   target_compile_options(kestrin_flags INTERFACE -fsanitize=${KESTRIN_SANITIZE} -fno-sanitize-recover=all
                          # g++ 12 takes the checks it put in itself for uses of unset pointers

@@ -145,5 +145,21 @@ class Tree(unittest.TestCase):
         self.assertRegex(run.stdout, r"kestrin::count can change.*\n.* 1 faults")
 
 
+class Hardening(unittest.TestCase):
+    def test_each_missing_guard_is_a_fault(self):
+        with tempfile.TemporaryDirectory() as folder:
+            source, program = pathlib.Path(folder, "a.c"), str(pathlib.Path(folder, "a"))
+            source.write_text("#include <string.h>\n#include <stdio.h>\n"
+                              "int main(int n, char** v) { char b[99]; memcpy(b, v[0], n); return puts(b); }\n")
+            good = ["-fPIE", "-pie", "-Wl,-z,relro,-z,now", "-fstack-protector-strong", "-O2", "-D_FORTIFY_SOURCE=2"]
+            for flags, faults in (([], 0), (["-fno-PIE", "-no-pie"], 1), (["-Wl,-z,norelro"], 1), (["-Wl,-z,lazy"], 1),
+                                  (["-Wl,-z,execstack"], 1), (["-fno-stack-protector"], 1), (["-O0"], 1)):
+                subprocess.run(["cc", "-w", source, "-o", program, *good, *flags], check=True)
+                done = subprocess.run([sys.executable, CHECKS / "hardening.py", "--fortified", program],
+                                      capture_output=True, text=True)
+                self.assertEqual(done.returncode, 1 if faults else 0, (flags, done.stdout))
+                self.assertEqual(len(done.stdout.splitlines()), faults + 1, (flags, done.stdout))
+
+
 if __name__ == "__main__":
     unittest.main()
