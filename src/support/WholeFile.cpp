@@ -15,6 +15,9 @@ namespace {
 
 constexpr size_t LongestName = 255;
 constexpr int NameAttempts = 20;
+constexpr int RandomDigits = 16;
+constexpr std::string_view TemporarySuffix = ".new";
+constexpr int64 AbandonedAfter = int64{24} * 3600 * 1'000'000'000;  // ns
 
 // What may be left of a name shortened to `limit` bytes without splitting a UTF-8 character.
 std::string Shortened(std::string name, size_t limit) {
@@ -29,6 +32,29 @@ std::string TemporaryName(const std::string& leaf) {
   char suffix[24];
   std::snprintf(suffix, sizeof suffix, ".%08x%08x.new", random(), random());
   return "." + Shortened(leaf, LongestName - 1 - std::string_view(suffix).size()) + suffix;
+}
+
+bool IsTemporaryName(std::string_view name) {
+  if (!name.starts_with('.') || !name.ends_with(TemporarySuffix)) return false;
+  name.remove_suffix(TemporarySuffix.size());
+  if (name.size() < 1 + RandomDigits || name[name.size() - 1 - RandomDigits] != '.') return false;
+  return name.find_first_not_of("0123456789abcdef", name.size() - RandomDigits) ==
+         std::string_view::npos;
+}
+
+/// The folder's own clock says how old a file is: that of the one that was just written there.
+void RemoveAbandoned(FileDoor& door, const std::string& folder, const std::string& fresh) {
+  const auto names = door.List(folder);
+  const auto now = names ? door.Stamp(fresh) : std::nullopt;
+  if (!now) return;
+  for (const std::string& name : *names) {
+    if (!IsTemporaryName(name)) continue;
+    const std::string path = folder + "/" + name;
+    const auto stamp = door.Stamp(path);
+    if (stamp && now->modifiedNanoseconds - stamp->modifiedNanoseconds > AbandonedAfter &&
+        door.Kind(path) == FileKind::Regular)
+      door.Remove(path);
+  }
 }
 
 status_t MayReplace(FileDoor& door, const std::string& target, FileKind kind) {
@@ -61,10 +87,14 @@ std::unique_ptr<OpenFile> CreateBeside(FileDoor& door, const std::string& folder
 // Everything between the creation of the temporary file and its removal after a failure.
 status_t FillAndRename(FileDoor& door, OpenFile& file, const std::string& temporary,
                        const std::string& target, FileKind kind,
-                       const std::function<bool(const std::string&)>& write) {
+                       const std::function<bool(const std::string&)>& write,
+                       const std::string& like) {
   if (!write(temporary)) return StatusFileError;
   status_t status = StatusOk;
-  if (kind == FileKind::Regular) status = door.CopyAttributes(target, temporary);
+  if (kind == FileKind::Regular)
+    status = door.CopyAttributes(target, temporary);
+  else if (!like.empty())
+    door.CopyAttributes(like, temporary);
   if (status == StatusOk) status = file.Sync();
   if (status == StatusOk) status = door.Rename(temporary, target);
   return status;
@@ -86,7 +116,8 @@ bool WriteAll(OpenFile& file, std::string_view bytes, status_t& status) {
 }  // namespace
 
 status_t ReplaceFile(FileDoor& door, const std::string& path,
-                     const std::function<bool(const std::string& temporaryPath)>& write) {
+                     const std::function<bool(const std::string& temporaryPath)>& write,
+                     const std::string& like) {
   const std::string target = door.Canonical(path);
   const FileKind kind = door.Kind(target);
   const size_t slash = target.find_last_of('/');
@@ -96,24 +127,29 @@ status_t ReplaceFile(FileDoor& door, const std::string& path,
   if (status != StatusOk) return status;
 
   std::string temporary;
-  const uint32 permissions = kind == FileKind::Regular ? 0600 : 0666;
+  const uint32 permissions = kind == FileKind::Regular || !like.empty() ? 0600 : 0666;
   const std::unique_ptr<OpenFile> file =
       CreateBeside(door, folder, leaf, permissions, temporary, status);
   if (!file) return status;
-  status = FillAndRename(door, *file, temporary, target, kind, write);
+  status = FillAndRename(door, *file, temporary, target, kind, write, like);
   if (status != StatusOk) {
     door.Remove(temporary);
     return status;
   }
-  return door.SyncFolder(folder.empty() ? "/" : folder);
+  status = door.SyncFolder(folder.empty() ? "/" : folder);
+  RemoveAbandoned(door, folder.empty() ? "/" : folder, target);
+  return status;
 }
 
-status_t WriteWholeFile(FileDoor& door, const std::string& path, std::string_view bytes) {
+status_t WriteWholeFile(FileDoor& door, const std::string& path, std::string_view bytes,
+                        NewFile mode) {
   status_t reason = StatusOk;
-  const status_t status = ReplaceFile(door, path, [&](const std::string& temporary) {
+  const auto write = [&](const std::string& temporary) {
     const std::unique_ptr<OpenFile> file = door.Open(temporary, OpenWriteOnly, reason);
     return file && WriteAll(*file, bytes, reason);
-  });
+  };
+  // As the file that is not there yet: nobody else's.
+  const status_t status = ReplaceFile(door, path, write, mode == NewFile::Private ? path : "");
   return reason != StatusOk ? reason : status;
 }
 

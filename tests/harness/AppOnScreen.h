@@ -44,7 +44,7 @@ class AppOnScreen : public testing::Test {
     explicit Process(const std::string& folder)
         : World({nullptr, &Carried}, [] {}),
           Store(MakeBuiltInPrefs(SystemFiles, folder + "/config")),
-          App(Core, {Background, Bus, Store, folder, folder + "/state",
+          App(Core, {Background, Bus, Store, Who, folder, folder + "/state",
                      [this] { LoadBuiltInHandlers(Core); }, [this] { Handlers.Clear(); },
                      [] { return SystemZone; }, [this] { Ended = true; }, "0",
                      [](EventSet& set) { SampleEvents(set).AddSample(60); }}) {

@@ -31,7 +31,7 @@ class AppTestBase : public testing::Test {
     explicit Process(AppTestBase& test)
         : World({&test.Door, test.OwnActions, ++test.Starts, &test.Dead}),
           Store(MakeBuiltInPrefs(test.Door, "/config")),
-          App(World.Core, {Background, Bus, Store, "/opt", "/state",
+          App(World.Core, {Background, Bus, Store, World.Who, "/opt", "/state",
                            [this, &test] { test.LoadHandlers(World.Core); },
                            [this] {
                              if (Unloading) Unloading();

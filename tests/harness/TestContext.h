@@ -23,6 +23,7 @@
 #include "harness/FakeEventActions.h"
 #include "harness/FakeNotifications.h"
 #include "harness/FakeProcesses.h"
+#include "harness/FakeTimers.h"
 #include "harness/FakeUserInterface.h"
 #include "harness/FakeWorkers.h"
 #include "harness/MemoryFileDoor.h"
@@ -57,6 +58,7 @@ struct World {
         Record(parts.Files ? *parts.Files : StateFiles, Who, Time, "/state",
                [this](const std::string& words) { Queue.Post(ErrorFound(words)); }) {
     Core.journal = &Record;
+    Core.timers = &Ticks;
     Faces.Connect(Core);
   }
   World(const World&) = delete;
@@ -73,6 +75,7 @@ struct World {
   Notices Notes{Alerts, Holding, Ui};
   FakeDesktop Machine;
   FakeWorkers Threads;
+  FakeTimers Ticks{Queue};
   FakeEventActions Actions;
   KestrinSettings Settings;
   HandlerTable Handlers;

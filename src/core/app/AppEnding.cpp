@@ -138,6 +138,7 @@ void AppEnding::CloseEverything() {
     const AutoLock open(context_.openSets.Protect);
     context_.openSets.Sets.clear();
   }
+  settling_.Finish();
   parts_.unloadHandlers();
 }
 

@@ -6,6 +6,7 @@
 
 #include "core/ports/BackgroundMessenger.h"
 #include "core/ports/BusPresence.h"
+#include "core/ports/Processes.h"
 #include "core/settings/SettingsStore.h"
 #include "support/LocalTime.h"
 
@@ -18,6 +19,7 @@ struct AppParts {
   BackgroundMessenger& background;
   BusPresence& bus;
   SettingsStore& settings;
+  const Processes& processes;
   std::string KestrinDir;   ///< folder of the real executable
   std::string stateFolder;  ///< $XDG_STATE_HOME/kestrin
   std::function<void()> loadHandlers;

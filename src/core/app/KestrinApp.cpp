@@ -49,8 +49,9 @@ KestrinApp::KestrinApp(Context& context, AppParts parts)
       later_(context.files, parts_.stateFolder, parts_.mark,
              [this](const std::string& words) { context_.queue.Post(ErrorFound(words)); }),
       putOff_(context, later_),
-      recovery_(context.files, parts_.stateFolder),
+      recovery_(context.files, parts_.processes, parts_.stateFolder),
       background_(context.notices, parts_.background, parts_.KestrinDir),
+      unsaved_(context, recovery_),
       saving_(context, recovery_),
       settling_(context, saving_),
       openAlerts_(context),
@@ -143,6 +144,11 @@ void KestrinApp::ReadyToRun() {
 
 void KestrinApp::MessageReceived(const Message& message) {
   if (ending_.HasQuit()) return;
+  Handle(message);
+  if (!ending_.HasQuit()) unsaved_.Look();
+}
+
+void KestrinApp::Handle(const Message& message) {
   if (message.what == DELIVER_EVENTS) {
     DeliverOnly = true;
     CheckZone();
@@ -161,6 +167,9 @@ void KestrinApp::MessageReceived(const Message& message) {
       break;
     case JOURNAL_SYNCED:
       settling_.Synced();
+      break;
+    case COPY_EDITS:
+      unsaved_.Copy();
       break;
     case ALERTS_WAITING:
       context_.alerts.OpenWaiting();

@@ -12,6 +12,7 @@
 #include "core/app/SavingByItself.h"
 #include "core/app/SetOpening.h"
 #include "core/app/Settling.h"
+#include "core/app/UnsavedEdits.h"
 #include "core/delivery/ActionWatch.h"
 #include "core/delivery/DeliveryPass.h"
 #include "core/delivery/OpenAlerts.h"
@@ -56,6 +57,7 @@ class KestrinApp {
   bool DeliverOnly = false;            ///< woken by the background deliverer: deliver and leave
 
  private:
+  void Handle(const Message& message);
   bool WindowMessage(const Message& message);
   void OpenFiles(const Message& message);
   void Activate();
@@ -71,6 +73,7 @@ class KestrinApp {
   PutOffAlerts putOff_;
   RecoveryFolder recovery_;
   BackgroundContact background_;
+  UnsavedEdits unsaved_;
   SavingByItself saving_;
   Settling settling_;
   OpenAlerts openAlerts_;

@@ -22,15 +22,19 @@ std::vector<uint64> SavingByItself::SaveDeliveredSets() {
 void SavingByItself::SaveModifiedSets() {
   const AutoLock settings(context_.settings.Protect);
   const AutoLock open(context_.openSets.Protect);
+  recovery_.DropSettled(context_.openSets);
   for (const auto& set : context_.openSets.Sets) {
     const bool titled = !set->IsUntitled();
     if (!set->HasBeenModified() || (titled && SaveItself(*set))) {
-      if (titled) recovery_.Forget(*set);
+      recovery_.Forget(set->GetHandle());
       continue;
     }
     // What only deliveries have changed is in the journal; in the sample nobody has written a word.
     if (set->OnlyDeliveriesChanged()) continue;
-    if (!recovery_.SaveCopy(*set) && !titled) ReportUnsaved(*set);
+    if (recovery_.SaveCopy(*set)) continue;
+    std::fprintf(stderr, "kestrin: %s was not copied: %s\n", set->GetFileName().c_str(),
+                 set->WhyNotSaved().c_str());
+    if (!titled) ReportUnsaved(*set);
   }
 }
 

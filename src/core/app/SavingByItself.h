@@ -21,6 +21,8 @@ class SavingByItself {
   std::vector<uint64> SaveDeliveredSets();
   /// At the end: every modified set, as a recovery copy where its file cannot take it.
   void SaveModifiedSets();
+  /// What workers write of it is on disk, or given up.
+  void Finish() { recovery_.Finish(); }
   /// Any thread, before an overrun stops the program: a copy of what a person has changed.
   void SaveRecoveryCopies();
 

@@ -1,7 +1,6 @@
 #include "core/app/SetOpening.h"
 
 #include <cstdio>
-#include <optional>
 
 #include "core/delivery/ClockHealing.h"
 #include "core/events/EventSet.h"
@@ -50,14 +49,14 @@ void SetOpening::OpenSet(const std::string& path, bool openWindow) {
   }
   const std::string file = context_.files.Canonical(path);
   if (EventSet* const open = context_.openSets.FindFile(file)) {
-    if (openWindow) Show(*open), Used(*open);
+    if (openWindow) Show(*open), Used(*open), TakeUpCopyOf(file);
     return;
   }
   // A person who asks for a file gets an answer each time.
   EventSet* const set = LoadSet(file, !openWindow && absent_.Contains(file));
   if (!set) return;
   absent_.Forget(file);
-  if (openWindow) set->OpenWindow(), Used(*set);
+  if (openWindow) set->OpenWindow(), Used(*set), TakeUpCopyOf(file);
   // What was due when the set was opened meets the rule for missed events.
   if (running_) context_.queue.Post(SETS_OPENED);
 }
@@ -125,29 +124,36 @@ bool SetOpening::AnyWindow() const {
 }
 
 void SetOpening::OpenRecovered() {
-  for (const std::string& path : recovery_.Copies()) {
-    bool isOpen = false;
-    for (const auto& set : context_.openSets.Sets) isOpen |= set->File().RecoveredFrom() == path;
-    if (isOpen || OpenUnsaved(path)) continue;
-    EventSet* const set = LoadSet(path);
-    if (!set) continue;
-    set->File().BecomeRecovered(GetNextUntitledWindowName());
-    Show(*set);
-  }
+  for (const RecoveredCopy& copy : recovery_.Copies())
+    if (EventSet* const set = TakeUp(copy)) Show(*set);
 }
 
 /// The copy of a set that has a file is that set with unsaved edits. One that somebody has edited
 /// since waits for the next start.
-bool SetOpening::OpenUnsaved(const std::string& copy) {
-  const std::optional<RecoveryFolder::Origin> origin = recovery_.OriginOf(copy);
-  if (!origin) return false;
-  EventSet* set = context_.openSets.FindFile(origin->File);
-  if (!set) set = LoadSet(origin->File, true);
-  if (!set) return false;
+EventSet* SetOpening::TakeUp(const RecoveredCopy& copy) {
+  if (copy.File.empty()) return TakeUpUntitled(copy);
+  EventSet* set = context_.openSets.FindFile(copy.File);
+  if (!set) set = LoadSet(copy.File, true);
+  if (!set) return TakeUpUntitled(copy);
   const bool isEdited = set->HasBeenModified() && !set->OnlyDeliveriesChanged();
-  if (!isEdited && !set->File().TakeUnsaved(copy, origin->Digest)) return false;
-  Show(*set);
-  return true;
+  if (!isEdited && recovery_.IsInFile(copy))
+    recovery_.Discard(copy);
+  else if (!isEdited && set->File().TakeUnsaved(copy.Path, copy.Digest))
+    recovery_.TakeOver(copy, *set);
+  return set;
+}
+
+EventSet* SetOpening::TakeUpUntitled(const RecoveredCopy& copy) {
+  EventSet* const set = LoadSet(copy.Path);
+  if (!set) return nullptr;
+  set->File().BecomeRecovered(GetNextUntitledWindowName());
+  recovery_.TakeOver(copy, *set);
+  return set;
+}
+
+void SetOpening::TakeUpCopyOf(const std::string& file) {
+  for (const RecoveredCopy& copy : recovery_.Copies())
+    if (copy.File == file) TakeUp(copy);
 }
 
 void SetOpening::OpenUserInterface() {

@@ -19,7 +19,7 @@ enum class ConstructorResult : int32;
 class SetOpening {
  public:
   /// `addSampleEvents`: as in AppParts. `isPutOff`: whether a reminder of the event was put off.
-  SetOpening(Context& context, const RecoveryFolder& recovery, AbsentSets& absent,
+  SetOpening(Context& context, RecoveryFolder& recovery, AbsentSets& absent,
              const std::function<void(EventSet& set)>& addSampleEvents,
              std::function<bool(const Event& event)> isPutOff)
       : context_(context),
@@ -36,7 +36,8 @@ class SetOpening {
   /// Loads the remembered sets, without windows. What cannot be read is reported once, and
   /// forgotten only as AbsentSets says.
   void ReadSelectedSets();
-  /// Loads a set or, for an empty path, makes a new one. Opening a file twice shows its window.
+  /// Loads a set or, for an empty path, makes a new one. Opening a file twice shows its window. A
+  /// set that gets a window takes up what was not saved of it.
   void OpenSet(const std::string& path, bool openWindow);
   /// A new set that holds the sample; at most one is open.
   void ShowSample();
@@ -58,12 +59,14 @@ class SetOpening {
   void Used(const EventSet& set);
   std::string LastUsed() const;
   void OpenRecovered();
-  bool OpenUnsaved(const std::string& copy);
+  EventSet* TakeUp(const RecoveredCopy& copy);
+  EventSet* TakeUpUntitled(const RecoveredCopy& copy);
+  void TakeUpCopyOf(const std::string& file);
   void ReportOpening(ConstructorResult result, const std::string& path);
   void ForgetGone(const std::string& path);
 
   Context& context_;
-  const RecoveryFolder& recovery_;
+  RecoveryFolder& recovery_;
   AbsentSets& absent_;
   const std::function<void(EventSet& set)>& addSampleEvents_;
   const std::function<bool(const Event& event)> isPutOff_;

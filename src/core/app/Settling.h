@@ -20,6 +20,8 @@ class Settling {
   void Synced();
   /// At once, every modified set: the process may end any moment.
   void SaveEverything();
+  /// What workers write of unsaved edits is on disk, or given up.
+  void Finish() { saving_.Finish(); }
 
  private:
   void Save();

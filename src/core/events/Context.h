@@ -21,6 +21,7 @@ class MessageQueue;
 class Notices;
 class OpenSets;
 class ReminderCheck;
+class Timers;
 class UserInterface;
 class Workers;
 
@@ -44,6 +45,7 @@ struct Context {
   ActionWatch* watch = nullptr;             ///< null: an action may take as long as it likes
   Journal* journal = nullptr;               ///< null: nothing is written down (a virtual engine)
   ReminderCheck* reminderCheck = nullptr;   ///< null: nobody can be asked
+  Timers* timers = nullptr;                 ///< null: nothing is done later (a virtual engine)
 };
 
 }  // namespace kestrin

@@ -91,7 +91,11 @@ void EventSet::EventModified(Event* event) {
 }
 
 void EventSet::SetModified() {
-  if (deliveries_ == 0 && recorded_ == 0 && recorder_) recorder_->ChangedUnseen();
+  if (deliveries_ == 0) {
+    if (recorded_ == 0 && recorder_) recorder_->ChangedUnseen();
+    ++edits_;
+    context_.queue.Post(EDITS_CHANGED);
+  }
   bool& flag = deliveries_ > 0 ? deliveryModified_ : modified_;
   if (flag) return;
   flag = true;
@@ -137,6 +141,7 @@ void EventSet::Saved(const std::string& path) {
   untitled_ = modified_ = deliveryModified_ = false;
   FollowNames();
   if (recorder_) recorder_->Saved();
+  context_.queue.Post(EDITS_CHANGED);
   if (window_) window_->SetChanged();
 }
 
@@ -240,6 +245,7 @@ void EventSet::WindowClosed() {
   const int32 mode = context_.settings.WhichEventsToDeliver;
   MessageQueue& queue = context_.queue;
   if (!kept) {
+    queue.Post(EDITS_CHANGED);
     OpenSets& open = context_.openSets;
     const AutoLock lock(open.Protect);
     open.Destroy(this);

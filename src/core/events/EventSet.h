@@ -83,6 +83,8 @@ class EventSet : public Locker {
   /// Whether all that changed since the last save is what deliveries changed.
   bool OnlyDeliveriesChanged() const { return deliveryModified_ && !modified_; }
   void SetModified();
+  /// By a person, so far.
+  uint64 CountEdits() const { return edits_; }
 
   /// While one of these lives, changes of the set count as made by delivery, not by the user.
   class DeliveryChange {
@@ -177,6 +179,7 @@ class EventSet : public Locker {
   NamesInFile fileNames_;
   bool modified_ = false;
   bool deliveryModified_ = false;
+  uint64 edits_ = 0;
   int32 deliveries_ = 0;
   int32 recorded_ = 0;
   EditRecorder* recorder_ = nullptr;

@@ -1,6 +1,7 @@
 // Where a set is stored, as the set knows it.
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "kestrin/Types.h"
@@ -33,6 +34,9 @@ class SetFile {
   /// user's changes.
   virtual void SaveDeliveriesAlone() = 0;
 
+  /// What a save would write now; nothing when a handler fails.
+  virtual std::optional<std::string> Bytes() = 0;
+
   /// The set was read from a recovery copy: it goes by that name, unsaved, and the copy goes when
   /// the set is saved or discarded.
   virtual void BecomeRecovered(const std::string& untitledName) = 0;
@@ -41,6 +45,8 @@ class SetFile {
   virtual bool TakeUnsaved(const std::string& copy, uint64 digest) = 0;
   /// Of the bytes in the file as the set knows it; 0 when they are not known.
   virtual uint64 Digest() const = 0;
+  /// A set that has no file has a recovery copy now.
+  virtual void CopiedTo(const std::string& copy) = 0;
   virtual const std::string& RecoveredFrom() const = 0;
   /// Removes the recovery copy, if there is one.
   virtual void DiscardRecovered() = 0;

@@ -1,57 +1,82 @@
-// What outlives a forced end: copies of sets that have no file.
+// What outlives a forced end or a crash: copies of what was not saved.
 #pragma once
 
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "core/ports/Processes.h"
 #include "support/FileDoor.h"
 #include "support/Message.h"
 
 namespace kestrin {
 
 class EventSet;
+class OpenSets;
+class Workers;
 
-/// Beside a copy of a set that has a file: which file, and which bytes it held then.
+/// Where the note of a copy stands: what it is a copy of, and which process works with it.
 std::string RecoveryNote(const std::string& copy);
 
-/// Copies lie in "recovered" below the state folder.
+/// A copy that nobody works with.
+struct RecoveredCopy {
+  std::string Path;
+  std::string File;   ///< of the set that it was made of; empty: that had none
+  uint64 Digest = 0;  ///< of the bytes in that file when the edits began
+};
+
+/// Main thread. Copies lie in "recovered" below the state folder. A set has one copy. Beside each
+/// stands its note (docs/recovery.md), which says what it is a copy of and which process works with
+/// it.
 class RecoveryFolder {
  public:
-  RecoveryFolder(FileDoor& files, const std::string& stateFolder);
+  /// All outlive this.
+  RecoveryFolder(FileDoor& files, const Processes& processes, const std::string& stateFolder);
+  ~RecoveryFolder();
 
-  /// Of which file a copy is, and the digest of its bytes then.
-  struct Origin {
-    std::string File;
-    uint64 Digest = 0;
-  };
-
-  /// Writes the set there: over the copy it was read from or that there is of its file, or under a
-  /// new name.
+  /// Writes the set's copy at once.
   bool SaveCopy(EventSet& set);
-  /// Removes the copy that SaveCopy made of the set, if it did: the set is in its file now.
-  void Forget(const EventSet& set);
-  /// Full paths, sorted.
-  std::vector<std::string> Copies() const;
-  /// Nothing for a copy of a set that had no file.
-  std::optional<Origin> OriginOf(const std::string& copy) const;
+  /// Whether a person has changed the set since its last copy, or its saving.
+  bool WantsCopy(const EventSet& set) const;
+  /// Makes the bytes, and has a worker write them; not while one is at the set's earlier copy. What
+  /// fails is told on standard error.
+  void CopyInWorker(EventSet& set, Workers& workers);
+  /// Removes the copy of the set, if it has one: the set is in its file now, or was thrown away.
+  void Forget(uint64 set);
+  /// Forgets those of sets that have gone, or that hold nothing any more that a person has changed.
+  void DropSettled(const OpenSets& sets);
+  /// Waits, a second at most, for what workers are writing and removing.
+  void Finish();
+
+  /// The copies that no living process works with, by their names.
+  std::vector<RecoveredCopy> Copies() const;
+  /// The copy was read into the set, and is this process's from now on.
+  void TakeOver(const RecoveredCopy& copy, const EventSet& set);
+  /// The copy says nothing that its set's file does not say.
+  bool IsInFile(const RecoveredCopy& copy) const;
+  void Discard(const RecoveredCopy& copy);
   /// The set has saved itself over the bytes of that digest: copies of its unsaved edits stay good.
   void FollowSave(const EventSet& set, uint64 digestBefore) const;
 
-  /// Open alerts as earlier versions recorded them, in "open-alerts.json" beside it.
+  /// Open alerts as earlier versions recorded them, in "open-alerts.json" beside the folder.
   std::vector<Message> OldAlerts() const;
   void RemoveOldAlerts();
 
  private:
+  struct Copy;
   std::string NewName(const EventSet& set) const;
-  std::string CopyOf(const std::string& file) const;
-  bool Note(const std::string& copy, const EventSet& set) const;
+  std::shared_ptr<Copy> CopyOf(EventSet& set);
+  std::string NoteOf(const EventSet& set) const;
+  bool IsOurs(const std::string& path) const;
 
   FileDoor& files_;
+  const Processes& processes_;
   std::string copies_;
   std::string alerts_;
-  std::map<uint64, std::string> made_;  ///< by the set's handle
+  std::map<uint64, std::shared_ptr<Copy>> made_;  ///< by the set's handle
+  std::vector<std::weak_ptr<Copy>> leaving_;      ///< forgotten while a worker was at them
 };
 
 }  // namespace kestrin

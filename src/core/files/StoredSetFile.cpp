@@ -1,6 +1,7 @@
 #include "core/files/StoredSetFile.h"
 
 #include <cstdio>
+#include <memory>
 #include <system_error>
 #include <utility>
 
@@ -17,6 +18,7 @@
 #include "core/settings/KestrinSettings.h"
 #include "kestrin/BufferedFile.h"
 #include "support/LocalTime.h"
+#include "support/MemoryFile.h"
 #include "support/Opened.h"
 #include "support/WholeFile.h"
 
@@ -116,20 +118,37 @@ bool StoredSetFile::WriteTo(const std::string& path) {
   return whole;
 }
 
+std::optional<std::string> StoredSetFile::Bytes() {
+  const AutoLock lock(set_);
+  auto memory = std::make_unique<MemoryFile>();
+  MemoryFile& written = *memory;
+  Opened<EndianIndependentFile> file(std::move(memory), OpenReadWrite, WriteBuffer);
+  whyNotSaved_.clear();
+  std::optional<std::string> bytes;
+  if (WriteSetFile(set_, file, whyNotSaved_)) {
+    bytes.emplace(static_cast<size_t>(written.Size()), '\0');
+    written.ReadAt(0, bytes->data(), bytes->size());
+  }
+  if (!bytes && whyNotSaved_.empty()) whyNotSaved_ = SentenceOf(StatusFileError);
+  return bytes;
+}
+
 bool StoredSetFile::SaveCopy(const std::string& path) {
   std::optional<FileVersion> written;
   return Replace(path, &written);
 }
 
 /// `written` tells the new file from all others, also where it came into place but the rest failed.
-bool StoredSetFile::Replace(const std::string& path, std::optional<FileVersion>* written) {
+/// A file that is new gets owner and mode of `like`.
+bool StoredSetFile::Replace(const std::string& path, std::optional<FileVersion>* written,
+                            const std::string& like) {
   const auto write = [&](const std::string& temporary) {
     if (!WriteTo(temporary)) return false;
     *written = Version(temporary);
     return true;
   };
   whyNotSaved_.clear();
-  const status_t status = ReplaceFile(Files(), path, write);
+  const status_t status = ReplaceFile(Files(), path, write, like);
   if (status != StatusOk) {
     if (whyNotSaved_.empty()) whyNotSaved_ = SentenceOf(status);
     return false;
@@ -215,7 +234,7 @@ bool StoredSetFile::Save(SavedBy by) {
   Known& known = KnownOfFile();
   const std::string target = changedByOthers ? NameBeside() : earlier;
   known.attempted.reset();
-  if (!Replace(target, &known.attempted)) return false;
+  if (!Replace(target, &known.attempted, changedByOthers ? earlier : "")) return false;
   if (by == SavedBy::User) {
     Files().RemoveAttribute(target, OriginAttribute);
     origin_.reset();

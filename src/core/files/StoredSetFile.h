@@ -44,6 +44,8 @@ class StoredSetFile final : public SetFile {
   void BecomeRecovered(const std::string& untitledName) override;
   bool TakeUnsaved(const std::string& copy, uint64 digest) override;
   uint64 Digest() const override;
+  std::optional<std::string> Bytes() override;
+  void CopiedTo(const std::string& copy) override { recoveredFrom_ = copy; }
   const std::string& RecoveredFrom() const override { return recoveredFrom_; }
   void DiscardRecovered() override;
 
@@ -63,7 +65,8 @@ class StoredSetFile final : public SetFile {
   /// Forgets what it knows when the set has another name by now.
   Known& KnownOfFile();
   bool WriteTo(const std::string& path);
-  bool Replace(const std::string& path, std::optional<FileVersion>* written);
+  bool Replace(const std::string& path, std::optional<FileVersion>* written,
+               const std::string& like = {});
   bool IsChangedByOthers();
   bool ReadAgain();
   std::optional<FileVersion> Version(const std::string& path) const;

@@ -29,6 +29,10 @@ enum MessageCode : uint32 {
   SHOW_SAMPLE = FourCharCode("Smpl"),     ///< the sample set, in a window
   SETS_OPENED = FourCharCode("Opnd"),     ///< sets were loaded: what is due in them may be missed
   SET_DISCARDED = FourCharCode("Dscd"),   ///< string "path": changes of that set were thrown away
+  EDITS_CHANGED = FourCharCode("Edit"),   ///< a set was edited, saved or closed: look at its copy
+  COPY_EDITS = FourCharCode("Copy"),      ///< unsaved edits have waited long enough for a copy
+  WORK_DONE = FourCharCode("Work"),       ///< a worker is back (BackgroundWork)
+  START_COMMANDS = FourCharCode("Cmds"),  ///< commands that wait for their turn (CommandQueue)
   ACTIVATE = FourCharCode("Actv"),        ///< a second plain launch: open or raise the interface
   ALERTS_WAITING = FourCharCode("Alrt"),  ///< the alert desk has windows to open
   SETTINGS_CHANGED = FourCharCode("StCh"),

@@ -8,7 +8,7 @@ namespace {
 
 bool IsQueuedOnce(uint32 code) {
   return code == EVENT_SETS_CHANGED || code == ALERTS_WAITING || code == SETTINGS_CHANGED ||
-         code == PASSES_AT_REST || code == SETS_OPENED;
+         code == PASSES_AT_REST || code == SETS_OPENED || code == EDITS_CHANGED;
 }
 
 bool Contains(const std::deque<Message>& messages, uint32 code) {

@@ -3,6 +3,7 @@
 #include <QFocusEvent>
 #include <QMimeData>
 #include <QTextDocument>
+#include <QTimerEvent>
 #include <algorithm>
 #include <utility>
 
@@ -16,6 +17,7 @@ namespace kestrin {
 namespace {
 
 constexpr int FewestLines = 2;
+constexpr int StoreAfter = 2000;  // ms; a crash takes no more than that
 
 /// The longest beginning of `text`, in characters, that takes at most `room` bytes.
 qsizetype FittingLength(const QString& text, size_t room) {
@@ -66,7 +68,15 @@ void WrappingTextView::ShowText() {
   shown_ = PlainText();
 }
 
+void WrappingTextView::timerEvent(QTimerEvent* event) {
+  if (event->timerId() == storesSoon_.timerId())
+    Commit();
+  else
+    QPlainTextEdit::timerEvent(event);
+}
+
 void WrappingTextView::Commit() {
+  storesSoon_.stop();
   if (!std::exchange(modified_, false)) return;
   // An edit that was taken back must not rewrite a text that cannot be shown as it is stored.
   if (PlainText() != shown_) {
@@ -76,6 +86,7 @@ void WrappingTextView::Commit() {
 }
 
 void WrappingTextView::Forget() {
+  storesSoon_.stop();
   modified_ = false;
   Complain({});
 }
@@ -102,6 +113,7 @@ void WrappingTextView::insertFromMimeData(const QMimeData* source) {
 void WrappingTextView::NoteEdit() {
   if (showing_) return;
   modified_ = true;
+  if (!storesSoon_.isActive()) storesSoon_.start(StoreAfter, this);
   const int steps = document()->availableUndoSteps();
   const bool isUndo = steps < std::exchange(undoSteps_, steps);
   if (document()->isRedoAvailable() && Text().size() >= TextLimit)

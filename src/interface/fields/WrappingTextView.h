@@ -1,14 +1,15 @@
-// A text of several lines that is stored when the person leaves it.
+// A text of several lines that is stored when the person leaves it, and now and then before.
 #pragma once
 
+#include <QBasicTimer>
 #include <QPlainTextEdit>
 #include <string>
 
 namespace kestrin {
 
-/// Notes any edit, and calls StoreChange when it loses the focus or on Commit, if an edit was
-/// noted. Holds no more than a text of an event does: what is typed or pasted beyond is left out,
-/// and the complaint says so. Tab leaves it.
+/// Notes any edit, and calls StoreChange when it loses the focus, on Commit, and two seconds after
+/// the first edit that was noted. Holds no more than a text of an event does: what is typed or
+/// pasted beyond is left out, and the complaint says so. Tab leaves it.
 class WrappingTextView : public QPlainTextEdit {
   Q_OBJECT
 
@@ -37,6 +38,7 @@ class WrappingTextView : public QPlainTextEdit {
   std::string Text() const { return PlainText().toStdString(); }
 
   void focusOutEvent(QFocusEvent* event) override;
+  void timerEvent(QTimerEvent* event) override;
   void insertFromMimeData(const QMimeData* source) override;
 
  private:
@@ -50,6 +52,7 @@ class WrappingTextView : public QPlainTextEdit {
   bool showing_ = false;
   QString shown_;  ///< as StoredText was last shown
   QString complaint_;
+  QBasicTimer storesSoon_;
   int undoSteps_ = 0;
   int changedFrom_ = 0, changedTo_ = 0;  ///< what the last change put in, as character positions
 };

@@ -35,6 +35,7 @@
 #include "session/CtlReminderCheck.h"
 #include "session/DisplayProbe.h"
 #include "session/LogindWatch.h"
+#include "session/LoopTimers.h"
 #include "session/PortalFilePanels.h"
 #include "session/ProcessInfo.h"
 #include "session/QueueRunner.h"
@@ -75,6 +76,7 @@ std::string ProcessMark() {
 struct Parts {
   Parts(MessageQueue& messages, ApplicationBus& applicationBus)
       : queue(messages), bus(applicationBus) {
+    context.timers = &timers;
     context.filePanels = &filePanels;
     context.journal = &journal;
     context.reminderCheck = &reminderCheck;
@@ -86,6 +88,7 @@ struct Parts {
     return {background,
             bus,
             store,
+            processes,
             ExecutableFolder(),
             StateFolder() + "/kestrin",
             [this] {
@@ -124,6 +127,7 @@ struct Parts {
   AlertDesk alerts{queue, faces};
   Notices notices{alerts, holds, ui};
   SystemDesktop desktop;
+  LoopTimers timers{queue};
   ThreadWorkers workers;
   HandlerActions actions;
   KestrinSettings settings;

@@ -191,6 +191,7 @@ TEST_F(KestrinAppQuitTest, UnsavedEditsAreKeptApartOnlyFromWhatOthersWrote) {
     EXPECT_EQ(FirstEvent(Work).GetNextEventTime(), Sunday + Day + 9 * Hour);
     ASSERT_TRUE(Set(Work)->SaveData());
     EXPECT_EQ(Disk.List("/sets")->size(), byOthers ? 3u : 2u) << "with the one for its mode";
+    Run();
     EXPECT_THAT(*Disk.List("/state/recovered"), IsEmpty());
   }
 }
@@ -266,6 +267,7 @@ TEST_F(KestrinAppQuitTest, AForcedEndKeepsEverything) {
   EventSet* const saved = Set("Untitled event set 1");
   saved->SetFileName(Home);
   ASSERT_TRUE(saved->SaveData());
+  Run();
   EXPECT_FALSE(Disk.Bytes(Recovered)) << "its copy goes when it has a file";
   EXPECT_EQ(NameIn(Home), "typed");
 }

@@ -96,23 +96,25 @@ TEST_F(EventSetTest, WindowAndApplicationAreTold) {
   FakeSetWindow& window = *World.Ui.SetWindows[0];
   const auto messages = [this] {
     World.RunMessages();
-    return std::exchange(World.Messages, {}).size();
+    const int changes = World.CountMessages(EVENT_SETS_CHANGED);
+    World.Messages.clear();
+    return changes;
   };
-  EXPECT_EQ(messages(), 0u);
+  EXPECT_EQ(messages(), 0);
   event.SetName("Toast");
   EXPECT_THAT(window.Modified, ElementsAre(event.GetHandle()));
-  EXPECT_EQ(messages(), 1u);
+  EXPECT_EQ(messages(), 1);
 
   const uint64 handle = event.GetHandle();
   event.OpenWindow();
   std::vector<EventList::Removed> removed = set.RemoveEvents({&event});
   EXPECT_THAT(window.Removed, ElementsAre(handle));
   EXPECT_THAT(World.Ui.EditorWindows, IsEmpty()) << "its editor closes first";
-  EXPECT_EQ(messages(), 1u);
+  EXPECT_EQ(messages(), 1);
   Event* const out = removed[0].event.get();
   EXPECT_EQ(set.RemoveEvent(out), nullptr) << "it is not in the list";
   out->SetName("Butter");
-  EXPECT_EQ(messages(), 0u);
+  EXPECT_EQ(messages(), 0);
 
   set.AddEvent(nullptr);
   EXPECT_EQ(World.Ui.EditorWindows.size(), 1u) << "a new event opens its editor";

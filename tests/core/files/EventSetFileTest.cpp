@@ -130,7 +130,8 @@ TEST_F(EventSetSaveTest, AFailureAnywhereLosesNeitherTheFileNorTheChanges) {
   for (const bool shortWrite : {false, true})
     for (const bool fromThen : {false, true})
       for (int n = 1;; ++n) {
-        Disk.Remove(Path);
+        for (const std::string& leaf : Disk.List("/sets").value_or(std::vector<std::string>()))
+          Disk.Remove("/sets/" + leaf);
         EventSet& set = SavedSet();
         set.Events()[0]->SetName("Toast");
         Door.FailAt = Door.Count + n;

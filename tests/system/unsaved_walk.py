@@ -1,0 +1,45 @@
+"""What was typed and never saved, when everything is killed."""
+import pathlib
+import sys
+
+sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "harness"))
+from world import APPLICATION, WorldTest, daily, main, say  # noqa: E402
+
+
+class Unsaved(WorldTest):
+    def copy(self, name, event):
+        path = self.home / "state/kestrin/recovered" / f"{name}.kestrin"
+        return self.until(lambda: path.exists() and event in self.saved(path), f"a copy of {name} with {event}")
+
+    def test_edits_survive_a_kill_in_the_set_they_were_made_in(self):
+        day = self.write_set("home/Day.kestrin", daily("Tea", self.now() + 9000, say("Kettle.")))
+        application = self.start(day)
+        self.keys("Day.kestrin", "ctrl+n")
+        self.keys("Untitled event set 1", "ctrl+shift+n")
+        self.in_front("Event (set Untitled event set 1)")
+        self.type("Plants\n")
+        self.click_on("Event (set Untitled event set 1)", "Message", "text")
+        self.type("Two cans")  # and the focus stays there
+        self.copy("Untitled event set 1", "Plants")
+        note = self.home / "state/kestrin/recovered/Untitled event set 1.kestrin.of"
+        self.assertEqual(note.stat().st_mode & 0o777, 0o600)
+        self.until(lambda: b"Two cans" in note.with_suffix("").read_bytes(), "the text that is being typed")
+        self.keys("Day.kestrin", "ctrl+shift+n")
+        self.in_front("Event (set Day.kestrin)")
+        self.type("Coffee\n")
+        self.copy("Day", "Coffee")
+        self.kill(APPLICATION)
+        self.assertEqual(self.status(application), -9)
+        self.assertEqual(list(self.saved(day)), ["Tea"])
+
+        self.start()
+        self.window("Untitled event set 1")
+        self.keys("Day.kestrin", "ctrl+s")
+        self.until(lambda: list(self.saved(day)) == ["Tea", "Coffee"], "the saved set")
+        self.until(lambda: sorted(path.name for path in note.parent.iterdir()) == [note.stem, note.name],
+                   "the end of the saved set's copy")
+        self.assertEqual([path.name for path in self.home.glob("home/*.kestrin")], ["Day.kestrin"])
+
+
+if __name__ == "__main__":
+    main()
