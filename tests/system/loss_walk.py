@@ -1,9 +1,11 @@
 """Processes that end in the wrong moment."""
+import os
 import pathlib
+import subprocess
 import sys
 
 sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "harness"))
-from world import APPLICATION, DAY, WorldTest, daily, main, run, say  # noqa: E402
+from world import APPLICATION, BUS, DAY, WorldTest, daily, main, run, say  # noqa: E402
 
 WAITING_FOR_PREWARNING, WAITING_FOR_EVENT = 0, 1
 MINUTES = 4
@@ -53,6 +55,35 @@ class Loss(WorldTest):
         again.press("No more prewarnings")
         self.until(lambda: self.saved(day)["Tea"]["Status"] == WAITING_FOR_EVENT, "the end of the prewarnings")
         self.assertEqual((self.saved_time(day), self.when()), (due, due))
+
+
+class TwoSessions(WorldTest):
+    def second_session(self):
+        """What tells a process of the same person in another session where it is."""
+        config = self.write("bus2.conf", BUS.format(self.home).replace("/bus<", "/bus2<"))
+        os.mkdir(self.home / "run2", 0o700)
+        daemon = subprocess.Popen(["dbus-daemon", f"--config-file={config}", "--nofork", "--print-address"],
+                                  env=self.environment, stdout=subprocess.PIPE, stderr=self.log, text=True)
+        with daemon.stdout as output:
+            return {"DBUS_SESSION_BUS_ADDRESS": output.readline().strip(),
+                    "XDG_RUNTIME_DIR": self.path("run2")}
+
+    def test_never_fork_a_set_and_run_a_command_once(self):
+        soon, done, folder = self.now() + 5, self.path("done"), self.home / "sets"
+        day = self.write_set("sets/day.kestrin", *(
+            daily(f"Tea {n}", soon + n, run(f"echo {n} >> '{done}'")) for n in range(4)))
+        self.remember(day)
+        sessions = [self.start(), self.start(**self.second_session())]
+        self.until(lambda: len(self.read("done").split()) >= 4, "all commands")
+        self.until(lambda: all(self.saved_time(day, f"Tea {n}") == soon + n + DAY for n in range(4)),
+                   "the deliveries on disk")
+        for session in sessions:
+            session.terminate()
+            self.left(session)
+        self.assertEqual(sorted(self.read("done").split()), ["0", "1", "2", "3"])
+        self.assertEqual([each.name for each in folder.iterdir()], ["day.kestrin"])
+        self.assertEqual([self.saved_time(day, f"Tea {n}") for n in range(4)],
+                         [soon + n + DAY for n in range(4)])
 
 
 if __name__ == "__main__":
