@@ -9,11 +9,11 @@ ADD_ON = BIN.parent / "tests/harness/addons/built/Harmful.so"
 
 
 class Harm(WorldTest):
-    def remember_harm(self, harm, when):
+    def remember_harm(self, harm, when, **fields):
         add_ons = self.home / "home/.local/lib/kestrin/add-ons"
         add_ons.mkdir(parents=True)
         (add_ons / "Harmful.so").symlink_to(ADD_ON)
-        bad = self.write_set("bad.kestrin", daily("Bad", when, handler_data(b"Harmful", harm)))
+        bad = self.write_set("bad.kestrin", daily("Bad", when, handler_data(b"Harmful", harm), **fields))
         good = self.write_set("good.kestrin", daily("Good", when, say("Kettle.")))
         self.remember(bad, good)
         return bad, good
@@ -44,8 +44,14 @@ class Harm(WorldTest):
         self.assertIn("Add-ons may not block or take more than one second to deal with an event", self.errors())
 
     def test_data_that_cannot_be_read_are_kept(self):
+        self.are_kept(b"read")
+
+    def test_data_that_cannot_be_shown_are_kept(self):
+        self.are_kept(b"view", WindowOpen=1, TabShown=0)
+
+    def are_kept(self, harm, **fields):
         due = self.now() - 100
-        bad, good = self.remember_harm(b"read", due)
+        bad, good = self.remember_harm(harm, due, **fields)
         data = self.saved(bad)["Bad"]["HandlerData"]
         self.assertNotEqual(self.status(self.start()), 0)
         for _ in range(2):

@@ -6,7 +6,6 @@
 #include <cstdlib>
 #include <future>
 #include <memory>
-#include <thread>
 #include <utility>
 
 #include "core/app/OldOpenAlerts.h"
@@ -73,11 +72,11 @@ KestrinApp::~KestrinApp() {
 void KestrinApp::ActionOverruns(const std::string& record) {
   if (context_.journal && !record.empty()) context_.journal->FailedNow(record, Overrun);
   const auto written = std::make_shared<std::promise<void>>();
-  std::thread([this, written] {
+  const bool started = context_.workers.Start("Copies", [this, written] {
     saving_.SaveRecoveryCopies();
     written->set_value();
-  }).detach();
-  written->get_future().wait_for(MostTimeForCopies);
+  });
+  if (started) written->get_future().wait_for(MostTimeForCopies);
   std::fputs("Add-ons may not block or take more than one second to deal with an event\n", stderr);
   std::abort();
 }

@@ -2,10 +2,8 @@
 
 #include <cstdint>
 
-#include "core/events/AddOnReading.h"
 #include "core/events/EditRecorder.h"
 #include "core/events/EventIdentity.h"
-#include "core/events/HandlerTable.h"
 #include "core/events/OpenSets.h"
 #include "core/journal/Journal.h"
 #include "core/loop/AlertDesk.h"
@@ -202,13 +200,8 @@ void EventSet::OpenWindow() {
 
 void EventSet::OpenEditors() {
   int32 opened = 0;
-  AddOnReading reading(context_, JournalPath(*this));
-  for (const auto& event : Events()) {
-    if (!event->GetShouldWindowOpen() || opened++ >= MaxEditorsAtOpening) continue;
-    if (event->GetSelectedHandler() >= NumberOfBuiltInHandlers)
-      reading.Begin(fileNames_.Of(*this, *event));
-    event->OpenWindow();
-  }
+  for (const auto& event : Events())
+    if (event->GetShouldWindowOpen() && opened++ < MaxEditorsAtOpening) event->OpenWindow();
 }
 
 void EventSet::CommitEdits() {

@@ -6,7 +6,9 @@
 #include <QVBoxLayout>
 #include <utility>
 
+#include "core/events/AddOnReading.h"
 #include "core/events/EditRecorder.h"
+#include "core/events/EventIdentity.h"
 #include "core/events/EventSet.h"
 #include "core/events/HandlerTable.h"
 #include "core/loop/Notices.h"
@@ -154,6 +156,10 @@ void EventActionView::AddEditView() {
   if (!viewed_) return;
   if (EditRecorder* const recorder = GetEvent().GetOwner()->Recorder())
     recorder->HandlerShown(GetEvent());
+  EventSet& set = *GetEvent().GetOwner();
+  AddOnReading reading(set.GetContext(), JournalPath(set));
+  if (GetEvent().GetSelectedHandler() >= NumberOfBuiltInHandlers)
+    reading.Begin(set.FileNames().Of(set, GetEvent()));
   QWidget* view = nullptr;
   try {
     view = viewed_->CreateEditView(GetEditViewRect());

@@ -1,5 +1,5 @@
 // An add-on that ends its process in the way that its event's data say: "read" while they are read,
-// "crash", "exit" or "block" when the event comes due.
+// "view" while they are shown, "crash", "exit" or "block" when the event comes due.
 #include <kestrin/EndianIndependentFile.h>
 #include <kestrin/EventAddOnData.h>
 #include <unistd.h>
@@ -13,7 +13,10 @@ namespace {
 class HarmfulData : public kestrin::EventAddOnData {
  public:
   using EventAddOnData::EventAddOnData;
-  QWidget* CreateEditView(kestrin::Rect) override { return nullptr; }
+  QWidget* CreateEditView(kestrin::Rect) override {
+    if (harm_ == "view") std::raise(SIGSEGV);
+    return nullptr;
+  }
   bool Read(kestrin::EndianIndependentFile& file) {
     kestrin::uint32 count = 0;
     if (file.ReadNumber(&count, 4, 1) != 1) return false;
