@@ -4,11 +4,6 @@
 
 namespace kestrin {
 
-bool RunShellCommand(const std::string& command) {
-  const pid_t shell = SpawnApart({"/bin/sh", "-c", command});
-  if (shell < 0) return false;
-  WaitForEnd(shell);
-  return true;
-}
+pid_t StartShell(const std::string& command) { return SpawnApart({"/bin/sh", "-c", command}); }
 
 }  // namespace kestrin

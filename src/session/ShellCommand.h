@@ -1,12 +1,13 @@
 // Shell commands.
 #pragma once
 
+#include <sys/types.h>
+
 #include <string>
 
 namespace kestrin {
 
-/// Runs the command with /bin/sh, apart from the application, and returns when the shell has ended.
-/// How it ended is nobody's concern; false when it could not be started.
-bool RunShellCommand(const std::string& command);
+/// Starts /bin/sh with the command, apart from the application: Spawn.h. Its process id, or -errno.
+pid_t StartShell(const std::string& command);
 
 }  // namespace kestrin

@@ -69,9 +69,11 @@ pid_t SpawnApart(const std::vector<std::string>& arguments) {
   return error == 0 ? process : -error;
 }
 
-void WaitForEnd(pid_t process) {
-  while (waitpid(process, nullptr, 0) < 0 && errno == EINTR) {
+int WaitForEnd(pid_t process) {
+  int status = 0;
+  while (waitpid(process, &status, 0) < 0 && errno == EINTR) {
   }
+  return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
 }
 
 void ReapLater(pid_t process) {

@@ -13,8 +13,8 @@ namespace kestrin {
 /// but standard output and error. Returns its process id, to be waited for, or -errno.
 pid_t SpawnApart(const std::vector<std::string>& arguments);
 
-/// Returns when the process has ended.
-void WaitForEnd(pid_t process);
+/// Returns when the process has ended: its exit status, or 128 and the signal that ended it.
+int WaitForEnd(pid_t process);
 
 /// Waits in a thread of its own.
 void ReapLater(pid_t process);

@@ -4,6 +4,7 @@
 #include "core/ports/Desktop.h"
 #include "session/DesktopFiles.h"
 #include "session/ShellCommand.h"
+#include "session/Spawn.h"
 
 namespace kestrin {
 
@@ -14,7 +15,8 @@ class SystemDesktop final : public Desktop {
   bool OpenPage(const std::string& path, const std::string& anchor) override {
     return OpenFileAt(path, anchor);
   }
-  void RunCommand(const std::string& command) override { RunShellCommand(command); }
+  int32 StartCommand(const std::string& command) override { return StartShell(command); }
+  int32 WaitForCommand(int32 shell) override { return WaitForEnd(shell); }
 };
 
 }  // namespace kestrin

@@ -1,6 +1,10 @@
 // What the built-in handlers do when their event comes due, and that every road gives back exactly
 // the holds it took.
+#include <algorithm>
+
 #include "HandlerTestBase.h"
+#include "core/files/OwnSets.h"
+#include "handlers/DeliveryWork.h"
 #include "handlers/UnknownDataHandler.h"
 
 namespace kestrin {
@@ -61,7 +65,8 @@ TEST_F(ActionsTest, ACommandRunsUnasked) {
   Command(false);
   World.Threads.How = FakeWorkers::Mode::Deferred;
   Deliver();
-  EXPECT_EQ(World.Holding.Count(), 1);
+  EXPECT_THAT(World.Machine.Commands, ElementsAre("brew")) << "before the delivery counts as made";
+  EXPECT_EQ(World.Holding.Count(), 1) << "until it has ended";
   Command(false).SetCommand("");
   Deliver();
   World.Threads.RunPending();
@@ -106,15 +111,92 @@ TEST_F(ActionsTest, AForcedEndStartsNothing) {
   EXPECT_THAT(World.Machine.Commands, IsEmpty());
 }
 
-TEST_F(ActionsTest, NoThreadIsToldInsteadOfTheCommand) {
+TEST_F(ActionsTest, ACommandNeedsAShellAndAFileAThread) {
   World.Threads.How = FakeWorkers::Mode::Refuse;
   for (const bool verify : {false, true}) {
+    World.Machine.ShellWorks = verify;
     Command(verify);
     Deliver();
     if (verify) Answer(1);
-    ASSERT_EQ(OnlyText(), CommandFailure);
-    EXPECT_EQ(World.Holding.Count(), 1);
+    EXPECT_EQ(OnlyText(), verify ? "0 alerts" : CommandFailure);
+    EXPECT_EQ(World.Holding.Count(), verify ? 0 : 1);
+    if (!verify) Answer(0);
+  }
+  EXPECT_THAT(World.Machine.Commands, ElementsAre("brew")) << "though nobody learns how it ends";
+  File(true);
+  Deliver();
+  EXPECT_THAT(OnlyText(), testing::HasSubstr("Kestrin failed to open the file \"/pot\""));
+  Answer(0);
+}
+
+TEST_F(ActionsTest, ManyCommandsTakeTurnsAndAreInTheJournalUntilThen) {
+  Command(false);
+  World.Threads.How = FakeWorkers::Mode::Deferred;  // all of them run on
+  World.Machine.Exit = 3;
+  std::vector<std::string> records;
+  for (int i = 0; i < 40; ++i) {
+    JournalRecord record;
+    record.Event = {"Tea " + std::to_string(i), "Command", 0};
+    record.Act = ActStage::Acting;
+    records.push_back(World.Record.Begin(record));
+    Subject->SetDelivery(records.back());
+    Deliver();
+  }
+  const auto count = [&](ActStage stage) {
+    return std::count_if(records.begin(), records.end(),
+                         [&](const auto& id) { return World.Record.Find(id)->Act == stage; });
+  };
+  size_t begun = CommandQueue::MostInASecond;
+  for (; begun < records.size(); begun += CommandQueue::MostInASecond) {
+    ASSERT_EQ(World.Machine.Commands.size(), begun);
+    EXPECT_EQ(count(ActStage::Acted), static_cast<int64>(begun));
+    EXPECT_EQ(count(ActStage::Queued), static_cast<int64>(records.size() - begun));
+    World.Ticks.RunOut();
+    World.RunMessages();
+    ASSERT_EQ(World.Machine.Commands.size(), begun) << "no second has passed";
+    World.Time.Advance(1);
+    World.Ticks.RunOut();
+    World.RunMessages();
+  }
+  EXPECT_EQ(World.Machine.Commands.size(), records.size());
+  EXPECT_TRUE(World.Ticks.Waiting.empty());
+  World.Threads.RunPending();
+  World.RunMessages();
+  World.Record.Sync();
+  Journal later(Disk, World.Who, World.Time, "/state", [](const std::string&) {});
+  later.Read();
+  for (const std::string& id : records) EXPECT_EQ(later.Find(id)->Exit, 3);
+  Subject->SetDelivery("");
+}
+
+TEST_F(ActionsTest, ADiskThatDoesNotAnswerDelaysNothingElse) {
+  World.Machine.Files["/pot"] = {true, false, "Kettle"};
+  World.Threads.How = FakeWorkers::Mode::Deferred;
+  for (const bool verify : {false, true}) {
+    JournalRecord record;
+    record.Open = "/pot";
+    record.Act = ActStage::Acting;
+    const std::string id = World.Record.Begin(record);
+    Subject->SetDelivery(id);
+    File(verify);
+    Deliver();
+    EXPECT_EQ(World.Record.Find(id)->Act, ActStage::Queued) << "no crash loses it";
+    Subject->SetDelivery("");
+    Select<MessageDataHandler>("Message").SetMessage("Pour it.");
+    Deliver();
+    EXPECT_EQ(OnlyText(), Head + "\n\nPour it.");
     Answer(0);
+    World.Threads.RunPending();
+    World.RunMessages();
+    World.Threads.RunPending();
+    World.RunMessages();
+    EXPECT_EQ(World.Machine.Launched.size(), 1u);
+    EXPECT_EQ(World.Record.Find(id)->Act, ActStage::Acted);
+    if (!verify) continue;
+    EXPECT_THAT(OnlyText(), testing::HasSubstr("with the application Kettle."));
+    Answer(0);
+    // An earlier process has died before its disk answered.
+    World.Record.Stage(id, ActStage::Queued, World.Record.Find(id)->Why);
   }
 }
 
@@ -166,6 +248,8 @@ TEST_F(ActionsTest, AFileIsDescribedAskedForAndLaunched) {
 TEST_F(ActionsTest, ADownloadedSetAsksBeforeEverything) {
   World.Machine.Files["/pot"] = {true, true, "pot"};
   Disk.SetAttribute("/sets/set", "user.xdg.origin.url", "https://example.org/set");
+  Set = Read("/sets/set");
+  Subject = Set->Events().at(0).get();
   EXPECT_TRUE(Command(false).NeedsScreen());
   Deliver();
   EXPECT_EQ(OnlyText(), CommandQuestion);
@@ -174,7 +258,83 @@ TEST_F(ActionsTest, ADownloadedSetAsksBeforeEverything) {
   Deliver();
   EXPECT_EQ(World.Ui.Alerts.size(), 1u);
   Answer(0);
-  EXPECT_THAT(World.Threads.Started, IsEmpty());
+  EXPECT_THAT(World.Threads.Started, ElementsAre("ActOnFile")) << "looked at, not opened";
+  EXPECT_THAT(World.Machine.Launched, IsEmpty());
+  ASSERT_TRUE(Set->SaveData());
+  EXPECT_FALSE(File(false).NeedsScreen()) << "it is the person's own by now";
+}
+
+TEST_F(ActionsTest, OnlyWhatIsThePersonsOwnActsUnasked) {
+  const std::string path = "/sets/set";
+  std::vector<std::string> reports;
+  const auto report = [&reports](const std::string& words) { reports.push_back(words); };
+  Command(false);
+  ASSERT_TRUE(Set->SaveData()) << "by another program, as far as anybody knows";
+  const std::string foreign = *Disk.Bytes(path);
+  OwnSets own(Disk, "/state", report);
+  own.Read({});
+  World.Core.ownSets = &own;
+  const auto asks = [&] {
+    Set = Read(path);
+    Subject = Set->Events().at(0).get();
+    return dynamic_cast<CommandDataHandler&>(*Subject->GetAddOnData()).NeedsScreen();
+  };
+  EXPECT_TRUE(asks());
+  World.Settings.RememberSet(path);
+  EXPECT_FALSE(asks());
+  Disk.SetAttribute(path, "user.xdg.origin.url", "https://example.org/set");
+  EXPECT_TRUE(asks()) << "the mark counts for more";
+  Disk.RemoveAttribute(path, "user.xdg.origin.url");
+  World.Settings.ForgetSet(path);
+
+  const auto save = [&](EventSet::SavedBy by, const char* comment) {
+    asks();
+    Subject->SetComment(comment);
+    ASSERT_TRUE(Set->SaveData(by));
+  };
+  save(EventSet::SavedBy::Itself, "a delivery");
+  EXPECT_TRUE(asks()) << "the program's own saves are no consent";
+  save(EventSet::SavedBy::User, "mine");
+  EXPECT_FALSE(asks());
+  save(EventSet::SavedBy::Itself, "another delivery");
+  EXPECT_FALSE(asks()) << "they keep it";
+  Disk.Put(path, foreign);
+  EXPECT_TRUE(asks()) << "somebody has put another one in its place";
+  save(EventSet::SavedBy::Itself, "a third one");
+  EXPECT_TRUE(asks());
+  const auto untitled = kestrin::NewSet(World.Core, "made here");
+  EXPECT_TRUE(IsTrusted(*untitled));
+
+  OwnSets other(Disk, "/state", report);
+  other.Read({path});
+  EXPECT_FALSE(other.IsOwn(path, foreign)) << "the list exists: what is remembered proves nothing";
+  other.Saved("/sets/theirs", "1");
+  own.Saved("/sets/ours", "2");
+  for (const bool damaged : {false, true}) {
+    if (damaged) Disk.Put("/state/mine", *Disk.Bytes("/state/mine") + "{");
+    OwnSets third(Disk, "/state", report);
+    third.Read({});
+    EXPECT_TRUE(third.IsOwn("/sets/theirs", "1") && third.IsOwn("/sets/ours", "2"));
+    EXPECT_EQ(reports.size(), damaged ? 1u : 0u);
+  }
+  OwnSets first(Disk, "/elsewhere", report);
+  first.Read({path, "/sets/gone"});
+  EXPECT_TRUE(first.IsOwn(path, *Disk.Bytes(path))) << "remembered before there was a list";
+  World.Core.ownSets = nullptr;
+}
+
+TEST_F(ActionsTest, TheQuestionShowsAllOfTheCommand) {
+  Command(true).SetCommand(
+      ("one\ntwo\t\x1b[2K" + std::string(60, '\n') + "rm -r \xe2\x80\xae ~ caf\xc3\xa9\n").c_str());
+  Deliver();
+  EXPECT_THAT(OnlyText(),
+              testing::HasSubstr("\"one\xe2\x90\x8a\ntwo\xe2\x90\x89\xe2\x90\x9b[2K\xe2"));
+  EXPECT_THAT(OnlyText(),
+              testing::HasSubstr("\nrm -r <U+202E> ~ caf\xc3\xa9\xe2\x90\x8a\".  Should"));
+  const std::string text = OnlyText();
+  EXPECT_LE(std::count(text.begin(), text.end(), '\n'), 4);
+  EXPECT_EQ(World.Ui.Alerts[0].Request.DefaultButton, 0);
+  Answer(0);
 }
 
 TEST_F(ActionsTest, AMissingHandlerIsNamed) {
@@ -198,14 +358,10 @@ TEST_F(ActionsTest, WithoutAScreenOnlyWhatNeedsNoneIsDelivered) {
   const struct {
     const char *Handler, *Text;
     bool Verify, Able;
-  } rows[] = {{"Do nothing", "", false, true},
-              {"Message", "", false, false},
-              {"Command", "brew", false, true},
-              {"Command", "brew", true, false},
-              {"Command", "", true, true},
-              {"Act on file", "/there", false, true},
-              {"Act on file", "/gone", false, false},
-              {"Act on file", "/there", true, false},
+  } rows[] = {{"Do nothing", "", false, true},       {"Message", "", false, false},
+              {"Command", "brew", false, true},      {"Command", "brew", true, false},
+              {"Command", "", true, true},           {"Act on file", "/there", false, true},
+              {"Act on file", "/gone", false, true}, {"Act on file", "/there", true, false},
               {"Act on file", "", true, true}};
   Subject->SetEventTime(due, true);
   HandlerActions actions;
@@ -255,9 +411,8 @@ TEST_F(ActionsTest, RemindersAreAnsweredByHandleAndOccurrence) {
     EXPECT_EQ(request.HarmlessButton, 1);
     EXPECT_EQ(request.Role, nag ? AlertRole::Nag : AlertRole::Prewarning);
     EXPECT_EQ(request.Event, Subject->GetHandle());
-    EXPECT_EQ(request.Text,
-              nag ? "The event \"Tea\" occurred at 17:00 today.\n\nCold by now."
-                  : "The event \"Tea\" will occur at 17:00 today.\n\nWarm the pot.");
+    EXPECT_EQ(request.Text, nag ? "The event \"Tea\" occurred at 17:00 today.\n\nCold by now."
+                                : "The event \"Tea\" will occur at 17:00 today.\n\nWarm the pot.");
     EXPECT_EQ(World.Holding.CountFor(Set->GetHandle()), 1);
 
     World.Messages.clear();

@@ -11,7 +11,9 @@
 #include <vector>
 
 #include "core/app/KestrinApp.h"
+#include "core/files/OwnSets.h"
 #include "core/files/StoredSetFile.h"
+#include "core/loop/AppMessages.h"
 #include "core/settings/BuiltInPrefs.h"
 #include "core/settings/SettingsFile.h"
 #include "harness/FakeSession.h"
@@ -39,6 +41,7 @@ class AppTestBase : public testing::Test {
                            },
                            [&test] { return test.SystemZone; }, [this] { Ended = true; },
                            std::to_string(test.Starts)}) {
+      World.Core.ownSets = &Own;
       World.Ui.App = &App.Ending();
       Background.Queue = &World.Queue;
       World.Core.zone = test.SystemZone;
@@ -46,6 +49,8 @@ class AppTestBase : public testing::Test {
     }
     ~Process() { World.Ui.App = nullptr; }  // its windows outlive the application
     TestContext World;
+    OwnSets Own{World.Core.files, "/state",
+                [this](const std::string& words) { World.Queue.Post(ErrorFound(words)); }};
     FakeBackground Background;
     FakeBus Bus;
     SettingsStore Store;

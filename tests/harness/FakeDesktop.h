@@ -1,6 +1,8 @@
 // A desktop that only writes down what it was asked for.
 #pragma once
 
+#include <errno.h>
+
 #include <map>
 #include <string>
 #include <vector>
@@ -12,7 +14,8 @@ namespace kestrin {
 class FakeDesktop final : public Desktop {
  public:
   std::map<std::string, FileDescription> Files;  ///< what is not in here does not exist
-  bool LaunchWorks = true;
+  bool LaunchWorks = true, ShellWorks = true;
+  int32 Exit = 0;  ///< of every command
 
   std::vector<std::string> Launched;
   std::vector<std::string> Commands;
@@ -28,7 +31,11 @@ class FakeDesktop final : public Desktop {
   bool OpenPage(const std::string& path, const std::string& anchor) override {
     return Launch(anchor.empty() ? path : path + '#' + anchor);
   }
-  void RunCommand(const std::string& command) override { Commands.push_back(command); }
+  int32 StartCommand(const std::string& command) override {
+    if (ShellWorks) Commands.push_back(command);
+    return ShellWorks ? static_cast<int32>(Commands.size()) : -EAGAIN;
+  }
+  int32 WaitForCommand(int32) override { return Exit; }
 };
 
 }  // namespace kestrin

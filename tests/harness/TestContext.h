@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "core/delivery/CommandQueue.h"
 #include "core/delivery/ReminderFaces.h"
 #include "core/events/AddOnServices.h"
 #include "core/events/Context.h"
@@ -14,6 +15,7 @@
 #include "core/journal/Journal.h"
 #include "core/loop/AlertDesk.h"
 #include "core/loop/AppMessages.h"
+#include "core/loop/BackgroundWork.h"
 #include "core/loop/Holds.h"
 #include "core/loop/MessageQueue.h"
 #include "core/loop/Notices.h"
@@ -59,6 +61,8 @@ struct World {
                [this](const std::string& words) { Queue.Post(ErrorFound(words)); }) {
     Core.journal = &Record;
     Core.timers = &Ticks;
+    Core.work = &Work;
+    Core.commands = &Commands;
     Faces.Connect(Core);
   }
   World(const World&) = delete;
@@ -76,10 +80,12 @@ struct World {
   FakeDesktop Machine;
   FakeWorkers Threads;
   FakeTimers Ticks{Queue};
+  BackgroundWork Work{Threads, Queue};
   FakeEventActions Actions;
   KestrinSettings Settings;
   HandlerTable Handlers;
   Context Core;
+  CommandQueue Commands{Core};
   const ServesAddOns Serves{Core};
   MemoryFileDoor StateFiles;  ///< where the journal lies beside the system's files
   FakeProcesses Who;
@@ -116,6 +122,10 @@ struct TestContext : World<FakeUserInterface> {
     } else if (message.what == PROCESS_HOLD_DONE) {
       const int64 set = message.Get<int64>("EventSet").value_or(0);
       Holding.ProcessDone(static_cast<uint64>(set));
+    } else if (message.what == WORK_DONE) {
+      Work.Done(message);
+    } else if (message.what == START_COMMANDS) {
+      Commands.GoOn();
     } else {
       Messages.push_back(message);
       if (OnMessage) OnMessage(message);

@@ -6,6 +6,7 @@
 
 #include "session/SessionBus.h"
 #include "session/ShellCommand.h"
+#include "session/Spawn.h"
 
 namespace kestrin {
 namespace {
@@ -130,11 +131,12 @@ TEST_F(DesktopFilesTest, WhatCannotBeLaunchedSaysSo) {
 }
 
 TEST_F(DesktopFilesTest, AShellCommandIsWaitedForAndLivesApart) {
-  EXPECT_TRUE(RunShellCommand("set -- 'a \"b\"'\n" + Report + In("pipe")));
+  EXPECT_EQ(WaitForEnd(StartShell("set -- 'a \"b\"'\n" + Report + In("pipe"))), 0);
   EXPECT_EQ(Reported(), "a \"b\"|" + In("home") + Apart);
-  EXPECT_TRUE(RunShellCommand("exit 3"));
+  EXPECT_EQ(WaitForEnd(StartShell("exit 3")), 3);
+  EXPECT_EQ(WaitForEnd(StartShell("kill -9 $$")), 128 + 9);
   fs::rename(In("home"), In("home moved"));
-  EXPECT_TRUE(RunShellCommand("pwd >" + In("pipe")));
+  EXPECT_EQ(WaitForEnd(StartShell("pwd >" + In("pipe"))), 0);
   fs::rename(In("home moved"), In("home"));
   EXPECT_NE(Reported(), "") << "a home folder that is gone stops nothing";
 }

@@ -9,12 +9,15 @@
 #include <utility>
 
 #include "core/app/OldOpenAlerts.h"
+#include "core/delivery/CommandQueue.h"
 #include "core/delivery/UnfinishedActs.h"
 #include "core/events/EventSet.h"
 #include "core/events/OpenSets.h"
+#include "core/files/OwnSets.h"
 #include "core/journal/Journal.h"
 #include "core/loop/AlertDesk.h"
 #include "core/loop/AppMessages.h"
+#include "core/loop/BackgroundWork.h"
 #include "core/loop/MessageQueue.h"
 #include "core/loop/Notices.h"
 #include "core/ports/BackgroundArgument.h"
@@ -95,6 +98,7 @@ void KestrinApp::Construct() {
   if (context_.journal) context_.journal->Read();
   passedOver_.Begin();
   putOff_.Read();
+  if (context_.ownSets) context_.ownSets->Read(context_.settings.SetFileNames);
   const AutoLock open(context_.openSets.Protect);
   opening_.ReadSelectedSets();
   context_.alerts.KeepWith(&putOff_);
@@ -166,6 +170,12 @@ void KestrinApp::Handle(const Message& message) {
       break;
     case JOURNAL_SYNCED:
       settling_.Synced();
+      break;
+    case WORK_DONE:
+      context_.work->Done(message);
+      break;
+    case START_COMMANDS:
+      context_.commands->GoOn();
       break;
     case COPY_EDITS:
       unsaved_.Copy();

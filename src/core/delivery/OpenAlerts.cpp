@@ -93,6 +93,8 @@ void OpenAlerts::AskAnew(const JournalRecord& record, Event& event) {
   event.SetDelivery(record.Id);
   context_.actions.DeliverEvent(event, isAtIt);
   event.SetDelivery("");
+  // About a file it asks once the disk has answered.
+  if (!record.Open.empty() && again_.contains(record.Id)) return;
   if (again_.erase(record.Id) == 0 || context_.alerts.Asks(handle)) return;
   context_.journal->Answered(record.Id, record.Alert.HarmlessButton, "");
 }

@@ -55,7 +55,8 @@ class EmptyDesktop final : public Desktop {
   FileDescription Describe(const std::string&) override { return {}; }
   bool Launch(const std::string&) override { return false; }
   bool OpenPage(const std::string&, const std::string&) override { return false; }
-  void RunCommand(const std::string&) override {}
+  int32 StartCommand(const std::string&) override { return 0; }
+  int32 WaitForCommand(int32) override { return 0; }
 };
 
 class EmptyWorkers final : public Workers {

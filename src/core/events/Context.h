@@ -10,6 +10,8 @@ namespace kestrin {
 
 class ActionWatch;
 class AlertDesk;
+class BackgroundWork;
+class CommandQueue;
 class Desktop;
 class DesktopFilePanels;
 class EventActions;
@@ -20,6 +22,7 @@ class KestrinSettings;
 class MessageQueue;
 class Notices;
 class OpenSets;
+class OwnSets;
 class ReminderCheck;
 class Timers;
 class UserInterface;
@@ -46,6 +49,9 @@ struct Context {
   Journal* journal = nullptr;               ///< null: nothing is written down (a virtual engine)
   ReminderCheck* reminderCheck = nullptr;   ///< null: nobody can be asked
   Timers* timers = nullptr;                 ///< null: nothing is done later (a virtual engine)
+  BackgroundWork* work = nullptr;           ///< null: no handler acts (a virtual engine); this too
+  CommandQueue* commands = nullptr;
+  OwnSets* ownSets = nullptr;  ///< null: nobody asks whose a set is
 };
 
 }  // namespace kestrin

@@ -34,6 +34,11 @@ class SetFile {
   /// user's changes.
   virtual void SaveDeliveriesAlone() = 0;
 
+  /// Whether the file bore the mark of a downloaded one when it was read, and no person has saved
+  /// the set since.
+  virtual bool IsDownloaded() const = 0;
+  /// Whether the file was as a person has saved it here, when it was read or since.
+  virtual bool IsOwn() const = 0;
   /// What a save would write now; nothing when a handler fails.
   virtual std::optional<std::string> Bytes() = 0;
 

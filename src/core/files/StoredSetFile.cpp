@@ -8,6 +8,7 @@
 #include "core/events/EventIdentity.h"
 #include "core/events/EventProgress.h"
 #include "core/events/EventSet.h"
+#include "core/files/OwnSets.h"
 #include "core/files/RecoveryFolder.h"
 #include "core/files/SetMerge.h"
 #include "core/journal/Journal.h"
@@ -104,7 +105,16 @@ ConstructorResult StoredSetFile::Read(SetFileReport& report) {
         ".  The set will not be able to be opened until you get a newer version of Kestrin.");
   if (!report.Complaint.empty()) notices.ReportError(report.Complaint);
   origin_ = Files().GetAttribute(path, OriginAttribute);
+  own_ = IsAsSaved(path);
   return result;
+}
+
+bool StoredSetFile::IsAsSaved(const std::string& path) const {
+  const OwnSets* const known = set_.GetContext().ownSets;
+  if (!known || !known->Knows(path)) return false;
+  status_t status = StatusOk;
+  const auto bytes = ReadWholeFile(Files(), path, status);
+  return bytes && known->IsOwn(path, *bytes);
 }
 
 bool StoredSetFile::WriteTo(const std::string& path) {
@@ -145,6 +155,10 @@ bool StoredSetFile::Replace(const std::string& path, std::optional<FileVersion>*
   const auto write = [&](const std::string& temporary) {
     if (!WriteTo(temporary)) return false;
     *written = Version(temporary);
+    // Of the file that nobody else knows yet.
+    status_t status = StatusOk;
+    if (set_.GetContext().ownSets)
+      written_ = ReadWholeFile(Files(), temporary, status).value_or("");
     return true;
   };
   whyNotSaved_.clear();
@@ -216,6 +230,7 @@ bool StoredSetFile::ReadAgain() {
   // Should others have written meanwhile, these are not the bytes of next time either.
   KnownOfFile().version = version;
   origin_ = Files().GetAttribute(path, OriginAttribute);
+  own_ = IsAsSaved(path);
   set_.IsAsInFile();
   FollowJournal(set_, path);
   return true;
@@ -243,6 +258,9 @@ bool StoredSetFile::Save(SavedBy by) {
   if (!known.attempted) known.attempted = Version(target);
   known.version = known.attempted;
   known.name = target;
+  own_ = own_ || by == SavedBy::User;
+  if (OwnSets* const own = set_.GetContext().ownSets; own && own_) own->Saved(target, written_);
+  written_.clear();
   set_.Saved(target);
   DiscardRecovered();
   if (changedByOthers) TellKeptApart(earlier);

@@ -44,6 +44,8 @@ class StoredSetFile final : public SetFile {
   void BecomeRecovered(const std::string& untitledName) override;
   bool TakeUnsaved(const std::string& copy, uint64 digest) override;
   uint64 Digest() const override;
+  bool IsDownloaded() const override { return origin_.has_value(); }
+  bool IsOwn() const override { return own_; }
   std::optional<std::string> Bytes() override;
   void CopiedTo(const std::string& copy) override { recoveredFrom_ = copy; }
   const std::string& RecoveredFrom() const override { return recoveredFrom_; }
@@ -65,6 +67,7 @@ class StoredSetFile final : public SetFile {
   /// Forgets what it knows when the set has another name by now.
   Known& KnownOfFile();
   bool WriteTo(const std::string& path);
+  bool IsAsSaved(const std::string& path) const;
   bool Replace(const std::string& path, std::optional<FileVersion>* written,
                const std::string& like = {});
   bool IsChangedByOthers();
@@ -78,6 +81,8 @@ class StoredSetFile final : public SetFile {
   std::optional<std::string> origin_;  ///< the mark of a downloaded file
   std::string recoveredFrom_;
   std::string whyNotSaved_;
+  bool own_ = false;
+  std::string written_;  ///< while a save lasts whose bytes are to be remembered as the person's
 };
 
 }  // namespace kestrin

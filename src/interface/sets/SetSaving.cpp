@@ -13,6 +13,7 @@
 #include "core/loop/AppMessages.h"
 #include "core/loop/Notices.h"
 #include "core/settings/KestrinSettings.h"
+#include "handlers/DeliveryWork.h"
 #include "interface/sets/SaveNamePanel.h"
 #include "interface/sets/StatusLine.h"
 #include "support/FileDoor.h"
@@ -54,7 +55,31 @@ void SetSaving::RememberOrForget() {
   if (set_->IsUntitled())
     OpenPanel(true);
   else
-    set_->Remember(!IsRemembered(*set_));
+    RememberIfTrusted();
+}
+
+/// A set from elsewhere says once what it will carry out unasked.
+void SetSaving::RememberIfTrusted() {
+  const bool remembers = !IsRemembered(*set_);
+  const std::string deeds =
+      remembers && !IsTrusted(*set_) ? WhatItCarriesOut(*set_) : std::string();
+  if (deeds.empty()) {
+    set_->Remember(remembers);
+    return;
+  }
+  AlertRequest request;
+  request.Text = "The event set \"" + set_->GetLeaf() +
+                 "\" was not saved here.  Once it is remembered for delivery, Kestrin carries out "
+                 "what is due in it without asking:" +
+                 deeds;
+  request.Buttons = {"Cancel", "Remember"};
+  request.HarmlessButton = request.DefaultButton = 0;
+  request.Kind = AlertKind::Warning;
+  request.Role = AlertRole::Prompt;
+  request.Done = [saving = QPointer(this)](int which) {
+    if (saving && saving->set_ && which == 1) saving->set_->Remember(true);
+  };
+  set_->GetContext().alerts.Show(std::move(request));
 }
 
 bool SetSaving::MayClose() {

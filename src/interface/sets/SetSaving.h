@@ -35,6 +35,7 @@ class SetSaving final : public QObject {
   void CloseAllowed();
 
  private:
+  void RememberIfTrusted();
   bool SaveDeliveries();
   void AskToSave();
   void Answered(int which);

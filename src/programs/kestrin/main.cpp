@@ -8,14 +8,17 @@
 #include <vector>
 
 #include "core/app/KestrinApp.h"
+#include "core/delivery/CommandQueue.h"
 #include "core/delivery/ReminderFaces.h"
 #include "core/events/AddOnServices.h"
 #include "core/events/HandlerTable.h"
 #include "core/events/OpenSets.h"
+#include "core/files/OwnSets.h"
 #include "core/journal/Journal.h"
 #include "core/journal/JournalRecord.h"
 #include "core/loop/AlertDesk.h"
 #include "core/loop/AppMessages.h"
+#include "core/loop/BackgroundWork.h"
 #include "core/loop/MessageCodes.h"
 #include "core/loop/Notices.h"
 #include "core/ports/Clock.h"
@@ -77,6 +80,9 @@ struct Parts {
   Parts(MessageQueue& messages, ApplicationBus& applicationBus)
       : queue(messages), bus(applicationBus) {
     context.timers = &timers;
+    context.work = &work;
+    context.commands = &commands;
+    context.ownSets = &ownSets;
     context.filePanels = &filePanels;
     context.journal = &journal;
     context.reminderCheck = &reminderCheck;
@@ -128,6 +134,7 @@ struct Parts {
   Notices notices{alerts, holds, ui};
   SystemDesktop desktop;
   LoopTimers timers{queue};
+  BackgroundWork work{workers, queue};
   ThreadWorkers workers;
   HandlerActions actions;
   KestrinSettings settings;
@@ -136,6 +143,9 @@ struct Parts {
                   workers, actions, openSets, settings, handlers, Zone::System(), 1};
   SystemProcesses processes;
   Journal journal{files, processes, clock, StateFolder() + "/kestrin",
+                  [this](const std::string& words) { queue.Post(ErrorFound(words)); }};
+  CommandQueue commands{context};
+  OwnSets ownSets{files, StateFolder() + "/kestrin",
                   [this](const std::string& words) { queue.Post(ErrorFound(words)); }};
   OpenSets openSets;
   const ServesAddOns serves{context};

@@ -1,0 +1,12 @@
+// SHA-256, for telling whether bytes are still those that a person has saved.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace kestrin {
+
+/// 64 lower-case hexadecimal digits.
+std::string Sha256(std::string_view bytes);
+
+}  // namespace kestrin
