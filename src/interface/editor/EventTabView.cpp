@@ -1,6 +1,7 @@
 #include "interface/editor/EventTabView.h"
 
 #include <QEvent>
+#include <QScreen>
 #include <QShortcut>
 #include <QTabBar>
 #include <algorithm>
@@ -66,9 +67,15 @@ void EventTabView::AddPages(Event& event) {
   AddPage(new EventCommentView(event), "Co&mment");
 }
 
+/// On which the highest page would not fit, with what stands around the pages.
+bool EventTabView::IsLowScreen() const {
+  constexpr int WholeWindow = 36;  // lines of text
+  return screen()->availableGeometry().height() < WholeWindow * fontMetrics().lineSpacing();
+}
+
 void EventTabView::AddPage(EditorPage* page, const QString& label) {
   pages_.push_back(page);
-  addTab(new ScrolledPage(page), label);
+  addTab(IsLowScreen() ? new ScrolledPage(page) : static_cast<QWidget*>(page), label);
 }
 
 int EventTabView::LackOfHeight() const {

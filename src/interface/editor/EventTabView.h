@@ -35,6 +35,7 @@ class EventTabView final : public QTabWidget {
 
  private:
   void EnterPage();
+  bool IsLowScreen() const;
   void AddPages(Event& event);
   void AddPage(EditorPage* page, const QString& label);
   void TurnTo(int by);

@@ -16,7 +16,6 @@ ScrolledPage::ScrolledPage(QWidget* page) {
   setFrameShape(QFrame::NoFrame);
   setWidgetResizable(true);
   setFocusPolicy(Qt::NoFocus);
-  setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   setWidget(page);
   // The tab's own ground is behind it.
   viewport()->setAutoFillBackground(false);

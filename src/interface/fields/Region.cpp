@@ -17,6 +17,7 @@ std::string Name(const QString& name) { return name.toLower().toStdString(); }
 }  // namespace
 
 bool UsesClock24(const QLocale& region) {
+  if (region.language() == QLocale::C) return false;  // of no region: the settings' default
   return !region.timeFormat(QLocale::ShortFormat).contains('a', Qt::CaseInsensitive);
 }
 

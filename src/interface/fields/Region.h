@@ -10,7 +10,7 @@ class QWidget;
 namespace kestrin {
 
 /// The locale set on the widget's window, else the system's.
-/// Whether the region counts the hours of a day through.
+/// Whether the region counts the hours of a day through; false for none.
 bool UsesClock24(const QLocale& region);
 
 QLocale RegionOf(const QWidget& widget);

@@ -1,5 +1,6 @@
 #include <QAccessible>
 #include <QCheckBox>
+#include <QScrollArea>
 
 #include "core/delivery/EventDelivery.h"
 #include "harness/EditorDriver.h"
@@ -53,20 +54,20 @@ TEST_F(EventEditorTest, TheTitleAndTheHeaderShowThingsAsTheyAreNow) {
   EXPECT_EQ(TextOf("status"), "Done with event");
 }
 
-TEST_F(EventEditorTest, FitsOnALowScreenAndIsScrolledThere) {
-  constexpr int half = 400, titleBar = 30;  // a screen of 1280x800 at 200 %
-  for (int kind = Once; kind <= SubDaily; ++kind) {
-    EventRecord record;
-    record.PeriodType = kind;
-    record.Name = std::to_string(kind);
-    OpenRecord(record, WhenTab);
-    EXPECT_LE(window->minimumSizeHint().height(), half - titleBar);
-    EXPECT_LE(window->minimumSizeHint().width(), 640);
+TEST_F(EventEditorTest, IsScrolledOnlyWhereTheScreenIsTooLow) {
+  const QFont usual = QApplication::font();
+  for (const int points : {usual.pointSize(), 22}) {
+    QFont font = usual;
+    font.setPointSize(points);
+    QApplication::setFont(font);
+    OpenNew(WhenTab);
     const QWidget& page = *Find("periodType").parentWidget();
-    EXPECT_GE(page.parentWidget()->height(), page.minimumSizeHint().height())
-        << "no bar where there is room";
+    const auto* scrolled = qobject_cast<QScrollArea*>(page.parentWidget()->parentWidget());
+    EXPECT_EQ(scrolled != nullptr, points == 22);
+    EXPECT_LT(window->minimumSizeHint().height(), 700);
     window->close();
   }
+  QApplication::setFont(usual);
 }
 
 /// The letter of the page that is shown leads to its first control.

@@ -410,6 +410,13 @@ TEST_F(WhenPageTest, MenusNameTheCodesOfARule) {
   }
 }
 
+TEST(RegionTest, TheClockIsTheRegions) {
+  const std::pair<const char*, bool> rows[] = {
+      {"de_DE", true}, {"en_GB", true}, {"fr_FR", true}, {"en_US", false}, {"C", false}};
+  for (const auto& [region, hours24] : rows)
+    EXPECT_EQ(UsesClock24(QLocale(region)), hours24) << region;
+}
+
 TEST_F(WhenPageTest, TheClockOfTheSettingsShowsAtOnce) {
   OpenNew();
   Enter("date", "Nov 20 2026, 7:05 pm");
