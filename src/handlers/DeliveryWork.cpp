@@ -204,7 +204,7 @@ bool IsTrusted(const EventSet& set) {
   const Context& context = set.GetContext();
   if (set.File().IsDownloaded()) return false;
   if (set.IsUntitled() || set.File().IsOwn() || !context.ownSets) return true;
-  const AutoLock lock(context.settings.Protect);
+  // Without the settings' lock, since the set may be locked: the main thread alone changes them.
   return context.settings.IsFileRemembered(set.GetFileName());
 }
 
