@@ -10,6 +10,7 @@
 #include "interface/common/Wayland.h"
 #include "interface/editor/EventWindow.h"
 #include "interface/handlerviews/HandlerViews.h"
+#include "interface/history/HistoryWindow.h"
 #include "interface/sets/EventSetWindow.h"
 #include "interface/sets/OpenFilePanel.h"
 #include "interface/settings/AboutWindow.h"
@@ -102,6 +103,10 @@ void QtUserInterface::ShowOwnOpenPanel() {
 void QtUserInterface::ShowSettingsWindow() { ShowOnly(settingsWindow_, *context_); }
 void QtUserInterface::ShowAboutWindow() { ShowOnly(aboutWindow_); }
 
+void QtUserInterface::ShowHistoryWindow(const std::string& stateFolder) {
+  ShowOnly(historyWindow_, *context_, stateFolder);
+}
+
 /// Activates the window, and builds it first unless it is open already.
 template <typename Window, typename... Parts>
 void QtUserInterface::ShowOnly(QPointer<Window>& window, Parts&... parts) {
@@ -111,7 +116,8 @@ void QtUserInterface::ShowOnly(QPointer<Window>& window, Parts&... parts) {
 }
 
 void QtUserInterface::CloseOtherWindows() {
-  for (SideWindow* window : std::initializer_list<SideWindow*>{settingsWindow_, aboutWindow_})
+  for (SideWindow* window :
+       std::initializer_list<SideWindow*>{settingsWindow_, aboutWindow_, historyWindow_})
     if (window && !window->IsClosed()) window->close();
   if (openPanel_) openPanel_->reject();
   if (!desktopPanel_.IsOpen()) return;

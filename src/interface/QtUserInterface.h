@@ -13,6 +13,7 @@ namespace kestrin {
 
 class AboutWindow;
 class DocumentApp;
+class HistoryWindow;
 class SettingsWindow;
 class OpenFilePanel;
 struct Context;
@@ -46,6 +47,7 @@ class QtUserInterface final : public QObject, public UserInterface {
   void ShowOpenPanel() override;
   void ShowSettingsWindow() override;
   void ShowAboutWindow() override;
+  void ShowHistoryWindow(const std::string& stateFolder) override;
   void CloseOtherWindows() override;
   void SettingsChanged() override;
   QWidget* CreateEditView(EventAddOnData& data, Rect frame) override;
@@ -62,6 +64,7 @@ class QtUserInterface final : public QObject, public UserInterface {
   DocumentApp* application_ = nullptr;
   QPointer<SettingsWindow> settingsWindow_;
   QPointer<AboutWindow> aboutWindow_;
+  QPointer<HistoryWindow> historyWindow_;
   QPointer<OpenFilePanel> openPanel_;
   DesktopPanel desktopPanel_;  ///< the one that opens sets
 };

@@ -8,6 +8,7 @@ import subprocess
 import sys
 import tempfile
 import unittest
+import unittest.mock
 
 HERE = pathlib.Path(__file__).resolve().parent
 sys.dont_write_bytecode = True
@@ -288,6 +289,68 @@ class BoundsTest(CtlTest):
         gone = block(b"", b"", Name=b"once", PeriodType=ONCE, EventTime=BEGIN + DAY, DeleteOnceDelivered=1)
         self.fill("set", gone, 20000 if SANITIZED else 400000)
         self.done("agenda", "--from", BEGIN, "set")
+
+
+def line(record, **fields):
+    """A line of the journal, as docs/journal.md has it."""
+    text, check = "\t".join([record, *(f"{key}={value}" for key, value in fields.items())]), 0x811c9dc5
+    for byte in text.encode():
+        check = (check ^ byte) * 0x01000193 & 0xffffffff
+    return f"{check:08x}\t{text}\n"
+
+
+class PastTest(CtlTest):
+    """What is told of the state folder, which the test has made by hand."""
+    zone = "UTC"
+
+    def setUp(self):
+        super().setUp()
+        self.state = self.home / "state/kestrin"
+        self.state.mkdir(parents=True)
+        environment = {"XDG_STATE_HOME": str(self.home / "state"), "XDG_CONFIG_HOME": str(self.home / "config")}
+        patch = unittest.mock.patch.dict(os.environ, environment)
+        patch.start()
+        self.addCleanup(patch.stop)
+        self.make("Day", daily(9 * HOUR, "Tea"), daily(9 * HOUR, "Tea"), once(BEGIN, "Milk", Active=0))
+        about = {"set": self.home / "Day", "name": "Tea", "handler": "Message"}
+        at = {"from": f"{BEGIN},{BEGIN},1", "at": BEGIN + 2, "act": "acted"}
+        (self.state / "history").write_text(
+            line("a.1", **about, place=0, **at, alert="answered", answer="Ok", answered=BEGIN + 60) +
+            line("a.2", **about, place=1, **at | {"act": "missed", "why": "the computer was off"}))
+        (self.state / "journal").write_text(line("a.3", **about, place=0, **at | {"at": BEGIN + DAY}, alert="putoff"))
+        (self.state / "later").write_text(line("l.1", **about, of="a.3", alert="putoff", moment=BEGIN + 2 * DAY))
+
+    def test_history_is_told_newest_first_and_changes_nothing(self):
+        before = {path.name: path.read_bytes() for path in self.state.iterdir()}
+        told = self.json("history", "--json")
+        self.assertEqual([(each["delivered"], each["outcome"], each["returns"]) for each in told], [
+            (BEGIN + DAY, "Put off until Tue, Nov 17 2026, 12:00 AM", BEGIN + 2 * DAY),
+            (None, "Missed: the computer was off", None),
+            (BEGIN + 2, "Answered “Ok” at 12:01 AM", None)])
+        self.assertEqual(self.out("history").count("\n"), 5)
+        self.assertEqual({path.name: path.read_bytes() for path in self.state.iterdir()}, before)
+        (self.state / "journal").write_text("damage\n")
+        status, out, errors = self.run_ctl("history", "--json")
+        self.assertEqual((status, len(json.loads(out)), errors.count("damaged")), (0, 3, 1))
+        shutil.rmtree(self.state)
+        self.assertEqual(self.json("history", "--json"), [])
+
+    def test_why_says_one_sentence_for_each_event_of_that_name(self):
+        last, first = self.out("why", "Day", "Tea").splitlines()
+        self.assertRegex(last, r'^"Tea" rang on Mon, Nov 16 .* \(put off until Tue, .*, and rings next on .*, but only '
+                               r"while its set is open, which is not remembered for delivery\.$")
+        self.assertRegex(first, r'^"Tea" did not ring on Sun, Nov 15 .* \(missed: the computer was off\), and rings ')
+        self.assertEqual(self.out("why", "Day", "Milk"),
+                         '"Milk" has not rung as far as is known, and does not ring again, since it is inactive.\n')
+        self.refused("no event called", "Day", "why", "Day", "Bread")
+
+    def test_agenda_lists_what_was_put_off_when_asked(self):
+        def kinds(*more):
+            span = "--from", BEGIN + 2 * DAY, "--to", BEGIN + 3 * DAY
+            return [(each["time"], each["kind"]) for each in self.json("agenda", "--json", *more, *span, "Day")]
+        tea = (BEGIN + 2 * DAY + 9 * HOUR, "event")
+        self.assertEqual(kinds(), [tea, tea])
+        self.assertEqual(kinds("--later"), [(BEGIN + 2 * DAY, "later"), tea, tea])
 
 
 if __name__ == "__main__":

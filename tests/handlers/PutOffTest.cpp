@@ -1,4 +1,7 @@
 // Reminders that were put off, in the whole application with its true handlers.
+#include "core/delivery/EventDelivery.h"
+#include "core/events/EventIdentity.h"
+#include "core/journal/RecordWords.h"
 #include "handlers/CommandDataHandler.h"
 #include "handlers/HandlerActions.h"
 #include "handlers/LoadEventHandlers.h"
@@ -32,6 +35,21 @@ class PutOffTest : public AppTestBase {
   void KillAndWake() {
     Now = It->Background.Times.back();
     Wake();
+  }
+
+  /// A command that asks first.
+  void MakeQuestion(Event& event, const char* text) {
+    event.SetSelectedHandler(It->World.Handlers.Find("Command"));
+    auto& command = dynamic_cast<CommandDataHandler&>(*event.GetAddOnData());
+    command.SetCommand(text);
+    command.SetVerify(true);
+  }
+  std::vector<std::string> Outcomes() {
+    status_t status = StatusOk;
+    std::vector<std::string> outcomes;
+    for (const PastDelivery& past : LookBack(Disk, "/state", status))
+      outcomes.push_back(WordsOf(past, Zone(), true).Outcome);
+    return outcomes;
   }
 
   HandlerActions Real;
@@ -89,10 +107,8 @@ TEST_F(PutOffTest, AQuestionIsAskedAnewWithTheCommandAsItIsThenAndRunsOnce) {
   Remember({Work});
   Now = Sunday + 8 * Hour;
   Start();
-  FirstEvent(Work).SetSelectedHandler(It->World.Handlers.Find("Command"));
+  MakeQuestion(FirstEvent(Work), "brew");
   auto& command = dynamic_cast<CommandDataHandler&>(*FirstEvent(Work).GetAddOnData());
-  command.SetCommand("brew");
-  command.SetVerify(true);
   Set(Work)->SaveData();
   DeliverAt(Sunday + 9 * Hour);
   PutOff(Sunday + 10 * Hour);
@@ -122,6 +138,90 @@ TEST_F(PutOffTest, WhatAPersonChangesEndsIt) {
     DeliverAt(Sunday + 10 * Hour);
     EXPECT_THAT(Alerts(), IsEmpty());
   }
+}
+
+TEST_F(PutOffTest, TheNextDayRingsWhateverItIsCalledAndWhoeverWasKilledMeanwhile) {
+  const EventRecord daily = DailyAt(Sunday + 9 * Hour);
+  for (const std::string meanwhile : {"nothing", "rename", "save as", "same name", "killed"}) {
+    SCOPED_TRACE(meanwhile);
+    Crash();
+    for (const char* file : {"/state/later", "/state/history"}) Disk.Remove(file);
+    const size_t count = meanwhile == "same name" ? 2 : 1;
+    Now = Sunday + 8 * Hour;
+    StartWith(std::vector<EventRecord>(count, daily));
+    DeliverAt(Sunday + 9 * Hour);
+    ASSERT_EQ(Alerts().size(), count);
+    PutOff(Sunday + 8 * Day);
+    while (Answer(0)) {
+    }
+    if (meanwhile == "rename") FirstEvent(Work).SetName("Coffee"), Set(Work)->SaveData();
+    if (meanwhile == "save as") Set(Work)->SaveAs(Home, true);
+    Run();
+    EXPECT_EQ(It->Background.Times.back(), Sunday + Day + 9 * Hour);
+    if (meanwhile == "killed")
+      KillAndWake();
+    else
+      DeliverAt(Sunday + Day + 9 * Hour);
+    EXPECT_THAT(Alerts(), testing::SizeIs(count));
+    EXPECT_THAT(Alerts(), testing::Contains(testing::EndsWith("Also unanswered: Sun 09:00 AM")))
+        << "one of them, and no other says so";
+    while (Answer(0)) {
+    }
+    EXPECT_THAT(Outcomes(), testing::SizeIs(2 * count));
+    EXPECT_THAT(Outcomes(), testing::Contains("Put off")) << "and is told of both";
+    status_t status = StatusOk;
+    EXPECT_THAT(ReadPutOff(Disk, "/state", status), IsEmpty()) << "it has ended";
+  }
+}
+
+TEST_F(PutOffTest, AQuestionThatANagJoinsForAnHourIsStillAskedAndRunsOnce) {
+  EventRecord nagging = DailyAt(Sunday + 9 * Hour);
+  nagging.ApplyNag = true;
+  nagging.NagRepeatTime = 5;
+  nagging.NagRepeatType = Minutes;
+  Now = Sunday + 8 * Hour;
+  StartWith({nagging});
+  MakeQuestion(FirstEvent(Work), "brew");
+  Run();
+  for (int minutes = 0; minutes <= 60; minutes += 5) {
+    DeliverAt(Sunday + 9 * Hour + minutes * Minute);
+    ASSERT_EQ(Alerts().size(), 1u);
+    EXPECT_THAT(Ui().Alerts[0].Request.Buttons, ElementsAre("Cancel", "Ok"));
+  }
+  EXPECT_THAT(It->World.Machine.Commands, IsEmpty());
+  Answer(1);
+  EXPECT_THAT(It->World.Machine.Commands, ElementsAre("brew"));
+}
+
+TEST_F(PutOffTest, ATrialActsAsADeliveryWouldAndChangesNothingElse) {
+  EventRecord once = DailyAt(Sunday + 9 * Hour);
+  once.DeleteOnceDelivered = true;
+  Now = Sunday + 8 * Hour;
+  StartWith({once});
+  const EventState before = StateOf(FirstEvent(Work).Record());
+  ActAgain(FirstEvent(Work), RecordKind::Event);
+  Run();
+  EXPECT_THAT(Alerts(), ElementsAre("Kestrin event:  Tea\n\n"));
+  Answer(0);
+  EXPECT_FALSE(Set(Work)->HasBeenModified());
+  MakeQuestion(FirstEvent(Work), "brew");
+  dynamic_cast<CommandDataHandler&>(*FirstEvent(Work).GetAddOnData()).SetVerify(false);
+  Set(Work)->SaveData();
+  Crash();
+  Disk.SetAttribute(Work, "user.xdg.origin.url", "https://example.org");
+  Start();
+  for (const int answer : {0, 1}) {
+    ActAgain(FirstEvent(Work), RecordKind::Event);
+    Run();
+    ASSERT_EQ(Alerts().size(), 1u) << "it comes from elsewhere";
+    Answer(answer);
+  }
+  EXPECT_THAT(It->World.Machine.Commands, ElementsAre("brew"));
+  EXPECT_EQ(StateOf(FirstEvent(Work).Record()), before);
+  EXPECT_THAT(Outcomes(), testing::Each(testing::StartsWith("Trial. Answered")));
+  EXPECT_THAT(Outcomes(), testing::SizeIs(3));
+  DeliverAt(Sunday + 9 * Hour);
+  EXPECT_EQ(Alerts().size(), 1u) << "it is due all the same";
 }
 
 }  // namespace

@@ -99,6 +99,9 @@ class FakeUserInterface final : public UserInterface {
   void ShowOpenPanel() override { Calls.emplace_back("ShowOpenPanel"); }
   void ShowSettingsWindow() override { Calls.emplace_back("ShowSettingsWindow"); }
   void ShowAboutWindow() override { Calls.emplace_back("ShowAboutWindow"); }
+  void ShowHistoryWindow(const std::string& folder) override {
+    Calls.push_back("ShowHistoryWindow " + folder);
+  }
   void CloseOtherWindows() override {
     if (WhenClosingOthers) WhenClosingOthers();
   }

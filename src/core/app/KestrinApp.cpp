@@ -230,6 +230,9 @@ bool KestrinApp::WindowMessage(const Message& message) {
     case OPEN_SETTINGS_WINDOW:
       context_.ui.ShowSettingsWindow();
       return true;
+    case SHOW_HISTORY:
+      context_.ui.ShowHistoryWindow(parts_.stateFolder);
+      return true;
     case HELP_REQUESTED:
       HelpRequested(message);
       return true;

@@ -43,6 +43,7 @@ class EmptyUserInterface final : public UserInterface {
   void ShowOpenPanel() override {}
   void ShowSettingsWindow() override {}
   void ShowAboutWindow() override {}
+  void ShowHistoryWindow(const std::string&) override {}
   void CloseOtherWindows() override {}
   void SettingsChanged() override {}
   QWidget* CreateEditView(EventAddOnData&, Rect) override { return nullptr; }

@@ -51,7 +51,9 @@ RecordFields FieldsOf(const PutOffAlert& alert) {
   return fields;
 }
 
-PutOffAlert AlertOf(const RecordLine& line) {
+}  // namespace
+
+PutOffAlert PutOffAlertOf(const RecordLine& line) {
   const JournalRecord record = RecordOf(line.Id, line.Fields);
   PutOffAlert alert;
   alert.Id = line.Id;
@@ -68,8 +70,6 @@ PutOffAlert AlertOf(const RecordLine& line) {
   alert.When = {line.Fields.Number("moment").value_or(0), CivilOf(line.Fields.Text("wall"))};
   return alert;
 }
-
-}  // namespace
 
 Later::Later(FileDoor& files, const std::string& stateFolder, std::string mark,
              RecordLog::Report report)
@@ -101,7 +101,7 @@ void Later::End(const std::string& id) {
 
 std::vector<PutOffAlert> Later::All() const {
   std::vector<PutOffAlert> all;
-  for (const auto& [place, line] : log_.All()) all.push_back(AlertOf(line));
+  for (const auto& [place, line] : log_.All()) all.push_back(PutOffAlertOf(line));
   return all;
 }
 
@@ -115,7 +115,7 @@ std::vector<PutOffAlert> Later::About(const std::string& set, const EventName& e
 std::optional<PutOffAlert> Later::Find(const std::string& id) const {
   const RecordLine* const line = log_.Find(id);
   if (!line) return std::nullopt;
-  return AlertOf(*line);
+  return PutOffAlertOf(*line);
 }
 
 int64 Later::NextReturn(const Zone& zone) const {

@@ -34,6 +34,8 @@ struct PutOffAlert {
   ReturnTime When;
 };
 
+PutOffAlert PutOffAlertOf(const RecordLine& line);
+
 /// Main thread. Shared by the sessions of one home: each change is a line that the others read.
 class Later {
  public:

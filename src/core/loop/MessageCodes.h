@@ -26,6 +26,7 @@ enum MessageCode : uint32 {
 
   // Of the application to itself.
   OPEN_FILES = FourCharCode("OpnF"),  ///< string "path" fields numbered "0", "1", …; bool "window"
+  SHOW_HISTORY = FourCharCode("Hist"),
   SHOW_SAMPLE = FourCharCode("Smpl"),     ///< the sample set, in a window
   SETS_OPENED = FourCharCode("Opnd"),     ///< sets were loaded: what is due in them may be missed
   SET_DISCARDED = FourCharCode("Dscd"),   ///< string "path": changes of that set were thrown away

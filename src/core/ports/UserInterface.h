@@ -71,7 +71,9 @@ class UserInterface : public AlertScreen {
   virtual void ShowOpenPanel() = 0;
   virtual void ShowSettingsWindow() = 0;
   virtual void ShowAboutWindow() = 0;
-  /// Closes what the three calls before have opened.
+  /// `stateFolder`: where the journal of deliveries stands.
+  virtual void ShowHistoryWindow(const std::string& stateFolder) = 0;
+  /// Closes what the four calls before have opened.
   virtual void CloseOtherWindows() = 0;
   /// The settings that windows show have changed.
   virtual void SettingsChanged() = 0;

@@ -9,7 +9,6 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollBar>
-#include <QStyledItemDelegate>
 #include <QTreeView>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -18,9 +17,12 @@
 
 #include "core/events/Context.h"
 #include "core/loop/AlertDesk.h"
+#include "core/loop/MessageCodes.h"
+#include "core/loop/MessageQueue.h"
 #include "interface/alerts/AlertPane.h"
 #include "interface/alerts/KeyGuard.h"
 #include "interface/alerts/LaterMenu.h"
+#include "interface/common/RoomyRows.h"
 
 namespace kestrin {
 
@@ -35,15 +37,6 @@ QString Counted(int count, const QString& what, const QString& one, const QStrin
       .arg(count)
       .arg(count == 1 ? what : what + "s", count == 1 ? one : many);
 }
-
-/// Rows that are easy to hit.
-class RoomyRows final : public QStyledItemDelegate {
- public:
-  using QStyledItemDelegate::QStyledItemDelegate;
-  QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
-    return QStyledItemDelegate::sizeHint(option, index) + QSize(0, 6);
-  }
-};
 
 QPushButton* PlainButton(const char* objectName, const QString& label) {
   auto* button = new QPushButton(label);
@@ -129,7 +122,11 @@ QLayout* RemindersWindow::MakeLine() {
   connect(takeBack_, &QPushButton::clicked, this, &RemindersWindow::TakeBack);
   connect(laterAll_, &QPushButton::clicked, this, &RemindersWindow::OpenLaterMenu);
   connect(okAll_, &QPushButton::clicked, this, [this] { AnswerTogether(std::nullopt); });
+  auto* history = PlainButton("history", "Histor&y…");
+  connect(history, &QPushButton::clicked, this,
+          [this] { context_.queue.Post(Message(SHOW_HISTORY)); });
   auto* row = new QHBoxLayout;
+  row->addWidget(history);
   row->addWidget(new_);
   row->addWidget(line_, 1);
   row->addWidget(takeBack_);

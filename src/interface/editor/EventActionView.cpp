@@ -2,10 +2,12 @@
 
 #include <QCheckBox>
 #include <QLabel>
+#include <QPushButton>
 #include <QScrollArea>
 #include <QVBoxLayout>
 #include <utility>
 
+#include "core/delivery/EventDelivery.h"
 #include "core/events/AddOnReading.h"
 #include "core/events/EditRecorder.h"
 #include "core/events/EventIdentity.h"
@@ -23,6 +25,9 @@
 namespace kestrin {
 
 namespace {
+
+/// The handler that there is nothing to try of.
+constexpr int32 DoNothingRow = 1;
 
 QString HandlerLabel(const Event& event, int32 row) {
   const HandlerTable& handlers = event.GetOwner()->GetContext().handlers;
@@ -102,6 +107,11 @@ void EventActionView::BuildMenu(QVBoxLayout& column) {
   auto* row = new QHBoxLayout;
   row->addWidget(caption);
   row->addWidget(handler_, 1);
+  try_ = new QPushButton("&Try now");
+  try_->setObjectName("tryNow");
+  try_->setToolTip("Does at once what the event will do. Its times stay as they are.");
+  connect(try_, &QPushButton::clicked, this, &EventActionView::TryNow);
+  row->addWidget(try_);
   column.addLayout(row);
 }
 
@@ -123,6 +133,11 @@ void EventActionView::Select(int32 row) {
            "\" could not make its data for the event.  The event keeps the handler it had.");
 }
 
+void EventActionView::TryNow() {
+  CommitEdits();
+  ActAgain(GetEvent(), RecordKind::Event);
+}
+
 void EventActionView::ShowEvent() {
   const int32 row = GetEvent().GetSelectedHandler();
   handler_->SetOffered(UnknownHandler, GetEvent().GetAddOnData(UnknownHandler) != nullptr);
@@ -132,6 +147,7 @@ void EventActionView::ShowEvent() {
                            : QString();
   handler_->setAccessibleDescription(hint.isEmpty() ? handler_->accessibleName() : hint);
   handler_->setToolTip(hint.toHtmlEscaped());
+  try_->setEnabled(row != DoNothingRow);
   deleteOnce_->setChecked(GetEvent().Record().DeleteOnceDelivered);
   ifMissed_->setChecked(GetEvent().Record().DeliverIfMissed);
 }
@@ -180,7 +196,7 @@ void EventActionView::Place(QWidget* view) {
   const bool fillsItself = view->autoFillBackground();
   frame_->setWidget(view);
   view->setAutoFillBackground(fillsItself);  // the page is behind it
-  PutInTabOrder(handler_, view);
+  PutInTabOrder(try_, view);
   PassUndoKeysOn(*view);
   view->show();
 }

@@ -7,6 +7,7 @@
 #include "kestrin/Types.h"
 
 class QCheckBox;
+class QPushButton;
 class QScrollArea;
 class QVBoxLayout;
 
@@ -44,12 +45,14 @@ class EventActionView final : public EditorPage {
   void BuildMenu(QVBoxLayout& column);
   QCheckBox* AddBox(const char* objectName, const QString& label, void (Event::*set)(bool));
   void Select(int32 row);
+  void TryNow();
   Rect GetEditViewRect() const;
   void Place(QWidget* view);
   /// Later, when nothing is locked.
   void Report(const QString& what);
 
   ChoiceMenu* handler_ = nullptr;
+  QPushButton* try_ = nullptr;
   QScrollArea* frame_ = nullptr;
   QPointer<QWidget> editView_;
   bool isShownOnce_ = false;

@@ -12,7 +12,7 @@
 namespace kestrin {
 
 EmptySetHint::EmptySetHint(MessageQueue& application, QAbstractItemView& view)
-    : QWidget(view.viewport()) {
+    : QWidget(view.parentWidget()), view_(view) {
   setObjectName("emptySet");
   auto* grid = new QGridLayout(this);
   grid->setColumnStretch(0, 1);
@@ -47,7 +47,10 @@ QPushButton* EmptySetHint::AddButton(QGridLayout& grid, const char* objectName,
 }
 
 bool EmptySetHint::eventFilter(QObject* watched, QEvent* event) {
-  if (event->type() == QEvent::Resize) setGeometry(parentWidget()->rect());
+  if (event->type() == QEvent::Resize || event->type() == QEvent::Move) {
+    const QWidget& area = *view_.viewport();
+    setGeometry(QRect(area.mapTo(parentWidget(), QPoint()), area.size()));
+  }
   return QWidget::eventFilter(watched, event);
 }
 

@@ -11,11 +11,13 @@ namespace kestrin {
 
 class MessageQueue;
 
-/// Lies over the view's empty part while it is shown. What goes to the application is posted.
+/// Lies over the view's empty part while it is shown; beside the view in their common parent, since
+/// a screen reader knows nothing in a view but its rows. What goes to the application is posted.
 class EmptySetHint final : public QWidget {
   Q_OBJECT
 
  public:
+  /// The view has its parent already.
   EmptySetHint(MessageQueue& application, QAbstractItemView& view);
 
  signals:
@@ -27,6 +29,8 @@ class EmptySetHint final : public QWidget {
  private:
   QPushButton* AddButton(QGridLayout& grid, const char* objectName, const QString& label,
                          const QString& keys);
+
+  QAbstractItemView& view_;
 };
 
 }  // namespace kestrin

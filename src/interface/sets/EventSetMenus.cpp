@@ -51,6 +51,7 @@ EventSetMenus::EventSetMenus(QMenuBar& bar, Context& context)
            {"Pr&int event set...", {}, PRINT_SET, Item::Window, false, NoPrinting},
            {"Print selected &event...", {}, PRINT_EVENT, Item::Window, false, NoPrinting},
            {},
+           {"Histor&y…", {}, SHOW_HISTORY, Item::Application},
            {"Se&ttings…", {}, OPEN_SETTINGS_WINDOW, Item::Application},
            {"A&bout…", {}, ABOUT_REQUESTED, Item::Application},
            {"&Help…", Ctrl(Qt::Key_H), HELP_REQUESTED, Item::Application},

@@ -35,7 +35,6 @@ EventSetWindow::EventSetWindow(EventSet& set, DocumentApp& application)
       menus_(new EventSetMenus(*menuBar(), set.GetContext())),
       list_(new ListEventView(set)),
       status_(new StatusLine(set)),
-      hint_(new EmptySetHint(set.GetContext().queue, *list_)),
       commands_(new EventCommands(set, *list_)),
       saving_(new SetSaving(set, application, *this)) {
   setObjectName("eventSetWindow");
@@ -56,6 +55,7 @@ void EventSetWindow::BuildBody() {
   list_->setFrameShape(QFrame::NoFrame);
   column->addWidget(list_, 1);
   column->addWidget(status_);
+  hint_ = new EmptySetHint(set_->GetContext().queue, *list_);
   hint_->setVisible(set_->CountEvents() == 0);
   setCentralWidget(body);
   list_->setFocus();

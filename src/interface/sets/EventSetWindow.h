@@ -68,7 +68,7 @@ class EventSetWindow final : public QMainWindow, public SetWindow {
   EventSetMenus* menus_;
   ListEventView* list_;
   StatusLine* status_;
-  EmptySetHint* hint_;
+  EmptySetHint* hint_ = nullptr;
   EventCommands* commands_;
   SetSaving* saving_;
   QRect opened_;  ///< the geometry the window was given; only another one is the person's

@@ -10,6 +10,7 @@
 
 #include "core/delivery/Agenda.h"
 #include "core/events/OpenSets.h"
+#include "core/journal/LookBack.h"
 #include "core/settings/KestrinSettings.h"
 #include "core/timing/DateTimeText.h"
 #include "core/timing/EventRecord.h"
@@ -17,6 +18,7 @@
 #include "core/timing/EventTypes.h"
 #include "core/timing/RuleSentence.h"
 #include "programs/ctl/JsonWriter.h"
+#include "programs/ctl/Personal.h"
 #include "programs/ctl/TextTable.h"
 
 namespace kestrin {
@@ -98,8 +100,13 @@ std::string EventForPeople(const EventRecord& record, int64 now, const Context& 
   return text;
 }
 
-/// By the set's handle, the path as given.
+/// By the set's handle, the path as given. What is put off has handles of its own, from here on.
 using SetPaths = std::unordered_map<uint64, std::string>;
+constexpr uint64 FirstLater = uint64{1} << 32;
+
+const char* NameOf(const AgendaEntry& entry) {
+  return entry.Set >= FirstLater ? "later" : NameOf(entry.Kind);
+}
 
 bool PrintAgendaJson(const std::vector<AgendaEntry>& entries, const SetPaths& sets) {
   JsonWriter json(stdout);
@@ -109,7 +116,7 @@ bool PrintAgendaJson(const std::vector<AgendaEntry>& entries, const SetPaths& se
     json.Key("time");
     json.Number(entry.Time);
     json.Key("kind");
-    json.String(NameOf(entry.Kind));
+    json.String(NameOf(entry));
     json.Key("event");
     json.Text(entry.Event);
     json.Key("set");
@@ -130,13 +137,30 @@ bool PrintAgendaTable(const std::vector<AgendaEntry>& entries, const SetPaths& s
   const TextTable table(header);
   return table.Print(stdout, entries.size(), [&](size_t row, TextTable::Row& cells) {
     const AgendaEntry& entry = entries[row];
-    std::string kind = NameOf(entry.Kind);
+    std::string kind = NameOf(entry);
     if (entry.Missed) kind += " (missed)";
     cells[0] = TimeText(entry.Time, true, context);
     cells[1] = kind;
     cells[2] = TextTable::Cell(entry.Event);
     if (sets.size() > 1) cells[3] = TextTable::Cell(sets.at(entry.Set), PathWidth);
   });
+}
+
+/// What was put off, whatever its set; what should have returned already returns at once. False
+/// after complaining.
+bool AddLater(VirtualEngine& engine, const CtlArguments& arguments,
+              std::vector<AgendaEntry>& entries, SetPaths& sets) {
+  status_t status = StatusOk;
+  uint64 handle = FirstLater;
+  for (const PutOffAlert& alert : ReadPutOff(engine.files, JournalFolder(), status)) {
+    const int64 due = alert.When.In(engine.context.zone), time = std::max(due, arguments.from);
+    if (time >= arguments.to) continue;
+    sets[++handle] = alert.Set;
+    entries.push_back({time, DeliveryKind::Event, alert.Event.Name, handle, false, due});
+  }
+  if (status == StatusOk || status == -EBADMSG) return true;
+  Complain(JournalFolder(), std::strerror(-status));
+  return false;
 }
 
 /// The deliveries of every file, in order. One set at a time is in memory. False after complaining.
@@ -163,6 +187,7 @@ bool GatherAgenda(VirtualEngine& engine, const CtlArguments& arguments,
     }
     engine.openSets.Sets.clear();
   }
+  if (arguments.later && !AddLater(engine, arguments, entries, sets)) return false;
   if (sets.size() > 1)
     std::stable_sort(entries.begin(), entries.end(), [](const auto& a, const auto& b) {
       return std::tie(a.Time, a.Due) < std::tie(b.Time, b.Due);

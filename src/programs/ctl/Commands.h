@@ -18,7 +18,8 @@ struct CtlArguments {
   std::vector<std::string> files;
   bool json = false;
   bool startup = false;
-  int64 at = 0;    ///< next, show
+  bool later = false;
+  int64 at = 0;    ///< next, show, why
   int64 from = 0;  ///< agenda
   int64 to = 0;
 };
@@ -29,6 +30,9 @@ int Show(VirtualEngine& engine, const CtlArguments& arguments);
 int AgendaCommand(VirtualEngine& engine, const CtlArguments& arguments);
 int Check(VirtualEngine& engine, const CtlArguments& arguments);
 int Rewrite(VirtualEngine& engine, const CtlArguments& arguments);
+int HistoryCommand(VirtualEngine& engine, const CtlArguments& arguments);
+/// The second of the files is an event's name.
+int Why(VirtualEngine& engine, const CtlArguments& arguments);
 /// 1 when a reminder would not reach the person.
 int Status(VirtualEngine& engine, const CtlArguments& arguments);
 

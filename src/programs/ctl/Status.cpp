@@ -4,20 +4,19 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
-#include <cstdlib>
 #include <map>
 
 #include "core/events/Event.h"
 #include "core/events/EventSet.h"
 #include "core/files/StoredSetFile.h"
 #include "core/ports/Clock.h"
-#include "core/settings/BuiltInPrefs.h"
-#include "core/settings/SettingsFile.h"
+#include "core/settings/KestrinSettings.h"
 #include "core/timing/DateTimeText.h"
 #include "core/timing/EventRecord.h"
 #include "programs/ctl/Commands.h"
 #include "programs/ctl/JsonWriter.h"
 #include "programs/ctl/LoginEntry.h"
+#include "programs/ctl/Personal.h"
 #include "programs/ctl/Probe.h"
 #include "programs/ctl/TextTable.h"
 #include "session/ProcessInfo.h"
@@ -182,13 +181,9 @@ bool Chain::ReadRemembered(std::string& fault, std::string& mend) {
 
 Link Chain::SetsLink() {
   constexpr const char* name = "Sets that deliver";
-  const char* const library = std::getenv("LIBRARY_PATH");
-  SettingsStore store(OpenPrefs(engine_.files, ConfigFolder(), folder_, library ? library : ""));
-  const bool opened = store.InitStatus() == StatusOk && store.LoadStatus() == StatusOk;
-  if (opened) InitSettings(engine_.settings, store, engine_.notices);
-  if (!opened || !store.Complaint().empty())
-    return {name, "the settings cannot be read: " + store.Complaint(), kestrin_};
   std::string fault, mend;
+  if (!ReadPersonalSettings(engine_, &fault))
+    return {name, "the settings cannot be read: " + fault, kestrin_};
   const bool readable = ReadRemembered(fault, mend);
   const int32 mode = engine_.settings.WhichEventsToDeliver;
   if (mode == DeliverNothing) return {name, "none, so say the settings", kestrin_};

@@ -24,9 +24,12 @@ constexpr char Usage[] =
     "       kestrinctl next [--json] [--at TIME] FILE  when each event occurs next\n"
     "       kestrinctl show [--at TIME] FILE          each event's rule in words, with its next "
     "dates\n"
-    "       kestrinctl agenda [--json] [--startup] [--from TIME] [--to TIME] FILE...\n"
+    "       kestrinctl agenda [--json] [--startup] [--later] [--from TIME] [--to TIME] FILE...\n"
     "                                                 what would be delivered in a stretch of "
     "time\n"
+    "       kestrinctl history [--json]               what was delivered, newest first\n"
+    "       kestrinctl why FILE EVENT                 why an event did or did not ring, and "
+    "when it does next\n"
     "       kestrinctl check FILE...                  whether files can be read\n"
     "       kestrinctl rewrite IN OUT                 save IN again as OUT, in today's format\n"
     "       kestrinctl status [--json]                link by link, whether a reminder would reach "
@@ -50,9 +53,11 @@ constexpr Command Commands[] = {
     {"dump", kestrin::Dump, "", 1, 1},
     {"next", kestrin::Next, "--json --at", 1, 1},
     {"show", kestrin::Show, "--at", 1, 1},
-    {"agenda", kestrin::AgendaCommand, "--json --startup --from --to", 1, AnyNumber},
+    {"agenda", kestrin::AgendaCommand, "--json --startup --later --from --to", 1, AnyNumber},
     {"check", kestrin::Check, "", 1, AnyNumber},
     {"rewrite", kestrin::Rewrite, "", 2, 2},
+    {"history", kestrin::HistoryCommand, "--json", 0, 0},
+    {"why", kestrin::Why, "", 2, 2},
     {"status", kestrin::Status, "--json", 0, 0},
 };
 
@@ -96,6 +101,8 @@ std::string Parse(const Command& command, int argc, char** argv, int64_t now,
       arguments.json = true;
     } else if (text == "--startup") {
       arguments.startup = true;
+    } else if (text == "--later") {
+      arguments.later = true;
     } else {
       int64_t& time = text == "--at"   ? arguments.at
                       : text == "--to" ? arguments.to
@@ -109,7 +116,8 @@ std::string Parse(const Command& command, int argc, char** argv, int64_t now,
   if (!toGiven) arguments.to = arguments.from + Week;
   if (arguments.files.size() < command.fewestFiles || arguments.files.size() > command.mostFiles)
     return std::string(command.name) + " wants " +
-           (command.mostFiles == 0           ? "no file"
+           (command.run == kestrin::Why      ? "a file and an event's name"
+            : command.mostFiles == 0         ? "no file"
             : command.fewestFiles == 2       ? "two files"
             : command.mostFiles == AnyNumber ? "at least one file"
                                              : "one file");

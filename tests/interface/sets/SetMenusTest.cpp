@@ -43,6 +43,7 @@ const Row Table[] = {
     {"File", "Print event set...", "", 13, ToWindow, Idle},
     {"File", "Print selected event...", "", 14, ToWindow, Idle},
     {"File", ""},
+    {"File", "History…", "", Code("Hist"), ToApplication},
     {"File", "Settings…", "", 3, ToApplication},
     {"File", "About…", "", Code("_ABR"), ToApplication},
     {"File", "Help…", "Ctrl+H", 5, ToApplication},

@@ -1,0 +1,106 @@
+#include <QLabel>
+#include <QLineEdit>
+#include <QTreeView>
+#include <fstream>
+
+#include "core/journal/RecordWords.h"
+#include "core/loop/MessageCodes.h"
+#include "harness/AppOnScreen.h"
+
+namespace kestrin {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+class HistoryWindowTest : public AppOnScreen {
+ protected:
+  /// So many deliveries, a day apart; the last one was a question.
+  void Write(int count) {
+    QDir(Folder.path()).mkpath("state");
+    std::ofstream file(Folder.filePath("state/history").toStdString(), std::ios::binary);
+    for (int i = 1; i <= count; ++i) {
+      RecordFields fields;
+      fields.Set("set", Path("Work.kestrin"));
+      fields.Set("name", i % 20 == 0 ? "Backup" : "Tea");
+      fields.Set("handler", "Message");
+      fields.Set("at", int64{Sunday + i * Day});
+      fields.Set("from", std::to_string(Sunday + i * Day) + "," + std::to_string(Sunday) + ",1");
+      fields.Set("act", i == 1 ? "missed" : "acted");
+      if (i % 20 == 0) {
+        fields.Set("alert", "answered");
+        fields.Set("run", "rm -r /");
+        fields.Set("text", "Shall it run?");
+        fields.Set("buttons", "Cancel\x1fOk");
+        fields.Set("role", int64{4});
+      }
+      file << EncodeLine("a." + std::to_string(i), fields);
+    }
+  }
+  QTreeView* Open() {
+    Post(Message(SHOW_HISTORY));
+    return Find<QTreeView>("history");
+  }
+  static std::string Count() { return Find<QLabel>("historyCount")->text().toStdString(); }
+};
+
+TEST_F(HistoryWindowTest, TellsNewestFirstWhatTheFilterLetsThroughAndRemindsAgain) {
+  OpenSet();
+  Write(60);
+  QTreeView* const list = Open();
+  ASSERT_TRUE(list);
+  EXPECT_EQ(Count(), "60 reminders");
+  EXPECT_EQ(list->model()->index(0, 1).data(), "Backup");
+  EXPECT_EQ(list->model()->index(59, 3).data(), "Missed");
+  auto* const filter = Find<QLineEdit>("historyFilter");
+  filter->setText("missed");
+  EXPECT_EQ(Count(), "1 of 60 reminders");
+  filter->setText("backup ");
+  EXPECT_EQ(Count(), "3 of 60 reminders");
+  QTest::keyClick(filter, Qt::Key_Down);
+  list->setCurrentIndex(list->model()->index(0, 0));
+  for (const char* shown : {"Shall it run?", "Kestrin event:  Tea"}) {
+    Find<QPushButton>("remindAgain")->click();
+    Run();
+    EXPECT_THAT(AlertTexts(), ElementsAre(HasSubstr(shown)));
+    EXPECT_EQ(Find<QPushButton>("openEvent")->isVisible(), std::string(shown).ends_with("Tea"))
+        << "the event that is called so still";
+    EXPECT_FALSE(Answer(shown, "Cancel")) << "nothing can be carried out";
+    EXPECT_TRUE(Answer(shown, "Ok"));
+    filter->setText("");
+    list->setCurrentIndex(list->model()->index(1, 0));
+  }
+  EXPECT_TRUE(It->Machine.Commands.empty());
+  QTest::keyClick(list, Qt::Key_Escape);
+  Run();
+  EXPECT_FALSE(Find<QTreeView>("history"));
+}
+
+TEST_F(HistoryWindowTest, SixtyMissedEventsAreOneWindowAndTwoClicksAndAllAreTold) {
+  EventSet& set = OpenSet("Work.kestrin", true);
+  for (int i = 0; i < 60; ++i) {
+    EventRecord record;
+    record.DeliverIfMissed = true;
+    Add(set, "Missed " + std::to_string(i), Sunday + 9 * Hour, record);
+  }
+  ASSERT_TRUE(set.SaveData());
+  Run();
+  It->Time.JumpTo(Sunday + 10 * Hour);
+  Post(Message(RESUMED));
+  auto* const window = Find<QWidget>("reminders");
+  ASSERT_TRUE(window);
+  EXPECT_THAT(AlertTexts(), testing::IsEmpty());
+  Find<QPushButton>("okAll")->click();
+  window->close();
+  Run();
+  EXPECT_FALSE(Find<QWidget>("reminders"));
+  status_t status = StatusOk;
+  int late = 0;
+  for (const PastDelivery& past : LookBack(It->StateFiles, "/state", status))
+    if (past.Record.Event.Name.starts_with("Missed"))
+      late += WordsOf(past, Zone(), true).Outcome.starts_with("Late. Answered “Ok”") ? 1 : 0;
+  EXPECT_EQ(late, 60);
+}
+
+}  // namespace
+}  // namespace kestrin
