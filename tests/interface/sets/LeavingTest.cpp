@@ -29,7 +29,7 @@ class LeavingTest : public SavingOnScreen, public testing::WithParamInterface<co
   EventSet& Only(bool remembered = false) {
     EventSet* const first = It->Open.Sets.front().get();
     EventSet& set = OpenSet("Work.kestrin", remembered);
-    WindowOf(*first).CloseNow();
+    if (first != &set) WindowOf(*first).CloseNow();  // a later start shows the last used set
     Run();
     return set;
   }
