@@ -10,11 +10,11 @@
 #include "core/loop/AppMessages.h"
 #include "core/loop/BackgroundWork.h"
 #include "core/loop/Holds.h"
-#include "core/loop/MessageCodes.h"
 #include "core/ports/Desktop.h"
 #include "core/ports/EventActions.h"
 #include "core/settings/KestrinSettings.h"
 #include "handlers/VisibleText.h"
+#include "support/Message.h"
 
 namespace kestrin {
 

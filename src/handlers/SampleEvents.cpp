@@ -2,7 +2,9 @@
 
 #include <utility>
 
+#include "core/events/Context.h"
 #include "core/ports/Clock.h"
+#include "core/timing/EventTypes.h"
 #include "handlers/ActOnFileDataHandler.h"
 #include "handlers/CommandDataHandler.h"
 #include "handlers/MessageDataHandler.h"

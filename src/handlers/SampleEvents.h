@@ -5,6 +5,8 @@
 #include <vector>
 
 #include "core/events/EventSet.h"
+#include "core/ports/Clock.h"
+#include "core/timing/EventTypes.h"
 
 namespace kestrin {
 

@@ -4,11 +4,11 @@
 #include <optional>
 
 #include "core/events/EventIdentity.h"
-#include "core/events/EventProgress.h"
 #include "core/events/EventSet.h"
 #include "core/journal/Journal.h"
 #include "core/ports/Clock.h"
 #include "core/timing/EventTiming.h"
+#include "core/timing/EventTypes.h"
 
 namespace kestrin {
 

@@ -15,7 +15,6 @@
 #include "core/ports/EventActions.h"
 #include "core/settings/KestrinSettings.h"
 #include "core/timing/DateTimeText.h"
-#include "core/timing/EventTypes.h"
 #include "core/timing/LaterMoments.h"
 
 namespace kestrin {

@@ -14,6 +14,7 @@
 #include "core/loop/MessageQueue.h"
 #include "core/ports/EventActions.h"
 #include "core/ports/UserInterface.h"
+#include "support/Bitmap.h"
 
 namespace kestrin {
 

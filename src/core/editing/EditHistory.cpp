@@ -8,6 +8,7 @@
 #include "core/files/HandlerBlock.h"
 #include "core/ports/UserInterface.h"
 #include "core/settings/KestrinSettings.h"
+#include "core/timing/EventTypes.h"
 
 namespace kestrin {
 

@@ -10,6 +10,8 @@
 #include <vector>
 
 #include "core/editing/EditStep.h"
+#include "core/events/EditRecorder.h"
+#include "core/events/Event.h"
 
 namespace kestrin {
 

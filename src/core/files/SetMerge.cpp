@@ -8,7 +8,9 @@
 #include "core/events/EventSet.h"
 #include "core/events/HandlerTable.h"
 #include "core/files/EventRecordFile.h"
+#include "core/journal/JournalRecord.h"
 #include "core/ports/UserInterface.h"
+#include "kestrin/BufferedFile.h"
 #include "support/Opened.h"
 
 namespace kestrin {

@@ -37,7 +37,7 @@ enum MessageCode : uint32 {
   ACTIVATE = FourCharCode("Actv"),        ///< a second plain launch: open or raise the interface
   ALERTS_WAITING = FourCharCode("Alrt"),  ///< the alert desk has windows to open
   SETTINGS_CHANGED = FourCharCode("StCh"),
-  ERROR_FOUND = FourCharCode("ErrF"),  ///< string "text": by somebody who may hold a set's lock
+  ERROR_FOUND = FourCharCode("ErrF"),      ///< string "text": by somebody who may hold a set's lock
   SESSION_SAVED = FourCharCode("SnSv"),    ///< the desktop's session is saved, or is about to end
   RESUMED = FourCharCode("Rsmd"),          ///< the machine has slept
   BACKGROUND_GONE = FourCharCode("BgGn"),  ///< the background deliverer has ended

@@ -1,6 +1,8 @@
 #include "interface/common/HelpKey.h"
 
+#include <QKeySequence>
 #include <QShortcut>
+#include <QWidget>
 #include <utility>
 
 #include "core/events/Context.h"

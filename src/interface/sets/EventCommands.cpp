@@ -4,6 +4,7 @@
 #include "core/files/EventMessage.h"
 #include "core/ports/UserInterface.h"
 #include "core/settings/KestrinSettings.h"
+#include "core/timing/EventTypes.h"
 #include "interface/common/ShownText.h"
 #include "interface/list/ListEventView.h"
 #include "interface/sets/EventClipboard.h"

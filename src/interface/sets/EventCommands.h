@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "core/editing/EditHistory.h"
+#include "core/events/Event.h"
 
 namespace kestrin {
 

@@ -10,6 +10,7 @@
 #include "core/settings/KestrinSettings.h"
 #include "interface/common/ShownText.h"
 #include "interface/sets/SetCommands.h"
+#include "support/FileDoor.h"
 
 namespace kestrin {
 

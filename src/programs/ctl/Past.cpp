@@ -7,6 +7,8 @@
 
 #include "core/events/Event.h"
 #include "core/events/EventSet.h"
+#include "core/files/EventSetFile.h"
+#include "core/journal/JournalRecord.h"
 #include "core/journal/RecordWords.h"
 #include "core/settings/KestrinSettings.h"
 #include "core/timing/EventRecord.h"
