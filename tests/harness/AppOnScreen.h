@@ -58,11 +58,13 @@ class AppOnScreen : public testing::Test {
     bool Ended = false;
   };
 
+  int64 Now = Sunday + 8 * Hour;  ///< when the next process starts
+
   /// Another process of the application; what was not saved is lost.
   void Start() {
     End();
     It = std::make_unique<Process>(Folder.path().toStdString());
-    It->Time.JumpTo(Sunday + 8 * Hour);
+    It->Time.JumpTo(Now);
     It->App.Construct();
     It->App.ReadyToRun();
     Run();

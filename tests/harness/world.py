@@ -368,8 +368,11 @@ class WorldTest(BusTest):
         self.xdotool("key", "--delay", 20, *keys)
 
     def type(self, text):
-        """Into whatever has the focus."""
-        self.xdotool("type", "--delay", 2, text)
+        """Into whatever has the focus. A line feed is Return, which typing has no letter for."""
+        for line in text.splitlines(keepends=True):
+            self.xdotool("type", "--delay", 2, line.rstrip("\n"))
+            if line.endswith("\n"):
+                self.xdotool("key", "Return")
 
     def close(self, title):
         """With the window manager's own key."""

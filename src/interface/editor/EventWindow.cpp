@@ -158,8 +158,6 @@ void EventWindow::Retitle() {
   if (name.size() > LongestName) name = name.left(LongestName) + u'…';
   const std::string described = " – Event (set " + event_->GetOwner()->GetLeaf() + ")";
   setWindowTitle(WindowTitle(name.toStdString() + described));
-  QAccessibleEvent renamed(this, QAccessible::NameChanged);  // which the toolkit leaves out
-  QAccessible::updateAccessibility(&renamed);
 }
 
 void EventWindow::ShowEvent() {

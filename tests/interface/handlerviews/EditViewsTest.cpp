@@ -204,9 +204,9 @@ TEST_F(EditViewsTest, AnAddOnBringsItsOwnView) {
   EXPECT_EQ(QSizeF(frame.right - frame.left, frame.bottom - frame.top),
             Find("editViewFrame").size() - QSize(1, 1))
       << "at first too";
-  Find("handler").setFocus();
-  QTest::keyClick(&Find("handler"), Qt::Key_Tab);
-  EXPECT_TRUE(Find("addOnField").hasFocus()) << "it comes after the menu";
+  Find("tryNow").setFocus();
+  QTest::keyClick(&Find("tryNow"), Qt::Key_Tab);
+  EXPECT_TRUE(Find("addOnField").hasFocus()) << "it comes after the row of the menu";
   QTest::keyClicks(&Find("addOnField"), "Dear diary");
   window->CommitEdits();
   EXPECT_EQ(DataOf<DiaryData>().Text, "Dear diary");
