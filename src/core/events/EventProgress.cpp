@@ -39,7 +39,8 @@ Progress AfterOccurrence(const Event& event, int64 now) {
     return {{record.ActualEventTime, record.NextEventTime, WaitingToNag, false}};
   }
   // Not in the set: the person has deleted it meanwhile.
-  if (record.DeleteOnceDelivered && event.GetOwner()->HasEvent(&event)) return {{0, 0, 0, true}};
+  const bool isInItsSet = event.indexStamp != 0;  // asked of the event: looking it up takes long
+  if (record.DeleteOnceDelivered && isInItsSet) return {{0, 0, 0, true}};
   return Anew(event, now);
 }
 
