@@ -180,7 +180,7 @@ void Describe(const DeliveredEvent& delivered, const DeliveryWork& work) {
 
 }  // namespace
 
-void AskThenWork(const DeliveredEvent& delivered, DeliveryWork work) {
+void AskThenWork(const DeliveredEvent& delivered, const DeliveryWork& work) {
   if (!work.File.empty())
     Describe(delivered, work);
   else if (work.Asks)

@@ -21,7 +21,7 @@ struct DeliveryWork {
 /// The answer "Cancel", which any end of the question but "Ok" counts as, drops the work. A command
 /// has been started, or waits in the journal, when this returns; a file is looked at and opened in
 /// workers alone.
-void AskThenWork(const DeliveredEvent& delivered, DeliveryWork work);
+void AskThenWork(const DeliveredEvent& delivered, const DeliveryWork& work);
 
 /// What a record of the journal has left to do; the event may be gone. Nothing happens when another
 /// session does it.

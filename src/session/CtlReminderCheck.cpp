@@ -15,8 +15,9 @@ namespace {
 
 std::vector<ReminderLink> LinksOf(const QByteArray& json) {
   std::vector<ReminderLink> links;
-  for (const QJsonValue& each : QJsonDocument::fromJson(json).array()) {
-    const auto text = [&each](const char* key) { return each[key].toString().toStdString(); };
+  const QJsonArray list = QJsonDocument::fromJson(json).array();
+  for (const QJsonValueConstRef each : list) {
+    const auto text = [&each](const char* key) { return each.toObject()[key].toString().toStdString(); };
     links.push_back({text("link"), text("found"), text("mend")});
   }
   return links;

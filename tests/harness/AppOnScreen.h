@@ -39,13 +39,18 @@ class AppOnScreen : public testing::Test {
   ~AppOnScreen() override { End(); }
 
   static inline Zone SystemZone;
+  /// Adds rows to those of the built-in handlers, before a set is read; may be null.
+  static inline void (*MoreHandlers)(HandlerTable& handlers) = nullptr;
 
   struct Process : World<QtUserInterface> {
     explicit Process(const std::string& folder)
         : World({nullptr, &Carried}, [] {}),
           Store(MakeBuiltInPrefs(SystemFiles, folder + "/config")),
           App(Core, {Background, Bus, Store, Who, folder, folder + "/state",
-                     [this] { LoadBuiltInHandlers(Core); }, [this] { Handlers.Clear(); },
+                     [this] {
+                       LoadBuiltInHandlers(Core);
+                       if (MoreHandlers) MoreHandlers(Handlers);
+                     }, [this] { Handlers.Clear(); },
                      [] { return SystemZone; }, [this] { Ended = true; }, "0",
                      [](EventSet& set) { SampleEvents(set).AddSample(60); }}) {
       Ui.Connect(Core, App.Ending());

@@ -35,9 +35,9 @@ class ReminderFaces final : public AlertScreen {
   /// An alert that came as a notification, alone or beside its window.
   struct Face {
     AlertRequest request;
-    int32 place;
-    bool hasWindow;
-    uint64 notification;  ///< 0: none stands
+    int32 place = 0;
+    bool hasWindow = false;
+    uint64 notification = 0;  ///< 0: none stands
   };
 
   int32 FacesOf(const AlertRequest& request) const;

@@ -67,7 +67,7 @@ class EditHistory final : public EditRecorder {
  private:
   class EventsByHandle;
   struct Block {
-    int32 handler;
+    int32 handler = 0;
     std::string bytes;
   };
 

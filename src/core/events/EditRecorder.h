@@ -14,7 +14,7 @@ class Event;
 struct EditedState {
   EventRecord record;
   std::optional<IconPair> ownIcon;
-  int32 handler;  ///< row of the handler table
+  int32 handler = 0;  ///< row of the handler table
 };
 
 /// A set has one while its window is open. Main thread, with the set locked or not.

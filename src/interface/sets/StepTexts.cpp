@@ -38,7 +38,7 @@ QString StepPhrase(const ToldStep& step) {
 }
 
 QString StepReport(const ToldStep& step) {
-  const QString done = WordsOf(step).report;
+  QString done = WordsOf(step).report;
   if (done.isEmpty()) return done;
   return done + ' ' + (step.count > 1 ? Several(step) : "“" + ShownLine(step.name) + u'”') + u'.';
 }

@@ -52,9 +52,11 @@ class BellOnScreen : public AppOnScreen {
  protected:
   BellOnScreen() { BellData::Rung.clear(), StartWithBell(); }
 
+  ~BellOnScreen() override { MoreHandlers = nullptr; }
+
   void StartWithBell() {
+    MoreHandlers = [](HandlerTable& handlers) { handlers.Add({"Bell", NewBell}); };
     Start();
-    It->Handlers.Add({"Bell", NewBell});
   }
   void MakeFile() {
     const auto owned = kestrin::NewSet(It->Core, Path("Work.kestrin"));
