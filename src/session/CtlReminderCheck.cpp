@@ -17,7 +17,9 @@ std::vector<ReminderLink> LinksOf(const QByteArray& json) {
   std::vector<ReminderLink> links;
   const QJsonArray list = QJsonDocument::fromJson(json).array();
   for (const QJsonValueConstRef each : list) {
-    const auto text = [&each](const char* key) { return each.toObject()[key].toString().toStdString(); };
+    const auto text = [&each](const char* key) {
+      return each.toObject()[key].toString().toStdString();
+    };
     links.push_back({text("link"), text("found"), text("mend")});
   }
   return links;

@@ -46,13 +46,14 @@ class AppOnScreen : public testing::Test {
     explicit Process(const std::string& folder)
         : World({nullptr, &Carried}, [] {}),
           Store(MakeBuiltInPrefs(SystemFiles, folder + "/config")),
-          App(Core, {Background, Bus, Store, Who, folder, folder + "/state",
-                     [this] {
-                       LoadBuiltInHandlers(Core);
-                       if (MoreHandlers) MoreHandlers(Handlers);
-                     }, [this] { Handlers.Clear(); },
-                     [] { return SystemZone; }, [this] { Ended = true; }, "0",
-                     [](EventSet& set) { SampleEvents(set).AddSample(60); }}) {
+          App(Core,
+              {Background, Bus, Store, Who, folder, folder + "/state",
+               [this] {
+                 LoadBuiltInHandlers(Core);
+                 if (MoreHandlers) MoreHandlers(Handlers);
+               },
+               [this] { Handlers.Clear(); }, [] { return SystemZone; }, [this] { Ended = true; },
+               "0", [](EventSet& set) { SampleEvents(set).AddSample(60); }}) {
       Ui.Connect(Core, App.Ending());
     }
     HandlerActions Carried;  ///< carries out what the fakes only write down
