@@ -26,7 +26,7 @@ void SavingByItself::SaveModifiedSets() {
   for (const auto& set : context_.openSets.Sets) {
     const bool titled = !set->IsUntitled();
     if (!set->HasBeenModified() || (titled && SaveItself(*set))) {
-      recovery_.Forget(set->GetHandle());
+      recovery_.Forget(set->GetHandle(), set->GetFileName());
       continue;
     }
     // What only deliveries have changed is in the journal; in the sample nobody has written a word.

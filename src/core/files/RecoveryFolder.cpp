@@ -53,10 +53,11 @@ struct RecoveryFolder::Copy {
   std::condition_variable rests;
   bool busy = false;  ///< a worker is at the files
   bool gone = false;  ///< they are to go
+  std::string kept;   ///< the file that the set was saved into, which stays
 
   void Remove(FileDoor& files) const {
     for (const std::string& each : {path, RecoveryNote(path)})
-      if (files.Kind(each) != FileKind::Missing) files.Remove(each);
+      if (each != kept && files.Kind(each) != FileKind::Missing) files.Remove(each);
   }
   /// False when a worker does not come back.
   bool Rest() {
@@ -167,7 +168,7 @@ bool RecoveryFolder::IsOurs(const std::string& path) const {
   });
 }
 
-void RecoveryFolder::Forget(uint64 set) {
+void RecoveryFolder::Forget(uint64 set, const std::string& savedAs) {
   const auto made = made_.find(set);
   if (made == made_.end()) return;
   const std::shared_ptr<Copy> copy = made->second;
@@ -175,6 +176,7 @@ void RecoveryFolder::Forget(uint64 set) {
   {
     const std::lock_guard lock(copy->guard);
     copy->gone = true;
+    copy->kept = savedAs;
     if (copy->busy) {
       leaving_.push_back(copy);  // the worker removes what it writes
       return;
@@ -184,12 +186,13 @@ void RecoveryFolder::Forget(uint64 set) {
 }
 
 void RecoveryFolder::DropSettled(const OpenSets& sets) {
-  std::vector<uint64> settled;
+  std::vector<std::pair<uint64, std::string>> settled;
   for (const auto& [handle, copy] : made_) {
     const EventSet* const set = sets.FindHandle(handle);
-    if (!set || !set->HasBeenModified() || set->OnlyDeliveriesChanged()) settled.push_back(handle);
+    if (!set || !set->HasBeenModified() || set->OnlyDeliveriesChanged())
+      settled.emplace_back(handle, set ? set->GetFileName() : "");
   }
-  for (const uint64 handle : settled) Forget(handle);
+  for (const auto& [handle, file] : settled) Forget(handle, file);
 }
 
 void RecoveryFolder::Finish() {

@@ -43,8 +43,9 @@ class RecoveryFolder {
   /// Makes the bytes, and has a worker write them; not while one is at the set's earlier copy. What
   /// fails is told on standard error.
   void CopyInWorker(EventSet& set, Workers& workers);
-  /// Removes the copy of the set, if it has one: the set is in its file now, or was thrown away.
-  void Forget(uint64 set);
+  /// Removes the copy of the set, if it has one: the set was saved there or elsewhere, or was
+  /// thrown away. A file into which it was saved stays, were it where its copy lay.
+  void Forget(uint64 set, const std::string& savedAs);
   /// Forgets those of sets that have gone, or that hold nothing any more that a person has changed.
   void DropSettled(const OpenSets& sets);
   /// Waits, a second at most, for what workers are writing and removing.

@@ -130,6 +130,9 @@ TEST_F(UnsavedEditsTest, WhatALivingProcessWorksWithIsLeftAlone) {
   Start();
   EXPECT_EQ(FirstEvent(Work).GetName(), "here");
   EXPECT_EQ(FirstEvent("Untitled event set 1").GetName(), "typed") << "nobody knows of what it is";
+  ASSERT_TRUE(Set("Untitled event set 1")->SaveAs(WorkCopy, false));
+  Run();
+  EXPECT_EQ(NameInFile(WorkCopy), "typed") << "where its copy was, its file is now";
 }
 
 }  // namespace
