@@ -7,9 +7,9 @@
 #include "core/events/EventSet.h"
 #include "core/journal/Journal.h"
 #include "core/loop/AlertDesk.h"
-#include "core/loop/AppMessages.h"
 #include "core/loop/BackgroundWork.h"
 #include "core/loop/Holds.h"
+#include "core/loop/MessageCodes.h"
 #include "core/ports/Desktop.h"
 #include "core/ports/EventActions.h"
 #include "core/settings/KestrinSettings.h"
@@ -118,10 +118,10 @@ void Ask(const DeliveredEvent& delivered, const DeliveryWork& work, std::string 
   request.Open = work.File;
   request.HarmlessButton = 0;
   request.DefaultButton = 0;
-  delivered.context->holds.ProcessHold(delivered.Set);
+  delivered.context->holds.ProcessHold();
   request.Done = [delivered, then](int which) {
     if (which == 1 && IsOurs(delivered)) then();
-    delivered.context->queue.Post(HoldDone(delivered.Set));
+    delivered.context->queue.Post(PROCESS_HOLD_DONE);
   };
   delivered.context->alerts.Show(std::move(request));
 }

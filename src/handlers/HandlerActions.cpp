@@ -67,7 +67,7 @@ void Remind(const Event& event, const Reminder& reminder, const std::string& use
     delivered.context->queue.Post(
         AlertReply(reminder.reply, delivered.Set, delivered.Event, delivered.Occurrence, which));
   };
-  context.holds.ProcessHold(delivered.Set);
+  context.holds.ProcessHold();
   context.alerts.Show(std::move(request));
 }
 

@@ -143,9 +143,7 @@ int32 BufferedFile::BufferedRead(void* data, size_t count) {
     position_ += part;
     done += part;
     if (position_ < fill_) continue;
-    const bool fileGoesOn = fill_ == bufferSize_;
     position_ = fill_ = 0;
-    if (!fileGoesOn) return done;
   }
   return wanted;
 }

@@ -75,7 +75,7 @@ TEST_F(ActionsTest, ACommandRunsUnasked) {
   EXPECT_THAT(World.Ui.History, IsEmpty());
 }
 
-TEST_F(ActionsTest, AQuestionHoldsItsSetAndWhatItStartsHoldsNobody) {
+TEST_F(ActionsTest, AQuestionAndWhatItStartsHoldTheApplication) {
   Command(true);
   World.Threads.How = FakeWorkers::Mode::Deferred;
   for (const int which : {0, 1}) {
@@ -83,32 +83,16 @@ TEST_F(ActionsTest, AQuestionHoldsItsSetAndWhatItStartsHoldsNobody) {
     ASSERT_EQ(OnlyText(), CommandQuestion);
     EXPECT_THAT(World.Ui.Alerts[0].Request.Buttons, ElementsAre("Cancel", "Ok"));
     EXPECT_EQ(World.Ui.Alerts[0].Request.HarmlessButton, 0);
-    EXPECT_EQ(World.Holding.CountFor(Set->GetHandle()), 1);
+    EXPECT_EQ(World.Holding.Count(), 1);
     EXPECT_TRUE(World.Threads.Started.empty());
+    if (which == 1) Set->RemoveEvent(Subject);
     Answer(which);
-    EXPECT_EQ(World.Holding.CountFor(Set->GetHandle()), 0);
     EXPECT_EQ(World.Holding.Count(), which);
   }
   EXPECT_EQ(World.CountMessages(QUIT_REQUESTED), 1) << "none between question and command";
   World.Threads.RunPending();
   World.RunMessages();
   EXPECT_THAT(World.Machine.Commands, ElementsAre("brew"));
-}
-
-TEST_F(ActionsTest, TheAnswerIsCarriedOutWhenTheEventHasGone) {
-  Command(true);
-  Deliver();
-  Set->RemoveEvent(Subject);
-  Answer(1);
-  EXPECT_THAT(World.Machine.Commands, ElementsAre("brew"));
-}
-
-TEST_F(ActionsTest, AForcedEndStartsNothing) {
-  Command(true);
-  Deliver();
-  World.Alerts.EndByForce();
-  Deliver();
-  EXPECT_THAT(World.Machine.Commands, IsEmpty());
 }
 
 TEST_F(ActionsTest, ACommandNeedsAShellAndAFileAThread) {
@@ -245,25 +229,6 @@ TEST_F(ActionsTest, AFileIsDescribedAskedForAndLaunched) {
   EXPECT_THAT(World.Ui.Alerts, IsEmpty()) << "none is passed over";
 }
 
-TEST_F(ActionsTest, ADownloadedSetAsksBeforeEverything) {
-  World.Machine.Files["/pot"] = {true, true, "pot"};
-  Disk.SetAttribute("/sets/set", "user.xdg.origin.url", "https://example.org/set");
-  Set = Read("/sets/set");
-  Subject = Set->Events().at(0).get();
-  EXPECT_TRUE(Command(false).NeedsScreen());
-  Deliver();
-  EXPECT_EQ(OnlyText(), CommandQuestion);
-  Answer(0);
-  EXPECT_TRUE(File(false).NeedsScreen());
-  Deliver();
-  EXPECT_EQ(World.Ui.Alerts.size(), 1u);
-  Answer(0);
-  EXPECT_THAT(World.Threads.Started, ElementsAre("ActOnFile")) << "looked at, not opened";
-  EXPECT_THAT(World.Machine.Launched, IsEmpty());
-  ASSERT_TRUE(Set->SaveData());
-  EXPECT_FALSE(File(false).NeedsScreen()) << "it is the person's own by now";
-}
-
 TEST_F(ActionsTest, OnlyWhatIsThePersonsOwnActsUnasked) {
   const std::string path = "/sets/set";
   std::vector<std::string> reports;
@@ -395,10 +360,10 @@ TEST_F(ActionsTest, RemindersAreAnsweredByHandleAndOccurrence) {
   Subject->SetPrewarnMessage("Warm the pot.");
   Subject->SetNagMessage("Cold by now.");
   World.OnMessage = [this](const Message& message) {
-    if (message.Has("which"))
-      World.Holding.ProcessDone(static_cast<uint64>(*message.Get<int64>("EventSet")));
+    if (message.Has("which")) World.Holding.ProcessDone();
   };
   for (const bool nag : {false, true}) {
+    World.Time.JumpTo(Subject->GetNextEventTime() + (nag ? 61 : 60));
     if (nag)
       HandlerActions().DeliverNagMessage(*Subject);
     else
@@ -409,11 +374,13 @@ TEST_F(ActionsTest, RemindersAreAnsweredByHandleAndOccurrence) {
     EXPECT_THAT(request.Buttons,
                 ElementsAre(nag ? "No more nagging" : "No more prewarnings", "OK"));
     EXPECT_EQ(request.HarmlessButton, 1);
+    EXPECT_TRUE(request.NamesTime);
+    EXPECT_EQ(request.Away, nag) << "a minute is no absence";
     EXPECT_EQ(request.Role, nag ? AlertRole::Nag : AlertRole::Prewarning);
     EXPECT_EQ(request.Event, Subject->GetHandle());
     EXPECT_EQ(request.Text, nag ? "The event \"Tea\" occurred at 17:00 today.\n\nCold by now."
                                 : "The event \"Tea\" will occur at 17:00 today.\n\nWarm the pot.");
-    EXPECT_EQ(World.Holding.CountFor(Set->GetHandle()), 1);
+    EXPECT_EQ(World.Holding.Count(), 1);
 
     World.Messages.clear();
     Answer(0);

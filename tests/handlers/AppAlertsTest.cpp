@@ -90,7 +90,8 @@ TEST_F(AppAlertsTest, AButtonActsInTheSetThatItsAlertIsAboutWhicheverWasOpenedFi
 
 TEST_F(AppAlertsTest, AQuestionIsAskedAnewAndADeliveryOnlyShown) {
   Now = Sunday + 6 * Hour;
-  StartWith({DailyAt(Sunday + 7 * Hour, "Asks"), DailyAt(Sunday + 7 * Hour, "Says")});
+  StartWith({DailyAt(Sunday + 7 * Hour, "Asks"), DailyAt(Sunday + 7 * Hour, "Says"),
+             DailyAt(Sunday + 7 * Hour + 30 * Minute, "Late")});
   FirstEvent(Work).SetSelectedHandler(It->World.Handlers.Find("Command"));
   auto& command = dynamic_cast<CommandDataHandler&>(*FirstEvent(Work).GetAddOnData());
   command.SetCommand("brew");
@@ -105,10 +106,13 @@ TEST_F(AppAlertsTest, AQuestionIsAskedAnewAndADeliveryOnlyShown) {
   EXPECT_THAT(Alerts(),
               ElementsAre("Kestrin event:  Asks\n\nKestrin is about to execute a shell command: "
                           "\"brew\".  Should the command be executed?",
-                          "Kestrin event:  Says\n\n"));
+                          "Kestrin event:  Says\n\n",
+                          "Kestrin event:  Late\nThe event was missed.  It occurred Sun, Nov 15 "
+                          "2026, 07:30:00 AM\n\n"))
+      << "what stood open first";
   ASSERT_TRUE(Answer(1));
   EXPECT_THAT(It->World.Machine.Commands, ElementsAre("brew"));
-  ASSERT_TRUE(Answer(0));
+  ASSERT_TRUE(Answer(0) && Answer(0));
   EXPECT_EQ(It->World.Holding.Count(), 1);
 }
 

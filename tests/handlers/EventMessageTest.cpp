@@ -94,44 +94,6 @@ TEST_F(EventMessageTest, ThePageAndTheCodeAgree) {
   }
 }
 
-TEST_F(EventMessageTest, EveryFieldArrivesAndTheTimesAreComputedAnew) {
-  FillSubject();
-  Subject->SetPeriodType(MultiWeekly);
-  Subject->SetMultiple(3);
-  Subject->SetPrewarnTime(4000000000u);
-  Subject->SetTabShown(4);
-  Subject->SetWindowFrame({1.5f, 2, -3, 4});
-  Subject->SetActive(false);
-  const Message message = Generated();
-  World.Time.Advance(int64{86400} * 365);
-  const auto pasted = Pasted(message);
-  ASSERT_TRUE(pasted);
-  EXPECT_EQ(*pasted->GetOwnIcon(), *Subject->GetOwnIcon());
-  EXPECT_GT(pasted->GetNextEventTime(), World.Time.Now());
-  Message again;
-  Subject->UpdateEventTime();
-  ASSERT_TRUE(GenerateMessageForEvent(*pasted, &again));
-  EXPECT_EQ(again, Generated());
-  EXPECT_EQ(Told, "");
-  EXPECT_EQ(Other.CountEvents(), 0) << "adding is the caller's";
-}
-
-TEST_F(EventMessageTest, AMissingHandlersDataIsKeptByteForByteEvenALot) {
-  for (const size_t size : {size_t{0}, size_t{1}, size_t{9} << 20}) {
-    Message message = Generated();
-    const RawData bytes{FourCharCode("hDat"), std::string(size, '\xA5')};
-    message.Set("HandlerName", "Chime"s);
-    message.Set("HandlerData", bytes);
-    const auto pasted = Pasted(message);
-    ASSERT_TRUE(pasted);
-    EXPECT_EQ(pasted->GetSelectedHandler(), UnknownHandler);
-    Message again;
-    ASSERT_TRUE(GenerateMessageForEvent(*pasted, &again));
-    EXPECT_EQ(again.Get<std::string>("HandlerName"), "Chime");
-    EXPECT_EQ(again.Get<RawData>("HandlerData").value_or(RawData{bytes.type, ""}), bytes);
-  }
-}
-
 TEST_F(EventMessageTest, AnAddOnThatFailsHarmsNothing) {
   class Stubborn final : public FakeHandlerData {
    public:

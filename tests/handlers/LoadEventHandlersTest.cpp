@@ -224,21 +224,6 @@ TEST_F(OutsideAddOnTest, WritesALineADeliveryAndNeedsNoScreen) {
               testing::MatchesRegex("20[-0-9T:]+Z\tTea\n20[-0-9T:]+Z\tTwo lines\tmissed\n"));
 }
 
-TEST_F(OutsideAddOnTest, KeepsWhatALaterVersionStored) {
-  for (const std::string& payload : {std::string("\3\0\0\0new", 7), std::string(4, '\0')}) {
-    std::ofstream(root_ / "in", std::ios::binary) << std::string(1, '\0') + payload;
-    Opened<EndianIndependentFile> in(World.SystemFiles, In("in"), OpenReadOnly, 64);
-    Opened<EndianIndependentFile> out(World.SystemFiles, In("out"),
-                                      OpenWriteOnly | OpenCreate | OpenErase, 64);
-    bool ok = false;
-    const auto data = World.Handlers.MakeAddOnData(World.Handlers.Find("Write to log"), Subject,
-                                                   &in, &ok, nullptr);
-    ASSERT_TRUE(ok && SaveAddOnData(*data, &out));
-    out.FlushBuffer();
-    EXPECT_EQ(Bytes("out").substr(1), payload);
-  }
-}
-
 /// The page's example and what is shipped.
 TEST_F(LoadEventHandlersTest, WhatIsBuiltOutsideReadsItsDataAndActs) {
   const struct {

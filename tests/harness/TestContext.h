@@ -120,8 +120,7 @@ struct TestContext : World<FakeUserInterface> {
     if (message.what == ALERTS_WAITING) {
       Alerts.OpenWaiting();
     } else if (message.what == PROCESS_HOLD_DONE) {
-      const int64 set = message.Get<int64>("EventSet").value_or(0);
-      Holding.ProcessDone(static_cast<uint64>(set));
+      Holding.ProcessDone();
     } else if (message.what == WORK_DONE) {
       Work.Done(message);
     } else if (message.what == START_COMMANDS) {

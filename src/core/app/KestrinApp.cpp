@@ -160,7 +160,7 @@ void KestrinApp::Handle(const Message& message) {
   if (WindowMessage(message) || BackgroundMessage(message)) return;
   switch (message.what) {
     case PROCESS_HOLD_DONE:
-      context_.holds.ProcessDone(static_cast<uint64>(message.Get<int64>("EventSet").value_or(0)));
+      context_.holds.ProcessDone();
       break;
     case PASSES_AT_REST:
       passedOver_.Rest();

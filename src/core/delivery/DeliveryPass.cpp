@@ -120,8 +120,8 @@ void DeliveryPass::DealWith(const Earliest& earliest) {
 /// Only the set that was opened first is looked at: replies about other sets change nothing. An
 /// alert's button has been carried out already, where it was pressed.
 void DeliveryPass::AlertReply(const Message& message) {
-  const auto set = static_cast<uint64>(message.Get<int64>("EventSet").value_or(0));
   if (message.Get<int32>("which") == 0) {
+    const auto set = static_cast<uint64>(message.Get<int64>("EventSet").value_or(0));
     const AutoLock open(context_.openSets.Protect);
     const auto& sets = context_.openSets.Sets;
     if (!sets.empty() && sets.front()->GetHandle() == set)
@@ -130,7 +130,7 @@ void DeliveryPass::AlertReply(const Message& message) {
                      message.Get<int32>("Occurrence").value_or(0)},
                     message.what == PREWARN_ALERT_REPLY);
   }
-  context_.holds.ProcessDone(set);
+  context_.holds.ProcessDone();
 }
 
 bool DeliveryPass::MessageReceived(const Message& message) {

@@ -40,10 +40,10 @@ std::function<void(int)> DoneOf(Context& context, const AlertRequest& request) {
     };
   }
   const bool asks = request.Role == AlertRole::Question;
-  return [&context, asks, set = request.Set, record = request.Record,
+  return [&context, asks, record = request.Record,
           plan = ActionPlan{true, request.Run, request.Open}](int which) {
     if (asks && which == 1) context.actions.CarryOut(context, record, plan);
-    context.queue.Post(HoldDone(set));
+    context.queue.Post(PROCESS_HOLD_DONE);
   };
 }
 
@@ -82,7 +82,7 @@ void ShowReturning(Context& context, const ReturningAlert& alert, const FoundEve
     WithoutStopButton(request);
   }
   request.Done = DoneOf(context, request);
-  context.holds.ProcessHold(request.Set);
+  context.holds.ProcessHold();
   context.alerts.Show(std::move(request));
 }
 

@@ -9,8 +9,8 @@
 #include "core/events/OpenSets.h"
 #include "core/journal/Journal.h"
 #include "core/loop/AlertDesk.h"
-#include "core/loop/AppMessages.h"
 #include "core/loop/Holds.h"
+#include "core/loop/MessageCodes.h"
 #include "core/loop/MessageQueue.h"
 #include "core/ports/EventActions.h"
 #include "core/ports/UserInterface.h"
@@ -104,9 +104,9 @@ void ShowFailure(Context& context, const JournalRecord& act, const std::string& 
   }
   request.Done = [&context, act, set = request.Set, event = request.Event](int which) {
     if (which == 0 && event != 0) TryAgain(context, act, set, event);
-    context.queue.Post(HoldDone(set));
+    context.queue.Post(PROCESS_HOLD_DONE);
   };
-  context.holds.ProcessHold(request.Set);
+  context.holds.ProcessHold();
   context.alerts.Show(std::move(request));
 }
 

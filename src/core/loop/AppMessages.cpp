@@ -15,12 +15,6 @@ Message QuitOnceMore(bool ifIdle) {
   return again;
 }
 
-Message HoldDone(uint64 set) {
-  Message done(PROCESS_HOLD_DONE);
-  if (set != 0) done.Set("EventSet", static_cast<int64>(set));
-  return done;
-}
-
 Message AlertReply(MessageCode code, uint64 set, uint64 event, int32 occurrence, int which) {
   Message reply(code);
   reply.Set("which", int32{which});

@@ -14,9 +14,6 @@ Message QuitIfIdle();
 /// QUIT_REQUESTED: a quit that has begun goes on, unless it was given up since.
 Message QuitOnceMore(bool ifIdle);
 
-/// PROCESS_HOLD_DONE of a hold for that set; 0: for none.
-Message HoldDone(uint64 set);
-
 /// PREWARN_ALERT_REPLY or NAG_ALERT_REPLY about that occurrence of the event; `which` button.
 Message AlertReply(MessageCode code, uint64 set, uint64 event, int32 occurrence, int which);
 

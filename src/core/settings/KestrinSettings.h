@@ -48,7 +48,6 @@ struct SettingsValues {
   WindowPositionSet SetWindowPosition{SetLayout().WindowFrame};
   WindowPositionSet EventWindowPosition{Rect{40, 60, 407, 450}};
   Point IconPanelLocation{100, 80};
-  int32 OpenIconPanel = 0;
   int32 NumberOfUserIcons = 0;
   std::vector<std::string> UserMiniIcons;   ///< MiniIconBytes each
   std::vector<std::string> UserLargeIcons;  ///< LargeIconBytes each, same index

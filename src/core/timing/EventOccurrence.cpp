@@ -95,7 +95,7 @@ int64 OccurrenceSearch::JumpPastNow(int64 day, int64 period) const {
 std::optional<int64> OccurrenceSearch::Weekly() const {
   int64 ahead = rule_.DayOfWeek - WeekdayOfDay(Today());
   if (ahead < 0) ahead += 7;
-  if (ahead == 0 && !(rule_.ApplyTime && At(Today()) > now_.wall)) ahead = 7;
+  if (ahead == 0 && At(Today()) <= now_.wall) ahead = 7;
   return Settle(Today() + ahead, [](int64 day) { return day + 7; });
 }
 

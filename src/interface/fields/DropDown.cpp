@@ -6,6 +6,11 @@ namespace kestrin {
 
 DropDown::DropDown(QWidget* parent) : QComboBox(parent) { setFocusPolicy(Qt::StrongFocus); }
 
+DropDown::DropDown(const char* objectName, const QStringList& items) : DropDown(nullptr) {
+  setObjectName(objectName);
+  addItems(items);
+}
+
 void DropDown::wheelEvent(QWheelEvent* event) {
   if (hasFocus())
     QComboBox::wheelEvent(event);

@@ -11,7 +11,8 @@ class DropDown : public QComboBox {
   Q_OBJECT
 
  public:
-  explicit DropDown(QWidget* parent = nullptr);
+  explicit DropDown(QWidget* parent);
+  DropDown(const char* objectName, const QStringList& items);
 
  protected:
   void wheelEvent(QWheelEvent* event) override;

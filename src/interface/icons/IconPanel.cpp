@@ -37,12 +37,6 @@ IconPanel::IconPanel(KestrinSettings& settings, const IconChoice& now, QWidget* 
   column->addWidget(file);
 }
 
-IconPanel::~IconPanel() {
-  if (Opened() && Opened() != this) return;
-  const AutoLock lock(settings_.Protect);
-  settings_.OpenIconPanel = 0;
-}
-
 IconPanel* IconPanel::Opened() {
   for (QWidget* widget : QApplication::topLevelWidgets())
     if (auto* panel = qobject_cast<IconPanel*>(widget); panel && panel->isVisible()) return panel;
@@ -56,7 +50,6 @@ void IconPanel::Open() {
   {
     const AutoLock lock(settings_.Protect);
     place = settings_.IconPanelLocation;
-    settings_.OpenIconPanel = 1;
   }
   const Rect at{place.x, place.y, place.x + static_cast<float>(size.width() - 1),
                 place.y + static_cast<float>(size.height() - 1)};

@@ -15,7 +15,6 @@ class IconPanel final : public QWidget {
 
  public:
   IconPanel(KestrinSettings& settings, const IconChoice& now, QWidget* owner);
-  ~IconPanel() override;
 
   /// Closes the one that stands open and opens this one.
   void Open();

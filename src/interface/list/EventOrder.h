@@ -6,6 +6,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "core/settings/SetLayout.h"
 #include "kestrin/Types.h"
 
 namespace kestrin {
@@ -61,12 +62,11 @@ class EventOrder {
   void Resort(const std::vector<Event*>& events);
 
  private:
-  static constexpr size_t NumberColumns = 6;
   struct Row {
     Event* event = nullptr;
     uint64 arrival = 0;
-    std::string name;              ///< folded
-    int32 numbers[NumberColumns];  ///< by column; what NameColumn and IconColumn hold is 0
+    std::string name;                ///< folded
+    int32 numbers[NumberOfColumns];  ///< by column; what NameColumn and IconColumn hold is 0
     bool moves = false;
   };
   /// As much of the keys as fits, so that few comparisons have to look at the row.

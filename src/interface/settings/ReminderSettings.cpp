@@ -52,9 +52,7 @@ void ReminderSettings::SettingsChanged() {
 
 void ReminderSettings::AddMenu(QFormLayout& form, const char* objectName, const QString& label,
                                const QStringList& items, int32& setting, int32 otherwise) {
-  auto* menu = new DropDown;
-  menu->setObjectName(objectName);
-  menu->addItems(items);
+  auto* menu = new DropDown(objectName, items);
   form.addRow(label, menu);
   show_.emplace_back([menu, &setting, otherwise] {
     menu->setCurrentIndex(setting >= 0 && setting < menu->count() ? setting : otherwise);

@@ -65,9 +65,7 @@ QCheckBox* SettingsWindow::MakeCheckBox(const char* objectName, const QString& l
 
 void SettingsWindow::AddMenu(QFormLayout& form, const char* objectName, const QString& label,
                              const QStringList& items, int32& setting) {
-  auto* menu = new DropDown;
-  menu->setObjectName(objectName);
-  menu->addItems(items);
+  auto* menu = new DropDown(objectName, items);
   form.addRow(label, menu);
   show_.emplace_back([menu, &setting] {
     menu->setCurrentIndex(setting >= 0 && setting < menu->count() ? setting : -1);

@@ -124,6 +124,12 @@ TEST_F(KestrinAppQuitTest, WhatWaitsIsHandledBeforeAQuitIsDecided) {
 
 TEST_F(KestrinAppQuitTest, OnlyAnIdleApplicationEndsByItself) {
   StartEditing();
+  It->World.Queue.Post(QUIT_REQUESTED);
+  Message launched(BACKGROUND_LAUNCHED);
+  launched.Set("runs", false);
+  Post(launched);
+  EXPECT_FALSE(It->Ended) << "that nobody will wake it is told first";
+  StartEditing();
   Post(QuitIfIdle());
   EXPECT_FALSE(It->Ended) << "a window holds it";
   Start({}, {Message(ACTIVATE), QuitIfIdle()});
@@ -200,7 +206,7 @@ TEST_F(KestrinAppQuitTest, WhatDeliveriesChangedIsSavedOnceTheJournalIsDurable) 
   StartWith({DailyAt(Sunday + 8 * Hour)});
   const std::string before = *Disk.Bytes(Work);
   It->World.Threads.How = FakeWorkers::Mode::Deferred;
-  It->World.Holding.ProcessHold(Set(Work)->GetHandle());  // an open alert, a running command
+  It->World.Holding.ProcessHold();  // an open alert, a running command
   DeliverAt(Sunday + Day + 8 * Hour);
   EXPECT_EQ(Disk.Bytes(Work), before);
   It->World.Threads.RunPending();
@@ -227,7 +233,12 @@ TEST_F(KestrinAppQuitTest, AutomaticSavesReportOnceAndMakeNoCopy) {
     DeliverAt(Sunday + day * Day + 8 * Hour);
     EXPECT_THAT(Alerts(), ElementsAre(testing::StartsWith(Unsaved + "\n\n")));
   }
-  Now = Sunday + 3 * Day + 8 * Hour;
+  LetWrite(true);
+  DeliverAt(Sunday + 3 * Day + 8 * Hour);
+  LetWrite(false);
+  DeliverAt(Sunday + 4 * Day + 8 * Hour);
+  EXPECT_EQ(Alerts().size(), 2u) << "once for each time that it begins";
+  Now = Sunday + 5 * Day + 8 * Hour;
   Wake();
   Answer(0);
   EXPECT_TRUE(It->Ended);

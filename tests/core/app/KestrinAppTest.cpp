@@ -354,7 +354,9 @@ TEST_F(KestrinAppTest, AnotherZoneRecomputesAllButTheOverdueAndTheNagging) {
   nagging.ApplyNag = true;
   EventRecord overdue = DailyAt(Sunday + 7 * Hour, "overdue");
   overdue.Active = false;
-  StartWith({DailyAt(Sunday + 10 * Hour), nagging, overdue}, {"-background"});
+  EventRecord daily = DailyAt(Sunday + 10 * Hour);
+  daily.NextEventTime += Hour;  // no computation yields this
+  StartWith({daily, nagging, overdue});
   SystemZone = Zone::Load("Europe/Berlin").value();
   const auto nextTimes = [this] {
     std::vector<int32> hours;
@@ -362,6 +364,7 @@ TEST_F(KestrinAppTest, AnotherZoneRecomputesAllButTheOverdueAndTheNagging) {
       hours.push_back((event->GetNextEventTime() - Sunday) / Hour);
     return hours;
   };
+  EXPECT_THAT(nextTimes(), ElementsAre(11, 9, 7)) << "in the first zone that it knows";
   Start();
   EXPECT_THAT(nextTimes(), ElementsAre(9, 9, 7)) << "10:00 there is 9:00 UTC";
   EXPECT_TRUE(Disk.Bytes(Work)) << "and it is saved";
@@ -370,6 +373,55 @@ TEST_F(KestrinAppTest, AnotherZoneRecomputesAllButTheOverdueAndTheNagging) {
   Post(Message(DELIVER_EVENTS));
   EXPECT_THAT(nextTimes(), ElementsAre(25, 9, 7));
   EXPECT_EQ(It->World.Settings.ZoneName, "Asia/Tokyo");
+}
+
+TEST_F(KestrinAppTest, WhatIsPutOffOutlivesADeliveryAndNothingElseOfItsEvent) {
+  EventRecord once = DailyAt(Sunday + 9 * Hour);
+  once.DeleteOnceDelivered = true;
+  StartWith({once, DailyAt(Sunday + Day, "Milk")});
+  const auto about = [this](int32 occurrence) {
+    AlertRequest request;
+    request.Text = "soon";
+    request.Buttons = {"OK"};
+    request.Role = AlertRole::Delivery;
+    request.Set = Set(Work)->GetHandle();
+    request.Event = FirstEvent(Work).GetHandle();
+    request.Occurrence = occurrence;
+    return request;
+  };
+  const auto keep = [this](const AlertRequest& request, int32 until) {
+    EXPECT_EQ(It->World.Alerts.ShowAt(request, {until, false, {}}), "");
+  };
+  AlertRequest untilItBegins = about(Sunday + 9 * Hour);
+  untilItBegins.Begins = Sunday + 9 * Hour;
+  keep(untilItBegins, Sunday + 9 * Hour);
+  keep(about(Sunday - Day), Sunday + 10 * Hour);
+  DeliverAt(Sunday + 9 * Hour);
+  EXPECT_THAT(Delivered(), ElementsAre("Tea"));
+  EXPECT_THAT(Alerts(), IsEmpty()) << "the event itself comes then";
+  DeliverAt(Sunday + 10 * Hour);
+  EXPECT_THAT(Alerts(), ElementsAre("soon")) << "though a delivery has deleted the event";
+  Answer(0);
+  keep(about(Sunday + Day), Sunday + 2 * Day);
+  It->World.Holding.ProcessHold();
+  It->World.Alerts.Show(about(Sunday));
+  Run();
+  EXPECT_THAT(Alerts(), ElementsAre("soon\n\nAlso unanswered: Mon 12:00 AM"));
+}
+
+TEST_F(KestrinAppTest, ASetThatIsOpenedAgainWhileItsEventActsIsSavedByOneAlone) {
+  StartWith({DailyAt(Sunday + 9 * Hour)});
+  Remember({});
+  Start({Work});
+  It->World.Actions.WhenEvent = [this](Event&) {
+    Ui().SetWindows.at(0)->CloseNow();
+    It->App.MessageReceived(Files({Work}));
+  };
+  DeliverAt(Sunday + 9 * Hour);
+  FirstEvent(Work).SetComment("mine");
+  ASSERT_TRUE(Set(Work)->SaveData());
+  EXPECT_EQ(Disk.List("/sets")->size(), 1u) << "nothing was kept apart";
+  EXPECT_EQ(FirstEvent(Work).GetNextEventTime(), Sunday + Day + 9 * Hour);
 }
 
 TEST_F(KestrinAppTest, TheDelivererIsStartedAndItsFailuresAreToldOnce) {

@@ -153,13 +153,14 @@ TEST_F(DeliveryPassTest, WithoutAScreenWhatNeedsOneIsAskedForAMinuteLater) {
   EXPECT_EQ(event.GetNextEventTime(), Now - 10) << "it stays due";
   Pass.SendNextTime();
   EXPECT_EQ(Sent.back(), Now + 60) << "or leaving would wake the application at once, for ever";
+  Add(set, OnceAt(Now - 5, "Milk"));
   Add(set, OnceAt(Now + 30));
   World.RunMessages();
   EXPECT_EQ(Sent.back(), Now + 30) << "what is ahead may come earlier";
   EXPECT_EQ(Since, Now - 10) << "how long it waits is known to whoever wakes the application";
   World.Actions.Able = true;
   Run(Message(DELIVER_EVENTS));
-  EXPECT_THAT(Delivered(), ElementsAre("Tea"));
+  EXPECT_THAT(Delivered(), ElementsAre("Tea", "Milk"));
   EXPECT_EQ(Sent.back(), Now + 30);
 }
 
@@ -198,7 +199,7 @@ TEST_F(DeliveryPassTest, AReplyActsOnlyOnTheEventAndOccurrenceItIsFor) {
     record.PrewarnRepeatTime = 1;
     Event& event = Add(set, record);
     Settle(set);
-    World.Holding.ProcessHold(set.GetHandle());
+    World.Holding.ProcessHold();
     Message reply(each.code);
     const auto off = [&](const char* name) {
       return name == std::string(each.field) ? each.off : 0;
@@ -214,6 +215,8 @@ TEST_F(DeliveryPassTest, AReplyActsOnlyOnTheEventAndOccurrenceItIsFor) {
                                             : WaitingForEvent);
     EXPECT_EQ(event.GetNextEventTime() == ahead, each.acts && !nag);
     EXPECT_EQ(set.OnlyDeliveriesChanged(), each.acts);
+    if (each.acts) event.UpdateEventTime();
+    EXPECT_EQ(event.GetStatus(), each.acts ? WaitingForPrewarning : each.status) << "only once";
     EXPECT_EQ(World.Holding.Count(), 0) << "the hold is given back in any case";
     while (World.Queue.Take()) {
     }

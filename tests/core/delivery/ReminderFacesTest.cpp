@@ -20,11 +20,12 @@ class Keeper final : public PutOffKeeper {
   }
   void Asked(AlertRequest&) override {}
   void Opening(AlertRequest&) override {}
-  void Ended(const AlertRequest&) override {}
+  void Ended(const AlertRequest& request) override { Over.push_back(request.Text); }
   void EventDeleted(uint64, uint64) override {}
 
   std::string Why;
   int64 KeptFor = 0;
+  std::vector<std::string> Over;
 };
 
 struct AlertWorld : SetTestBase {
@@ -136,6 +137,15 @@ struct AlertWorld : SetTestBase {
   Event* event_ = &Add(*Set, DailyAt(Sunday));
   std::vector<int> answers_;
 };
+
+TEST_F(AlertWorld, WhatIsPutOffEndsWhatStoodInIt) {
+  AlertRequest unread = Request(""), nag = Request("");
+  unread.Role = AlertRole::Delivery;
+  nag.Text = "nag";
+  for (const AlertRequest& each : {unread, nag}) Show(each);
+  EXPECT_EQ(World.Alerts.PutOff(World.Ui.Alerts.at(0).Id, {}), "");
+  EXPECT_EQ(keeper_.Over, std::vector<std::string>{"nag"}) << "the other goes on, later";
+}
 
 TEST(ReminderFacesTest, EachRowOfThePageHolds) {
   const auto rows = TableOfPage("reminders.md", "| an alert that is |");
