@@ -128,18 +128,6 @@ class FilesTest(CtlTest):
         for file, fault in rows.items():
             self.refused_by_all(fault, file)
 
-    def test_rewrite_follows_links_and_leaves_the_mode_of_a_file(self):
-        (self.home / "elsewhere").mkdir()
-        real = self.home / "elsewhere/set"
-        real.touch()
-        real.chmod(0o640)
-        (self.home / "link").symlink_to("elsewhere/set")
-        for source in TEA, "link":  # the second over itself
-            self.out("rewrite", source, "link")
-            self.assertTrue((self.home / "link").is_symlink())
-            self.assertEqual((real.read_bytes(), real.stat().st_mode & 0o777),
-                             (pathlib.Path(TEA).read_bytes(), 0o640))
-
     def test_what_cannot_be_written_is_named(self):
         (self.home / "folder").mkdir()
         (self.home / "file").touch()

@@ -32,6 +32,7 @@ TEST(FileUri, OnlyWholeFileUrisOfThisMachine) {
        {"", "/a", "a", "http:///a", "file:", "file://", "file://far.away/a", "file:a", "file:///a%",
         "file:///a%4", "file:///a%4g", "file:///a%00b", "file:///a?b", "file:///a#b"})
     EXPECT_FALSE(PathOfFileUri(bad)) << bad;
+  EXPECT_FALSE(PathOfFileUri(std::string_view("file:///a%41").substr(0, 11)));
 }
 
 TEST(ProcessInfo, FoldersFollowTheStandard) {

@@ -118,10 +118,21 @@ TEST_F(EventSetTest, WindowAndApplicationAreTold) {
 
   set.AddEvent(nullptr);
   EXPECT_EQ(World.Ui.EditorWindows.size(), 1u) << "a new event opens its editor";
+  World.Time.JumpTo(Sunday + Day);
   set.RestoreEvents(std::move(removed));
+  World.RunMessages();
+  EXPECT_EQ(World.CountMessages(SETS_OPENED), 1) << "it is due this very second";
   EXPECT_THAT(window.Added, ElementsAre(testing::_, handle));
   EXPECT_EQ(set.Events()[0].get(), out) << "at its old place";
   EXPECT_EQ(World.Ui.EditorWindows.size(), 1u);
+}
+
+TEST_F(EventSetTest, EditorsThatStoodOpenOpenAgainButNeverTooMany) {
+  EventSet& set = NewSet();
+  for (int i = 0; i < 100; ++i) Add(set, DailyAt(Sunday + Day)).SetShouldWindowOpen(i > 0);
+  set.OpenWindow();
+  EXPECT_EQ(World.Ui.EditorWindows.size(), 20u);
+  EXPECT_FALSE(set.Events()[0]->GetWindow());
 }
 
 TEST_F(EventSetTest, AClosedWindowEndsTheSetUnlessItDeliversUnseen) {

@@ -1,6 +1,7 @@
 // What the setters of an event do beyond storing, and how its handler is chosen.
 #include "core/events/Event.h"
 
+#include "core/events/EventProgress.h"
 #include "harness/SetTestBase.h"
 
 namespace kestrin {
@@ -58,6 +59,7 @@ TEST_F(EventTest, SwitchingRecomputesOnlyWhatHasPassed) {
     int32 next, after;
   } rows[] = {
       {false, true, passed, passed + Day},
+      {false, true, Sunday + 8 * Hour, Sunday + Day + 8 * Hour},  // this very second
       {false, true, ahead, ahead},
       {true, true, passed, passed},  // due, and about to be delivered
       {true, false, passed, passed},
@@ -75,6 +77,11 @@ TEST_F(EventTest, SwitchingRecomputesOnlyWhatHasPassed) {
   Event& nagging = Add(Set, record);
   nagging.SetApplyNag(true);
   EXPECT_EQ(nagging.GetStatus(), WaitingToNag);
+  record.NagRepeatTime = 1;
+  record.NagRepeatType = Hours;
+  Event& putOff = Add(Set, record);
+  PassRemindersOver(putOff, passed);
+  EXPECT_EQ(putOff.GetNextEventTime(), passed + Hour) << "the one of that very second too";
   nagging.SetApplyNag(false);
   EXPECT_EQ(nagging.GetNextEventTime(), passed + Day);
 }

@@ -88,6 +88,17 @@ TEST_F(EventSetFileTest, AFileCutAnywhereIsDamaged) {
   }
 }
 
+TEST_F(EventSetFileTest, AnyByteButZeroMeansYes) {
+  EventSet& set = NewSet(Path);
+  Event& event = Add(set, DailyAt(Sunday));
+  std::string yes = Written(set, 0);
+  event.SetActive(false);
+  const std::string no = Written(set, 0);
+  *std::mismatch(yes.begin(), yes.end(), no.begin()).first = 2;
+  Disk.Put(Path, yes);
+  EXPECT_TRUE(Read(Path)->Events()[0]->GetActive());
+}
+
 TEST_F(EventSetFileTest, AnIconThatIsNotWholeIsLeftOut) {
   const std::string large(LargeIconBytes, 'l'), mini(MiniIconBytes, 'm');
   const std::pair<IconPair, int32> rows[] = {

@@ -174,6 +174,7 @@ TEST_F(JournalTest, IsReplacedUnderOthersWithoutLosingALine) {
 TEST_F(JournalTest, FollowsWhatTheFileDoesNotKnow) {
   Session session(*this, 1);
   Deliver(session, 3), Deliver(session, 4), Deliver(session, 3, 1);
+  Deliver(session, 4, 3), Deliver(session, 3, 3);
   session.It.Begin(Of(At(5), {0, 0, 0, true}, 2));
   struct Case {
     const char* name;
@@ -187,6 +188,8 @@ TEST_F(JournalTest, FollowsWhatTheFileDoesNotKnow) {
       {"one of them was saved", At(4), 0, 5, At(5)},
       {"both were saved", At(5), 0, 5, std::nullopt},
       {"a file of last week was put back", At(1), 0, 5, At(5)},
+      {"its prewarning was still ahead", {400, 350, 1, false}, 0, 5, At(5)},
+      {"the later one was written first", At(3), 3, 5, At(5)},
       {"somebody chose another time", At(3), 0, 6, std::nullopt},
       {"an edit that leads past it", At(9), 0, 5, std::nullopt},
       {"its equal was delivered once", At(3), 1, 5, At(4)},
@@ -230,6 +233,7 @@ TEST_F(JournalTest, KeepsTheLastOfEachEventAndGivesTheRestToTheHistory) {
   const std::string open = session.It.Begin(Of(At(3), At(4)));
   session.It.Stage(open, ActStage::Acted);
   session.It.Shown(open, {});
+  session.It.Ended(second, 3);
   session.It.Settle(WorkSet, {{"Tea", "Command", 0}});
   EXPECT_THAT(Ids(session.It.All()), ElementsAre(second, theirs, open));
   session.It.Answered(open, 0, "OK");
@@ -237,7 +241,9 @@ TEST_F(JournalTest, KeepsTheLastOfEachEventAndGivesTheRestToTheHistory) {
   session.It.Compaction()();
   EXPECT_THAT(Ids(Session(*this, 3).It.All()), ElementsAre(theirs, open));
   status_t status = 1;
-  EXPECT_THAT(Ids(session.It.Past().Read(status)), ElementsAre(first, gone, second));
+  const std::vector<JournalRecord> past = session.It.Past().Read(status);
+  EXPECT_THAT(Ids(past), ElementsAre(first, gone, second));
+  EXPECT_EQ(past.back().Exit, 3) << "as another thread has written";
   EXPECT_EQ(status, StatusOk);
   EXPECT_EQ(session.It.LastOccurrence(WorkSet, {"Tea", "Command", 0}), 300);
 }

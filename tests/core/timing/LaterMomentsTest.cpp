@@ -28,8 +28,8 @@ TEST(LaterMomentsTest, EachNamesItsMomentPastOnesAreLeftOutAndTheLastChoiceStand
   EXPECT_THAT(Labels(now + 5 * OneHour, NextWeek),
               ElementsAre("Next week (Mon 08:00)", "In 5 minutes (19:09)", "In 1 hour (20:04)",
                           "Tomorrow morning (Sun 08:00)"));
-  EXPECT_THAT(Labels(now, -1, now + 1800),
-              ElementsAre("In 5 minutes (14:09)", "When it begins (14:34)"));
+  EXPECT_THAT(Labels(now, -1, now + OneHour),
+              ElementsAre("In 5 minutes (14:09)", "When it begins (15:04)"));
   EXPECT_THAT(Labels(Saturday + 2 * SecondsPerDay), testing::Contains("Next week (Mon 08:00)"));
 }
 
@@ -46,6 +46,7 @@ TEST(LaterMomentsTest, TypedTimesLieAheadAndStayOnTheWallClock) {
       {"tomorrow", Saturday + 32 * OneHour},
       {"20 minutes", now + 1200, false},
       {"15:30", 0, true, now + OneHour},
+      {"15:00", now + OneHour, true, now + OneHour},
       {"yesterday", 0},
       {"soon", 0},
   };

@@ -20,7 +20,6 @@ namespace kestrin {
 namespace {
 
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 using testing::IsEmpty;
 using testing::SizeIs;
 
@@ -196,23 +195,6 @@ TEST_F(AlertWindowTest, ANagTakesThePlaceOfTheOpenPrewarning) {
   EXPECT_THAT(answers, SizeIs(1)) << "what was pressed was another button";
   QTest::mouseClick(Button(alert, 0), Qt::LeftButton);
   EXPECT_THAT(answers, ElementsAre(1, 0));
-}
-
-TEST_F(AlertWindowTest, FourAndTwentyStandInPlacesOfTheirOwnUntilAForcedEnd) {
-  for (int i = 0; i < 30; ++i) context.Alerts.Show(Request(std::string(size_t{1} << i % 12, 'x')));
-  context.RunMessages();
-  const std::vector<QWidget*> open = OpenAlerts();
-  ASSERT_THAT(open, SizeIs(24));
-  const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
-  std::set<std::pair<int, int>> places;
-  for (const QWidget* alert : open) {
-    places.emplace(alert->x(), alert->y());
-    EXPECT_TRUE(screen.contains(alert->frameGeometry()));
-  }
-  EXPECT_EQ(places.size(), open.size());
-  context.Alerts.EndByForce();
-  EXPECT_THAT(OpenAlerts(), IsEmpty());
-  EXPECT_THAT(answers, ElementsAreArray(std::vector<int>(30, 1)));
 }
 
 TEST_F(AlertWindowTest, HostileTextsAreShownPlainAndStayOnTheScreen) {

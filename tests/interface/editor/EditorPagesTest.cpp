@@ -99,12 +99,7 @@ TEST_F(EditorPagesTest, NumbersThatWouldNeverComeAgainAreRefused) {
   EXPECT_THAT(Complaint(), testing::HasSubstr("never comes again"));
   EXPECT_EQ(Record().PrewarnRepeatTime, 6u);
   Enter("prewarnRepeat", "2");
-  EXPECT_EQ(Complaint(), "");
-  EXPECT_EQ(Record().PrewarnRepeatTime, 2u) << "the unit it does not know is another's fault";
-  Enter("prewarnTime", "0");
-  EXPECT_EQ(Record().PrewarnTime, 0u) << "at the event itself";
-  EXPECT_TRUE(Choose("prewarnUnit", "hours"));
-  EXPECT_EQ(Record().PrewarnType, Hours);
+  EXPECT_EQ(Complaint(), "") << "the unit it does not know is another's fault";
   ShowPage(NaggingTab);
   Enter("nagRepeat", "0");
   EXPECT_THAT(Complaint(), testing::HasSubstr("never comes again"));
@@ -174,22 +169,6 @@ TEST_F(EditorPagesTest, WhatATextCannotHoldIsLeftOutOfWhatCameLast) {
   }
   QTest::keyClick(&Find("comment"), Qt::Key_Tab);
   EXPECT_EQ(Complaint(), "");
-}
-
-TEST_F(EditorPagesTest, LettersAndTabReachEveryControl) {
-  OpenNew(PrewarningTab);
-  Click("applyPrewarn");
-  const auto reaches = [this](Qt::Key key, Qt::KeyboardModifiers modifiers, const char* control) {
-    QTest::keyClick(QApplication::focusWidget(), key, modifiers);
-    EXPECT_TRUE(Find(control).hasFocus()) << control;
-  };
-  reaches(Qt::Key_S, Qt::AltModifier, "prewarnTime");
-  reaches(Qt::Key_E, Qt::AltModifier, "prewarnMessage");
-  ShowPage(ActionTab);
-  QCoreApplication::processEvents();  // the handler's view comes once the page has its size
-  reaches(Qt::Key_H, Qt::AltModifier, "handler");
-  for (const char* next : {"tryNow", "messageText", "deleteOnceDelivered", "deliverIfMissed"})
-    reaches(Qt::Key_Tab, {}, next);
 }
 
 }  // namespace

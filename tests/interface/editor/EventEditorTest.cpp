@@ -42,6 +42,13 @@ TEST_F(EventEditorTest, TheTitleAndTheHeaderShowThingsAsTheyAreNow) {
   EXPECT_EQ(TextOf("nextTime"), "Sun, Nov 15 2026, 11:00:00 PM") << "no whole day";
   EXPECT_EQ(FieldText("eventName"), "by somebody else");
   EXPECT_TRUE(window->windowTitle().startsWith("by somebody else – "));
+  context.Core.zone = *Zone::Load("Asia/Tokyo");
+  event->UpdateEventTime();
+  QCoreApplication::sendPostedEvents(window);
+  EXPECT_EQ(TextOf("nextTime"), "Mon, Nov 16 2026, 08:00:00 AM") << "the same moment there";
+  context.Core.zone = Zone();
+  event->UpdateEventTime();
+  QCoreApplication::sendPostedEvents(window);
   EXPECT_EQ(TextOf("status"), "Waiting for prewarning");
   EXPECT_EQ(Find("status").accessibleName(), "Status: Waiting for prewarning");
   Click("active");

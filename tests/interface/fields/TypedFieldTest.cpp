@@ -2,7 +2,6 @@
 
 #include <QAction>
 #include <QApplication>
-#include <QClipboard>
 #include <QtTest/QTest>
 #include <memory>
 
@@ -105,17 +104,6 @@ TEST_F(TypedFieldTest, WhatCannotBeReadStaysMarkedAndChangesNothing) {
   EXPECT_EQ(said, "");
   EXPECT_FALSE(field.actions().front()->isVisible());
   EXPECT_EQ(field.palette().color(QPalette::Base), plain.color(QPalette::Base));
-}
-
-TEST_F(TypedFieldTest, EventTextsStopAtACharacterBoundaryAndSaySo) {
-  field.LimitToEventText();
-  QApplication::clipboard()->setText(QString(1364, u'€') + "456789");  // 3 bytes each
-  QTest::keyClick(&field, Qt::Key_V, Qt::ControlModifier);
-  EXPECT_EQ(field.text().toUtf8().size(), 4095);
-  EXPECT_THAT(said.toStdString(), testing::HasSubstr("4095 bytes"));
-  EXPECT_FALSE(field.IsInvalid());
-  QTest::keyClick(&field, Qt::Key_Backspace);
-  EXPECT_EQ(said, "");
 }
 
 TEST_F(TypedFieldTest, NumbersStepByKeysAndRefuseWhatIsNone) {

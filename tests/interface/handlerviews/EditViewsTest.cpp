@@ -14,7 +14,6 @@
 #include "core/files/EventMessage.h"
 #include "handlers/ActOnFileDataHandler.h"
 #include "handlers/CommandDataHandler.h"
-#include "handlers/MessageDataHandler.h"
 #include "handlers/UnknownDataHandler.h"
 #include "harness/EditorDriver.h"
 
@@ -76,20 +75,6 @@ struct EditViewsTest : EditorTest {
     return *dynamic_cast<Data*>(event->GetAddOnData());
   }
 };
-
-TEST_F(EditViewsTest, AMessageIsTypedWhereItIsShown) {
-  OpenNew(ActionTab);
-  Find("messageText").setFocus();
-  QTest::keyClicks(&Find("messageText"), "Not too much");
-  EXPECT_STREQ(DataOf<MessageDataHandler>().GetMessage(), "");
-  window->CommitEdits();
-  EXPECT_STREQ(DataOf<MessageDataHandler>().GetMessage(), "Not too much");
-  QTest::keyClicks(&Find("messageText"), "!");
-  ASSERT_TRUE(Choose("handler", "Command"));
-  ASSERT_TRUE(Choose("handler", "Message"));
-  EXPECT_STREQ(DataOf<MessageDataHandler>().GetMessage(), "Not too much!");
-  EXPECT_EQ(Find<QPlainTextEdit>("messageText").toPlainText(), "Not too much!");
-}
 
 TEST_F(EditViewsTest, ACommandIsStoredOnReturnOnLeavingAndWhenTheWindowCommits) {
   OpenNew(ActionTab);

@@ -2,10 +2,8 @@
 #include <strings.h>
 
 #include <QHeaderView>
-#include <QHelpEvent>
 #include <QScrollBar>
 #include <QSignalSpy>
-#include <QToolTip>
 #include <QtTest/QTest>
 #include <cmath>
 #include <limits>
@@ -107,6 +105,8 @@ TEST_F(EventListTest, CellsSayWhatTheEventIs) {
   Open();
   EXPECT_THAT(Row(2), ElementsAre("Whole day", "Tue, Nov 17 2026", "Sun, Nov 15 2026, 08:08:42 PM",
                                   _, "Waiting for event"));
+  EXPECT_THAT(list->model()->index(0, NameColumn).data(Qt::ToolTipRole).toString().toStdString(),
+              HasSubstr("Tea &lt;b&gt;"));
   EXPECT_THAT(Row(0), ElementsAre("Tea <b>", "Sun, Nov 15 2026", _, "Unknown", "Inactive"));
   EXPECT_THAT(Row(1), ElementsAre("\uFFFD", "Sun, Nov 15 2026, 08:08:42 PM", "None", _, "77"));
   context.Settings.Time24Hour = true;
@@ -285,32 +285,6 @@ TEST_F(EventListTest, AnyStoredLayoutIsShownAndKept) {
   EXPECT_EQ(layout.SortKeys, stored.SortKeys);
   EXPECT_EQ(layout.NumberOfKeys, stored.NumberOfKeys);
   EXPECT_EQ(layout.ColumnWidth[4], 1e30f);
-}
-
-TEST_F(EventListTest, ANewSetCutsNoTimeAndHidesNoColumn) {
-  set.Layout().ColumnShown = context.Settings.Layout.ColumnShown;
-  Append("Tea", 1794773322, WaitingForPrewarning).SetApplyTime(true);
-  Open();
-  for (const int column : {NameColumn, EventTimeColumn, HandlerColumn, StatusColumn})
-    EXPECT_LE(list->sizeHintForIndex(list->model()->index(0, column)).width(),
-              list->columnWidth(column))
-        << column;
-  EXPECT_GE(list->viewport()->width(), list->header()->length());
-  EXPECT_EQ(set.Layout().ColumnWidth[EventTimeColumn], 150) << "nobody has chosen another one";
-}
-
-TEST_F(EventListTest, ACutNameShowsWholeAndPlainInAToolTip) {
-  const std::string name = "<img src='x'>" + std::string(90, 'w');
-  Open({name.c_str(), "short"});
-  const auto restOn = [this](int row) {
-    const QPoint cell = MiddleOf(row);
-    QHelpEvent event(QEvent::ToolTip, cell, list->viewport()->mapToGlobal(cell));
-    QCoreApplication::sendEvent(list->viewport(), &event);
-  };
-  restOn(0);
-  EXPECT_THAT(QToolTip::text().toStdString(), HasSubstr("&lt;img\u00a0src='x'&gt;w"));
-  restOn(1);
-  EXPECT_TRUE(QTest::qWaitFor([] { return !QToolTip::isVisible(); }));
 }
 
 TEST_F(EventListTest, KeysAndTheMouseInvokeAndDelete) {

@@ -1,8 +1,6 @@
 // What a person does at the windows while the program is busy with the same event: no deed is lost,
 // and nothing rings twice or not at all.
-#include <QLabel>
 #include <QLineEdit>
-#include <QPointer>
 #include <functional>
 #include <map>
 #include <tuple>
@@ -224,62 +222,6 @@ TEST_F(BellOnScreen, AnEventMayGoWithItsSetWhileItActs) {
   EXPECT_EQ(Names(OpenWork()), (std::vector<std::string>{"Tea", "Cake"})) << "nobody saved";
   EXPECT_EQ(BellData::Rung.size(), 1u);
   EXPECT_THAT(AlertTexts(), IsEmpty());
-}
-
-class EditorMeanwhileTest : public AppOnScreen {
- protected:
-  /// The editor of the set's first event, its name typed over but not handed over.
-  QPointer<QWidget> TypeInEditor(EventSet& set) {
-    Event& event = *set.Events().at(0);
-    event.SetTabShown(1);
-    event.OpenWindow();
-    QPointer<QWidget> editor = dynamic_cast<QWidget*>(event.GetWindow());
-    auto* name = editor->findChild<QLineEdit*>("eventName");
-    name->setFocus();
-    name->selectAll();
-    QTest::keyClicks(name, "Tea with milk");
-    return editor;
-  }
-};
-
-TEST_F(EditorMeanwhileTest, ASetThatIsReadAgainClosesItsEditors) {
-  EventSet& set = OpenSet("Work.kestrin", true);
-  const uint64 handle = set.GetHandle();
-  const QPointer<QWidget> editor = TypeInEditor(set);
-  It->App.RevertToSavedIfRemembered(Path("Work.kestrin"));
-  Run();
-  EXPECT_FALSE(editor);
-  EventSet* const fresh = Set("Work.kestrin");
-  ASSERT_TRUE(fresh && fresh->GetWindow());
-  EXPECT_NE(fresh->GetHandle(), handle);
-  EXPECT_EQ(fresh->Events()[0]->GetName(), "Tea");
-  EXPECT_FALSE(fresh->Events()[0]->GetWindow() || fresh->HasBeenModified());
-  EXPECT_THAT(AlertTexts(), IsEmpty());
-}
-
-TEST_F(EditorMeanwhileTest, AnotherZoneShowsInEveryEditorAndDisturbsNoTyping) {
-  EventSet& set = OpenSet();
-  EventRecord once;
-  once.EventTime = Sunday + 20 * Hour;
-  once.ApplyTime = true;
-  Event& cake = Add(set, "Cake", Sunday + 20 * Hour, once);
-  cake.SetTabShown(1);
-  cake.OpenWindow();
-  const QPointer<QWidget> editor = TypeInEditor(set);
-  ASSERT_TRUE(QTest::qWaitForWindowActive(editor));
-  const auto text = [](const Event& event, const char* name) {
-    auto* window = dynamic_cast<QWidget*>(event.GetWindow());
-    if (auto* label = window->findChild<QLabel*>(name)) return label->text().toStdString();
-    return window->findChild<QLineEdit*>(name)->text().toStdString();
-  };
-  EXPECT_EQ(text(cake, "date"), "Sun, Nov 15 2026, 08:00:00 PM");
-  SystemZone = *Zone::Load("Asia/Tokyo");
-  Post(Message(DELIVER_EVENTS));
-  EXPECT_EQ(text(cake, "date"), "Mon, Nov 16 2026, 05:00:00 AM");
-  EXPECT_EQ(text(cake, "nextTime"), "Mon, Nov 16 2026, 05:00:00 AM");
-  EXPECT_EQ(text(*set.Events()[0], "nextTime"), "Mon, Nov 16 2026, 09:00:00 AM");
-  EXPECT_EQ(text(*set.Events()[0], "eventName"), "Tea with milk");
-  EXPECT_EQ(set.Events()[0]->GetName(), "Tea") << "not handed over yet";
 }
 
 }  // namespace

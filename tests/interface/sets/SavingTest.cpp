@@ -91,21 +91,6 @@ TEST_F(SavingTest, SaveAsKeepsWhatIsRememberedInStepWithTheBox) {
   }
 }
 
-TEST_F(SavingTest, WhatRangBeforeTheNameChangedDoesNotRingAgainFromTheOldFile) {
-  EventSet& set = OpenSet("Work.kestrin", true);
-  Change(set);
-  Choose(WindowOf(set), "Save");
-  set.SetModified();
-  It->Time.JumpTo(Sunday + 9 * Hour);
-  Post(Message(DELIVER_EVENTS));
-  ASSERT_TRUE(Answer("changed", "Ok"));
-  Choose(WindowOf(set), "Save as…");
-  Accept("Other", false);
-  ASSERT_TRUE(Set("Work.kestrin"));
-  EXPECT_THAT(AlertTexts(), IsEmpty());
-  EXPECT_EQ(First(*Set("Work.kestrin")).GetNextEventTime(), Sunday + Day + 9 * Hour);
-}
-
 TEST_F(SavingTest, WhatWasUsedLastStandsFirstInOpenRecentAsLongAsItIsThere) {
   OpenSet("Gone.kestrin");
   OpenSet("R&D.kestrin");
@@ -150,10 +135,6 @@ TEST_F(SavingTest, AnEmptySetOffersWhatCanBeDoneAndTheSampleGoesWithoutAQuestion
   ASSERT_EQ(It->Open.Sets.size(), 2u);
   EventSet& sample = *It->Open.Sets.back();
   EXPECT_GT(sample.CountEvents(), 10);
-  It->Time.JumpTo(Sunday + 8 * Hour + 60);
-  Post(Message(DELIVER_EVENTS));
-  ASSERT_TRUE(Answer("Welcome to Kestrin", "Ok"));
-  EXPECT_TRUE(sample.OnlyDeliveriesChanged());
   WindowOf(sample).close();
   Run();
   EXPECT_EQ(It->Open.Sets.size(), 1u);
@@ -222,8 +203,6 @@ TEST_F(SavingTest, PanelsEndWithAQuitAndTheOneThatOpensFilesOutlivesTheWindows) 
   auto* const again = Find<QFileDialog>("openPanel");
   again->setDirectory(QString::fromStdString(Path("")));
   auto* edit = again->findChild<QLineEdit*>("fileNameEdit");
-  ASSERT_TRUE(QTest::qWaitForWindowActive(again));
-  edit->setFocus();
   for (const char* name : {"none.kestrin", "Work.kestrin"}) {
     edit->setText(name);
     QTest::keyClick(edit, Qt::Key_Return);

@@ -4,7 +4,6 @@
 #include <QPlainTextEdit>
 #include <QTabWidget>
 
-#include "core/files/StoredSetFile.h"
 #include "core/ports/UserInterface.h"
 #include "harness/AppOnScreen.h"
 #include "interface/sets/EventClipboard.h"
@@ -29,12 +28,6 @@ class UndoTest : public AppOnScreen {
   static std::string Selected(EventSet& set) {
     const Event* event = ListOf(set).GetSelectedEvent();
     return event ? event->GetName() : "";
-  }
-  EventSet* OpenFile(const std::string& leaf) {
-    Message open(OPEN_FILES);
-    open.Set("0", Path(leaf));
-    Post(open);
-    return Set(leaf);
   }
   static std::vector<std::string> Names(const EventSet& set) {
     std::vector<std::string> names;
@@ -105,34 +98,6 @@ TEST_F(UndoTest, DeletedEventsComeBackAsAndWhereTheyWereTheLastOneFirst) {
   Key(set, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
   EXPECT_THAT(Names(set), ElementsAre("Cake"));
   EXPECT_EQ(Line(set, "report"), "Deleted “Tea”.");
-}
-
-TEST_F(UndoTest, WhatCameDueWhileItWasDeletedCountsAsMissed) {
-  for (const bool deliverIfMissed : {true, false}) {
-    Start();
-    EventSet& set = OpenSet();
-    First(set).SetDeliverIfMissed(deliverIfMissed);
-    Select(set, "Tea");
-    Choose(WindowOf(set), "Delete event");
-    It->Time.JumpTo(Sunday + 9 * Hour + 600);
-    Post(Message(DELIVER_EVENTS));
-    EXPECT_THAT(AlertTexts(), IsEmpty());
-    It->Queue.Post(EVENT_SETS_CHANGED);  // a pass that waits already comes first
-    Choose(WindowOf(set), "Undo deletion of 'Tea'");
-    EXPECT_THAT(AlertTexts(), SizeIs(deliverIfMissed ? 1 : 0));
-    EXPECT_EQ(Answer("The event was missed.", "Ok"), deliverIfMissed);
-    EXPECT_EQ(First(set).GetNextEventTime(), Sunday + Day + 9 * Hour);
-  }
-}
-
-TEST_F(UndoTest, AnEventThatDeliveryDeletedIsNotOffered) {
-  EventSet& set = OpenSet();
-  First(set).SetDeleteOnceDelivered(true);
-  It->Time.JumpTo(Sunday + 9 * Hour);
-  Post(Message(DELIVER_EVENTS));
-  EXPECT_EQ(set.CountEvents(), 0);
-  EXPECT_FALSE(Item(WindowOf(set), "Undo")->isEnabled());
-  EXPECT_EQ(Line(set, "report"), "");
 }
 
 TEST_F(UndoTest, CutAndPasteMoveAnEventToAnotherSet) {
@@ -248,45 +213,6 @@ TEST_F(UndoTest, ManyAtATimeAreOneStep) {
   EXPECT_TRUE(Item(WindowOf(set), "Undo change of 'Cup cake'"));
 }
 
-TEST_F(UndoTest, ANewEventIsTakenBackWithItsOpenEditor) {
-  EventSet& set = TwoEvents();
-  Key(set, Qt::Key_N, Qt::ControlModifier | Qt::ShiftModifier);
-  Event& added = *set.Events()[2];
-  auto* editor = dynamic_cast<QWidget*>(added.GetWindow());
-  ASSERT_TRUE(QTest::qWaitForWindowActive(editor));
-  editor->findChild<QLineEdit*>("eventName")->setFocus();
-  QTest::keyClicks(editor->findChild<QLineEdit*>("eventName"), "Oma");
-  for (int i = 0; i < 2; ++i) Key(set, Qt::Key_Z, Qt::ControlModifier);
-  EXPECT_THAT(Names(set), ElementsAre("Tea", "Cake"));
-  EXPECT_FALSE(set.HasBeenModified());
-  for (int i = 0; i < 2; ++i) Key(set, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
-  EXPECT_THAT(Names(set), ElementsAre("Tea", "Cake", "Oma"));
-}
-
-TEST_F(UndoTest, EditorsThatStoodOpenOpenAgainButNeverTooMany) {
-  EventSet& set = TwoEvents();
-  First(set).OpenWindow();
-  Choose(WindowOf(set), "Save");
-  WindowOf(set).close();
-  Run();
-  ASSERT_FALSE(Set("Work.kestrin"));
-  EventSet& again = *OpenFile("Work.kestrin");
-  EXPECT_TRUE(again.Events()[0]->GetWindow());
-  EXPECT_FALSE(again.Events()[1]->GetWindow());
-  EXPECT_FALSE(again.HasBeenModified());
-
-  WindowOf(again).CloseNow();
-  Run();
-  const auto owned = kestrin::NewSet(It->Core, Path("Many.kestrin"));
-  EventSet& hostile = *owned;
-  for (int i = 0; i < 100; ++i) Add(hostile, "x", Sunday + Day).SetShouldWindowOpen(true);
-  ASSERT_TRUE(hostile.SaveData());
-  int editors = 0;
-  for (const auto& event : OpenFile("Many.kestrin")->Events())
-    editors += event->GetWindow() != nullptr;
-  EXPECT_EQ(editors, 20);
-}
-
 TEST_F(UndoTest, TheStatusLineSaysWhenTheSetRings) {
   const struct {
     int32 mode;
@@ -316,13 +242,6 @@ TEST_F(UndoTest, TheStatusLineSaysWhenTheSetRings) {
   Run();
   EXPECT_THAT(Line(set, "nextEvent"), testing::EndsWith("www, Sun, Nov 15 2026, 09:00 AM"));
   EXPECT_EQ(WindowOf(set).width(), width) << "a long name widens nothing";
-  Event& wholeDay = First(set);
-  wholeDay.SetApplyTime(false);
-  wholeDay.SetPrewarnTime(2);
-  wholeDay.SetPrewarnType(Hours);
-  wholeDay.SetApplyPrewarn(true);
-  Run();
-  EXPECT_THAT(Line(set, "nextEvent"), testing::EndsWith("www, Sun, Nov 15 2026, 10:00 PM"));
 }
 
 }  // namespace

