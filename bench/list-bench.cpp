@@ -174,10 +174,10 @@ int main(int argc, char** argv) {
   }
   for (size_t i = 0; i < kestrin::NumberOfFigures; ++i) {
     std::printf("%s %.0f ", kestrin::Names[i], ours.time[i]);
-    if (i == kestrin::ManyChanges)
-      std::puts("-");
-    else
+    if (i <= kestrin::OneChange)
       std::printf("%.0f\n", peer.time[i]);
+    else
+      std::puts("-");
   }
   return 0;
 }

@@ -49,7 +49,7 @@ void Event::StorePlain(T& field, V value) {
 }
 
 void Event::SetName(std::string_view name) {
-  if (indexStamp != 0) owner_.FileNames().BeforeChange(owner_, *this);
+  if (indexStamp != 0) owner_.FileNames().BeforeChange(*this);
   record_.Name = FitText(name);
   if (window_) window_->RedrawTimes();
   owner_.EventModified(this);
@@ -231,7 +231,7 @@ bool Event::SetSelectedHandler(int32 row) {
     data = handlers.MakeAddOnData(row, this, nullptr, &ok, &threw);
     if (!data) return false;
   }
-  if (indexStamp != 0) owner_.FileNames().BeforeChange(owner_, *this);
+  if (indexStamp != 0) owner_.FileNames().BeforeChange(*this);
   if (window_) window_->RemoveEditView();
   handlers_.Select(row, std::move(data));
   if (window_) window_->AddEditView();

@@ -19,7 +19,7 @@ class EventSet;
 class NamesInFile {
  public:
   /// Before the event gets another name or handler.
-  void BeforeChange(const EventSet& set, const Event& event);
+  void BeforeChange(const Event& event);
   /// Before an event leaves the set or joins it.
   void BeforeMove(const EventSet& set) { Keep(set); }
   void Removed(const Event& event);
@@ -33,11 +33,15 @@ class NamesInFile {
   std::vector<Renaming> Saved(const EventSet& set);
 
  private:
+  using Places = std::vector<std::pair<uint64, int32>>;  ///< of a handle; in the order of handles
+
   void Keep(const EventSet& set);
+  Places::const_iterator PlaceOf(uint64 handle) const;
+  bool HasPlace(uint64 handle) const { return PlaceOf(handle) != places_.end(); }
 
   bool kept_ = false;
   uint64 firstNew_ = 1;                            ///< handles from here on are not in the file
-  std::unordered_map<uint64, int32> places_;       ///< those other than 0
+  Places places_;                                  ///< those other than 0
   std::unordered_map<uint64, EventName> changed_;  ///< the name and handler in the file
   std::unordered_map<uint64, EventName> added_;    ///< as they were first called here
   std::unordered_map<uint64, EventName> removed_;
