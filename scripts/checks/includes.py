@@ -37,6 +37,20 @@ INNER = {
         "delivery": ["events", "journal", "settings", "loop", "timing", "ports"],
         "app": ["files", "delivery", "events", "journal", "settings", "loop", "timing", "ports"],
     },
+    "interface": {
+        "common": [],
+        "fields": ["common"],
+        "icons": ["common"],
+        "list": ["icons", "common"],
+        "alerts": ["icons", "common"],
+        "history": ["common"],
+        "settings": ["fields", "common"],
+        "handlerviews": ["fields", "common"],
+        "editor": ["list", "icons", "fields", "common"],
+        "sets": ["list", "common"],
+        None: ["sets", "editor", "handlerviews", "settings", "history", "alerts", "list", "icons",
+               "fields", "common"],  # what makes the windows of all rooms
+    },
 }
 INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[ \t]*([<"])([^>"\n]+)[>"]', re.MULTILINE)
 QT_HEADER = re.compile(r"^(Qt\w*/.*|Q[A-Z]\w*|Qt|q[a-z0-9_]+\.h)$")

@@ -45,6 +45,7 @@ UPWARDS = {
     "src/handlers/H.h": '#include "session/S.h"',
     "src/session/S.h": '#include "handlers/Table.h"',
     "src/interface/I.h": '#include "../session/S.h"',
+    "src/interface/list/L.h": '#include "interface/View.h"',
     "include/kestrin/P.h": '#include "core/events/Event.h"',
     "addons/beep/Beep.cpp": '#include "core/events/Event.h"',
 }

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "interface/settings/SideWindow.h"
+#include "interface/common/SideWindow.h"
 
 class QLabel;
 class QLineEdit;

@@ -1,7 +1,7 @@
 // The window that says what this program is.
 #pragma once
 
-#include "interface/settings/SideWindow.h"
+#include "interface/common/SideWindow.h"
 
 class QLayout;
 

@@ -5,7 +5,7 @@
 #include <functional>
 #include <vector>
 
-#include "interface/settings/SideWindow.h"
+#include "interface/common/SideWindow.h"
 #include "kestrin/Types.h"
 
 class QCheckBox;

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "interface/settings/SideWindow.h"
+#include "interface/common/SideWindow.h"
 
 class QGridLayout;
 class QLabel;

@@ -1,4 +1,4 @@
-#include "interface/settings/SideWindow.h"
+#include "interface/common/SideWindow.h"
 
 #include <QCloseEvent>
 #include <QKeyEvent>
