@@ -1,8 +1,9 @@
 // Waits for the first window of kestrin that can be seen on DISPLAY.
 //
-//   first-window SECONDS
+//   first-window SECONDS [TITLE]
 //
 // Says "ready" once it watches, then the moment in microseconds since 1970. Status 1: none came.
+// With a title, waits for the window whose title begins so, and until something is painted in it.
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 #include <poll.h>
@@ -17,7 +18,7 @@ namespace {
 /// A window may go away between two questions about it.
 int PassOver(Display*, XErrorEvent*) { return 0; }
 
-bool IsShown(Display* display, Window window) {
+bool IsShown(Display* display, Window window, const std::string& title) {
   XWindowAttributes attributes{};
   XClassHint names{};
   if (!XGetWindowAttributes(display, window, &attributes) || attributes.map_state != IsViewable ||
@@ -26,7 +27,27 @@ bool IsShown(Display* display, Window window) {
   const bool ours = names.res_name && std::string(names.res_name) == "kestrin";
   XFree(names.res_name);
   XFree(names.res_class);
-  return ours;
+  char* name = nullptr;
+  if (!ours || title.empty()) return ours;
+  if (XFetchName(display, window, &name) == 0) return false;
+  const bool wanted = std::string(name).starts_with(title);
+  XFree(name);
+  return wanted;
+}
+
+/// Whether the row in the middle of the window has more than one colour.
+bool IsPainted(Display* display, Window window) {
+  XWindowAttributes attributes{};
+  if (!XGetWindowAttributes(display, window, &attributes)) return false;
+  const auto width = static_cast<unsigned>(attributes.width);
+  XImage* const row =
+      XGetImage(display, window, 0, attributes.height / 2, width, 1, AllPlanes, ZPixmap);
+  if (!row) return false;
+  bool painted = false;
+  for (int x = 1; x < attributes.width && !painted; ++x)
+    painted = XGetPixel(row, x, 0) != XGetPixel(row, 0, 0);
+  XDestroyImage(row);
+  return painted;
 }
 
 /// The window that the event may have made visible, or 0.
@@ -48,11 +69,12 @@ Window Concerned(Display* display, const XEvent& event) {
 
 int main(int argc, char** argv) {
   using Clock = std::chrono::steady_clock;
-  Display* const display = argc == 2 ? XOpenDisplay(nullptr) : nullptr;
+  Display* const display = argc == 2 || argc == 3 ? XOpenDisplay(nullptr) : nullptr;
   if (!display) {
-    std::fputs("usage: first-window SECONDS, with a display\n", stderr);
+    std::fputs("usage: first-window SECONDS [TITLE], with a display\n", stderr);
     return 1;
   }
+  const std::string title = argc == 3 ? argv[2] : "";
   const auto end = Clock::now() + std::chrono::seconds(std::atoi(argv[1]));
   XSetErrorHandler(PassOver);
   XSelectInput(display, DefaultRootWindow(display), SubstructureNotifyMask);
@@ -68,7 +90,8 @@ int main(int argc, char** argv) {
     XEvent event;
     XNextEvent(display, &event);
     const Window window = Concerned(display, event);
-    if (window == 0 || !IsShown(display, window)) continue;
+    if (window == 0 || !IsShown(display, window, title)) continue;
+    while (!title.empty() && !IsPainted(display, window) && Clock::now() < end) poll(nullptr, 0, 1);
     const auto now = std::chrono::system_clock::now().time_since_epoch();
     std::printf("%lld\n", static_cast<long long>(
                               std::chrono::duration_cast<std::chrono::microseconds>(now).count()));

@@ -1,6 +1,7 @@
 #include "interface/QtUserInterface.h"
 
 #include <QApplication>
+#include <QPalette>
 #include <QScreen>
 
 #include "core/events/Context.h"
@@ -18,12 +19,34 @@
 
 namespace kestrin {
 
+namespace {
+
+/// Hints in pale text: there are themes that leave it black on a dark ground.
+void MendPaleText() {
+  constexpr int HalfSeen = 128, LeastContrast = 60;
+  const QPalette shown = QApplication::palette();
+  const auto lightness = [&shown](QPalette::ColorRole role) {
+    return shown.color(role).lightness();
+  };
+  const bool isDark = lightness(QPalette::Base) < lightness(QPalette::Text);
+  if (!isDark || lightness(QPalette::PlaceholderText) > lightness(QPalette::Base) + LeastContrast)
+    return;
+  QColor pale = shown.color(QPalette::Text);
+  pale.setAlpha(HalfSeen);
+  QPalette mended;
+  mended.setColor(QPalette::PlaceholderText, pale);
+  QApplication::setPalette(mended);
+}
+
+}  // namespace
+
 QtUserInterface::QtUserInterface() : QtUserInterface(&QApplication::beep) {}
 
 QtUserInterface::QtUserInterface(std::function<void()> play, std::function<void()> stop)
     : alerts_(AlertSound{std::move(play), std::move(stop)}) {
   if (!HasScreen()) return;
   QApplication::setWindowIcon(ApplicationIcon());
+  MendPaleText();
   InstallAlertAccessibility();
   WatchScreens();
 }

@@ -2,6 +2,7 @@
 #include "core/delivery/EventDelivery.h"
 #include "core/events/EventIdentity.h"
 #include "core/journal/RecordWords.h"
+#include "core/timing/LaterMoments.h"
 #include "handlers/CommandDataHandler.h"
 #include "handlers/HandlerActions.h"
 #include "handlers/LoadEventHandlers.h"
@@ -25,9 +26,10 @@ class PutOffTest : public AppTestBase {
     DeliverAt(Sunday + 9 * Hour);
     ASSERT_EQ(Alerts().size(), 1u);
   }
-  void PutOff(int32 until) {
+  void PutOff(int32 until) { PutOff({until, false, {}}); }
+  void PutOff(const PutOffMoment& when) {
     const AlertId id = Ui().Alerts.at(0).Id;
-    ASSERT_EQ(It->World.Alerts.PutOff(id, {until, false, {}}), "");
+    ASSERT_EQ(It->World.Alerts.PutOff(id, when), "");
     Ui().CloseAlert(id);
     Run();
   }
@@ -72,15 +74,6 @@ TEST_F(PutOffTest, AMessageComesBackByItselfOnceAfterAKillToo) {
     Wake();
     EXPECT_THAT(Alerts(), IsEmpty());
   }
-}
-
-TEST_F(PutOffTest, TheNextOccurrenceEndsItAndSaysSo) {
-  Deliver(DailyAt(Sunday + 9 * Hour));
-  PutOff(Sunday + 7 * Day);
-  DeliverAt(Sunday + Day + 9 * Hour);
-  EXPECT_THAT(Alerts(), ElementsAre("Kestrin event:  Tea\n\n\n\nAlso unanswered: Sun 09:00 AM"));
-  Answer(0);
-  EXPECT_EQ(It->Background.Times.back(), Sunday + 2 * Day + 9 * Hour);
 }
 
 TEST_F(PutOffTest, ANagIsSilentUntilThenAndStandsWithBothButtons) {
@@ -140,38 +133,50 @@ TEST_F(PutOffTest, WhatAPersonChangesEndsIt) {
   }
 }
 
-TEST_F(PutOffTest, TheNextDayRingsWhateverItIsCalledAndWhoeverWasKilledMeanwhile) {
-  const EventRecord daily = DailyAt(Sunday + 9 * Hour);
-  for (const std::string meanwhile : {"nothing", "rename", "save as", "same name", "killed"}) {
-    SCOPED_TRACE(meanwhile);
-    Crash();
-    for (const char* file : {"/state/later", "/state/history"}) Disk.Remove(file);
-    const size_t count = meanwhile == "same name" ? 2 : 1;
-    Now = Sunday + 8 * Hour;
-    StartWith(std::vector<EventRecord>(count, daily));
-    DeliverAt(Sunday + 9 * Hour);
-    ASSERT_EQ(Alerts().size(), count);
-    PutOff(Sunday + 8 * Day);
-    while (Answer(0)) {
+TEST_F(PutOffTest, PutOffToNextWeekTheNextDayRingsWhateverHappensMeanwhile) {
+  constexpr int64 Tuesday = Sunday + 2 * Day, Monday = Sunday + 8 * Day;
+  for (const std::string meanwhile : {"nothing", "deleted", "rename", "save as", "same name"})
+    for (const bool killed : {false, true}) {
+      SCOPED_TRACE(meanwhile + (killed ? ", killed" : ""));
+      Crash();
+      for (const char* file : {"/state/later", "/state/history"}) Disk.Remove(file);
+      EventRecord daily = DailyAt(Tuesday + 9 * Hour);
+      daily.Name = "Untitled";
+      daily.DeleteOnceDelivered = meanwhile == "deleted";
+      const size_t count = meanwhile == "same name" ? 2 : 1;
+      Now = Tuesday + 8 * Hour;
+      StartWith(std::vector<EventRecord>(count, daily));
+      DeliverAt(Tuesday + 9 * Hour);
+      ASSERT_EQ(Alerts().size(), count);
+      for (const LaterOffer& offer : LaterOffers(Tuesday + 9 * Hour, SystemZone, {}, NextWeek))
+        if (offer.choice == NextWeek) PutOff(offer.when);
+      while (Answer(0)) {
+      }
+      if (meanwhile == "rename") FirstEvent(Work).SetName("Coffee"), Set(Work)->SaveData();
+      if (meanwhile == "save as") Set(Work)->SaveAs(Home, true);
+      Run();
+      const int64 next = daily.DeleteOnceDelivered ? Monday + 8 * Hour : Tuesday + Day + 9 * Hour;
+      EXPECT_EQ(It->Background.Times.back(), next);
+      if (killed)
+        KillAndWake();
+      else
+        DeliverAt(next);
+      EXPECT_THAT(Alerts(), testing::SizeIs(count));
+      const size_t both = std::ranges::count_if(Alerts(), [](const std::string& text) {
+        return text.ends_with("Also unanswered: Tue 09:00 AM");
+      });
+      EXPECT_EQ(both, daily.DeleteOnceDelivered ? 0u : 1u) << "one of them, and no other says so";
+      while (Answer(0)) {
+      }
+      if (daily.DeleteOnceDelivered) {
+        EXPECT_THAT(Outcomes(), ElementsAre(testing::HasSubstr("then answered")));
+      } else {
+        EXPECT_THAT(Outcomes(), testing::SizeIs(2 * count));
+        EXPECT_THAT(Outcomes(), testing::Contains("Put off")) << "and is told of both";
+      }
+      status_t status = StatusOk;
+      EXPECT_THAT(ReadPutOff(Disk, "/state", status), IsEmpty()) << "it has ended";
     }
-    if (meanwhile == "rename") FirstEvent(Work).SetName("Coffee"), Set(Work)->SaveData();
-    if (meanwhile == "save as") Set(Work)->SaveAs(Home, true);
-    Run();
-    EXPECT_EQ(It->Background.Times.back(), Sunday + Day + 9 * Hour);
-    if (meanwhile == "killed")
-      KillAndWake();
-    else
-      DeliverAt(Sunday + Day + 9 * Hour);
-    EXPECT_THAT(Alerts(), testing::SizeIs(count));
-    EXPECT_THAT(Alerts(), testing::Contains(testing::EndsWith("Also unanswered: Sun 09:00 AM")))
-        << "one of them, and no other says so";
-    while (Answer(0)) {
-    }
-    EXPECT_THAT(Outcomes(), testing::SizeIs(2 * count));
-    EXPECT_THAT(Outcomes(), testing::Contains("Put off")) << "and is told of both";
-    status_t status = StatusOk;
-    EXPECT_THAT(ReadPutOff(Disk, "/state", status), IsEmpty()) << "it has ended";
-  }
 }
 
 TEST_F(PutOffTest, AQuestionThatANagJoinsForAnHourIsStillAskedAndRunsOnce) {

@@ -209,6 +209,11 @@ class BusTest(unittest.TestCase):
                               capture_output=True)
         return {event["Name"]: event for event in json.loads(dump.stdout)["events"]}
 
+    def history(self):
+        """What was delivered, newest first, as `kestrinctl history` tells it."""
+        return json.loads(subprocess.run([BIN / "kestrinctl", "history", "--json"], env=self.environment, check=True,
+                                         capture_output=True).stdout)
+
     def saved_time(self, path, name="Tea"):
         return self.saved(path)[name]["NextEventTime"]
 
@@ -397,6 +402,29 @@ class WorldTest(BusTest):
 
     def click_on(self, window, name, role):
         self.click(self.control(window, name, role))
+
+    def press(self, window, name):
+        """A button, without the mouse."""
+        Atspi.Action.do_action(self.control(window, name, "push button"), 0)
+
+    def focus(self, window, name, role):
+        Atspi.Component.grab_focus(self.control(window, name, role))
+        self.has_focus(window, name)
+
+    def alert_keys(self, title, key, reached):
+        """Pressed every two seconds until it is reached: an alert takes no key before a quiet second has passed."""
+        pressed = time.monotonic()
+
+        def tried():
+            nonlocal pressed
+            if reached():
+                return True
+            if time.monotonic() > pressed + 2:
+                self.keys(title, key)
+                pressed = time.monotonic()
+            return False
+        self.in_front(title)
+        self.until(tried, f'what "{key}" leads to')
 
 
 def main():

@@ -4,46 +4,68 @@ import sys
 import time
 
 sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "harness"))
-from world import APPLICATION, DAY, Atspi, WorldTest, daily, main, say  # noqa: E402
+from world import APPLICATION, DAY, Atspi, WorldTest, daily, main, run, say  # noqa: E402
 
 
 class Person(WorldTest):
-    def test_makes_a_set_with_an_event_and_is_reminded(self):
+    def test_makes_a_set_is_reminded_puts_it_off_and_finds_all_of_it_in_the_history(self):
         application = self.start()
-        self.keys("Untitled event set 1", "ctrl+n")
-        self.keys("Untitled event set 2", "ctrl+shift+n")
-        editor = "Untitled – Event (set Untitled event set 2)"
+        self.press("Untitled event set 1", "New event")
+        editor = "Untitled – Event (set Untitled event set 1)"
         self.in_front(editor)
         self.has_focus(editor, "Name:")
-        self.type("Water the plants\n")
-        editor = "Water the plants – Event"
-        self.click_on(editor, "Message", "text")
-        self.type("Two cans of rain.")
+        self.type("Tea\n")
+        self.focus("Tea – Event", "Message", "text")
+        self.type("Put the kettle on.")
 
-        self.keys("Untitled event set 2", "ctrl+s")
+        self.keys("Untitled event set 1", "ctrl+s")
+        box = self.control("Save event set", "Remember for delivery", "check box")
+        self.assertTrue(box.get_state_set().contains(Atspi.StateType.CHECKED))
         self.keys("Save event set", "ctrl+a")
-        self.type(self.path("home/Plants"))
-        self.click_on("Save event set", "Save", "push button")
-        editor = "Water the plants – Event (set Plants.kestrin)"
+        self.type(self.path("home/Day\n"))
+        editor = "Tea – Event (set Day.kestrin)"
         self.in_front(editor)
-        self.click_on(editor, "When", "page tab")
-        self.click_on(editor, "Date", "text")
+        self.keys(editor, "ctrl+Next")
+        self.focus(editor, "Date", "text")
         when = self.now() + 8
         self.keys(editor, "ctrl+a")
         self.type(time.strftime("%Y-%m-%d %H:%M:%S\n", time.gmtime(when)))
-        self.keys("Plants.kestrin", "ctrl+s")
-        plants = self.path("home/Plants.kestrin")
-        self.until(lambda: self.saved_time(plants, "Water the plants") == when, "the saved date")
-        self.keys("Plants.kestrin", "ctrl+q")
+        self.keys("Day.kestrin", "ctrl+s")
+        day = self.path("home/Day.kestrin")
+        self.until(lambda: self.saved_time(day) == when, "the saved date")
+        self.keys("Day.kestrin", "ctrl+w")
         self.left(application)
         self.assertEqual(self.when(), when)
 
-        alert = self.alert("Water the plants")
+        alert = self.alert("Tea")
         self.assertGreaterEqual(self.now(), when)
-        self.assertEqual(alert.text, "Kestrin event:  Water the plants\n\nTwo cans of rain.")
+        self.assertEqual(alert.text, "Kestrin event:  Tea\n\nPut the kettle on.")
+        self.start()
+        self.window("Day.kestrin")
+        title = "Tea – Kestrin"
+        self.alert_keys(title, "alt+l", lambda: self.x_windows("kestrin"))  # the menu has no name of its own
+        self.xdotool("key", "o")
+        self.has_focus(title, "Remind me again")
+        self.type("in 8 seconds")
+        self.until(lambda: any(node.get_name().startswith("Comes back today, ") for node in self.controls(title)),
+                   "how it was understood")
+        self.type("\n")
+        alert.closed()
+        again = self.until(lambda: self.when() > when and self.when(), "the time of the return")
+        self.kill(APPLICATION)
+        self.gone(APPLICATION)
+
+        alert = self.alert("Tea")
+        self.assertGreaterEqual(self.now(), again)
+        self.assertEqual(alert.text, "Kestrin event:  Tea\n\nPut the kettle on.")
         alert.press("Ok")
         self.gone(APPLICATION)
-        self.assertEqual(self.saved_time(plants, "Water the plants"), 0)
+        self.assertEqual(self.saved_time(day), 0)
+        self.start()
+        self.keys("Day.kestrin", "alt+f", "y")
+        self.until(lambda: any(node.get_name().startswith("Put off, then answered “Ok” at ")
+                               for node in self.controls("Kestrin history")), "what became of it")
+        self.assertEqual([(row["event"], row["due"]) for row in self.history()], [("Tea", when)])
 
     def ring(self, name):
         """Opens a set whose event has just come due. The moment at which it was, and its alert."""
@@ -105,6 +127,42 @@ class Person(WorldTest):
         self.start()
         self.keys("Untitled event set 1", "ctrl+h")
         self.until(lambda: "<title>Kestrin documentation</title>" in self.read("page read"), "the page")
+
+
+class Heap(WorldTest):
+    """Sixty missed events."""
+    def ring(self, name, questions):
+        missed, acts = self.now() - 2 * DAY, run(f"touch '{self.path('ran')}'", ask=True)
+        self.start(self.write_set(f"home/{name}.kestrin", *(
+            daily(f"{name} {n}", missed, acts if n >= 60 - questions else say("Late.")) for n in range(60))))
+        window = self.window("Kestrin reminders (60)")
+        self.assertEqual(len(self.alerts()), 1)
+        return window
+
+    def test_are_cleared_one_by_one_and_in_two_clicks_without_starting_anything(self):
+        self.remember(WithoutSet=1)
+        window, title = self.ring("One", 0), "Kestrin reminders"
+        self.in_front(title)
+        ok = self.control(title, "Ok", "push button")
+        for n in range(60):
+            self.window(f"{title} ({60 - n})")
+            self.until(lambda: f" One {n}\n" in window.get_description(), f"row {n}")
+            self.until(lambda: ok.get_state_set().contains(Atspi.StateType.FOCUSED), f"the focus of row {n}")
+            if n == 0:
+                self.alert_keys(title, "Return", lambda: f"{title} (59)" in self.windows())
+            else:
+                self.xdotool("key", "Return")
+        self.until(lambda: not any(name.startswith(title) for name in self.windows()), "the end of the window")
+
+        self.ring("Two", 3)
+        self.press(title, "OK all (57)")
+        self.control(f"{title} (3)", "57 answered, 3 questions are left", "label")
+        self.close(f"{title} (3)")
+        self.until(lambda: not any(name.startswith(title) for name in self.windows()), "the end of the window")
+        self.assertEqual(self.read("ran"), "")
+        self.assertEqual(sorted((row["event"], row["outcome"].split(" at ")[0]) for row in self.history()), sorted(
+            (f"{name} {n}", f"Late. Answered “{'Cancel' if (name, n) > ('Two', 56) else 'Ok'}”")
+            for name in ("One", "Two") for n in range(60)))
 
 
 class ReadAloud(WorldTest):

@@ -27,19 +27,65 @@ RecordKind KindOf(AlertRole role) {
                                        : RecordKind::Event;
 }
 
+/// The events of open sets, each set gone through once.
+class EventsByName {
+ public:
+  explicit EventsByName(OpenSets& open) : open_(open) {}
+
+  FoundEvent Find(const std::string& path, const EventName& name) {
+    const auto [events, isFirst] = bySet_.try_emplace(path);
+    if (isFirst) Fill(path, events->second);
+    const auto found = events->second.find(name);
+    return found == events->second.end() ? FoundEvent{} : found->second;
+  }
+
+ private:
+  using Events = std::map<EventName, FoundEvent>;
+
+  void Fill(const std::string& path, Events& events) {
+    for (const auto& set : open_.Sets)
+      if (JournalPath(*set) == path)
+        for (const auto& event : set->Events())
+          events.try_emplace(set->FileNames().Of(*set, *event), FoundEvent{set.get(), event.get()});
+  }
+
+  OpenSets& open_;
+  std::map<std::string, Events> bySet_;
+};
+
 }  // namespace
+
+/// Where the alert's event was found before.
+FoundEvent PutOffAlerts::Known(const std::string& id) {
+  const auto known = handles_.find(id);
+  if (known == handles_.end()) return {};
+  EventSet* const set = context_.openSets.FindHandle(known->second.Set);
+  Event* const event = set ? set->FindEvent(known->second.Event) : nullptr;
+  return event ? FoundEvent{set, event} : FoundEvent{};
+}
 
 FoundEvent PutOffAlerts::Find(const PutOffAlert& alert) {
   const AutoLock open(context_.openSets.Protect);
-  const auto known = handles_.find(alert.Id);
-  if (known != handles_.end()) {
-    EventSet* const set = context_.openSets.FindHandle(known->second.Set);
-    if (Event* const event = set ? set->FindEvent(known->second.Event) : nullptr)
-      return {set, event};
-  }
+  if (const FoundEvent known = Known(alert.Id); known.event) return known;
   const FoundEvent found = FindEvent(context_, alert.Set, alert.Event);
   if (found.event) handles_[alert.Id] = {found.set->GetHandle(), found.event->GetHandle()};
   return found;
+}
+
+/// By the name that its file has for it, and those that this process has met by another.
+std::vector<PutOffAlert> PutOffAlerts::About(EventSet& set, const Event& event) {
+  std::vector<PutOffAlert> about = later_.Of(JournalPath(set), set.FileNames().Of(set, event));
+  std::erase_if(about, [&](const PutOffAlert& alert) {
+    const FoundEvent known = Known(alert.Id);
+    return known.event && known.event != &event;
+  });
+  for (const auto& [id, handles] : handles_) {
+    const bool isThere = std::any_of(about.begin(), about.end(),
+                                     [&id](const PutOffAlert& alert) { return alert.Id == id; });
+    if (handles.Event != event.GetHandle() || handles.Set != set.GetHandle() || isThere) continue;
+    if (std::optional<PutOffAlert> alert = later_.Find(id)) about.push_back(std::move(*alert));
+  }
+  return about;
 }
 
 std::string PutOffAlerts::Keep(const AlertRequest& request, const PutOffMoment& when) {
@@ -69,7 +115,7 @@ std::string PutOffAlerts::Keep(const AlertRequest& request, const PutOffMoment& 
       return std::string("This cannot be put off: ") + std::strerror(-status) + ".";
     if (event) handles_[alert.Id] = {request.Set, request.Event};
     standing_.erase(alert.Id);
-    Changed();
+    next_.reset();
   } else if (!request.KeptId.empty()) {
     End(request.KeptId);
   }
@@ -85,11 +131,11 @@ void PutOffAlerts::Read() {
   later_.Read();
   Journal* const journal = context_.journal;
   if (!journal) return;
-  for (const PutOffAlert& alert : All()) {
-    const auto record = journal->Find(alert.Record);
-    if (record && record->AlertIs == AlertStage::Shown && journal->Adopt(alert.Record))
-      journal->PutOff(alert.Record);
-  }
+  const auto isOpen = [putOff = later_.Deliveries()](const JournalRecord& record) {
+    return record.AlertIs == AlertStage::Shown && putOff.contains(record.Id);
+  };
+  for (const JournalRecord& record : journal->Orphans(isOpen))
+    if (journal->Adopt(record.Id)) journal->PutOff(record.Id);
 }
 
 void PutOffAlerts::Asked(AlertRequest& request) {
@@ -103,15 +149,15 @@ void PutOffAlerts::Asked(AlertRequest& request) {
 void PutOffAlerts::Opening(AlertRequest& request) {
   const bool isOccurrence =
       request.Role == AlertRole::Delivery || request.Role == AlertRole::Question;
-  if (!isOccurrence || request.Event == 0 || request.IsReturning || !request.KeptId.empty()) return;
-  if (All().empty()) return;
-  const std::vector<PutOffAlert> all = All();
-  for (const PutOffAlert& alert : all) {
+  if (!isOccurrence || request.Event == 0 || request.IsReturning || !request.KeptId.empty() ||
+      later_.IsEmpty())
+    return;
+  const AutoLock open(context_.openSets.Protect);
+  EventSet* const set = context_.openSets.FindHandle(request.Set);
+  const Event* const event = set ? set->FindEvent(request.Event) : nullptr;
+  if (!event) return;
+  for (const PutOffAlert& alert : About(*set, *event)) {
     if (standing_.contains(alert.Id) || alert.Occurrence == request.Occurrence) continue;
-    const auto known = handles_.find(alert.Id);
-    if (known != handles_.end() && known->second.Event != request.Event) continue;
-    const FoundEvent found = Find(alert);
-    if (!found.event || found.event->GetHandle() != request.Event) continue;
     const std::string day =
         GetDateTimeString(alert.Occurrence, false, context_.zone, true).substr(0, 3);
     request.Text += "\n\nAlso unanswered: " + day + " " +
@@ -129,51 +175,34 @@ void PutOffAlerts::End(const std::string& id) {
   later_.End(id);
   handles_.erase(id);
   standing_.erase(id);
-  Changed();
-}
-
-void PutOffAlerts::EventDeleted(uint64 set, uint64 event) {
-  const std::vector<PutOffAlert> all = All();
-  for (const PutOffAlert& alert : all) {
-    const FoundEvent found = Find(alert);
-    if (found.event && found.event->GetHandle() == event && found.set->GetHandle() == set)
-      End(alert.Id);
-  }
-}
-
-const std::vector<PutOffAlert>& PutOffAlerts::All() {
-  if (!all_) all_ = later_.All();
-  return *all_;
-}
-
-void PutOffAlerts::Changed() {
-  all_.reset();
   next_.reset();
 }
 
+void PutOffAlerts::EventDeleted(uint64 set, uint64 event) {
+  if (later_.IsEmpty()) return;
+  const AutoLock open(context_.openSets.Protect);
+  EventSet* const from = context_.openSets.FindHandle(set);
+  const Event* const deleted = from ? from->FindEvent(event) : nullptr;
+  if (!deleted) return;
+  for (const PutOffAlert& alert : About(*from, *deleted)) End(alert.Id);
+}
+
 int64 PutOffAlerts::NextReturn() {
-  if (next_) return *next_;
-  int64 next = 0;
-  for (const PutOffAlert& alert : All()) {
-    if (standing_.contains(alert.Id)) continue;
-    const int64 at = std::max<int64>(alert.When.In(context_.zone), 1);
-    if (next == 0 || at < next) next = at;
-  }
-  next_ = next;
-  return next;
+  if (!next_) next_ = later_.NextReturn(context_.zone, standing_);
+  return *next_;
 }
 
 bool PutOffAlerts::Has(const Event& event) {
-  if (All().empty()) return false;
+  if (later_.IsEmpty()) return false;
   EventSet& set = *event.GetOwner();
-  return !later_.About(JournalPath(set), set.FileNames().Of(set, event)).empty();
+  return !later_.Of(JournalPath(set), set.FileNames().Of(set, event)).empty();
 }
 
 void PutOffAlerts::ReturnDue() {
   const int64 now = context_.clock.Now();
   if (NextReturn() == 0 || NextReturn() > now) return;
   later_.CatchUp();
-  Changed();
+  next_.reset();
   for (const PutOffAlert& alert : later_.Due(now, context_.zone))
     if (!standing_.contains(alert.Id)) Return(alert);
 }
@@ -209,15 +238,21 @@ bool PutOffAlerts::AskAnew(const PutOffAlert& alert, Event& event) {
 
 void PutOffAlerts::FollowNames() {
   const AutoLock open(context_.openSets.Protect);
-  for (PutOffAlert& alert : later_.All()) {
-    const FoundEvent found = Find(alert);
+  EventsByName byName(context_.openSets);
+  for (const Later::Subject& alert : later_.All()) {
+    FoundEvent found = Known(alert.Id);
+    if (!found.event) {
+      found = byName.Find(alert.Set, alert.Event);
+      if (found.event) handles_[alert.Id] = {found.set->GetHandle(), found.event->GetHandle()};
+    }
     if (!found.event || found.set->HasBeenModified() || found.set->IsUntitled()) continue;
     const EventName name = found.set->FileNames().Of(*found.set, *found.event);
     if (alert.Set == found.set->GetFileName() && alert.Event == name) continue;
-    alert.Set = found.set->GetFileName();
-    alert.Event = name;
-    later_.PutOff(alert);
-    Changed();
+    std::optional<PutOffAlert> renamed = later_.Find(alert.Id);
+    renamed->Set = found.set->GetFileName();
+    renamed->Event = name;
+    later_.PutOff(*renamed);
+    next_.reset();
   }
 }
 

@@ -47,21 +47,19 @@ class PutOffAlerts final : public PutOffKeeper {
   struct Handles {
     uint64 Set = 0, Event = 0;
   };
+  FoundEvent Known(const std::string& id);
   FoundEvent Find(const PutOffAlert& alert);
+  std::vector<PutOffAlert> About(EventSet& set, const Event& event);
   void Return(const PutOffAlert& alert);
   bool AskAnew(const PutOffAlert& alert, Event& event);
   void End(const std::string& id);
-  const std::vector<PutOffAlert>& All();
-  void Changed();
 
   Context& context_;
   Later& later_;
   std::map<std::string, Handles> handles_;   ///< by id; of those that this process has met
   std::set<std::string> standing_;           ///< shown again, not yet answered
   std::map<uint64, std::string> askedAnew_;  ///< ids by the event whose handler asks again
-  // Until something changes:
-  std::optional<std::vector<PutOffAlert>> all_;
-  std::optional<int64> next_;  ///< NextReturn
+  std::optional<int64> next_;                ///< NextReturn, until something changes
 };
 
 }  // namespace kestrin

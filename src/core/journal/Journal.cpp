@@ -21,6 +21,14 @@ bool IsOver(ActStage act) {
   return act != ActStage::Reading && act != ActStage::Queued && act != ActStage::Acting;
 }
 
+/// As most records of a long journal are: told from two fields.
+bool IsDoneWith(const RecordFields& fields) {
+  const bool hasActed = fields.Is("act", NameOf(ActStage::Acted)) ||
+                        fields.Is("act", NameOf(ActStage::Missed)) ||
+                        fields.Is("act", NameOf(ActStage::Passed));
+  return hasActed && !fields.Is("alert", NameOf(AlertStage::Shown));
+}
+
 }  // namespace
 
 std::string Journal::EventKey(const std::string& set, const std::string& name,
@@ -208,8 +216,11 @@ void Journal::Answered(const std::string& id, int32 button, const std::string& t
 }
 
 void Journal::PutOff(const std::string& id) {
-  log_.Append(id,
-              {{"alert", NameOf(AlertStage::PutOff)}, {"answered", std::to_string(clock_.Now())}});
+  const std::optional<JournalRecord> record = Find(id);
+  const int32 times = record ? record->PutOffs + 1 : 1;
+  log_.Append(id, {{"alert", NameOf(AlertStage::PutOff)},
+                   {"answered", std::to_string(clock_.Now())},
+                   {"putoffs", std::to_string(times)}});
 }
 
 bool Journal::Adopt(const std::string& id) {
@@ -248,6 +259,7 @@ std::vector<JournalRecord> Journal::Orphans(
     const std::function<bool(const JournalRecord&)>& which) const {
   std::vector<JournalRecord> orphans;
   for (const auto& [place, line] : log_.All()) {
+    if (IsDoneWith(line.Fields)) continue;
     JournalRecord record = RecordOf(line.Id, line.Fields);
     if (which(record) && !IsMine(record) && !processes_.Lives(record.By))
       orphans.push_back(std::move(record));
@@ -306,7 +318,7 @@ void Journal::Settle(const std::string& set, const std::vector<EventName>& event
   std::vector<JournalRecord> settled;
   std::map<EventName, JournalRecord> lastOf;
   for (const auto& [place, line] : log_.All()) {
-    if (line.Fields.Text("set") != set) continue;
+    if (!line.Fields.Is("set", set)) continue;
     JournalRecord record = RecordOf(line.Id, line.Fields);
     if (!IsSettled(record)) continue;
     if (!record.From || record.Trial || !record.Of.empty() || !isThere(record)) {

@@ -70,7 +70,8 @@ class Journal {
 
   std::optional<JournalRecord> Find(const std::string& id) const;
   bool IsMine(const JournalRecord& record) const { return record.By == self_; }
-  /// Records whose owner no longer lives, in order: those that satisfy `which`.
+  /// Records whose owner no longer lives and that want something yet, in order: an act that has not
+  /// come to its end or failed, an alert that is not answered. Those that satisfy `which`.
   std::vector<JournalRecord> Orphans(const std::function<bool(const JournalRecord&)>& which) const;
   /// All records, or those of one event, in order.
   std::vector<JournalRecord> All() const;

@@ -60,8 +60,8 @@ ProcessOwner OwnerOf(const std::string& text) {
   const size_t first = text.rfind('/', second - 1);
   if (first == std::string::npos) return owner;
   RecordFields numbers;
-  numbers.Set("p", std::string_view(text).substr(first + 1, second - first - 1));
-  numbers.Set("s", std::string_view(text).substr(second + 1));
+  numbers.Set("p", text.substr(first + 1, second - first - 1));
+  numbers.Set("s", text.substr(second + 1));
   owner.Boot = text.substr(0, first);
   owner.Process = numbers.Number("p").value_or(0);
   owner.Started = numbers.Number("s").value_or(0);
@@ -177,6 +177,7 @@ RecordFields FieldsOf(const JournalRecord& record) {
     fields.Set("alert", NameOf(record.AlertIs));
     fields.Merge(FieldsOf(record.Alert));
   }
+  if (record.PutOffs != 0) fields.Set("putoffs", int64{record.PutOffs});
   if (record.Button) fields.Set("button", int64{*record.Button});
   if (!record.Answer.empty()) fields.Set("answer", record.Answer);
   if (record.Answered != 0) fields.Set("answered", record.Answered);
@@ -204,6 +205,7 @@ JournalRecord RecordOf(const std::string& id, const RecordFields& fields) {
   if (fields.Has("exit")) record.Exit = SmallNumber(fields, "exit");
   record.AlertIs = StageOf(AlertNames, fields.Text("alert"), AlertStage::None);
   record.Alert = AlertOfFields(fields);
+  record.PutOffs = SmallNumber(fields, "putoffs");
   if (fields.Has("button")) record.Button = SmallNumber(fields, "button");
   record.Answer = fields.Text("answer");
   record.Answered = fields.Number("answered").value_or(0);

@@ -60,6 +60,7 @@ struct JournalRecord {
   std::string Run, Open;  ///< the command, or the file's path
   std::optional<int32> Exit;
   AlertStage AlertIs = AlertStage::None;
+  int32 PutOffs = 0;  ///< how often
   KeptAlert Alert;
   std::optional<int32> Button;
   std::string Answer;  ///< the pressed button's text

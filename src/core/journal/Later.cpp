@@ -51,6 +51,15 @@ RecordFields FieldsOf(const PutOffAlert& alert) {
   return fields;
 }
 
+ReturnTime WhenOf(const RecordFields& fields) {
+  return {fields.Number("moment").value_or(0), CivilOf(fields.Text("wall"))};
+}
+
+EventName NameOf(const RecordFields& fields) {
+  return {fields.Text("name"), fields.Text("handler"),
+          static_cast<int32>(fields.Number("place").value_or(0))};
+}
+
 }  // namespace
 
 PutOffAlert PutOffAlertOf(const RecordLine& line) {
@@ -67,7 +76,7 @@ PutOffAlert PutOffAlertOf(const RecordLine& line) {
   alert.Run = record.Run;
   alert.Open = record.Open;
   alert.Unanswered = SplitNumbers(line.Fields.Text(AllKeys));
-  alert.When = {line.Fields.Number("moment").value_or(0), CivilOf(line.Fields.Text("wall"))};
+  alert.When = WhenOf(line.Fields);
   return alert;
 }
 
@@ -99,17 +108,26 @@ void Later::End(const std::string& id) {
   if (log_.Find(id)) log_.End(id);
 }
 
-std::vector<PutOffAlert> Later::All() const {
-  std::vector<PutOffAlert> all;
-  for (const auto& [place, line] : log_.All()) all.push_back(PutOffAlertOf(line));
+std::vector<Later::Subject> Later::All() const {
+  std::vector<Subject> all;
+  for (const auto& [place, line] : log_.All())
+    all.push_back({line.Id, line.Fields.Text("set"), NameOf(line.Fields)});
   return all;
 }
 
-std::vector<PutOffAlert> Later::About(const std::string& set, const EventName& event) const {
-  std::vector<PutOffAlert> all = All();
-  std::erase_if(all,
-                [&](const PutOffAlert& each) { return each.Set != set || each.Event != event; });
-  return all;
+std::set<std::string> Later::Deliveries() const {
+  std::set<std::string> records;
+  for (const auto& [place, line] : log_.All()) records.insert(line.Fields.Text("of"));
+  return records;
+}
+
+std::vector<PutOffAlert> Later::Of(const std::string& set, const EventName& event) const {
+  std::vector<PutOffAlert> found;
+  for (const auto& [place, line] : log_.All())
+    if (line.Fields.Is("name", event.Name) && line.Fields.Is("set", set) &&
+        NameOf(line.Fields) == event)
+      found.push_back(PutOffAlertOf(line));
+  return found;
 }
 
 std::optional<PutOffAlert> Later::Find(const std::string& id) const {
@@ -118,20 +136,20 @@ std::optional<PutOffAlert> Later::Find(const std::string& id) const {
   return PutOffAlertOf(*line);
 }
 
-int64 Later::NextReturn(const Zone& zone) const {
+int64 Later::NextReturn(const Zone& zone, const std::set<std::string>& without) const {
   int64 next = 0;
   for (const auto& [place, line] : log_.All()) {
-    const ReturnTime when = {line.Fields.Number("moment").value_or(0),
-                             CivilOf(line.Fields.Text("wall"))};
-    const int64 at = std::max<int64>(when.In(zone), 1);
+    if (without.contains(line.Id)) continue;
+    const int64 at = std::max<int64>(WhenOf(line.Fields).In(zone), 1);
     if (next == 0 || at < next) next = at;
   }
   return next;
 }
 
 std::vector<PutOffAlert> Later::Due(int64 now, const Zone& zone) const {
-  std::vector<PutOffAlert> due = All();
-  std::erase_if(due, [&](const PutOffAlert& each) { return each.When.In(zone) > now; });
+  std::vector<PutOffAlert> due;
+  for (const auto& [place, line] : log_.All())
+    if (WhenOf(line.Fields).In(zone) <= now) due.push_back(PutOffAlertOf(line));
   std::stable_sort(due.begin(), due.end(), [&](const PutOffAlert& a, const PutOffAlert& b) {
     return a.When.In(zone) < b.When.In(zone);
   });
@@ -139,7 +157,7 @@ std::vector<PutOffAlert> Later::Due(int64 now, const Zone& zone) const {
 }
 
 void Later::Renamed(const std::string& fromSet, const std::string& toSet) {
-  for (const PutOffAlert& alert : All()) {
+  for (const Subject& alert : All()) {
     if (alert.Set != fromSet) continue;
     RecordFields fields;
     fields.Set("set", toSet);
@@ -148,7 +166,7 @@ void Later::Renamed(const std::string& fromSet, const std::string& toSet) {
 }
 
 void Later::Renamed(const std::string& set, const EventName& from, const EventName& to) {
-  for (const PutOffAlert& alert : About(set, from)) {
+  for (const PutOffAlert& alert : Of(set, from)) {
     RecordFields fields;
     fields.Set("name", to.Name);
     fields.Set("handler", to.Handler);

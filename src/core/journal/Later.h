@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -53,11 +54,20 @@ class Later {
   /// It was answered, or has nothing to return for.
   void End(const std::string& id);
 
-  std::vector<PutOffAlert> All() const;
-  std::vector<PutOffAlert> About(const std::string& set, const EventName& event) const;
+  /// What little it takes to find an alert's event.
+  struct Subject {
+    std::string Id;
+    std::string Set;
+    EventName Event;
+  };
+  bool IsEmpty() const { return log_.All().empty(); }
+  std::vector<Subject> All() const;
+  /// The records of their deliveries.
+  std::set<std::string> Deliveries() const;
+  std::vector<PutOffAlert> Of(const std::string& set, const EventName& event) const;
   std::optional<PutOffAlert> Find(const std::string& id) const;
-  /// The earliest return, 0 for none.
-  int64 NextReturn(const Zone& zone) const;
+  /// The earliest return of those without these ids, 0 for none.
+  int64 NextReturn(const Zone& zone, const std::set<std::string>& without = {}) const;
   /// What returns now, earliest first. It stays until it is put off again or ended.
   std::vector<PutOffAlert> Due(int64 now, const Zone& zone) const;
 

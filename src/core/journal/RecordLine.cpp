@@ -2,12 +2,14 @@
 
 #include <charconv>
 #include <cstdio>
+#include <utility>
 
 namespace kestrin {
 
 namespace {
 
 constexpr size_t CheckDigits = 8;
+constexpr size_t UsualFields = 24;  // of a line that begins a record
 constexpr std::string_view CutShort = "~";
 
 void AppendEscaped(std::string& line, std::string_view value) {
@@ -79,13 +81,19 @@ const std::string* RecordFields::Find(std::string_view key) const {
   return nullptr;
 }
 
-void RecordFields::Set(std::string_view key, std::string_view value) {
+void RecordFields::Set(std::string_view key, std::string value) {
   for (auto& [name, held] : list_)
     if (name == key) {
-      held = value;
+      held = std::move(value);
       return;
     }
-  list_.emplace_back(key, value);
+  if (list_.empty()) list_.reserve(UsualFields);
+  list_.emplace_back(key, std::move(value));
+}
+
+bool RecordFields::Is(std::string_view key, std::string_view value) const {
+  const std::string* const held = Find(key);
+  return held ? *held == value : value.empty();
 }
 
 void RecordFields::Set(std::string_view key, int64 value) { Set(key, std::to_string(value)); }
@@ -133,7 +141,7 @@ std::optional<RecordLine> DecodeLine(std::string_view line) {
     std::string value;
     if (equals == std::string_view::npos || !Unescape(part.substr(equals + 1), value))
       return std::nullopt;
-    record.Fields.Set(part.substr(0, equals), value);
+    record.Fields.Set(part.substr(0, equals), std::move(value));
   }
   return record;
 }

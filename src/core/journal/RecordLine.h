@@ -20,9 +20,10 @@ class RecordFields {
   RecordFields() = default;
   RecordFields(std::initializer_list<List::value_type> fields) : list_(fields) {}
 
-  void Set(std::string_view key, std::string_view value);
+  void Set(std::string_view key, std::string value);
   void Set(std::string_view key, int64 value);
   bool Has(std::string_view key) const { return Find(key) != nullptr; }
+  bool Is(std::string_view key, std::string_view value) const;
   /// Empty when there is none.
   std::string Text(std::string_view key) const;
   /// Nothing when there is none, or it is no decimal number.

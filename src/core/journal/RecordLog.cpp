@@ -3,7 +3,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <unordered_set>
 #include <utility>
 
 #include "kestrin/BufferedFile.h"
@@ -141,14 +140,14 @@ void RecordLog::AppendFromThread(const std::string& id, const RecordFields& fiel
   if (isNext) position_ = read;  // left for the main thread
 }
 
-void RecordLog::Merge(const RecordLine& line) {
+void RecordLog::Merge(RecordLine line) {
   const auto known = places_.find(line.Id);
   const bool ends = line.Fields.Has(EndedKey);
   if (known == places_.end()) {
     if (ends) return;
     const Place place = nextPlace_++;
     places_[line.Id] = place;
-    const RecordLine& added = records_[place] = line;
+    const RecordLine& added = records_[place] = std::move(line);
     if (OnChange) OnChange(place, nullptr, &added);
     return;
   }
@@ -173,7 +172,7 @@ void RecordLog::ReadFrom(int64 position, bool wholeFile) {
     const std::lock_guard lock(guard_);
     bytes = ReadRest(*file_, position);
   }
-  const RecordText text = DecodeLines(bytes);
+  RecordText text = DecodeLines(bytes);
   {
     const std::lock_guard lock(guard_);
     position_ = position + static_cast<int64>(text.Whole);
@@ -181,20 +180,22 @@ void RecordLog::ReadFrom(int64 position, bool wholeFile) {
   }
   if (wholeFile) lines_ = 0;
   lines_ += text.Lines.size() - (wholeFile ? 0 : std::min<size_t>(1, text.Lines.size()));
-  for (const RecordLine& line : text.Lines) Merge(line);
+  std::unordered_set<std::string> ids;
+  for (RecordLine& line : text.Lines) {
+    if (wholeFile) ids.insert(line.Id);
+    Merge(std::move(line));
+  }
   if (!wholeFile) return;
-  DropAllBut(text.Lines);
+  DropAllBut(ids);
   if (text.Damaged > 0) SetAside(bytes);
 }
 
 /// What another process left out of the file that it put in place.
-void RecordLog::DropAllBut(const std::vector<RecordLine>& lines) {
+void RecordLog::DropAllBut(const std::unordered_set<std::string>& ids) {
   if (!backlog_.empty()) return;
-  std::unordered_set<std::string_view> kept;
-  for (const RecordLine& line : lines) kept.insert(line.Id);
   std::vector<std::string> gone;
   for (const auto& [place, record] : records_)
-    if (!kept.contains(record.Id)) gone.push_back(record.Id);
+    if (!ids.contains(record.Id)) gone.push_back(record.Id);
   for (const std::string& id : gone) Drop(id);
 }
 

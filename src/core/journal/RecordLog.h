@@ -8,6 +8,7 @@
 #include <mutex>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "core/journal/RecordLine.h"
@@ -71,9 +72,9 @@ class RecordLog {
   bool Open(status_t& status);
   bool IsOurs();
   status_t Write(const std::string& text, bool& isNext);
-  void Merge(const RecordLine& line);
+  void Merge(RecordLine line);
   void ReadFrom(int64 position, bool wholeFile);
-  void DropAllBut(const std::vector<RecordLine>& lines);
+  void DropAllBut(const std::unordered_set<std::string>& ids);
   void SetAside(const std::string& bytes);
   void Replace(const std::string& text, int64 covered, const std::shared_ptr<OpenFile>& old);
   void Failed(status_t status);

@@ -68,6 +68,13 @@ class Teller {
       case AlertStage::Answered:
         break;
     }
+    if (record_.PutOffs == 0) return Answered();
+    const std::string times =
+        record_.PutOffs == 1 ? "" : " " + std::to_string(record_.PutOffs) + " times";
+    return "Put off" + times + ", then " + InSentence(Answered());
+  }
+
+  std::string Answered() const {
     if (record_.Answer.empty()) return "Replaced by a later one";
     std::string words = "Answered “" + record_.Answer + "”";
     if (record_.Answered == 0) return words;

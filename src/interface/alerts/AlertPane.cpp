@@ -4,7 +4,6 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
-#include <QStyleOptionButton>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <utility>
@@ -26,18 +25,6 @@ namespace {
 constexpr int NarrowestButton = 84;
 constexpr int BetweenIconAndText = 14;
 constexpr int64 StandsLong = 60;  ///< after so many seconds "now" needs a time of day
-
-/// A button that opens a menu. Qt's own way of doing so would wait in a loop of its own.
-class MenuButton final : public QPushButton {
- public:
-  using QPushButton::QPushButton;
-
- protected:
-  void initStyleOption(QStyleOptionButton* option) const override {
-    QPushButton::initStyleOption(option);
-    option->features |= QStyleOptionButton::HasMenu;
-  }
-};
 
 bool IsQuestion(const AlertRequest& request) { return request.Role == AlertRole::Question; }
 
@@ -98,7 +85,7 @@ void AlertPane::Build() {
   complaint_->setWordWrap(true);
   openEvent_ = new QPushButton("Open &event");
   openEvent_->setObjectName("openEvent");
-  later_ = new MenuButton("&Later");
+  later_ = new LaterButton("&Later");
   later_->setObjectName("later");
   connect(openEvent_, &QPushButton::clicked, this, &AlertPane::OpenEventWanted);
   connect(later_, &QPushButton::clicked, this, &AlertPane::OpenLaterMenu);

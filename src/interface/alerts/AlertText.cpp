@@ -10,7 +10,7 @@ namespace kestrin {
 
 namespace {
 
-constexpr int NarrowestCharacters = 30, WidestCharacters = 64;
+constexpr int NarrowestCharacters = 30, WidestCharacters = 64, WidestOfLong = 92;
 
 /// The space the text takes when wrapped at `width`; measures no further than `height`.
 QSizeF Wrapped(const QString& text, const QFont& font, qreal width, qreal height) {
@@ -53,9 +53,13 @@ AlertText::AlertText(QWidget* parent) : QPlainTextEdit(parent) {
 void AlertText::ShowText(const QString& text, QSize largest, int lowest) {
   if (toPlainText() != text) setPlainText(text);
   const int character = fontMetrics().averageCharWidth();
-  const int widest = std::min(largest.width(), WidestCharacters * character);
+  int widest = std::min(largest.width(), WidestCharacters * character);
   const int narrowest = std::min(widest, NarrowestCharacters * character);
   QSizeF taken = Wrapped(text, font(), widest, largest.height());
+  if (taken.height() > largest.height() / 2.0) {  // rather wide than a column of a page's height
+    widest = std::min(largest.width(), WidestOfLong * character);
+    taken = Wrapped(text, font(), widest, largest.height());
+  }
   const bool scrolls = taken.height() > largest.height();
   const int bar = scrolls ? style()->pixelMetric(QStyle::PM_ScrollBarExtent) : 0;
   if (scrolls) taken.setWidth(widest);

@@ -19,6 +19,7 @@ namespace kestrin {
 namespace {
 
 constexpr std::chrono::seconds BetweenSounds{12};
+constexpr qint64 HeapTime = 1000;  // milliseconds; a heap's first alert opens before the others
 
 }  // namespace
 
@@ -33,12 +34,15 @@ AlertViews::AlertViews(AlertSound sound) : sound_(std::move(sound)) {
 }
 AlertViews::~AlertViews() { delete reminders_; }
 
-/// What opens in one turn of the event loop is heard once together.
+/// What opens together, or within a second, is heard once.
 void AlertViews::Sound() {
   if (std::exchange(soundIsComing_, true)) return;
   QTimer::singleShot(0, this, [this] {
     soundIsComing_ = false;
-    sound_.Play();
+    if (!sounded_.isValid() || sounded_.hasExpired(HeapTime)) {
+      sounded_.start();
+      sound_.Play();
+    }
     if (GoesOnSounding()) repeat_.start();
   });
 }

@@ -1,6 +1,7 @@
 // All alerts on the screen.
 #pragma once
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QTimer>
 #include <functional>
@@ -57,6 +58,7 @@ class AlertViews final : public QObject {
 
   AlertSound sound_;
   QTimer repeat_;
+  QElapsedTimer sounded_;               ///< since the last sound, but for repeated ones
   std::map<AlertId, AlertRole> heard_;  ///< every alert that is open
   bool soundIsComing_ = false;
   bool announcementIsComing_ = false;

@@ -1,6 +1,7 @@
 #include "interface/alerts/LaterMenu.h"
 
 #include <QScreen>
+#include <QStyleOptionButton>
 
 #include "core/events/Context.h"
 #include "core/settings/KestrinSettings.h"
@@ -44,6 +45,11 @@ void LaterMenu::OpenAt(const QWidget& widget) {
   const QPoint below = widget.mapToGlobal(QPoint(0, widget.height()));
   const QPoint above = widget.mapToGlobal(QPoint(0, -sizeHint().height()));
   popup(below.y() + sizeHint().height() > room.bottom() && above.y() >= room.top() ? above : below);
+}
+
+void LaterButton::initStyleOption(QStyleOptionButton* option) const {
+  QPushButton::initStyleOption(option);
+  option->features |= QStyleOptionButton::HasMenu;
 }
 
 }  // namespace kestrin

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QMenu>
+#include <QPushButton>
 
 #include "core/timing/LaterMoments.h"
 
@@ -26,6 +27,17 @@ class LaterMenu final : public QMenu {
  signals:
   void Chosen(const PutOffMoment& when);
   void OtherWanted();
+};
+
+/// The button that opens it. Qt's own way of doing so would wait in a loop of its own.
+class LaterButton final : public QPushButton {
+  Q_OBJECT
+
+ public:
+  using QPushButton::QPushButton;
+
+ protected:
+  void initStyleOption(QStyleOptionButton* option) const override;
 };
 
 }  // namespace kestrin

@@ -23,6 +23,13 @@ QString Summary(const std::string& text) {
   return line.isEmpty() ? ShownLine(text.substr(0, blank)).simplified() : line;
 }
 
+/// "3 questions are left", "1 nag goes on".
+QString Counted(int count, const QString& what, const QString& one, const QString& many) {
+  return QString("%1 %2 %3")
+      .arg(count)
+      .arg(count == 1 ? what : what + "s", count == 1 ? one : many);
+}
+
 }  // namespace
 
 ReminderModel::ReminderModel(const Context& context, QObject* parent)
@@ -109,6 +116,20 @@ int ReminderModel::ReminderNear(int row) const {
   for (int before = std::min(row, count) - 1; before >= 0; --before)
     if (ReminderAt(before)) return before;
   return -1;
+}
+
+QString ReminderModel::WhatIsLeft(const std::vector<Row>& answered, bool putOff) const {
+  int questions = 0, others = 0, nags = 0;
+  for (const auto& row : rows_) {
+    if (row.id == 0) continue;
+    ++(row.request.Role == AlertRole::Question ? questions : others);
+  }
+  for (const auto& row : answered) nags += row.request.ComesAgain != 0 ? 1 : 0;
+  QStringList parts = {QString("%1 %2").arg(answered.size()).arg(putOff ? "put off" : "answered")};
+  if (questions > 0) parts += Counted(questions, "question", "is left", "are left");
+  if (others > 0) parts += Counted(others, "reminder", "is left", "are left");
+  if (nags > 0 && !putOff) parts += Counted(nags, "nag", "goes on", "go on");
+  return parts.join(", ");
 }
 
 int ReminderModel::rowCount(const QModelIndex& parent) const {

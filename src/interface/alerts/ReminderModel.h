@@ -41,6 +41,9 @@ class ReminderModel final : public QAbstractTableModel {
   const std::vector<Row>& Rows() const { return rows_; }
   bool IsHeading(int row) const { return !ReminderAt(row); }
 
+  /// What was answered together, or put off, and what stands here still, in words.
+  QString WhatIsLeft(const std::vector<Row>& answered, bool putOff) const;
+
   int rowCount(const QModelIndex& parent = {}) const override;
   int columnCount(const QModelIndex& parent = {}) const override;
   QVariant data(const QModelIndex& index, int role) const override;

@@ -11,6 +11,7 @@
 #include <QScrollBar>
 #include <QTreeView>
 #include <QVBoxLayout>
+#include <QWindow>
 #include <algorithm>
 #include <chrono>
 #include <utility>
@@ -31,15 +32,9 @@ namespace {
 constexpr std::chrono::seconds TakeBackTime{10};
 constexpr QSize UsualSize(680, 540);
 
-/// "3 questions are left", "1 nag goes on".
-QString Counted(int count, const QString& what, const QString& one, const QString& many) {
-  return QString("%1 %2 %3")
-      .arg(count)
-      .arg(count == 1 ? what : what + "s", count == 1 ? one : many);
-}
-
-QPushButton* PlainButton(const char* objectName, const QString& label) {
-  auto* button = new QPushButton(label);
+template <typename Button = QPushButton>
+Button* PlainButton(const char* objectName, const QString& label) {
+  auto* button = new Button(label);
   button->setObjectName(objectName);
   button->setAutoDefault(false);
   return button;
@@ -68,6 +63,7 @@ RemindersWindow::RemindersWindow(const Context& context, MayOpen mayOpenEvent)
   connect(pane_, &AlertPane::PutOff, this,
           [this](const PutOffMoment& when) { emit PutOff(CurrentId(), when); });
   connect(pane_, &AlertPane::OpenEventWanted, this, [this] {
+    StandAbove(false);
     if (const auto* row = Current()) emit OpenEventWanted(row->request.Set, row->request.Event);
   });
   carry_.setSingleShot(true);
@@ -116,15 +112,17 @@ QLayout* RemindersWindow::MakeLine() {
   line_->setTextFormat(Qt::PlainText);
   takeBack_ = PlainButton("takeBack", "Take &back");
   takeBack_->hide();
-  laterAll_ = PlainButton("laterAll", "La&ter all");
+  laterAll_ = PlainButton<LaterButton>("laterAll", "La&ter all");
   okAll_ = PlainButton("okAll", "OK &all");
   connect(new_, &QPushButton::clicked, this, [this] { list_->scrollToBottom(); });
   connect(takeBack_, &QPushButton::clicked, this, &RemindersWindow::TakeBack);
   connect(laterAll_, &QPushButton::clicked, this, &RemindersWindow::OpenLaterMenu);
   connect(okAll_, &QPushButton::clicked, this, [this] { AnswerTogether(std::nullopt); });
   auto* history = PlainButton("history", "Histor&y…");
-  connect(history, &QPushButton::clicked, this,
-          [this] { context_.queue.Post(Message(SHOW_HISTORY)); });
+  connect(history, &QPushButton::clicked, this, [this] {
+    StandAbove(false);
+    context_.queue.Post(Message(SHOW_HISTORY));
+  });
   auto* row = new QHBoxLayout;
   row->addWidget(history);
   row->addWidget(new_);
@@ -228,9 +226,15 @@ void RemindersWindow::Complain(AlertId id, const std::string& why) {
   pane_->Complain(why);
 }
 
+/// What is opened from here is not to lie under it; whatever comes next brings it up again.
+void RemindersWindow::StandAbove(bool above) {
+  if (windowHandle()) windowHandle()->setFlag(Qt::WindowStaysOnTopHint, above);
+}
+
 void RemindersWindow::Announce() {
   ShowCurrent();
   ShowNumbers();
+  StandAbove(true);
   if (!isVisible()) {
     show();
     pane_->FocusLabel("OK");
@@ -249,7 +253,8 @@ void RemindersWindow::ShowNumbers() {
   setAccessibleName(title);
   const bool some = list_->selectionModel()->selectedRows().size() > 1;
   const auto together = static_cast<int>(Together(std::nullopt).size());
-  okAll_->setText(QString(some ? "OK sele&cted (%1)" : "OK &all (%1)").arg(together));
+  const QString number = together > 0 ? QString(" (%1)").arg(together) : QString();
+  okAll_->setText((some ? "OK sele&cted" : "OK &all") + number);
   laterAll_->setText(some ? "La&ter selected" : "La&ter all");
   okAll_->setEnabled(together > 0);
   laterAll_->setVisible(context_.alerts.CanPutOff());
@@ -312,26 +317,11 @@ void RemindersWindow::AnswerTogether(const std::optional<PutOffMoment>& when) {
   SpanHeadings();
   MakeCurrent(model_->ReminderNear(0));
   ShowCurrent();
-  line_->setText(WhatIsLeft(bulk_.rows, when.has_value()));
+  line_->setText(model_->WhatIsLeft(bulk_.rows, when.has_value()));
   takeBack_->show();
   takeBack_->setFocus();
   refresh_.start(0);
   carry_.start(TakeBackTime);
-}
-
-QString RemindersWindow::WhatIsLeft(const std::vector<ReminderModel::Row>& answered,
-                                    bool putOff) const {
-  int questions = 0, others = 0, nags = 0;
-  for (const auto& row : model_->Rows()) {
-    if (row.id == 0) continue;
-    ++(row.request.Role == AlertRole::Question ? questions : others);
-  }
-  for (const auto& row : answered) nags += row.request.ComesAgain != 0 ? 1 : 0;
-  QStringList parts = {QString("%1 %2").arg(answered.size()).arg(putOff ? "put off" : "answered")};
-  if (questions > 0) parts += Counted(questions, "question", "is left", "are left");
-  if (others > 0) parts += Counted(others, "reminder", "is left", "are left");
-  if (nags > 0 && !putOff) parts += Counted(nags, "nag", "goes on", "go on");
-  return parts.join(", ");
 }
 
 void RemindersWindow::TakeBack() {
@@ -348,6 +338,7 @@ void RemindersWindow::TakeBack() {
 
 void RemindersWindow::Carry() {
   carry_.stop();
+  if (takeBack_->hasFocus()) pane_->DefaultButton()->setFocus();
   takeBack_->hide();
   line_->clear();
   // Each is removed in answer to its signal; one that cannot be put off stands in the list again.

@@ -70,6 +70,7 @@ class RemindersWindow final : public QDialog {
   void MakeCurrent(int row);
   void ShowCurrent();
   void AfterRemoval(int row);
+  void StandAbove(bool above);
   void ShowNumbers();
   void ShowNew();
   void SpanHeadings();
@@ -77,7 +78,6 @@ class RemindersWindow final : public QDialog {
   std::vector<ReminderModel::Row> Together(const std::optional<PutOffMoment>& when) const;
   void OpenLaterMenu();
   void AnswerTogether(const std::optional<PutOffMoment>& when);
-  QString WhatIsLeft(const std::vector<ReminderModel::Row>& answered, bool putOff) const;
   void TakeBack();
   void Carry();
   void EndIfEmpty();

@@ -23,7 +23,7 @@ namespace kestrin {
 
 namespace {
 
-constexpr QSize UsualSize(1060, 480);
+constexpr QSize UsualSize(1080, 480);
 constexpr int NameWidth = 160, SetWidth = 110, RoomAround = 14;
 
 }  // namespace
@@ -79,7 +79,7 @@ void HistoryWindow::BuildList() {
   };
   header.setStretchLastSection(false);
   header.setSectionResizeMode(HistoryModel::OutcomeColumn, QHeaderView::Stretch);
-  header.resizeSection(HistoryModel::DueColumn, widthOf("Wed, Nov 22 2026, 00:00 AM"));
+  header.resizeSection(HistoryModel::DueColumn, widthOf("Wed, Nov 22 2026, 00:00:00 AM"));
   header.resizeSection(HistoryModel::NameColumn, NameWidth);
   header.resizeSection(HistoryModel::KindColumn, widthOf("Prewarning"));
   header.resizeSection(HistoryModel::SetColumn, SetWidth);

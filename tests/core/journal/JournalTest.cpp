@@ -104,8 +104,7 @@ TEST_F(JournalTest, IsThereAgainAfterACrashAndAfterAPowerCutWhenSynchronised) {
     second = Deliver(session, 2);
   }
   Dead = {1};
-  const auto any = [](const JournalRecord&) { return true; };
-  EXPECT_THAT(Ids(Session(*this, 2).It.Orphans(any)), ElementsAre(first, second));
+  EXPECT_THAT(Ids(Session(*this, 2).It.All()), ElementsAre(first, second));
   Disk.CutPower(false);
   Session session(*this, 3);
   ASSERT_THAT(Ids(session.It.All()), ElementsAre(first));
@@ -288,7 +287,7 @@ TEST_F(JournalTest, HasWhatWasPutOffOnDiskOrSaysWhyNot) {
     if (status == StatusOk) Disk.CutPower(false);
     Later again(Disk, "/state", "b", {});
     again.Read();
-    const std::vector<PutOffAlert> found = again.About(WorkSet, alert.Event);
+    const std::vector<PutOffAlert> found = again.Of(WorkSet, alert.Event);
     ASSERT_EQ(found.size(), status == StatusOk ? 1u : 0u) << "call " << call << Door.Failed;
     if (Door.HasFailed()) continue;
     EXPECT_EQ(found[0].Alert.Text, Everything());

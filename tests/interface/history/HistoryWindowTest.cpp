@@ -76,25 +76,5 @@ TEST_F(HistoryWindowTest, TellsNewestFirstWhatTheFilterLetsThroughAndRemindsAgai
   EXPECT_FALSE(Find<QTreeView>("history"));
 }
 
-TEST_F(HistoryWindowTest, SixtyMissedEventsAreOneWindowAndTwoClicks) {
-  EventSet& set = OpenSet("Work.kestrin", true);
-  for (int i = 0; i < 60; ++i) {
-    EventRecord record;
-    record.DeliverIfMissed = true;
-    Add(set, "Missed " + std::to_string(i), Sunday + 9 * Hour, record);
-  }
-  ASSERT_TRUE(set.SaveData());
-  Run();
-  It->Time.JumpTo(Sunday + 10 * Hour);
-  Post(Message(RESUMED));
-  auto* const window = Find<QWidget>("reminders");
-  ASSERT_TRUE(window);
-  EXPECT_THAT(AlertTexts(), testing::IsEmpty());
-  Find<QPushButton>("okAll")->click();
-  window->close();
-  Run();
-  EXPECT_FALSE(Find<QWidget>("reminders"));
-}
-
 }  // namespace
 }  // namespace kestrin
