@@ -151,7 +151,7 @@ class Hardening(unittest.TestCase):
         with tempfile.TemporaryDirectory() as folder:
             source, program = pathlib.Path(folder, "a.c"), str(pathlib.Path(folder, "a"))
             source.write_text("#include <string.h>\n#include <stdio.h>\n"
-                              "int main(int n, char** v) { char b[99]; memcpy(b, v[0], n); return puts(b); }\n")
+                              'int main(int n, char** v) { char b[99]; memcpy(b, v[0], n); return printf("%s", b) + n; }\n')
             good = ["-fPIE", "-pie", "-Wl,-z,relro,-z,now", "-fstack-protector-strong", "-O2", "-D_FORTIFY_SOURCE=2"]
             for flags, faults in (([], 0), (["-fno-PIE", "-no-pie"], 1), (["-Wl,-z,norelro"], 1), (["-Wl,-z,lazy"], 1),
                                   (["-Wl,-z,execstack"], 1), (["-fno-stack-protector"], 1), (["-O0"], 1)):
