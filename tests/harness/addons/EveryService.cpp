@@ -84,8 +84,7 @@ class ServiceData : public EventAddOnData, public ActsWithoutScreen {
 
 }  // namespace
 
-extern "C" {
-
+// The header says that what follows is extern "C" and visible, whatever the library is built with.
 const char* InitializeAddOn() { return "Every service"; }
 
 kestrin::EventAddOnData* NewAddOnData(kestrin::Event* event, kestrin::EndianIndependentFile* file,
@@ -96,4 +95,3 @@ kestrin::EventAddOnData* NewAddOnData(kestrin::Event* event, kestrin::EndianInde
 }
 
 extern const auto PromisedToo = &ServiceData::UseFile;
-}

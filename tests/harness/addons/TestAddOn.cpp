@@ -29,13 +29,13 @@ class TestData : public kestrin::EventAddOnData {
 }  // namespace
 
 extern "C" {
+[[gnu::visibility("default")]] int CleanedUp = 0;
+}
 
-int Initialized = 0;
-int CleanedUp = 0;
+// Of these the header says that they are extern "C" and visible.
 
 #ifndef NO_INITIALIZE
 const char* InitializeAddOn() {
-  ++Initialized;
 #if defined(THROWING_NAME)
   throw std::runtime_error("no name today");
 #elif defined(ENDLESS_NAME)
@@ -66,5 +66,4 @@ void CleanUpAddOn() {
 #ifdef THROWING_ACTION
   throw std::runtime_error("no cleaning today");
 #endif
-}
 }
