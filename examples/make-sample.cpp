@@ -79,9 +79,9 @@ int Make(const char* path, const Wishes& wishes) {
   const std::unique_ptr<EventSet> set = NewSet(engine.context, "sample");
   Fill(*set, engine, wishes);
   SetLayout& layout = set->Layout();
-  layout.WindowFrame = {60, 80, 1000, 440};
+  layout.WindowFrame = {60, 80, 613,
+                        440};  // as wide as a new one, so that it grows with its columns
   layout.ColumnShown.fill(true);
-  layout.ColumnWidth = {26, 190, 235, 235, 90, 150};
   const bool saved = set->SaveCopy(path);
   if (!saved) std::fprintf(stderr, "make-sample: %s: cannot be written\n", path);
   return saved ? 0 : 2;

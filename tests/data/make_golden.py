@@ -274,7 +274,7 @@ def make_all():
         for order, word in (("<", "little"), (">", "big")):
             add(f"golden/full-{version.decode()}-{word}.kestrin", FULL, version=version, order=order, layout=FULL_LAYOUT)
     add("golden/no-events.kestrin", [])
-    add("golden/tea.kestrin", [event()])
+    add("golden/tea.kestrin", [event()], layout=dict(ColumnOrder=[0, 1, 5, 2, 3, 4]))
     for name, (events, arguments, after) in readable().items():
         add(f"readable/{name}.kestrin", events, after, **arguments)
     for name, (content, complaint) in refused().items():

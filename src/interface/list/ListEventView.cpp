@@ -16,6 +16,7 @@ namespace {
 // As other programs know the two kinds of column.
 constexpr uint32 IconColumnFlags = 78, LabelColumnFlags = 3073;
 constexpr int RoomAroundText = 6;
+constexpr int SmallFont = 9;  // points
 
 }  // namespace
 
@@ -31,25 +32,39 @@ ListEventView::ListEventView(EventSet& set) : EventSetViewInterface(set), model_
           &ListEventView::SelectedEventChanged);
 }
 
-/// The widths of a new set suit a small font; the time of day must never be what is cut off.
-std::array<int, NumberOfColumns> ListEventView::FittingWidths() const {
+/// The time of day must never be what is cut off.
+FittingWidths ListEventView::Fitting() const {
   constexpr const char* longDate = "Wed, Nov 30 2026, 10:00:00 AM";
   constexpr std::array<const char*, NumberOfColumns> usual = {
-      "", "", longDate, longDate, "Act on file", "Waiting for prewarning"};
-  const int room = 2 * (style()->pixelMetric(QStyle::PM_FocusFrameHMargin) + 1) + RoomAroundText;
-  std::array<int, NumberOfColumns> widths{};
-  for (size_t column = 0; column < widths.size(); ++column)
-    widths[column] =
-        std::max(BuiltInColumnWidth[column], fontMetrics().horizontalAdvance(usual[column]) + room);
-  return widths;
+      "", "An event with a name", longDate, longDate, "Act on file", "Waiting for prewarning"};
+  const int margins = 2 * (style()->pixelMetric(QStyle::PM_FocusFrameHMargin) + 1);
+  const auto widthsIn = [&](const QFont& font, int room) {
+    const QFontMetrics metrics(font);
+    ColumnWidths widths{};
+    for (size_t column = 0; column < widths.size(); ++column)
+      widths[column] = metrics.horizontalAdvance(usual[column]) + room;
+    return widths;
+  };
+  QFont small = font();
+  small.setPointSize(SmallFont);
+  return {widthsIn(font(), margins + RoomAroundText), widthsIn(small, margins)};
 }
 
 int ListEventView::WidthOfColumns() const {
   return header()->length() + style()->pixelMetric(QStyle::PM_ScrollBarExtent);
 }
 
+bool ListEventView::ShowedAllColumns(float width) const {
+  const FittingWidths fitting = Fitting();
+  const ShownLayout layout = ShownLayoutOf(GetEventSet().Layout(), {fitting.small, fitting.small});
+  int needed = 0;
+  for (size_t column = 0; column < layout.width.size(); ++column)
+    if (layout.shown[column]) needed += layout.width[column];
+  return width >= static_cast<float>(needed);
+}
+
 void ListEventView::AddColumnLabels() {
-  const ShownLayout layout = ShownLayoutOf(GetEventSet().Layout(), FittingWidths());
+  const ShownLayout layout = ShownLayoutOf(GetEventSet().Layout(), Fitting());
   std::vector<CLVColumn> columns;
   for (size_t column = 0; column < layout.width.size(); ++column) {
     const uint32 flags = column == IconColumn ? IconColumnFlags : LabelColumnFlags;
@@ -64,7 +79,7 @@ void ListEventView::SetColumnShown(Columns column, bool shown) {
   AutoLock lock(GetEventSet());
   SetLayout& layout = GetEventSet().Layout();
   layout.ColumnShown[column] = shown;
-  const auto all = ShownLayoutOf(layout, BuiltInColumnWidth).shown;
+  const auto all = ShownLayoutOf(layout, {}).shown;
   for (size_t each = 0; each < all.size(); ++each) ShowColumn(static_cast<int>(each), all[each]);
 }
 

@@ -5,6 +5,7 @@
 #include "interface/list/ColumnListView.h"
 #include "interface/list/EventListModel.h"
 #include "interface/list/EventSetViewInterface.h"
+#include "interface/list/ShownLayout.h"
 
 namespace kestrin {
 
@@ -34,6 +35,8 @@ class ListEventView final : public ColumnListView, public EventSetViewInterface 
   void SelectEvents(const std::vector<Event*>& events);
   /// In which no column is out of sight.
   int WidthOfColumns() const;
+  /// Whether a window of that width was wide enough for them in a small font.
+  bool ShowedAllColumns(float width) const;
   /// Shows nothing any more: the set is about to go.
   void Clear() { model_.Clear(); }
 
@@ -49,7 +52,7 @@ class ListEventView final : public ColumnListView, public EventSetViewInterface 
  private:
   void AddColumnLabels();
   void SelectRow(int row);
-  std::array<int, NumberOfColumns> FittingWidths() const;
+  FittingWidths Fitting() const;
 
   EventListModel model_;
 };

@@ -25,12 +25,14 @@ std::array<int, NumberOfColumns> ShownOrder(const std::array<int32, NumberOfColu
   return all;
 }
 
-int ShownWidth(size_t column, float stored, int fitting) {
+int ShownWidth(size_t column, float stored, const FittingWidths& fitting) {
   if (column == IconColumn) return MinimumColumnWidth;
-  const bool isChosen = stored != static_cast<float>(BuiltInColumnWidth[column]);
-  if (!std::isfinite(stored) || stored <= 0 || !isChosen) return fitting;
-  const float width = std::clamp(stored, float{MinimumColumnWidth}, float{WidestColumn});
-  return static_cast<int>(std::lround(width));
+  const int fits = fitting.now[column], builtIn = BuiltInColumnWidth[column];
+  const bool isChosen = stored != static_cast<float>(builtIn);
+  if (!std::isfinite(stored) || stored <= 0 || !isChosen) return std::max(builtIn, fits);
+  const float bounded = std::clamp(stored, float{MinimumColumnWidth}, float{WidestColumn});
+  const int width = static_cast<int>(std::lround(bounded));
+  return width < fitting.small[column] ? width : std::max(width, fits);
 }
 
 std::vector<SortKey> ShownKeys(const SetLayout& stored) {
@@ -49,14 +51,13 @@ std::vector<SortKey> ShownKeys(const SetLayout& stored) {
 
 }  // namespace
 
-ShownLayout ShownLayoutOf(const SetLayout& stored,
-                          const std::array<int, NumberOfColumns>& fitting) {
+ShownLayout ShownLayoutOf(const SetLayout& stored, const FittingWidths& fitting) {
   ShownLayout layout{ShownOrder(stored.ColumnOrder), stored.ColumnShown, {}, ShownKeys(stored)};
   const auto isShown = [](bool shown) { return shown; };
   if (std::none_of(layout.shown.begin(), layout.shown.end(), isShown))
     layout.shown[NameColumn] = true;
   for (size_t column = 0; column < layout.width.size(); ++column)
-    layout.width[column] = ShownWidth(column, stored.ColumnWidth[column], fitting[column]);
+    layout.width[column] = ShownWidth(column, stored.ColumnWidth[column], fitting);
   return layout;
 }
 

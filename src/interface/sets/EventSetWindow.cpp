@@ -94,9 +94,12 @@ void EventSetWindow::OpenAtFrame() {
   const Rect fallback = set_->GetContext().settings.SetWindowPosition.DefaultFrame();
   const Rect usual = SetLayout().WindowFrame;
   Rect frame = set_->Layout().WindowFrame;
-  const bool isChosen = frame.right - frame.left != usual.right - usual.left;
+  const float width = frame.right - frame.left;
+  const bool isChosen = width != usual.right - usual.left;
   const auto needed = static_cast<float>(list_->WidthOfColumns());
-  if (!isChosen && frame.right - frame.left < needed) frame.right = frame.left + needed;
+  // What was wide enough for a small font is so for a larger one.
+  const bool mayGrow = !isChosen || list_->ShowedAllColumns(width);
+  if (mayGrow && width < needed) frame.right = frame.left + needed;
   opened_ = GeometryOnScreen(frame, fallback, minimumSizeHint());
   setGeometry(opened_);
 }

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <strings.h>
 
+#include <QFile>
 #include <QHeaderView>
 #include <QScrollBar>
 #include <QSignalSpy>
@@ -102,6 +103,10 @@ TEST_F(EventListTest, CellsSayWhatTheEventIs) {
   wholeDay.ActualEventTime = 1794873600;
   wholeDay.NextEventTime = 1794773322;
   set.AppendRead(std::make_unique<Event>(set, wholeDay));
+  EventRecord manyADay = wholeDay;
+  manyADay.Name = "xs";
+  manyADay.PeriodType = SubDaily;
+  set.AppendRead(std::make_unique<Event>(set, manyADay));
   Open();
   EXPECT_THAT(Row(2), ElementsAre("Whole day", "Tue, Nov 17 2026", "Sun, Nov 15 2026, 08:08:42 PM",
                                   _, "Waiting for event"));
@@ -109,6 +114,7 @@ TEST_F(EventListTest, CellsSayWhatTheEventIs) {
               HasSubstr("Tea &lt;b&gt;"));
   EXPECT_THAT(Row(0), ElementsAre("Tea <b>", "Sun, Nov 15 2026", _, "Unknown", "Inactive"));
   EXPECT_THAT(Row(1), ElementsAre("\uFFFD", "Sun, Nov 15 2026, 08:08:42 PM", "None", _, "77"));
+  EXPECT_EQ(Cell(3, EventTimeColumn), "Tue, Nov 17 2026, 12:00:00 AM");
   context.Settings.Time24Hour = true;
   EXPECT_EQ(Cell(1, EventTimeColumn), "Sun, Nov 15 2026, 20:08:42");
 }
@@ -285,6 +291,52 @@ TEST_F(EventListTest, AnyStoredLayoutIsShownAndKept) {
   EXPECT_EQ(layout.SortKeys, stored.SortKeys);
   EXPECT_EQ(layout.NumberOfKeys, stored.NumberOfKeys);
   EXPECT_EQ(layout.ColumnWidth[4], 1e30f);
+}
+
+TEST_F(EventListTest, NoFontCutsAColumnThatNobodyMadeNarrow) {
+  const QFont usual = QApplication::font();
+  constexpr float BuiltIn = 150, Wide = 230, Narrow = 40;
+  const std::pair<int, float> rows[] = {
+      {usual.pointSize(), BuiltIn}, {16, BuiltIn}, {16, Wide}, {16, Narrow}};
+  for (const auto& [points, width] : rows) {
+    SCOPED_TRACE(testing::Message() << points << " points, " << width);
+    QFont font = usual;
+    font.setPointSize(points);
+    QApplication::setFont(font);
+    EventSet& each = context.NewSet(std::to_string(points) + std::to_string(width));
+    each.Layout().ColumnShown = context.Settings.Layout.ColumnShown;
+    each.Layout().ColumnWidth[EventTimeColumn] = width;
+    AppendEvent(each, "Ada's next birthday", 1794773322, WaitingForPrewarning).SetApplyTime(true);
+    window = &context.OpenWindow(each);
+    list = window->GetEventsView();
+    for (const int column : {NameColumn, EventTimeColumn, HandlerColumn, StatusColumn})
+      EXPECT_EQ(list->sizeHintForIndex(list->model()->index(0, column)).width() >
+                    list->columnWidth(column),
+                width == Narrow && column == EventTimeColumn)
+          << column;
+    const int most = window->screen()->availableGeometry().width();
+    EXPECT_GE(list->viewport()->width(), std::min(list->header()->length(), most));
+    EXPECT_EQ(each.Layout().ColumnWidth[EventTimeColumn], width) << "what is stored stays";
+  }
+  QApplication::setFont(usual);
+}
+
+/// The sample of the format's page, its columns named there from the left, as the list shows it.
+TEST_F(EventListTest, TheColumnsStandInTheOrderOfTheFormatsPage) {
+  const auto read = [](const char* name) {
+    QFile file(QString(QT_TESTCASE_SOURCEDIR "/../../") + name);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+    return file.readAll();
+  };
+  context.Files.Put("/tea", read("tests/data/sets/golden/tea.kestrin").toStdString());
+  EventSet& tea = *context.Open.Sets.emplace_back(ReadSet(context.Core, "/tea").Set);
+  list = context.OpenWindow(tea).GetEventsView();
+  QStringList shown{"icon"};
+  for (const int column : list->DisplayOrder())
+    if (column != IconColumn)
+      shown << list->model()->headerData(column, Qt::Horizontal).toString().toLower();
+  const QString page = read("docs/file-format.md");
+  EXPECT_EQ(page.section("column order: ", 1).section('\n', 0, 0), shown.join(", "));
 }
 
 TEST_F(EventListTest, KeysAndTheMouseInvokeAndDelete) {
