@@ -118,9 +118,7 @@ void QtUserInterface::ShowOpenPanel() {
 
 void QtUserInterface::ShowOwnOpenPanel() {
   if (!openPanel_) openPanel_ = new OpenFilePanel(*context_);
-  openPanel_->show();
-  openPanel_->raise();
-  openPanel_->activateWindow();
+  openPanel_->Ask();
 }
 
 void QtUserInterface::ShowSettingsWindow() { ShowOnly(settingsWindow_, *context_); }

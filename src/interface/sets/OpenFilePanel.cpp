@@ -55,6 +55,14 @@ OpenFilePanel::~OpenFilePanel() {
   if (holds_) context_.holds.ProcessDone();
 }
 
+void OpenFilePanel::Ask() {
+  QWidget* const active = QApplication::activeWindow();
+  if (active && active->window() != this) asker_ = active;
+  show();
+  raise();
+  activateWindow();
+}
+
 void OpenFilePanel::accept() {
   const QStringList files = selectedFiles();
   const auto missing = std::find_if(files.begin(), files.end(),
@@ -72,6 +80,7 @@ void OpenFilePanel::accept() {
 void OpenFilePanel::done(int result) {
   QFileDialog::done(result);
   if (!holds_) return;
+  if (asker_ && asker_->isVisible()) asker_->activateWindow();
   if (result == Accepted) {
     std::vector<std::string> files;
     for (const QString& file : selectedFiles())

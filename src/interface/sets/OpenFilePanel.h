@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QFileDialog>
+#include <QPointer>
 #include <string>
 #include <vector>
 
@@ -20,11 +21,16 @@ class OpenFilePanel final : public QFileDialog {
   explicit OpenFilePanel(Context& context);
   ~OpenFilePanel() override;
 
+  /// To the front. When it closes, the focus goes back to the window that is active now: the window
+  /// manager might choose a reminder.
+  void Ask();
+
   void accept() override;
   void done(int result) override;
 
  private:
   Context& context_;
+  QPointer<QWidget> asker_;
   bool holds_ = true;
 };
 

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "harness/ScreenContext.h"
+#include "interface/sets/SetCommands.h"
 
 namespace kestrin {
 namespace {
@@ -154,6 +155,33 @@ TEST_F(AlertOnScreenTest, TheQuestionBeforeClosingTakesTheFocusAndGivesItBack) {
   QTest::keyClick(question->focusWidget(), Qt::Key_Escape);
   EXPECT_FALSE(question->isVisible());
   EXPECT_TRUE(window.isVisible());
+}
+
+/// A reminder that has come meanwhile is what the window manager would choose.
+TEST_F(AlertOnScreenTest, PanelsGiveTheFocusBackToTheWindowThatAsked) {
+  EventSet& set = context.NewSet();
+  EventSetWindow& window = context.OpenWindow(set);
+  Event& event = AppendEvent(set, "x");
+  event.OpenWindow();
+  int32 place = 0;
+  for (QWidget* asker : {dynamic_cast<QWidget*>(event.GetWindow()), static_cast<QWidget*>(&window)})
+    for (const char* const name : {"openPanel", "savePanel"}) {
+      SCOPED_TRACE(asker->windowTitle().toStdString() + ", " + name);
+      asker->activateWindow();
+      ASSERT_TRUE(QTest::qWaitFor([&] { return IsActive(*asker); }));
+      if (name == std::string("openPanel")) context.Ui.ShowOpenPanel();
+      for (QAction* action : window.findChildren<QAction*>())
+        if (name == std::string("savePanel") && action->data() == SAVE_SET_AS) action->trigger();
+      QWidget* panel = nullptr;
+      for (QWidget* widget : QApplication::topLevelWidgets())
+        if (widget->objectName() == name && widget->isVisible()) panel = widget;
+      ASSERT_TRUE(panel && QTest::qWaitFor([&] { return IsActive(*panel); }));
+      const QWidget* reminder = OpenAlert(static_cast<AlertId>(place) + 1, place);
+      ++place;
+      ASSERT_TRUE(QTest::qWaitFor([&] { return Height(*reminder) >= 0; }));
+      QTest::keyClick(panel->focusWidget(), Qt::Key_Escape);
+      EXPECT_TRUE(QTest::qWaitFor([&] { return IsActive(*asker); }));
+    }
 }
 
 TEST_F(AlertOnScreenTest, ASetWindowOpensWhereItWasLeft) {
