@@ -22,6 +22,7 @@ TEST_F(HelpTest, TheKeyOpensItAtTheChapterOfTheWindow) {
   set.Events()[0]->OpenWindow();
   auto* const editor = dynamic_cast<QWidget*>(set.Events()[0]->GetWindow());
   It->Ui.ShowSettingsWindow();
+  It->Ui.ShowHistoryWindow(Folder.path().toStdString());
   const auto chapter = [&](QWidget* window) {
     It->Machine.Launched.clear();
     window->activateWindow();
@@ -40,10 +41,27 @@ TEST_F(HelpTest, TheKeyOpensItAtTheChapterOfTheWindow) {
     EXPECT_EQ(chapter(editor), page);
     tabs->setCurrentIndex(tabs->currentIndex() + 1);
   }
-  for (QWidget* window : QApplication::topLevelWidgets()) {
-    if (window->objectName() != "settingsWindow") continue;
-    EXPECT_EQ(chapter(window), "delivery");
+  std::map<QString, std::string> others = {{"settingsWindow", "delivery"},
+                                           {"historyWindow", "alerts"},
+                                           {"alert", "alerts"},
+                                           {"reminders", "alerts"}};
+  for (const int32 boxes : {3, 1}) {
+    It->Settings.ReminderBoxes = boxes;
+    AlertRequest reminder;
+    reminder.Text = "x";
+    reminder.Role = AlertRole::Delivery;
+    It->Alerts.Show(std::move(reminder));
+    Run();
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+      const auto found = others.find(window->objectName());
+      if (found == others.end() || !window->isVisible()) continue;
+      QTest::mouseClick(window, Qt::LeftButton, {}, QPoint(2, 2));  // the key is meant for it
+      EXPECT_EQ(chapter(window), found->second) << found->first.toStdString();
+      others.erase(found);
+    }
   }
+  EXPECT_THAT(others, IsEmpty());
+  It->Ui.CloseOtherWindows();
 }
 
 TEST_F(HelpTest, OpensThePageBesideTheProgramOrSaysWhyNot) {

@@ -10,6 +10,7 @@
 #include "interface/alerts/AlertCascade.h"
 #include "interface/alerts/AlertPane.h"
 #include "interface/alerts/KeyGuard.h"
+#include "interface/common/HelpKey.h"
 #include "interface/common/ShownText.h"
 #include "interface/common/Wayland.h"
 
@@ -43,6 +44,7 @@ AlertWindow::AlertWindow(const Context* context, const AlertRequest& request, in
     FitSize();
     KeepOnScreen();
   });
+  if (context) OpenHelpByKey(*this, *context, [] { return "alerts"; });
   ShowRequest(request, mayOpen);
   MoveToPlace();
 }

@@ -23,6 +23,7 @@
 #include "interface/alerts/AlertPane.h"
 #include "interface/alerts/KeyGuard.h"
 #include "interface/alerts/LaterMenu.h"
+#include "interface/common/HelpKey.h"
 #include "interface/common/RoomyRows.h"
 
 namespace kestrin {
@@ -51,6 +52,7 @@ RemindersWindow::RemindersWindow(const Context& context, MayOpen mayOpenEvent)
   setWindowFlags(Qt::Window | Qt::WindowStaysOnTopHint);
   setAttribute(Qt::WA_ShowWithoutActivating);
   new KeyGuard(*this);
+  OpenHelpByKey(*this, context, [] { return "alerts"; });
   pane_->KeepButtonsInPlace();
   auto* column = new QVBoxLayout(this);
   column->setContentsMargins(12, 12, 12, 12);

@@ -11,7 +11,7 @@
 
 namespace kestrin {
 
-void OpenHelpByKey(QWidget& window, Context& context, std::function<std::string()> chapter) {
+void OpenHelpByKey(QWidget& window, const Context& context, std::function<std::string()> chapter) {
   auto* key = new QShortcut(QKeySequence(Qt::Key_F1), &window);
   QObject::connect(
       key, &QShortcut::activated, &window,

@@ -12,6 +12,6 @@ struct Context;
 
 /// From then on F1 in the window opens the help at the chapter that is named then: the id of a
 /// heading of the page. The context outlives the window.
-void OpenHelpByKey(QWidget& window, Context& context, std::function<std::string()> chapter);
+void OpenHelpByKey(QWidget& window, const Context& context, std::function<std::string()> chapter);
 
 }  // namespace kestrin

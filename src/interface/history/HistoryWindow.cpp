@@ -16,6 +16,7 @@
 
 #include "core/delivery/RemindAgain.h"
 #include "core/events/Context.h"
+#include "interface/common/HelpKey.h"
 #include "interface/common/RoomyRows.h"
 #include "interface/history/HistoryModel.h"
 
@@ -39,6 +40,7 @@ HistoryWindow::HistoryWindow(Context& context, const std::string& stateFolder,
       list_(new QTreeView) {
   setObjectName("historyWindow");
   setWindowTitle("Kestrin history");
+  OpenHelpByKey(*this, context, [] { return "alerts"; });
   auto* label = new QLabel("&Show only:");
   label->setBuddy(filter_);
   filter_->setObjectName("historyFilter");

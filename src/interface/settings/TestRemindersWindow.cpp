@@ -13,6 +13,7 @@
 #include "core/settings/KestrinSettings.h"
 #include "core/timing/DateTimeText.h"
 #include "core/timing/EventTiming.h"
+#include "interface/common/HelpKey.h"
 #include "interface/common/ShownText.h"
 
 namespace kestrin {
@@ -75,6 +76,7 @@ TestRemindersWindow::TestRemindersWindow(Context& context, DocumentApp& applicat
   connect(again, &QPushButton::clicked, this, &TestRemindersWindow::Look);
   connect(come, &QPushButton::clicked, this, &TestRemindersWindow::LetOneCome);
   connect(close, &QPushButton::clicked, this, &QWidget::close);
+  OpenHelpByKey(*this, context, [] { return "delivery"; });
   resize(InitialSize);
   come->setFocus();
   Look();
