@@ -7,11 +7,14 @@
 #include <QGuiApplication>
 #include <utility>
 
+#include "interface/common/Frames.h"
+
 namespace kestrin {
 
 void SetUpFilePanel(QFileDialog& panel) {
   panel.setOptions(QFileDialog::DontUseNativeDialog | QFileDialog::DontConfirmOverwrite |
                    QFileDialog::ReadOnly);
+  panel.resize(panel.size().boundedTo(LargestOn(*panel.screen())));
   // Screen readers are given the choice as the name of such a menu.
   for (const auto& [name, purpose] :
        {std::pair{"lookInCombo", "Folder"}, {"fileTypeCombo", "File type"}})

@@ -49,6 +49,11 @@ Rect PlainFrameOf(const QWidget& window) {
 
 QRect RoomFor(const QRect& geometry) { return ScreenFor(geometry)->availableGeometry(); }
 
+QSize LargestOn(const QScreen& screen) {
+  const int title = QApplication::style()->pixelMetric(QStyle::PM_TitleBarHeight);
+  return screen.availableGeometry().size() - QSize(title, 2 * title);
+}
+
 QRect GeometryOnScreen(Rect stored, Rect fallback, QSize smallest) {
   const QRect wanted = Rounded(stored);
   QRect room = ScreenFor(wanted)->availableGeometry();

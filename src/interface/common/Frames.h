@@ -5,6 +5,7 @@
 
 #include "kestrin/Types.h"
 
+class QScreen;
 class QWidget;
 
 namespace kestrin {
@@ -15,6 +16,9 @@ Rect PlainFrameOf(const QWidget& window);
 
 /// The part of the screen that shows most of it, in which a window's frame may stand.
 QRect RoomFor(const QRect& geometry);
+
+/// The largest window that the screen holds with its frame.
+QSize LargestOn(const QScreen& screen);
 
 /// The geometry, without the window manager's frame, of a window that opens at `stored`: on the
 /// screen that shows most of it, with room for a title bar. `fallback` is for frames that are none;

@@ -7,12 +7,12 @@
 #include <algorithm>
 
 #include "core/events/EventSet.h"
+#include "interface/common/ScrolledPage.h"
 #include "interface/editor/EventActionView.h"
 #include "interface/editor/EventCommentView.h"
 #include "interface/editor/EventNagView.h"
 #include "interface/editor/EventPrewarnView.h"
 #include "interface/editor/EventWhenView.h"
-#include "interface/editor/ScrolledPage.h"
 
 namespace kestrin {
 

@@ -87,7 +87,9 @@ QLabel* EventWhenView::Caption(const char* text, QWidget* buddy) {
 
 void EventWhenView::AddRow(QGridLayout& grid, Row row, QWidget* caption, QWidget* content) {
   const int at = grid.rowCount();
-  grid.addWidget(caption, at, CaptionColumn);
+  // Beside the first line of what it names.
+  caption->setMinimumHeight(periodType_->sizeHint().height());
+  grid.addWidget(caption, at, CaptionColumn, Qt::AlignTop);
   grid.addWidget(content, at, ContentColumn);
   rows_[row] = {caption, content};
 }
@@ -248,7 +250,7 @@ void EventWhenView::ShowSentence() {
   QStringList dates;
   for (const std::string& date :
        NextDateTexts(record, context.clock.Now(), context.zone, DatesShown, use24Hours))
-    dates += QString::fromStdString(date);
+    dates += QString::fromStdString(date).replace(u' ', QChar::Nbsp);  // a line ends between two
   dates_->setText(dates.isEmpty() ? "No date is to come." : "Next: " + dates.join("; "));
 }
 

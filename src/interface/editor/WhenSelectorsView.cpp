@@ -140,13 +140,13 @@ QWidget* WhenSelectorsView::FirstShown() const {
 }
 
 void WhenSelectorsView::KeepRoom() {
-  QSize room;
+  int room = 0;
   for (const auto& group : Setups)
     for (const auto& setup : group) {
       ShowSetup(setup);
-      room = room.expandedTo(layout()->minimumSize());
+      room = std::max(room, layout()->minimumSize().width());
     }
-  setMinimumSize(room);
+  setMinimumWidth(room);
   ReevaluateDisplay();
 }
 

@@ -88,9 +88,9 @@ void DateField::ShowHint() const {
   const QString hint = hasPassed                 ? "This moment has passed; it will not ring"
                        : remarked_ == shown.time ? remark_
                                                  : QString();
+  hint_->setVisible(!hint.isEmpty());
   if (hint_->text() == hint) return;
   hint_->setText(hint);
-  hint_->setVisible(!hint.isEmpty());
   if (hint.isEmpty()) return;
   QAccessibleEvent said(hint_, QAccessible::Alert);
   QAccessible::updateAccessibility(&said);

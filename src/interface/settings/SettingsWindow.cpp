@@ -4,11 +4,13 @@
 #include <QFormLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <algorithm>
 
 #include "core/events/Context.h"
 #include "core/settings/KestrinSettings.h"
 #include "interface/common/Frames.h"
 #include "interface/common/HelpKey.h"
+#include "interface/common/ScrolledPage.h"
 #include "interface/fields/DropDown.h"
 #include "interface/settings/ReminderSettings.h"
 #include "interface/settings/SelectedSetsView.h"
@@ -22,7 +24,8 @@ SettingsWindow::SettingsWindow(Context& context, DocumentApp& application)
       }) {
   setObjectName("settingsWindow");
   setWindowTitle("Kestrin settings");
-  auto* column = new QVBoxLayout(this);
+  auto* page = new QWidget;
+  auto* column = new QVBoxLayout(page);
   column->addWidget(MakeCheckBox("rememberDefaults", "Remember &window defaults",
                                  settings_.RememberWindowSetupAsDefault));
   auto* menus = new QFormLayout;
@@ -45,9 +48,18 @@ SettingsWindow::SettingsWindow(Context& context, DocumentApp& application)
   column->addLayout(MakeList(), 1);
   SettingsChanged();
   OpenHelpByKey(*this, context, [] { return "delivery"; });
+  Open(page);
+}
+
+void SettingsWindow::Open(QWidget* page) {
+  auto* around = new QVBoxLayout(this);
+  around->setContentsMargins(0, 0, 0, 0);
+  const int whole = page->minimumSizeHint().height(), room = LargestOn(*screen()).height();
+  around->addWidget(whole > room ? new ScrolledPage(page) : page);
+  const QSize smallest = minimumSizeHint().expandedTo({0, std::min(whole, room)});
   const AutoLock lock(settings_.Protect);
   setGeometry(GeometryOnScreen(settings_.SettingsWindowFrame, SettingsValues().SettingsWindowFrame,
-                               minimumSizeHint()));
+                               smallest));
 }
 
 QCheckBox* SettingsWindow::MakeCheckBox(const char* objectName, const QString& label,

@@ -39,6 +39,7 @@ class SettingsWindow final : public SideWindow {
   void AddMenu(QFormLayout& form, const char* objectName, const QString& label,
                const QStringList& items, int32& setting);
   QLayout* MakeList();
+  void Open(QWidget* page);
   void ForgetSelected();
   void TestReminders();
 

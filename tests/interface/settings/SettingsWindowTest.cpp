@@ -15,6 +15,7 @@
 #include "core/settings/SettingsStore.h"
 #include "harness/ScreenContext.h"
 #include "interface/sets/ElidedLabel.h"
+#include "interface/sets/SetFilePanel.h"
 #include "interface/settings/AboutWindow.h"
 
 namespace kestrin {
@@ -241,6 +242,20 @@ TEST_F(SettingsWindowTest, AboutSaysWhatThisIsAndGoesWithTheOthers) {
   context.Ui.CloseOtherWindows();
   EXPECT_FALSE(OpenOne<AboutWindow>() || OpenOne<SettingsWindow>());
   EXPECT_EQ(context.Holding.Count(), 0);
+}
+
+TEST_F(SettingsWindowTest, NothingLiesBelowTheEdgeOfALowScreen) {
+  const QFont usual = QApplication::font();
+  QFont large = usual;
+  large.setPointSize(22);
+  QApplication::setFont(large);
+  SettingsWindow& settings = Open();
+  auto* const panel = new SetFilePanel(settings, "/a.kestrin", true);
+  panel->open();
+  for (const QWidget* window : {static_cast<QWidget*>(&settings), static_cast<QWidget*>(panel)})
+    EXPECT_LT(window->height(), window->screen()->availableGeometry().height());
+  delete panel;
+  QApplication::setFont(usual);
 }
 
 TEST_F(SettingsWindowTest, TabWalksThroughTheControlsFromTopToBottom) {

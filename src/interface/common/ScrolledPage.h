@@ -1,4 +1,4 @@
-// A page of the editor on a screen that is too low for it.
+// What a window shows, on a screen that is too low for it.
 #pragma once
 
 #include <QScrollArea>

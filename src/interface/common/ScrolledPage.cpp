@@ -1,4 +1,4 @@
-#include "interface/editor/ScrolledPage.h"
+#include "interface/common/ScrolledPage.h"
 
 #include <QEvent>
 #include <QScrollBar>
@@ -17,13 +17,13 @@ ScrolledPage::ScrolledPage(QWidget* page) {
   setWidgetResizable(true);
   setFocusPolicy(Qt::NoFocus);
   setWidget(page);
-  // The tab's own ground is behind it.
+  // The tab's or window's own ground is behind it.
   viewport()->setAutoFillBackground(false);
   page->setAutoFillBackground(false);
 }
 
 QSize ScrolledPage::minimumSizeHint() const {
-  const QSize page = widget()->minimumSizeHint();
+  const QSize page = widget()->minimumSizeHint().expandedTo(widget()->minimumSize());
   const int lowest = FewestLines * fontMetrics().lineSpacing();
   return {page.width() + verticalScrollBar()->sizeHint().width(), std::min(page.height(), lowest)};
 }
