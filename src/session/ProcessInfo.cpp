@@ -80,7 +80,6 @@ std::string ExecutableFolder() {
 std::string ConfigFolder() { return PersonalFolder("XDG_CONFIG_HOME", "/.config"); }
 std::string DataFolder() { return PersonalFolder("XDG_DATA_HOME", "/.local/share"); }
 std::string StateFolder() { return PersonalFolder("XDG_STATE_HOME", "/.local/state"); }
-std::string CacheFolder() { return PersonalFolder("XDG_CACHE_HOME", "/.cache"); }
 
 std::string RuntimeFolder() {
   std::string named = AbsoluteVariable("XDG_RUNTIME_DIR");

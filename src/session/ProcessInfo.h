@@ -14,7 +14,6 @@ std::string ExecutableFolder();
 std::string ConfigFolder();
 std::string DataFolder();
 std::string StateFolder();
-std::string CacheFolder();
 /// Empty when there is none that belongs to this user alone.
 std::string RuntimeFolder();
 /// DataFolder() first, then the system's.

@@ -38,15 +38,19 @@ TEST_F(AppAlertsTest, AfterItsProcessHasEndedItsButtonActsUnlessItsOccurrenceIsO
       Now = Sunday + 10 * Hour;
       StartWith({Nagging()});
       if (!killed) Post(Message(FORCED_QUIT));
-      if (isOver) WriteSet(Work, {DailyAt(Sunday + Day + 9 * Hour)});
+      EventRecord next = Nagging();
+      for (int32* time : {&next.NextEventTime, &next.ActualEventTime, &next.EventTime})
+        *time += Day;
+      if (isOver) WriteSet(Work, {next});
       Now += 10 * Minute;
       Wake(false);
       Start();
       EXPECT_THAT(Alerts(),
                   ElementsAre("The event \"Tea\" occurred at 9:00 AM today.\n\nPour it."));
       ASSERT_EQ(Ui().Alerts[0].Request.Title, "Kestrin nag");
+      EXPECT_EQ(Ui().Alerts[0].Request.ComesAgain, isOver ? 0 : Sunday + 11 * Hour);
       Answer(0);
-      EXPECT_EQ(FirstEvent(Work).GetNextEventTime(), Sunday + Day + 9 * Hour);
+      EXPECT_EQ(FirstEvent(Work).GetNextEventTime(), Sunday + Day + (isOver ? 10 : 9) * Hour);
       EXPECT_EQ(It->World.Holding.Count(), 1) << "the window";
       Start();
       EXPECT_THAT(Alerts(), IsEmpty()) << "it was answered";
@@ -89,31 +93,35 @@ TEST_F(AppAlertsTest, AButtonActsInTheSetThatItsAlertIsAboutWhicheverWasOpenedFi
 }
 
 TEST_F(AppAlertsTest, AQuestionIsAskedAnewAndADeliveryOnlyShown) {
-  Now = Sunday + 6 * Hour;
-  StartWith({DailyAt(Sunday + 7 * Hour, "Asks"), DailyAt(Sunday + 7 * Hour, "Says"),
-             DailyAt(Sunday + 7 * Hour + 30 * Minute, "Late")});
-  FirstEvent(Work).SetSelectedHandler(It->World.Handlers.Find("Command"));
-  auto& command = dynamic_cast<CommandDataHandler&>(*FirstEvent(Work).GetAddOnData());
-  command.SetCommand("brew");
-  command.SetVerify(true);
-  Set(Work)->SaveData();
-  DeliverAt(Sunday + 7 * Hour);
-  ASSERT_EQ(Alerts().size(), 2u);
-  Post(Message(FORCED_QUIT));
-  EXPECT_THAT(It->World.Machine.Commands, IsEmpty());
-  Now = Sunday + 8 * Hour;
-  Start();
-  EXPECT_THAT(Alerts(),
-              ElementsAre("Kestrin event:  Asks\n\nKestrin is about to execute a shell command: "
-                          "\"brew\".  Should the command be executed?",
-                          "Kestrin event:  Says\n\n",
-                          "Kestrin event:  Late\nThe event was missed.  It occurred Sun, Nov 15 "
-                          "2026, 07:30:00 AM\n\n"))
-      << "what stood open first";
-  ASSERT_TRUE(Answer(1));
-  EXPECT_THAT(It->World.Machine.Commands, ElementsAre("brew"));
-  ASSERT_TRUE(Answer(0) && Answer(0));
-  EXPECT_EQ(It->World.Holding.Count(), 1);
+  for (const int answer : {0, 1}) {
+    Now = Sunday + 6 * Hour;
+    StartWith({DailyAt(Sunday + 7 * Hour, "Asks"), DailyAt(Sunday + 7 * Hour, "Says"),
+               DailyAt(Sunday + 7 * Hour + 30 * Minute, "Late")});
+    FirstEvent(Work).SetSelectedHandler(It->World.Handlers.Find("Command"));
+    auto& command = dynamic_cast<CommandDataHandler&>(*FirstEvent(Work).GetAddOnData());
+    command.SetCommand("brew");
+    command.SetVerify(true);
+    Set(Work)->SaveData();
+    DeliverAt(Sunday + 7 * Hour);
+    ASSERT_EQ(Alerts().size(), 2u);
+    Post(Message(FORCED_QUIT));
+    EXPECT_THAT(It->World.Machine.Commands, IsEmpty());
+    Now = Sunday + 8 * Hour;
+    Start();
+    EXPECT_THAT(Alerts(),
+                ElementsAre("Kestrin event:  Asks\n\nKestrin is about to execute a shell command: "
+                            "\"brew\".  Should the command be executed?",
+                            "Kestrin event:  Says\n\n",
+                            "Kestrin event:  Late\nThe event was missed.  It occurred Sun, Nov 15 "
+                            "2026, 07:30:00 AM\n\n"))
+        << "what stood open first";
+    ASSERT_TRUE(Answer(answer));
+    EXPECT_EQ(It->World.Machine.Commands.size(), static_cast<size_t>(answer));
+    ASSERT_TRUE(Answer(0) && Answer(0));
+    EXPECT_EQ(It->World.Holding.Count(), 1);
+    Start();
+    EXPECT_THAT(It->World.Machine.Commands, IsEmpty()) << "neither again nor after all";
+  }
 }
 
 }  // namespace

@@ -40,13 +40,11 @@ TEST(ProcessInfo, FoldersFollowTheStandard) {
                                    {"XDG_CONFIG_HOME", std::nullopt},
                                    {"XDG_STATE_HOME", ""},
                                    {"XDG_DATA_HOME", "relative"},
-                                   {"XDG_CACHE_HOME", "/c"},
                                    {"XDG_DATA_DIRS", "/x:relative::/y"},
                                    {"XDG_RUNTIME_DIR", "/r"}});
   EXPECT_EQ(ConfigFolder(), "/h/.config");
   EXPECT_EQ(StateFolder(), "/h/.local/state");
   EXPECT_EQ(DataFolder(), "/h/.local/share");
-  EXPECT_EQ(CacheFolder(), "/c");
   EXPECT_EQ(RuntimeFolder(), "/r");
   EXPECT_THAT(DataFolders(), ElementsAre("/h/.local/share", "/x", "/y"));
   EXPECT_EQ(ExecutableFolder(), fs::read_symlink("/proc/self/exe").parent_path());

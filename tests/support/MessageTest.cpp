@@ -79,6 +79,11 @@ TEST(Message, RefusesEverythingElse) {
 }
 
 TEST(Message, RefusesWhatWouldTakeFarMoreRoomThanItsText) {
+  for (const size_t deep : {7, 8})
+    EXPECT_EQ(Message::Unflatten(R"({"what":1,"fields":[],"extra":)" + std::string(deep, '[') +
+                                 std::string(deep, ']') + "}")
+                  .has_value(),
+              deep == 7);
   const auto withExtra = [](int elements) {
     std::string text = R"({"what":1,"fields":[],"extra":[0)";
     for (int i = 1; i < elements; ++i) text += ",0";

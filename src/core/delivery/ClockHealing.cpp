@@ -50,7 +50,6 @@ std::optional<EventTimes> Healed(EventSet& set, const Event& event,
   if (rule.Status == WaitingToNag && rule.ActualEventTime <= now + SecondsPerDay)
     return isPutOff(event) ? std::nullopt : NagFrom(rule, now, zone);
   const bool isDone = rule.NextEventTime == 0;
-  if (!isDone && rule.ActualEventTime <= now) return std::nullopt;
   const EventTimes soonest = ComputeEventTimes(rule, now, zone);
   if (soonest.NextEventTime == 0) return std::nullopt;
   if (!isDone && rule.ActualEventTime <= soonest.ActualEventTime) return std::nullopt;

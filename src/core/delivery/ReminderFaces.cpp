@@ -102,7 +102,6 @@ void ReminderFaces::Withdraw(Face& face) {
 void ReminderFaces::Replied(AlertId id, const NotificationReply& reply) {
   const auto found = faces_.find(id);
   if (found == faces_.end()) return;
-  found->second.notification = 0;
   const AlertRequest request = found->second.request;
   const bool pressed = reply.What == NotificationReply::Kind::Action;
   if (reply.What == NotificationReply::Kind::Dismissed || (pressed && reply.Key == AnswerOk))

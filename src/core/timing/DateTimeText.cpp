@@ -181,11 +181,6 @@ std::optional<std::string_view> WhyNoDate(const TypedDate& date, bool repeats) {
   return std::nullopt;
 }
 
-int32 ParseDate(std::string_view text, int64 now, const Zone& zone) {
-  const std::optional<ReadMoment> read = ReadDate(text, now, zone).read;
-  return read ? read->moment : -1;
-}
-
 int32 ParseTimeOfDay(std::string_view text, const DateLanguage& language) {
   const bool hasDigit = std::any_of(text.begin(), text.end(), IsDigit);
   std::optional<int32> time = ReadTimeOfDay(hasDigit ? GetFixedTime(text) : std::string(text));

@@ -55,9 +55,6 @@ inline constexpr char RepeatOutOfRange[] =
 /// repeat takes none before 1970. A sentence for the person who typed it.
 std::optional<std::string_view> WhyNoDate(const TypedDate& date, bool repeats);
 
-/// The parser under hastimeinfo_parsedate, for text that GetFixedTime has already rewritten.
-int32 ParseDate(std::string_view text, int64 now, const Zone& zone);
-
 /// A time of day alone ("7pm", "19:30", "8.30", "noon", "12"): 0..86399, or -1.
 int32 ParseTimeOfDay(std::string_view text, const DateLanguage& language = {});
 

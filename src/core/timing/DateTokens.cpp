@@ -93,7 +93,7 @@ std::optional<DateUnit> UnitNamed(std::string_view word) {
 
 std::string_view OrdinalEnding(int32 number) {
   constexpr std::array<std::string_view, 4> endings = {"th", "st", "nd", "rd"};
-  const bool teen = number % 100 / 10 == 1;
+  const bool teen = number / 10 == 1;
   return teen || number % 10 > 3 ? endings[0] : endings[static_cast<size_t>(number % 10)];
 }
 

@@ -77,9 +77,4 @@ std::vector<std::unique_ptr<Event>> EventsFromClipboard(EventSet& set) {
   return events;
 }
 
-bool ClipboardHasEvent() {
-  const QMimeData* content = QGuiApplication::clipboard()->mimeData();
-  return content && content->hasFormat(EventClipboardType);
-}
-
 }  // namespace kestrin

@@ -23,7 +23,4 @@ bool CopyEvents(Event& current, const std::vector<Event*>& events);
 /// What the user should know of cut texts is told. The set is not locked.
 std::vector<std::unique_ptr<Event>> EventsFromClipboard(EventSet& set);
 
-/// Whether pasting may give something. Asks the program that owns the clipboard: not for a loop.
-bool ClipboardHasEvent();
-
 }  // namespace kestrin

@@ -222,6 +222,8 @@ TEST_F(KestrinAppQuitTest, WhatDeliveriesChangedIsSavedOnceTheJournalIsDurable) 
   It->World.Threads.RunPending();
   Disk.CutPower(false);
   Now = It->World.Time.Now();
+  WriteSet(Home, {DailyAt(Sunday + 9 * Day)});
+  Remember({Home, Work});
   Start();
   EXPECT_EQ(FirstEvent(Work).GetNextEventTime(), Sunday + 3 * Day + 8 * Hour);
 }

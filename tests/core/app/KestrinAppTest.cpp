@@ -66,7 +66,9 @@ TEST_F(KestrinAppTest, StartUpOnlyHandsTheTimeOverAndLeaves) {
 }
 
 TEST_F(KestrinAppTest, WhatCannotBeReadIsReportedOnceAndForgottenOnlyIfItStaysGone) {
-  WriteSet(Work, {});
+  EventRecord later = DailyAt(Sunday + 40 * Day);
+  later.PeriodType = Once;
+  WriteSet(Work, {later});
   WriteSet(Home, {DailyAt(Sunday + 7 * Hour, "Milk")});
   const std::string damaged("\0001.2\0\0\0", 8), newer("\0009.9\0\0\0", 8);
   const std::string milk = *Disk.Bytes(Home);
@@ -88,7 +90,7 @@ TEST_F(KestrinAppTest, WhatCannotBeReadIsReportedOnceAndForgottenOnlyIfItStaysGo
           "written by version 9.9, and the current version is 1.2.  The set will not be able to be "
           "opened until you get a newer version of Kestrin.",
           "Kestrin: Attempt to open event set /sets/Locked failed."));
-  EXPECT_EQ(It->Background.Times.back(), Now + Hour) << "nothing else is pending";
+  EXPECT_EQ(It->Background.Times.back(), Now + Hour) << "long before what is pending";
   Now += Day - 1;
   Start({"-background"});
   EXPECT_TRUE(It->Ended) << "nothing to tell";
@@ -221,8 +223,11 @@ TEST_F(KestrinAppTest, WhatWasBegunAndNotEndedIsToldAndEverythingElseGoesOn) {
     std::string journal;
     It->World.Actions.WhenEvent = [&](Event& event) {
       if (event.GetName() != "Tea") return;
-      if (row.handler == std::string("failed"))
+      if (row.handler == std::string("failed")) {  // after an alert that was answered
+        It->World.Record.Shown(event.GetDelivery(), {});
+        It->World.Record.Answered(event.GetDelivery(), 0, "Ok");
         It->World.Record.FailedNow(event.GetDelivery(), Overrun);
+      }
       journal = *Disk.Bytes(JournalFile);
     };
     DeliverAt(Sunday + 9 * Hour);
@@ -401,6 +406,9 @@ TEST_F(KestrinAppTest, WhatIsPutOffOutlivesADeliveryAndNothingElseOfItsEvent) {
   EXPECT_THAT(Alerts(), IsEmpty()) << "the event itself comes then";
   DeliverAt(Sunday + 10 * Hour);
   EXPECT_THAT(Alerts(), ElementsAre("soon")) << "though a delivery has deleted the event";
+  EXPECT_EQ(It->World.Alerts.PutOff(Ui().Alerts.at(0).Id, {Sunday + 11 * Hour, false, {}}), "");
+  DeliverAt(Sunday + 11 * Hour);
+  EXPECT_THAT(Alerts(), ElementsAre("soon")) << "as often as it is put off";
   Answer(0);
   keep(about(Sunday + Day), Sunday + 2 * Day);
   It->World.Holding.ProcessHold();

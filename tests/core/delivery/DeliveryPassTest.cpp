@@ -139,6 +139,11 @@ TEST_F(DeliveryPassTest, OnlyAWakeUpThatIsLateItselfMakesEventsMissed) {
     Run(wakeUp);
     EXPECT_THAT(Delivered(), ElementsAre("first" + missed, "second" + missed, "just now")) << late;
   }
+  Add(set, DailyAt(Now - Day));  // a set is opened behind a change that is told first
+  Run(Message(SETS_OPENED));
+  EXPECT_THAT(Delivered(), ElementsAre("Tea missed"));
+  EXPECT_EQ(World.Record.All().back().Why, "further occurrences had passed by then")
+      << "the one of this very second";
 }
 
 TEST_F(DeliveryPassTest, WithoutAScreenWhatNeedsOneIsAskedForAMinuteLater) {
@@ -234,6 +239,17 @@ TEST_F(DeliveryPassTest, AnEventThatIsDeletedWhileItActsHasBeenDelivered) {
   World.RunMessages();
   ASSERT_TRUE(deleted);
   EXPECT_EQ(deleted->GetNextEventTime(), Now + Day) << "put back, it does not come again";
+}
+
+TEST_F(DeliveryPassTest, AnEventThatIsMovedWhileItActsComesWhenThePersonSays) {
+  EventSet& set = NewSet();
+  EventRecord record = OnceAt(Now);
+  record.ApplyNag = true;
+  Event& event = Add(set, record);
+  World.Actions.WhenEvent = [](Event& acting) { acting.SetEventTime(Now + Day, true); };
+  World.RunMessages();
+  EXPECT_EQ(event.GetNextEventTime(), Now + Day);
+  EXPECT_EQ(event.GetStatus(), WaitingForEvent);
 }
 
 TEST_F(DeliveryPassTest, AnActionThatBlocksIsSeenAndOneAfterAnotherIsNot) {

@@ -226,6 +226,10 @@ TEST_F(EditHistoryTest, AStepHoldsNeitherStatusNorTimesAndRingsNothing) {
   History.Undo();
   EXPECT_EQ(cake.GetName(), "Cake");
   EXPECT_FALSE(History.Undo());
+  History.SetActive({&cake}, false);
+  World.Time.JumpTo(Sunday + Day + 1);
+  History.Undo();
+  EXPECT_EQ(cake.GetNextEventTime(), Sunday + 2 * Day) << "what has passed meanwhile rings not";
 }
 
 }  // namespace

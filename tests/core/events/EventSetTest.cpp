@@ -119,12 +119,25 @@ TEST_F(EventSetTest, WindowAndApplicationAreTold) {
   set.AddEvent(nullptr);
   EXPECT_EQ(World.Ui.EditorWindows.size(), 1u) << "a new event opens its editor";
   World.Time.JumpTo(Sunday + Day);
+  World.Queue.Post(SETS_OPENED);
   set.RestoreEvents(std::move(removed));
   World.RunMessages();
-  EXPECT_EQ(World.CountMessages(SETS_OPENED), 1) << "it is due this very second";
+  EXPECT_EQ(World.CountMessages(SETS_OPENED), 1) << "it is due this very second, and once";
   EXPECT_THAT(window.Added, ElementsAre(testing::_, handle));
   EXPECT_EQ(set.Events()[0].get(), out) << "at its old place";
   EXPECT_EQ(World.Ui.EditorWindows.size(), 1u);
+}
+
+TEST_F(EventSetTest, WhoGetsANamesakeBeforeItIsRenamedInTheJournalToo) {
+  EventSet& set = NewSet();
+  Event& milk = Add(set, DailyAt(Sunday + Day, "Milk"));
+  Add(set, DailyAt(Sunday + Day, "Tea"));
+  Settle(set);
+  milk.SetName("Tea");
+  EXPECT_THAT(
+      set.FileNames().Saved(set),
+      ElementsAre(testing::Pair(EventName{"Milk", "Message", 0}, EventName{"Tea", "Message", 0}),
+                  testing::Pair(EventName{"Tea", "Message", 0}, EventName{"Tea", "Message", 1})));
 }
 
 TEST_F(EventSetTest, EditorsThatStoodOpenOpenAgainButNeverTooMany) {

@@ -33,6 +33,7 @@ TEST_F(EventTest, SettersRecomputeMarkAndTell) {
       {Recomputes, [](Event& e) { e.SetStopTime(3); }},
       {Marks, [](Event& e) { e.SetPrewarnMessage("x"); }},
       {Marks, [](Event& e) { e.SetDeliverIfMissed(false); }},
+      {Marks, [](Event& e) { e.SetApplyNag(false); }},
       {Nothing, [](Event& e) { e.SetSkipPrewarn(true); }},
       {Nothing, [](Event& e) { e.SetSelectedHandler(99); }},
       {Nothing, [](Event& e) { e.SetIcon(-2, nullptr); }},

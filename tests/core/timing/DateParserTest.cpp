@@ -70,18 +70,22 @@ TEST(DateParser, AFieldReadsWhatThePageSays) {
 TEST(DateParser, MonthsAwayStopAtTheMonthsEnd) {
   const int64 now = ToCivil({2027, 11, 31, 12, 0, 0}).seconds;
   for (const char* typed : {"in 2 months", "2 months from now"})
-    EXPECT_EQ(WallText(ParseDate(typed, now, Zone()), Zone()), "2028-02-29 00:00:00");
-  EXPECT_EQ(WallText(ParseDate("last month", now, Zone()), Zone()), "2027-11-30 00:00:00");
-  EXPECT_EQ(WallText(ParseDate("next year", now, Zone()), Zone()), "2028-12-31 00:00:00");
+    EXPECT_EQ(WallText(hastimeinfo_parsedate(typed, now, Zone(), nullptr), Zone()),
+              "2028-02-29 00:00:00");
+  EXPECT_EQ(WallText(hastimeinfo_parsedate("last month", now, Zone(), nullptr), Zone()),
+            "2027-11-30 00:00:00");
+  EXPECT_EQ(WallText(hastimeinfo_parsedate("next year", now, Zone(), nullptr), Zone()),
+            "2028-12-31 00:00:00");
 }
 
 TEST(DateParser, OutsideWhatCanBeStoredIsNoDate) {
-  EXPECT_EQ(ParseDate("Dec 13 1901 20:45:52", 1000, Zone()), INT32_MIN);
-  EXPECT_EQ(ParseDate("Dec 13 1901 20:45:51", 1000, Zone()), -1);
-  EXPECT_EQ(ParseDate("2038-01-19 03:14:08", 1000, Zone()), -1);
-  EXPECT_EQ(ParseDate("in 1 second", INT64_MAX, Zone()), -1);
-  EXPECT_EQ(ParseDate("Nov 15 2026" + std::string(200, ' '), 1000, Zone()), -1);
-  EXPECT_EQ(ParseDate(std::string_view("today\0", 6), 1000, Zone()), -1);
+  EXPECT_EQ(hastimeinfo_parsedate("Dec 13 1901 20:45:52", 1000, Zone(), nullptr), INT32_MIN);
+  EXPECT_EQ(hastimeinfo_parsedate("Dec 13 1901 20:45:51", 1000, Zone(), nullptr), -1);
+  EXPECT_EQ(hastimeinfo_parsedate("2038-01-19 03:14:08", 1000, Zone(), nullptr), -1);
+  EXPECT_EQ(hastimeinfo_parsedate("in 1 second", INT64_MAX, Zone(), nullptr), -1);
+  EXPECT_EQ(hastimeinfo_parsedate("Nov 15 2026" + std::string(200, ' '), 1000, Zone(), nullptr),
+            -1);
+  EXPECT_EQ(hastimeinfo_parsedate(std::string_view("today\0", 6), 1000, Zone(), nullptr), -1);
 }
 
 TEST(DateParser, AnyTextEnds) {

@@ -125,6 +125,9 @@ TEST(EventTiming, TheEditorHearsWhatIsWrongWithWhatTheRuleUses) {
   rule.NagRepeatTime = 1;
   rule.ApplyPrewarn = rule.ApplyPrewarnRepeat = true;
   EXPECT_TRUE(WhyRuleNeverYields(rule));
+  rule.ApplyPrewarn = false;
+  EXPECT_EQ(WhyRuleNeverYields(rule), std::nullopt) << "what is repeated never comes";
+  rule.ApplyPrewarn = true;
   rule.PrewarnRepeatTime = 1;
   EXPECT_EQ(WhyRuleNeverYields(rule), std::nullopt);
   rule.PrewarnType = 5;
@@ -225,6 +228,9 @@ TEST(EventTiming, NagsOfMonthsAreOnTheWallClockAndOthersElapse) {
     rule.NagRepeatType = unit;
     EXPECT_EQ(NextNag(rule, MomentOf(now), berlin).NextEventTime, MomentOf(next)) << now;
   }
+  const int32 again = MomentOf("2026-10-25 02:30 +0100");
+  EXPECT_EQ(ComputeEventTimes(Warned(again, 0, Months), again - Day, berlin).NextEventTime, again)
+      << "no month ahead is not an hour ahead";
 }
 
 TEST(EventTiming, MidnightAndTimeOfDay) {

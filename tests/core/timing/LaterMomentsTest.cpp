@@ -43,6 +43,9 @@ TEST(LaterMomentsTest, TypedTimesLieAheadAndStayOnTheWallClock) {
   } cases[] = {
       {"15:30", now + 90 * 60},
       {"9 am", Saturday + 33 * OneHour},
+      {"14:00", Saturday + 38 * OneHour},
+      {"in 24 hours", Saturday + 38 * OneHour},
+      {"in 23 hours", Saturday + 37 * OneHour, false},
       {"tomorrow", Saturday + 32 * OneHour},
       {"20 minutes", now + 1200, false},
       {"15:30", 0, true, now + OneHour},

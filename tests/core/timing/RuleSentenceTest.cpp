@@ -53,7 +53,7 @@ TimingRule RuleOf(const std::string& text) {
     else if (value.find('+') != value.npos)
       Fields.at(name)(rule, MomentOf(value));
     else if (value.find('-') != value.npos)
-      Fields.at(name)(rule, ParseDate(value, Now, Berlin));
+      Fields.at(name)(rule, hastimeinfo_parsedate(value, Now, Berlin, nullptr));
     else
       Fields.at(name)(rule, std::stoi(value));
   }

@@ -106,7 +106,7 @@ TEST_F(UndoTest, CutAndPasteMoveAnEventToAnotherSet) {
   EXPECT_EQ(Selected(from), "Tea") << "the first row is current, and selected";
   ListOf(from).clearSelection();
   Key(from, Qt::Key_C, Qt::ControlModifier);
-  EXPECT_FALSE(ClipboardHasEvent()) << "nothing is selected";
+  EXPECT_EQ(QGuiApplication::clipboard()->text(), "") << "nothing is selected";
   Select(from, "Tea");
   Key(from, Qt::Key_X, Qt::ControlModifier);
   EXPECT_THAT(Names(from), ElementsAre("Cake"));
