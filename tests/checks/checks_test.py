@@ -39,11 +39,9 @@ GOOD = {
 # Files that include what their room must not know.
 UPWARDS = {
     "src/core/events/Event.h": '#include "handlers/Table.h"',
-    "src/support/A.h": "#include <core/events/Event.h>",
-    "src/support/B.h": '  #  include "core/events/Event.h"',
+    "src/support/B.h": '  #  include <core/events/Event.h>',
     "src/core/timing/T.h": '#include "core/events/Event.h"',
     "src/handlers/H.h": '#include "session/S.h"',
-    "src/session/S.h": '#include "handlers/Table.h"',
     "src/interface/I.h": '#include "../session/S.h"',
     "src/interface/list/L.h": '#include "interface/View.h"',
     "include/kestrin/P.h": '#include "core/events/Event.h"',
@@ -97,7 +95,7 @@ class Tree(unittest.TestCase):
                 ("MakeThing(); Take(Late);", "B", None), ("Take(Late);", "C", "names Late without"),
                 ("class Thing; Thing* t;", "C", "uses nothing"),
                 ("Take(1); class Thing; Thing* t;", "C", None), ("Take(x.Late, a::Late);", "C", None),
-                ("// Most, \"Late\"", "A", "uses nothing"), ("int Late = 1; Take(Late);", "C", None)):
+                ("// Most, \"Late\"", "A", "uses nothing")):
             with self.subTest(line, include=include):
                 self.lay(good | {"src/support/D.cpp": f'#include "support/{include}.h"\n{line}\n'})
                 run = subprocess.run([sys.executable, "-B", CHECKS / "uses.py", self.root],

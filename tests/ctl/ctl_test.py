@@ -306,7 +306,8 @@ class PastTest(CtlTest):
             line("a.1", **about, place=0, **at, alert="answered", answer="Ok", answered=BEGIN + 60) +
             line("a.2", **about, place=1, **at | {"act": "missed", "why": "the computer was off"}))
         (self.state / "journal").write_text(line("a.3", **about, place=0, **at | {"at": BEGIN + DAY}, alert="putoff"))
-        (self.state / "later").write_text(line("l.1", **about, of="a.3", alert="putoff", moment=BEGIN + 2 * DAY))
+        (self.state / "later").write_text(line("l.1", **about, of="a.3", alert="putoff", moment=BEGIN + 2 * DAY) +
+                                          line("l.2", **about, of="a.1", alert="putoff", moment=BEGIN + 9 * DAY))
 
     def test_history_is_told_newest_first_and_changes_nothing(self):
         before = {path.name: path.read_bytes() for path in self.state.iterdir()}

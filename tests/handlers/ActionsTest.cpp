@@ -186,6 +186,30 @@ TEST_F(ActionsTest, ADiskThatDoesNotAnswerDelaysNothingElse) {
   }
 }
 
+TEST_F(ActionsTest, WhatAnotherSessionHasTakenUpIsNotDoneHere) {
+  World.Machine.Files["/pot"] = {true, false, ""};
+  World.Threads.How = FakeWorkers::Mode::Deferred;
+  const FakeProcesses other(77);
+  Journal theirs(Disk, other, World.Time, "/state", {});
+  for (const bool isFile : {false, true}) {
+    JournalRecord record;
+    record.Event = {isFile ? "file" : "command", "", 0};
+    record.From = EventState{1, 1, 1, false};
+    record.Act = ActStage::Acting;
+    Subject->SetDelivery(World.Record.Begin(record));
+    isFile ? void(File(false)) : void(Command(true));
+    Deliver();
+    Subject->SetDelivery("");
+    theirs.Read();
+    ASSERT_TRUE(theirs.Claim(record));
+    if (!isFile) Answer(1);
+    World.Threads.RunPending();
+    World.RunMessages();
+  }
+  EXPECT_THAT(World.Machine.Commands, IsEmpty());
+  EXPECT_THAT(World.Machine.Launched, IsEmpty());
+}
+
 TEST_F(ActionsTest, AFileIsDescribedAskedForAndLaunched) {
   const struct {
     FileDescription File;
@@ -287,6 +311,11 @@ TEST_F(ActionsTest, OnlyWhatIsThePersonsOwnActsUnasked) {
   OwnSets first(Disk, "/elsewhere", report);
   first.Read({path, "/sets/gone"});
   EXPECT_TRUE(first.IsOwn(path, *Disk.Bytes(path))) << "remembered before there was a list";
+  Disk.Put("/blind/mine", "nobody may read it", 0200);
+  OwnSets blind(Disk, "/blind", report);
+  blind.Read({});
+  blind.Saved(path, "1");
+  EXPECT_EQ(Disk.Bytes("/blind/mine"), "nobody may read it") << "nor is it written over";
   World.Core.ownSets = nullptr;
 }
 
@@ -340,6 +369,7 @@ TEST_F(ActionsTest, WithoutAScreenOnlyWhatNeedsNoneIsDelivered) {
     if (auto* file = dynamic_cast<ActOnFileDataHandler*>(Subject->GetAddOnData()))
       file->SetFileName(row.Text), file->SetVerify(row.Verify);
     EXPECT_EQ(actions.CanDeliver(*Subject), row.Able);
+    EXPECT_EQ(actions.PlanOf(*Subject).OneSession, row.Able && *row.Text) << "of several";
   }
   EventRecord record = DailyAt(due);
   record.Status = WaitingToNag;

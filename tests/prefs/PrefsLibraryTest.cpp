@@ -24,6 +24,7 @@ TEST(PrefsLibraryTest, IsLookedForInTheFoldersOfTheSearchPath) {
       {"/", "/nowhere::" + Whole, true},
       {ParentOf(Whole), "%A/" + leaf, true},
       {ParentOf(Whole), "/" + leaf + ":%A" + leaf, false},
+      {Whole.substr(0, Whole.size() - 1), "%A" + Whole.substr(Whole.size() - 1), false},
       {"/", Lacking, false},
       {"/", Lacking + ":" + Whole, true}};
   for (const auto& [applicationFolder, libraryPath, found] : cases) {

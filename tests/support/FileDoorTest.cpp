@@ -118,20 +118,6 @@ TEST_P(EveryFileDoor, FindsTheTruePathOfLinksAndOfWhatIsNotThereYet) {
   EXPECT_EQ(door.List(top + "/none"), std::nullopt);
 }
 
-TEST_P(EveryFileDoor, TellsAReplacedFileFromTheOneItWas) {
-  const std::string path = top + "/file";
-  WriteWholeFile(door, path, "one");
-  const auto first = door.Stamp(path);
-  EXPECT_EQ(door.Stamp(path), first);
-  WriteWholeFile(door, path, "two");
-  EXPECT_NE(door.Stamp(path), first);
-  EXPECT_EQ(door.Rename(path, top + "/moved"), StatusOk);
-  EXPECT_EQ(door.Stamp(path), std::nullopt);
-  EXPECT_EQ(door.Rename(path, top + "/moved"), -ENOENT);
-  EXPECT_EQ(door.Remove(top + "/moved"), StatusOk);
-  EXPECT_EQ(door.Remove(top + "/moved"), -ENOENT);
-}
-
 TEST_P(EveryFileDoor, KeepsAttributesAndModeWhenAFileIsReplaced) {
   const std::string path = top + "/file", name = "user.kestrin.test";
   WriteWholeFile(door, path, "one");
@@ -272,23 +258,6 @@ TEST_P(EveryFileDoor, AFileBesideAnotherIsAsPrivateAndWhatWasAbandonedGoes) {
   WriteWholeFile(door, of, "2");
   EXPECT_EQ(door.List(top),
             Names({".mine.new", ".young" + random, "beside", "of", "orphan", "plain" + random}));
-}
-
-TEST(ReplaceFile, ALongNameStillHasRoomForATemporaryOne) {
-  MemoryFileDoor disk;
-  std::string name = "/home/";
-  while (name.size() < 6 + 254) name += "\xC3\xA9";
-  disk.Put(name, "earlier");
-  std::string beside;
-  EXPECT_EQ(ReplaceFile(disk, name,
-                        [&](const std::string& temporary) {
-                          beside = temporary;
-                          return true;
-                        }),
-            StatusOk);
-  EXPECT_THAT(beside, testing::StartsWith("/home/.\xC3\xA9\xC3\xA9"));
-  EXPECT_LE(beside.size(), 6u + 255);
-  EXPECT_EQ(disk.Bytes(name), "");
 }
 
 TEST(WholeFile, ReadsNoMoreThanTheLimit) {

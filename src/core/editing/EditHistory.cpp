@@ -66,8 +66,7 @@ void EditHistory::Push(EditStep step) {
 }
 
 bool EditHistory::JoinWithLast(const Event& event, const std::vector<FieldChange>& fields) {
-  if (!sitting_ || position_ == 0 || position_ != steps_.size() || saved_ == position_)
-    return false;
+  if (!sitting_ || position_ == 0 || position_ != steps_.size()) return false;
   EditStep& last = steps_.back();
   if (last.kind != EditKind::Change || last.FirstEvent() != event.GetHandle() ||
       !TouchSameField(last.changed.front().fields, fields))

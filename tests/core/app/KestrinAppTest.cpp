@@ -296,6 +296,7 @@ TEST_F(KestrinAppTest, TwoSessionsNeverForkASetThatDeliveriesAloneHaveChanged) {
   }
   EXPECT_EQ(FirstEvent(Work).GetHandle(), handle);
   EXPECT_NE(FirstEvent(Work).GetWindow(), nullptr);
+  EXPECT_EQ(Ui().EditorWindows.size(), 1u) << "theirs opens none here";
   EXPECT_EQ(Set(Work)->CountEvents(), 3);
   EXPECT_EQ(Set(Work)->Events()[1]->GetComment(), "theirs");
   EXPECT_EQ(other.World.Actions.TakeNames().size() + Delivered().size(), 4u + 4u + 6u + 1u)
@@ -378,6 +379,25 @@ TEST_F(KestrinAppTest, AnotherZoneRecomputesAllButTheOverdueAndTheNagging) {
   Post(Message(DELIVER_EVENTS));
   EXPECT_THAT(nextTimes(), ElementsAre(25, 9, 7));
   EXPECT_EQ(It->World.Settings.ZoneName, "Asia/Tokyo");
+  SystemZone = Zone();
+  It->World.Actions.WhenEvent = [this](Event&) { EXPECT_EQ(It->World.Core.zone.Name(), "UTC"); };
+  It->World.Time.JumpTo(Sunday + 25 * Hour);
+  Post(Message(RESUMED));
+  EXPECT_THAT(Delivered(), testing::Contains(testing::StartsWith("Tea"))) << "in the new one";
+}
+
+TEST_F(KestrinAppTest, WhatWasPassedOverForMoreThanADayIsToldAndNotAllOfIt) {
+  EventRecord dropped = DailyAt(Sunday + 9 * Hour, "dropped");
+  dropped.DeliverIfMissed = false;
+  for (const int32 away : {Day, Day + 1}) {
+    Now = Sunday + 8 * Hour;
+    StartWith(std::vector<EventRecord>(21, dropped));
+    Now += away;
+    Start();
+    const std::string told = Alerts().empty() ? "" : Alerts()[0];
+    EXPECT_EQ(std::count(told.begin(), told.end(), '\n'), away == Day ? 0 : 22);
+    EXPECT_EQ(told.ends_with("\nand 1 more"), away != Day);
+  }
 }
 
 TEST_F(KestrinAppTest, WhatIsPutOffOutlivesADeliveryAndNothingElseOfItsEvent) {

@@ -252,6 +252,24 @@ TEST_F(DeliveryPassTest, AnEventThatIsMovedWhileItActsComesWhenThePersonSays) {
   EXPECT_EQ(event.GetStatus(), WaitingForEvent);
 }
 
+TEST_F(DeliveryPassTest, ATrialActsWhoeverElseHasDelivered) {
+  EventSet& set = NewSet();
+  Event& event = Add(set, DailyAt(Now + Hour));
+  Settle(set);
+  World.Actions.Plan = {true, "brew", ""};
+  const FakeProcesses other(77);
+  Journal theirs(Door, other, World.Time, "/state", {});
+  theirs.Read();
+  JournalRecord rival;
+  rival.Set = set.GetFileName();
+  rival.Event = {"Tea", "Message", 0};
+  rival.Kind = RecordKind::Event;
+  rival.From = StateOf(event.Record());
+  ASSERT_TRUE(theirs.Claim(rival));
+  ActAgain(event, RecordKind::Event);
+  EXPECT_THAT(Delivered(), ElementsAre("Tea"));
+}
+
 TEST_F(DeliveryPassTest, AnActionThatBlocksIsSeenAndOneAfterAnotherIsNot) {
   std::promise<std::string> overrun;
   ActionWatch watch([&](const std::string& record) { overrun.set_value(record); },

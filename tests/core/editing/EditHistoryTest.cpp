@@ -180,6 +180,19 @@ TEST_F(EditHistoryTest, EditsOfOneFieldInOneSittingAreOneStep) {
   EXPECT_FALSE(History.NextUndo()) << "there and back is nothing";
   EXPECT_FALSE(Set.HasBeenModified());
 
+  Edit(tea, [](Event& it) { it.SetComment("hot"); });
+  for (const char* name : {"Coffee", "Tea"}) Edit(tea, [name](Event& it) { it.SetName(name); });
+  Edit(tea, [](Event& it) { it.SetComment("cold"); });
+  History.Undo();
+  EXPECT_EQ(tea.GetComment(), "hot") << "there and back ends the sitting";
+  History.Undo();
+  Event& other = Add(Set, DailyAt(Sunday + 9 * Hour));
+  History.SetActive({&other}, false);
+  History.SetActive({&tea, &other}, false);
+  EXPECT_EQ(History.NextUndo()->count, 1u) << "the other one was so already";
+  for (int i = 0; i < 2; ++i) History.Undo();
+  Settle(Set);
+
   Edit(tea, [](Event& it) { it.SetName("Cake"); });
   ASSERT_TRUE(Set.SaveData());
   Edit(tea, [](Event& it) { it.SetName("Pie"); });

@@ -5,6 +5,7 @@
 
 #include <random>
 
+#include "core/events/EventProgress.h"
 #include "harness/SetTestBase.h"
 #include "support/Opened.h"
 
@@ -202,6 +203,26 @@ TEST_F(EventSetSaveTest, AFileThatOthersHaveChangedIsLeftAlone) {
     World.Open.Sets.clear();
     World.Settings.SetFileNames.clear();
   }
+}
+
+TEST_F(EventSetSaveTest, WhatTheJournalKnowsFollowsASaveThatFailsAndAFileThatIsReadAgain) {
+  EventSet& set = SavedSet();
+  Event& tea = *set.Events()[0];
+  const std::string before = *Disk.Bytes(Path);
+  JournalRecord record;
+  record.Set = Path;
+  record.Event = {"Tea", "Message", 0};
+  record.From = StateOf(tea.Record());
+  record.To = EventState{Sunday + 2 * Day, Sunday + 2 * Day, WaitingForEvent, false};
+  World.Record.Begin(record);
+  EXPECT_FALSE(set.SaveAs("/gone/Other.kestrin", true));
+  EXPECT_TRUE(World.Record.Knows(Path));
+  const EventSet::DeliveryChange byDelivery(set);
+  AssignState(tea, *record.To);
+  Disk.Put(Path, before);
+  ASSERT_TRUE(set.SaveData(SavedBy::Itself));
+  EXPECT_NE(Disk.Bytes(Path), before) << "a file that was put back is brought up to date";
+  EXPECT_EQ(set.GetFileName(), Path);
 }
 
 TEST_F(EventSetSaveTest, ADownloadedSetStaysMarkedUntilTheUserSavesIt) {

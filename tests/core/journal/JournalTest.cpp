@@ -131,6 +131,7 @@ TEST_F(JournalTest, WorksInMemoryWhateverCallFailsAndWritesItLater) {
       Told.clear();
       EXPECT_THAT(Session(*this, 2).It.All(), SizeIs(3)) << "call " << call << " " << Door.Failed;
       EXPECT_THAT(Told, IsEmpty()) << "call " << call << " " << Door.Failed;
+      EXPECT_LE(DecodeLines(*Disk.Bytes(JournalFile)).Lines.size(), 6u) << "each line once";
     }
 }
 
@@ -168,6 +169,12 @@ TEST_F(JournalTest, IsReplacedUnderOthersWithoutLosingALine) {
     EXPECT_EQ(log->Find("a.1")->Fields.Number("n"), 4);
   }
   EXPECT_EQ(DecodeLines(*Disk.Bytes(JournalFile)).Damaged, 0);
+  Door.OnRename = nullptr;
+  Door.FailAgain(1);
+  EXPECT_NE(mine.Append("a.9", fields), StatusOk);
+  theirs.Compaction()();
+  mine.CatchUp();
+  EXPECT_TRUE(mine.Find("a.9")) << "what could not be written yet";
 }
 
 TEST_F(JournalTest, FollowsWhatTheFileDoesNotKnow) {
@@ -214,6 +221,7 @@ TEST_F(JournalTest, LetsOneSessionActWithAndWithoutTheLock) {
     EXPECT_TRUE(first);
     EXPECT_FALSE(b.It.Claim(Of(At(1), At(2))));
     EXPECT_TRUE(b.It.Claim(Of(At(2), At(3))));
+    EXPECT_TRUE(b.It.Claim(Of(At(1), At(2), 1))) << "its namesake";
     const std::string asked = b.It.Begin(Of(At(1), At(2)));
     EXPECT_FALSE(b.It.ClaimAgain(asked)) << "a question that another session has answered";
     Dead = {1, 2};
@@ -244,7 +252,9 @@ TEST_F(JournalTest, KeepsTheLastOfEachEventAndGivesTheRestToTheHistory) {
   EXPECT_THAT(Ids(past), ElementsAre(first, gone, second));
   EXPECT_EQ(past.back().Exit, 3) << "as another thread has written";
   EXPECT_EQ(status, StatusOk);
-  EXPECT_EQ(session.It.LastOccurrence(WorkSet, {"Tea", "Command", 0}), 300);
+  for (const int64 upTo : {300, 299})
+    EXPECT_EQ(session.It.LastOccurrence(WorkSet, {"Tea", "Command", 0}, upTo),
+              upTo == 300 ? std::optional(300) : std::nullopt);
 }
 
 TEST_F(JournalTest, KeepsNinetyDaysOfHistory) {
@@ -263,6 +273,7 @@ TEST_F(JournalTest, KeepsNinetyDaysOfHistory) {
   status_t status = 1;
   EXPECT_THAT(Ids(history.Read(status)), ElementsAre("x.50", "x.100"));
   append(101, History::KeptBytes);
+  Disk.Put("/state/history", *Disk.Bytes("/state/history") + "cut in the midd");
   append(102, 10);
   EXPECT_TRUE(history.WantsPruning(102 * SecondsPerDay));
   history.Prune(102 * SecondsPerDay);
@@ -285,11 +296,16 @@ TEST_F(JournalTest, HasWhatWasPutOffOnDiskOrSaysWhyNot) {
     const status_t status = later.PutOff(alert);
     EXPECT_EQ(later.All().size(), status == StatusOk ? 1u : 0u);
     if (status == StatusOk) Disk.CutPower(false);
+    const int64 until = alert.When.Moment;
+    alert.When.Moment = 600;
+    Door.FailAgain(status == StatusOk ? 1 : 0);
+    if (status == StatusOk) EXPECT_NE(later.PutOff(alert), StatusOk);
     Later again(Disk, "/state", "b", {});
     again.Read();
     const std::vector<PutOffAlert> found = again.Of(WorkSet, alert.Event);
     ASSERT_EQ(found.size(), status == StatusOk ? 1u : 0u) << "call " << call << Door.Failed;
-    if (Door.HasFailed()) continue;
+    if (status != StatusOk) continue;
+    EXPECT_EQ(later.All().at(0).When.Moment, until) << "as it was, if it cannot be put off again";
     EXPECT_EQ(found[0].Alert.Text, Everything());
     EXPECT_THAT(found[0].Unanswered, ElementsAre(78, 79));
     EXPECT_EQ(found[0].Occurrence, 77);

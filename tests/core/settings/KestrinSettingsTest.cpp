@@ -245,7 +245,8 @@ TEST(WindowPositionSetTest, WindowsOpenInStepsAndStartAgain) {
     }
   position.NextFrame();
   position.SetDefaultFrame({1, 2, 3, 4});
-  EXPECT_EQ(position.NextFrame(), (Rect{1, 2, 3, 4}));
+  for (int step = 0; step < WindowPositionSet::MaxSteps; ++step) position.NextFrame();
+  EXPECT_EQ(position.NextFrame().left, 1 + 20.0F * WindowPositionSet::MaxSteps);
 }
 
 TEST(WindowPositionSetTest, AFrameIsMovedOntoTheScreen) {

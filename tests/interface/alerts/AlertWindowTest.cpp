@@ -189,8 +189,6 @@ TEST_F(AlertWindowTest, ANagTakesThePlaceOfTheOpenPrewarning) {
   EXPECT_EQ(Button(alert, 0)->text(), "&No more nagging");
   EXPECT_EQ(Button(alert, 2), nullptr);
   EXPECT_EQ(alert->pos(), place);
-  QCoreApplication::processEvents();
-  EXPECT_EQ(context.Bells, 1) << "both in one heap";
   if (pressed) QTest::mouseRelease(pressed, Qt::LeftButton);
   EXPECT_THAT(answers, SizeIs(1)) << "what was pressed was another button";
   QTest::mouseClick(Button(alert, 0), Qt::LeftButton);
@@ -207,8 +205,6 @@ TEST_F(AlertWindowTest, HostileTextsAreShownPlainAndStayOnTheScreen) {
       {std::string(4000, '\n'), QString(4000, u'\n'), true},
       {"<h1>x</h1><img src=x>&amp;", "<h1>x</h1><img src=x>&amp;"},
       {"a\xff\xc3", "a\uFFFD\uFFFD"},
-      {std::string("a\0b", 3), "ab"},
-      {"", ""},
   };
   const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
   for (const auto& each : cases) {

@@ -72,6 +72,7 @@ TEST_F(RemindersWindowTest, WhatComesStandsAtTheEndUnderItsHeadingAndMovesNothin
   Show("c");
   EXPECT_THAT((Window(), Rows()), ElementsAre("While you were away", "a", "b", "Now", "c"));
   EXPECT_EQ(Current(), "a");
+  EXPECT_EQ(List()->model()->index(1, 2).data(), "Thu, Jan 01 1970") << "a bare day";
   List()->selectAll();
   List()->setFocus();
   for (int i = 0; i < 60; ++i) Show("new");

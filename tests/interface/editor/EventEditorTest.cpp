@@ -1,6 +1,5 @@
 #include <QAccessible>
 #include <QCheckBox>
-#include <QScrollArea>
 
 #include "core/delivery/EventDelivery.h"
 #include "harness/EditorDriver.h"
@@ -59,22 +58,6 @@ TEST_F(EventEditorTest, TheTitleAndTheHeaderShowThingsAsTheyAreNow) {
   QCoreApplication::sendPostedEvents(window);
   EXPECT_EQ(TextOf("nextTime"), "None");
   EXPECT_EQ(TextOf("status"), "Done with event");
-}
-
-TEST_F(EventEditorTest, IsScrolledOnlyWhereTheScreenIsTooLow) {
-  const QFont usual = QApplication::font();
-  for (const int points : {usual.pointSize(), 22}) {
-    QFont font = usual;
-    font.setPointSize(points);
-    QApplication::setFont(font);
-    OpenNew(WhenTab);
-    const QWidget& page = *Find("periodType").parentWidget();
-    const auto* scrolled = qobject_cast<QScrollArea*>(page.parentWidget()->parentWidget());
-    EXPECT_EQ(scrolled != nullptr, points == 22);
-    EXPECT_LT(window->minimumSizeHint().height(), 700);
-    window->close();
-  }
-  QApplication::setFont(usual);
 }
 
 /// The letter of the page that is shown leads to its first control.

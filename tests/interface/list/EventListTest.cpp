@@ -238,6 +238,12 @@ TEST_F(EventListTest, ABurstOfChangesIsAppliedOnceAndTheSelectionStaysWithItsEve
   EXPECT_EQ(list->GetSelectedEvent(), chosen);
   set.RemoveEvent(chosen);
   EXPECT_NE(list->GetSelectedEvent(), chosen);
+  std::vector<Event*> gone;
+  for (int i = 0; i < 9; ++i)
+    gone.push_back(set.AddEvent(std::make_unique<Event>(set, EventRecord{})));
+  set.RemoveEvents(gone);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(list->model()->rowCount(), set.CountEvents()) << "none of them, and all others";
 }
 
 TEST_F(EventListTest, WhatThePersonDoesToTheColumnsIsStoredAndNothingElse) {

@@ -109,17 +109,6 @@ TEST_F(AlertOnScreenTest, AnAlertLeavesTheFocusWhereItIsAndStaysAbove) {
   }
 }
 
-TEST_F(AlertOnScreenTest, AnUpdateTakesNoFocusEither) {
-  QWidget* alert = OpenAlert(1, 0);
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(alert));
-  AlertRequest nag;
-  nag.Text = std::string(3000, 'x');
-  nag.Buttons = {"No more nagging", "OK"};
-  context.Ui.UpdateAlert(1, nag);
-  ASSERT_TRUE(QTest::qWaitFor([&] { return alert->height() > 300; }));
-  EXPECT_TRUE(IsActive(typing));
-}
-
 TEST_F(AlertOnScreenTest, AnAlertTakesTheFocusWhenItIsGivenAndGivesItBack) {
   QWidget* alert = OpenAlert(1, 0);
   ASSERT_TRUE(QTest::qWaitForWindowExposed(alert));

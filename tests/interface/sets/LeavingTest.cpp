@@ -174,20 +174,5 @@ TEST_F(LeavingAllTest, AQuitWaitsForEveryWindowAndOneCancelEndsItForAll) {
   }
 }
 
-TEST_F(LeavingAllTest, ASetThatIsShownAgainBeforeItsChangesAreThrownAwayShowsTheSavedOnes) {
-  EventSet& set = OpenSet("Work.kestrin", true);
-  NewSet();
-  Change(set, "discarded");
-  WindowOf(set).close();
-  Run();
-  Message open(OPEN_FILES);
-  open.Set("0", Path("Work.kestrin"));
-  It->Queue.Post(open);
-  ASSERT_TRUE(Answer(Question, "Don't save"));
-  Post(open);
-  ASSERT_TRUE(Set("Work.kestrin") && Set("Work.kestrin")->GetWindow());
-  EXPECT_EQ(First(*Set("Work.kestrin")).GetName(), "Tea");
-}
-
 }  // namespace
 }  // namespace kestrin

@@ -2,7 +2,6 @@
 #include <QClipboard>
 #include <QLineEdit>
 #include <QPlainTextEdit>
-#include <QTabWidget>
 
 #include "core/ports/UserInterface.h"
 #include "harness/AppOnScreen.h"
@@ -159,18 +158,6 @@ TEST_F(UndoTest, TheEditorsKeysTakeBackWhatItsFieldsNoLongerCan) {
   for (int i = 0; i < 2; ++i) key(comment, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
   EXPECT_EQ(tea.GetName() + tea.GetComment(), "Tea timeblack");
   EXPECT_TRUE(tea.GetWindow());
-
-  editor->findChild<QTabWidget*>("tabs")->setCurrentIndex(0);
-  Run();
-  auto* message = editor->findChild<QPlainTextEdit*>("messageText");
-  ASSERT_TRUE(message);
-  message->setFocus();
-  QTest::keyClicks(message, "The kettle");
-  key(name, Qt::Key_Home);
-  key(name, Qt::Key_Z, Qt::ControlModifier);
-  EXPECT_EQ(editor->findChild<QPlainTextEdit*>("messageText")->toPlainText(), "");
-  key(name, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
-  EXPECT_EQ(editor->findChild<QPlainTextEdit*>("messageText")->toPlainText(), "The kettle");
 }
 
 TEST_F(UndoTest, ManyAtATimeAreOneStep) {
