@@ -124,5 +124,23 @@ TEST_F(AppAlertsTest, AQuestionIsAskedAnewAndADeliveryOnlyShown) {
   }
 }
 
+TEST_F(AppAlertsTest, APutOffQuestionThatIsNoneAnyMoreIsCarriedOutOnce) {
+  Now = Sunday + 6 * Hour;
+  StartWith({DailyAt(Sunday + 7 * Hour)});
+  FirstEvent(Work).SetSelectedHandler(It->World.Handlers.Find("Command"));
+  auto& command = dynamic_cast<CommandDataHandler&>(*FirstEvent(Work).GetAddOnData());
+  command.SetCommand("brew");
+  command.SetVerify(true);
+  DeliverAt(Sunday + 7 * Hour);
+  ASSERT_EQ(It->World.Alerts.PutOff(Ui().Alerts.at(0).Id, {Sunday + 8 * Hour, false, {}}), "");
+  command.SetVerify(false);
+  Set(Work)->SaveData();
+  DeliverAt(Sunday + 8 * Hour);
+  EXPECT_THAT(It->World.Machine.Commands, ElementsAre("brew"));
+  Now = Sunday + 9 * Hour;
+  Start();
+  EXPECT_THAT(It->World.Machine.Commands, IsEmpty());
+}
+
 }  // namespace
 }  // namespace kestrin

@@ -3,6 +3,7 @@
 #include "core/app/KestrinApp.h"
 
 #include "core/delivery/UnfinishedActs.h"
+#include "core/events/EventIdentity.h"
 #include "harness/AppTestBase.h"
 
 namespace kestrin {
@@ -208,6 +209,26 @@ TEST_F(KestrinAppTest, WhatWasDeliveredIsKnownByItsNameInTheFile) {
     Start();
     EXPECT_THAT(Delivered(), IsEmpty());
   }
+}
+
+TEST_F(KestrinAppTest, ARenamedEventOfAnUntitledSetIsKnownOnceTheSetHasItsFile) {
+  Start();
+  EventSet& set = *It->World.Open.Sets.back();
+  for (const auto& [name, time] : {std::pair("Tea", 9), {"Milk", 20}})
+    set.AddEvent(std::make_unique<Event>(set, DailyAt(Sunday + time * Hour, name)))
+        ->SetSelectedHandler(MessageHandler);
+  set.SetModified();
+  Run();
+  It->World.Ticks.RunOut();
+  Run();
+  DeliverAt(Sunday + 9 * Hour);
+  const EventState before = StateOf(DailyAt(Sunday + 9 * Hour));
+  set.Events()[0]->SetName("Toast");
+  ASSERT_TRUE(set.SaveAs(Home, true));
+  const auto records =
+      It->World.Record.About(Home, {"Toast", set.Events()[0]->GetHandlerName(), 0});
+  ASSERT_EQ(records.size(), 1u);
+  EXPECT_EQ(records[0].From, before);
 }
 
 TEST_F(KestrinAppTest, WhatWasBegunAndNotEndedIsToldAndEverythingElseGoesOn) {

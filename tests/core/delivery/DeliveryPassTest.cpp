@@ -7,6 +7,7 @@
 
 #include "core/delivery/ActionWatch.h"
 #include "core/delivery/EventDelivery.h"
+#include "core/events/EventIdentity.h"
 #include "core/loop/Holds.h"
 #include "harness/PageTable.h"
 #include "harness/SetTestBase.h"
@@ -273,7 +274,7 @@ TEST_F(DeliveryPassTest, ATrialActsWhoeverElseHasDelivered) {
 TEST_F(DeliveryPassTest, AnActionThatBlocksIsSeenAndOneAfterAnotherIsNot) {
   std::promise<std::string> overrun;
   ActionWatch watch([&](const std::string& record) { overrun.set_value(record); },
-                    std::chrono::milliseconds(5));
+                    std::chrono::milliseconds(20));
   World.Core.watch = &watch;
   EventSet& set = NewSet();
   for (int i = 0; i < 100; ++i) Add(set, OnceAt(Now));

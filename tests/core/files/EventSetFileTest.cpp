@@ -5,6 +5,7 @@
 
 #include <random>
 
+#include "core/events/EventIdentity.h"
 #include "core/events/EventProgress.h"
 #include "harness/SetTestBase.h"
 #include "support/Opened.h"

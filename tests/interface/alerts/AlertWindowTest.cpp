@@ -239,6 +239,20 @@ TEST(AlertCascadeTest, PlacesDifferAndHoldTheLargestAlertOnAnyScreen) {
   }
 }
 
+TEST_F(AlertWindowTest, APromptTakesKeysAtOnceHoweverOftenItIsLeft) {
+  AlertRequest prompt = Request("Save?");
+  prompt.Role = AlertRole::Prompt;
+  QWidget* alert = Open(prompt);
+  QWidget other;
+  other.show();
+  for (QWidget* window : {alert, &other, alert}) {
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window));
+  }
+  QTest::keyClick(alert->focusWidget(), Qt::Key_Escape);
+  EXPECT_THAT(answers, ElementsAre(1));
+}
+
 TEST_F(AlertWindowTest, AFatalErrorWaitsForItsButton) {
   QTimer::singleShot(0, [] {
     ASSERT_THAT(OpenAlerts(), SizeIs(1));

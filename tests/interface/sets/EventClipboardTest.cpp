@@ -40,7 +40,8 @@ struct EventClipboardTest : testing::Test {
     QGuiApplication::clipboard()->setMimeData(content);
   }
   static QByteArray EventBytes() {
-    return QGuiApplication::clipboard()->mimeData()->data(EventClipboardType);
+    const QMimeData* content = QGuiApplication::clipboard()->mimeData();
+    return content ? content->data(EventClipboardType) : QByteArray();
   }
 };
 

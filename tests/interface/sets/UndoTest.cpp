@@ -158,6 +158,11 @@ TEST_F(UndoTest, TheEditorsKeysTakeBackWhatItsFieldsNoLongerCan) {
   for (int i = 0; i < 2; ++i) key(comment, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
   EXPECT_EQ(tea.GetName() + tea.GetComment(), "Tea timeblack");
   EXPECT_TRUE(tea.GetWindow());
+  comment->setFocus();
+  QTest::keyClicks(comment, ", hot");
+  Select(set, "Tea time");
+  Choose(WindowOf(set), "Duplicate event");
+  EXPECT_THAT(set.Events().back()->GetComment(), testing::HasSubstr("hot")) << "what is typed too";
 }
 
 TEST_F(UndoTest, ManyAtATimeAreOneStep) {

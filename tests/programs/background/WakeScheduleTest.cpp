@@ -152,6 +152,17 @@ TEST(WakeSchedule, AnApplicationThatAnsweredAndStaysIsLeftInPeace) {
   EXPECT_EQ(machine.tries, (Tries{{1100, Call}}));
 }
 
+TEST(WakeSchedule, AnApplicationThatVanishedOnceMayAnswerTheNextCall) {
+  Machine machine;
+  machine.Do(machine.schedule.SetWhen(1100));
+  machine.Jump();
+  machine.Do(machine.schedule.ApplicationVanished());
+  machine.Do(machine.schedule.CallFailed(false));
+  EXPECT_EQ(machine.Jump(), Machine::Event::Retry);
+  machine.Do(machine.schedule.CallAnswered());
+  EXPECT_EQ(machine.Jump(), Machine::Event::Nothing);
+}
+
 TEST(WakeSchedule, AChangedZoneWakesOnlyForAPendingMomentAndLeavesItArmed) {
   Machine machine;
   machine.Do(machine.schedule.ZoneChanged());
