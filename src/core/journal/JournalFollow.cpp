@@ -2,16 +2,32 @@
 #include <algorithm>
 #include <utility>
 
+#include "core/journal/EventStateText.h"
 #include "core/journal/Journal.h"
 
 namespace kestrin {
 
 namespace {
 
+/// What of a record it takes to follow it.
+struct Link {
+  explicit Link(const RecordFields& fields)
+      : Place(static_cast<int32>(fields.Number("place").value_or(0))),
+        Rule(static_cast<uint32>(fields.Number("rule").value_or(0))),
+        Trial(fields.Is("trial", "1")),
+        From(EventStateOf(fields.Text("from"))),
+        To(EventStateOf(fields.Text("to"))) {}
+
+  int32 Place;
+  uint32 Rule;
+  bool Trial;
+  std::optional<EventState> From, To;
+};
+
 /// Follows records through the states of one event, each once.
 class Chain {
  public:
-  explicit Chain(std::vector<JournalRecord> records) : records_(std::move(records)) {
+  explicit Chain(std::vector<Link> records) : records_(std::move(records)) {
     used_.resize(records_.size());
   }
 
@@ -19,7 +35,7 @@ class Chain {
     std::optional<EventState> reached;
     EventState state = event.State;
     for (size_t i = 0; i < records_.size() && !state.Gone;) {
-      const JournalRecord& record = records_[i];
+      const Link& record = records_[i];
       const bool leadsOn = !used_[i] && record.From == state && Fits(record, event, samePlace);
       if (leadsOn) {
         used_[i] = true;
@@ -33,8 +49,8 @@ class Chain {
 
   /// The file is older than the last record: it was put back.
   std::optional<EventState> FromOlder(const StoredEvent& event) const {
-    const JournalRecord* last = nullptr;
-    for (const JournalRecord& record : records_)
+    const Link* last = nullptr;
+    for (const Link& record : records_)
       if (Fits(record, event, true)) last = &record;
     if (!last || last->Rule == 0 || last->Rule != event.Rule || *last->To == event.State ||
         last->From->Actual < event.State.Actual)
@@ -45,26 +61,26 @@ class Chain {
   /// The records of that place are about the event that stands there.
   void Take(int32 place) {
     for (size_t i = 0; i < records_.size(); ++i)
-      if (records_[i].Event.Place == place) used_[i] = true;
+      if (records_[i].Place == place) used_[i] = true;
   }
 
   /// The file has what the records say of it.
   bool LeadsTo(const StoredEvent& event) const {
-    return std::any_of(records_.begin(), records_.end(), [&event](const JournalRecord& record) {
-      return record.Event.Place == event.Name.Place && record.To == event.State;
+    return std::any_of(records_.begin(), records_.end(), [&event](const Link& record) {
+      return record.Place == event.Name.Place && record.To == event.State;
     });
   }
 
  private:
-  static bool Fits(const JournalRecord& record, const StoredEvent& event, bool samePlace) {
+  static bool Fits(const Link& record, const StoredEvent& event, bool samePlace) {
     if (!record.From || !record.To || record.Trial) return false;
-    const bool isAt = record.Event.Place == event.Name.Place;
+    const bool isAt = record.Place == event.Name.Place;
     if (samePlace)
       return isAt && (record.Rule == 0 || event.Rule == 0 || record.Rule == event.Rule);
     return !isAt && record.Rule == event.Rule;
   }
 
-  std::vector<JournalRecord> records_;
+  std::vector<Link> records_;
   std::vector<bool> used_;
 };
 
@@ -81,8 +97,9 @@ std::vector<std::optional<EventState>> Journal::Follow(
     if (places == byEvent_.end()) continue;
     auto chain = chains.find(key);
     if (chain == chains.end()) {
-      std::vector<JournalRecord> records;
-      for (const RecordLog::Place place : places->second) records.push_back(At(place));
+      std::vector<Link> records;
+      for (const RecordLog::Place place : places->second)
+        records.emplace_back(log_.All().at(place).Fields);
       chain = chains.emplace(key, Chain(std::move(records))).first;
     }
     chainOf[i] = &chain->second;

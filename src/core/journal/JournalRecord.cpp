@@ -2,9 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cstdio>
 #include <cstdlib>
 #include <limits>
+
+#include "core/journal/EventStateText.h"
 
 namespace kestrin {
 
@@ -38,19 +41,6 @@ std::vector<std::string> Split(const std::string& joined) {
     at = end + 1;
   }
   return parts;
-}
-
-std::optional<EventState> StateOf(const std::string& text) {
-  EventState state;
-  char rest = 0;
-  if (text == GoneText) {
-    state.Gone = true;
-    return state;
-  }
-  if (std::sscanf(text.c_str(), "%d,%d,%d%c", &state.Actual, &state.Next, &state.Status, &rest) !=
-      3)
-    return std::nullopt;
-  return state;
 }
 
 ProcessOwner OwnerOf(const std::string& text) {
@@ -134,6 +124,22 @@ std::string TextOf(const EventState& state) {
          std::to_string(state.Status);
 }
 
+std::optional<EventState> EventStateOf(const std::string& text) {
+  EventState state;
+  if (text == GoneText) {
+    state.Gone = true;
+    return state;
+  }
+  const char *at = text.data(), *const end = at + text.size();
+  for (int32* const number : {&state.Actual, &state.Next, &state.Status}) {
+    if (number != &state.Actual && (at == end || *at++ != ',')) return std::nullopt;
+    const auto [stopped, error] = std::from_chars(at, end, *number);
+    if (error != std::errc()) return std::nullopt;
+    at = stopped;
+  }
+  return at == end ? std::optional(state) : std::nullopt;
+}
+
 std::string TextOf(const ProcessOwner& owner) {
   return owner.Boot + "/" + std::to_string(owner.Process) + "/" + std::to_string(owner.Started);
 }
@@ -193,8 +199,8 @@ JournalRecord RecordOf(const std::string& id, const RecordFields& fields) {
   record.Event = {fields.Text("name"), fields.Text("handler"), SmallNumber(fields, "place")};
   record.Rule = static_cast<uint32>(fields.Number("rule").value_or(0));
   record.Kind = StageOf(KindNames, fields.Text("kind"), RecordKind::Event);
-  record.From = StateOf(fields.Text("from"));
-  record.To = StateOf(fields.Text("to"));
+  record.From = EventStateOf(fields.Text("from"));
+  record.To = EventStateOf(fields.Text("to"));
   record.At = fields.Number("at").value_or(0);
   record.Missed = fields.Number("missed") == 1;
   record.Trial = fields.Number("trial") == 1;

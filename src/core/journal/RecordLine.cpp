@@ -1,7 +1,6 @@
 #include "core/journal/RecordLine.h"
 
 #include <charconv>
-#include <cstdio>
 #include <utility>
 
 namespace kestrin {
@@ -32,6 +31,10 @@ void AppendEscaped(std::string& line, std::string_view value) {
 }
 
 bool Unescape(std::string_view escaped, std::string& value) {
+  if (escaped.find('\\') == std::string_view::npos) {
+    value = escaped;
+    return true;
+  }
   value.reserve(escaped.size());
   for (size_t at = 0; at < escaped.size(); ++at) {
     if (escaped[at] != '\\') {
@@ -60,8 +63,11 @@ bool Unescape(std::string_view escaped, std::string& value) {
 }
 
 std::string Check(std::string_view content) {
-  char digits[CheckDigits + 1];
-  std::snprintf(digits, sizeof digits, "%08x", Fnv32(content));
+  constexpr char hexadecimal[] = "0123456789abcdef";
+  std::string digits(CheckDigits, '0');
+  uint32 check = Fnv32(content);
+  for (auto digit = digits.rbegin(); digit != digits.rend(); ++digit, check >>= 4)
+    *digit = hexadecimal[check & 15];
   return digits;
 }
 
