@@ -73,7 +73,7 @@ void OpenAlerts::ShowAgain() {
 void OpenAlerts::Show(const JournalRecord& record) {
   const FoundEvent found = FindEvent(context_, record.Set, record.Event);
   again_.insert(record.Id);
-  if (IsFailureAlert(record)) {
+  if (IsFailureAlert(record.Alert)) {
     const std::optional<JournalRecord> act = context_.journal->Find(record.Of);
     return ShowFailure(context_, act.value_or(record), record.Id);
   }

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "core/delivery/StopReminding.h"
+#include "core/delivery/UnfinishedActs.h"
 #include "core/events/EventIdentity.h"
 #include "core/events/EventSet.h"
 #include "core/events/OpenSets.h"
@@ -23,13 +24,20 @@ bool Reminds(const AlertRequest& request) {
   return request.Role == AlertRole::Prewarning || request.Role == AlertRole::Nag;
 }
 
-void WithoutStopButton(AlertRequest& request) {
-  if (!Reminds(request)) return;
-  request.Buttons = {"OK"};
+/// Without the button that needs the event.
+void WithoutFirstButton(AlertRequest& request, bool isFailure) {
+  if (!Reminds(request) && !isFailure) return;
+  request.Buttons = {request.Buttons.back()};
   request.HarmlessButton = request.DefaultButton = 0;
 }
 
-std::function<void(int)> DoneOf(Context& context, const AlertRequest& request) {
+std::function<void(int)> DoneOf(Context& context, const AlertRequest& request, bool isFailure) {
+  if (isFailure)
+    return
+        [&context, record = request.Record, set = request.Set, event = request.Event](int which) {
+          if (which == 0) TryAgain(context, record, set, event);
+          context.queue.Post(PROCESS_HOLD_DONE);
+        };
   const AlertSubject subject{request.Set, request.Event, request.Occurrence};
   if (request.Event != 0 && Reminds(request)) {
     const bool isPrewarning = request.Role == AlertRole::Prewarning;
@@ -62,6 +70,7 @@ FoundEvent FindEvent(const Context& context, const std::string& path, const Even
 
 void ShowReturning(Context& context, const ReturningAlert& alert, const FoundEvent& found) {
   AlertRequest request = AlertOf(alert.Alert);
+  const bool isFailure = IsFailureAlert(alert.Alert) && context.journal;
   request.Face.EventName = alert.EventName;
   request.KeptId = alert.KeptId;
   request.IsReturning = true;
@@ -79,9 +88,9 @@ void ShowReturning(Context& context, const ReturningAlert& alert, const FoundEve
         event->GetStatus() == WaitingToNag && event->GetActualEventTime() == alert.Occurrence;
     if (request.Role == AlertRole::Nag && nags) request.ComesAgain = event->GetNextEventTime();
   } else {
-    WithoutStopButton(request);
+    WithoutFirstButton(request, isFailure);
   }
-  request.Done = DoneOf(context, request);
+  request.Done = DoneOf(context, request, isFailure);
   context.holds.ProcessHold();
   context.alerts.Show(std::move(request));
 }

@@ -1,5 +1,6 @@
 #include "core/delivery/UnfinishedActs.h"
 
+#include <optional>
 #include <utility>
 
 #include "core/delivery/EventDelivery.h"
@@ -52,6 +53,7 @@ std::string FailureText(const JournalRecord& act) {
 }
 
 void TryAgain(Context& context, const JournalRecord& act, uint64 setHandle, uint64 eventHandle) {
+  if (eventHandle == 0) return;
   if (act.Act == ActStage::Reading) return context.journal->Forget(act.Id);
   EventSet* set = nullptr;
   {
@@ -80,8 +82,16 @@ void GoOnWith(Context& context, JournalRecord record) {
 
 }  // namespace
 
-bool IsFailureAlert(const JournalRecord& record) {
-  return record.Alert.Buttons.size() == 2 && record.Alert.Buttons[0] == TryAgainButton;
+bool IsFailureAlert(const KeptAlert& alert) {
+  return alert.Buttons.size() == 2 && alert.Buttons[0] == TryAgainButton;
+}
+
+/// What has been settled meanwhile is no longer known: then it was the event's own action.
+void TryAgain(Context& context, const std::string& alertRecord, uint64 set, uint64 event) {
+  const Journal& journal = *context.journal;
+  const std::optional<JournalRecord> alert = journal.Find(alertRecord);
+  const std::optional<JournalRecord> act = alert ? journal.Find(alert->Of) : std::nullopt;
+  TryAgain(context, act ? *act : alert.value_or(JournalRecord()), set, event);
 }
 
 void ShowFailure(Context& context, const JournalRecord& act, const std::string& alertRecord) {
@@ -103,7 +113,7 @@ void ShowFailure(Context& context, const JournalRecord& act, const std::string& 
     request.HarmlessButton = request.DefaultButton = 1;
   }
   request.Done = [&context, act, set = request.Set, event = request.Event](int which) {
-    if (which == 0 && event != 0) TryAgain(context, act, set, event);
+    if (which == 0) TryAgain(context, act, set, event);
     context.queue.Post(PROCESS_HOLD_DONE);
   };
   context.holds.ProcessHold();

@@ -18,7 +18,9 @@ void GoOnWithUnfinishedActs(Context& context);
 /// The alert about an act that has failed, with the button that tries again; its answer is written
 /// down in `alertRecord`.
 void ShowFailure(Context& context, const JournalRecord& act, const std::string& alertRecord);
-/// Whether the record's alert is such a one.
-bool IsFailureAlert(const JournalRecord& record);
+/// Whether it is such a one.
+bool IsFailureAlert(const KeptAlert& alert);
+/// What its button does for that event; `alertRecord` as for ShowFailure.
+void TryAgain(Context& context, const std::string& alertRecord, uint64 set, uint64 event);
 
 }  // namespace kestrin

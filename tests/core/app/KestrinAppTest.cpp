@@ -10,6 +10,7 @@ namespace kestrin {
 namespace {
 
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 
@@ -232,11 +233,15 @@ TEST_F(KestrinAppTest, ARenamedEventOfAnUntitledSetIsKnownOnceTheSetHasItsFile) 
 }
 
 TEST_F(KestrinAppTest, WhatWasBegunAndNotEndedIsToldAndEverythingElseGoesOn) {
+  enum class PutOff { Not, Here, ToTheNextProcess };
   const struct {
     const char* handler;
     const char* why;
-  } rows[] = {{"acting", "Kestrin ended while it was being carried out"},
-              {"failed", "it took more than one second, and Kestrin had to stop"}};
+    PutOff putOff;
+  } rows[] = {{"acting", "Kestrin ended while it was being carried out", PutOff::Not},
+              {"failed", "it took more than one second, and Kestrin had to stop", PutOff::Not},
+              {"acting", "Kestrin ended while it was being carried out", PutOff::Here},
+              {"acting", "Kestrin ended while it was being carried out", PutOff::ToTheNextProcess}};
   for (const auto& row : rows) {
     Now = Sunday + 8 * Hour;
     StartWith({DailyAt(Sunday + 9 * Hour), DailyAt(Sunday + 9 * Hour, "Milk")});
@@ -266,6 +271,15 @@ TEST_F(KestrinAppTest, WhatWasBegunAndNotEndedIsToldAndEverythingElseGoesOn) {
       EXPECT_THAT(Ui().Alerts[0].Request.Buttons, ElementsAre("Try again", "Ok"));
     }
     EXPECT_EQ(FirstEvent(Work).GetNextEventTime(), Sunday + Day + 9 * Hour);
+    if (row.putOff != PutOff::Not) {
+      const AlertId id = Ui().Alerts[0].Id;
+      ASSERT_EQ(It->World.Alerts.PutOff(id, {Sunday + 11 * Hour, false, {}}), "");
+      Ui().CloseAlert(id);
+      Now = Sunday + 11 * Hour;
+      if (row.putOff == PutOff::ToTheNextProcess) Start();
+      DeliverAt(Now);
+      ASSERT_THAT(Alerts(), ElementsAre(HasSubstr("did not come to its end")));
+    }
     Answer(0);
     EXPECT_THAT(Delivered(), ElementsAre("Tea"));
     EXPECT_EQ(FirstEvent(Work).GetNextEventTime(), Sunday + Day + 9 * Hour);
