@@ -3,6 +3,7 @@
 
 #include <bit>
 #include <cstring>
+#include <string_view>
 
 #include "kestrin/BufferedFile.h"
 
@@ -32,11 +33,14 @@ class EndianIndependentFile : public BufferedFile {
   /// Reads up to and including a NUL. StatusFileError at the end of the file, StatusError when
   /// `max` bytes hold no NUL (the rest stays unread); `text` is terminated in every case.
   status_t ReadString(char* text, int32 max);
-  /// Consumes an empty text if one stands next in the buffer; the quick way through records, most
-  /// of whose texts are empty. False means nothing was consumed and nothing is known.
-  bool TakeEmptyString() {
-    return BytesAhead() > 1 && *Ahead() == 0 && TakeFromBuffer(1) != nullptr;
+  /// The next bytes as far as they lie ready, numbers in the file's order, for whoever takes many
+  /// values at one go; valid until the next call. There may be none before the end of the file.
+  std::string_view Ready() const {
+    if (BytesAhead() < 2) return {};
+    return {reinterpret_cast<const char*>(Ahead()), static_cast<size_t>(BytesAhead()) - 1};
   }
+  /// Consumes the first `count` of those.
+  void TakeReady(size_t count) { TakeFromBuffer(static_cast<int32>(count)); }
 
   int32 WriteRaw(const void* data, size_t count);
   int32 ReadRaw(void* data, size_t count);

@@ -53,10 +53,15 @@ inline constexpr int64 LengthOf(int64 month) {
 
 /// Days within 3 * 10^12 of 1970.
 inline constexpr DayInMonth MonthOf(int64 day) {
-  int64 month = FloorDivide((day + 719528) * 4800, 146097);  // the mean month: at most one off
-  if (day < FirstDayOf(month)) --month;
-  if (day >= FirstDayOf(month + 1)) ++month;
-  return {month, day - FirstDayOf(month) + 1};
+  // Counted in years that begin in March, so that a leap day ends one: 400 of them, then within.
+  constexpr int64 daysToMarchOfYear0 = 719468, daysPerEra = 146097;
+  const int64 era = FloorDivide(day + daysToMarchOfYear0, daysPerEra);
+  const auto inEra = static_cast<uint32>(day + daysToMarchOfYear0 - era * daysPerEra);
+  const uint32 year = (inEra - inEra / 1460 + inEra / 36524 - inEra / 146096) / 365;
+  const uint32 inYear = inEra - (365 * year + year / 4 - year / 100);
+  const uint32 fromMarch = (5 * inYear + 2) / 153;
+  const int64 month = (era * 400 + year) * 12 + fromMarch + 2;
+  return {month, int64{inYear} - (153 * fromMarch + 2) / 5 + 1};
 }
 
 inline constexpr int64 DayOf(Civil time) { return FloorDivide(time.seconds, SecondsPerDay); }

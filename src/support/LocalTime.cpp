@@ -128,14 +128,15 @@ Zone Zone::System() {
 std::vector<Zone::Change> Zone::ChangesOf(const absl::TimeZone& zone) {
   std::vector<Change> changes;
   absl::Time at = absl::FromUnixSeconds(FirstListed);
+  int32 offset = zone.At(at).offset;
+  // What the clocks show before and after it says all; looking a change up costs far more.
   absl::TimeZone::CivilTransition transition;
   while (zone.NextTransition(at, &transition)) {
-    absl::TimeZone::TimeInfo info = zone.At(transition.from);
-    if (info.kind == absl::TimeZone::TimeInfo::UNIQUE) info = zone.At(transition.to);
-    at = info.trans;
-    const int64 moment = absl::ToUnixSeconds(at);
+    const int64 moment = (transition.from - absl::CivilSecond(1970)) - offset;
     if (moment >= EndListed) break;
-    changes.push_back({moment, zone.At(at - absl::Seconds(1)).offset, zone.At(at).offset});
+    const auto after = static_cast<int32>(offset + (transition.to - transition.from));
+    changes.push_back({moment, std::exchange(offset, after), after});
+    at = absl::FromUnixSeconds(moment);
   }
   return changes;
 }

@@ -31,6 +31,8 @@ Event::Event(EventSet& owner) : owner_(owner), handle_(owner.GetContext().nextHa
 Event::Event(EventSet& owner, EventRecord record)
     : owner_(owner), handle_(owner.GetContext().nextHandle++), record_(std::move(record)) {}
 
+Event::Event(EventSet& owner, ToBeRead) : owner_(owner), handle_(owner.GetContext().nextHandle++) {}
+
 Event::~Event() = default;
 
 const Zone& Event::LocalZone() const { return owner_.GetContext().zone; }

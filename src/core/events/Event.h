@@ -30,6 +30,10 @@ class Event {
   explicit Event(EventSet& owner);
   /// An event with these values and no handler data: the reader of a file or message adds it.
   Event(EventSet& owner, EventRecord record);
+  /// The same, of which a reader fills in the values. Who reads notifies nobody.
+  struct ToBeRead {};
+  Event(EventSet& owner, ToBeRead);
+  EventRecord& ValuesToRead() { return record_; }
   Event(const Event&) = delete;
   Event& operator=(const Event&) = delete;
   ~Event();

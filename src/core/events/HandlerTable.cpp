@@ -3,8 +3,9 @@
 namespace kestrin {
 
 int32 HandlerTable::Find(std::string_view name) const {
+  const char first = name.empty() ? '\0' : name.front();
   for (int32 row = 0; row < NumberOfEventHandlers(); ++row)
-    if (name == NameOf(row)) return row;
+    if (const char* const each = NameOf(row); *each == first && name == each) return row;
   return UnknownHandler;
 }
 

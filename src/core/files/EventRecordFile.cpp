@@ -1,5 +1,8 @@
 #include "core/files/EventRecordFile.h"
 
+#include <algorithm>
+#include <cstring>
+
 #include "core/events/EventSet.h"
 #include "core/events/HandlerTable.h"
 #include "core/files/EventFields.h"
@@ -28,7 +31,7 @@ class FieldReader {
   }
   void Field(const FieldName& name, std::string& value) {
     value.clear();
-    if (fault_ || file_.TakeEmptyString()) return;
+    if (fault_) return;
     const status_t status = file_.ReadString(buffer_, TextLimit);
     if (status != StatusOk) {
       fault_ = name.record;
@@ -83,6 +86,85 @@ class FieldReader {
   bool tooLong_ = false;
   char buffer_[TextLimit];
 };
+
+/// The same from bytes that lie ready, whole and in this machine's order; gives up on anything that
+/// is out of the ordinary. What it has read of such a record is of no use.
+class QuickReader {
+ public:
+  QuickReader(std::string_view ready, SetFileVersionIndex version)
+      : at_(ready.data()), end_(ready.data() + ready.size()), isFirstVersion_(version == 0) {}
+
+  template <typename T>
+  void Field(const FieldName&, T& value) {
+    if (static_cast<size_t>(end_ - at_) < sizeof value) return GiveUp();
+    std::memcpy(&value, at_, sizeof value);
+    at_ += sizeof value;
+  }
+  void Field(const FieldName& name, bool& value) {
+    uint8 byte = 0;
+    Field(name, byte);
+    value = byte != 0;
+  }
+  void Field(const FieldName&, std::string& value) {
+    if (at_ != end_ && *at_ == '\0') {
+      value.clear();
+      ++at_;
+      return;
+    }
+    const size_t most = std::min(static_cast<size_t>(end_ - at_), size_t{TextLimit});
+    const void* const end = most > 0 ? std::memchr(at_, '\0', most) : nullptr;
+    if (!end) return GiveUp();
+    value.assign(at_, static_cast<const char*>(end));
+    at_ = static_cast<const char*>(end) + 1;
+  }
+  void Field(const FieldName&, Rect& frame) {
+    for (float* const edge : {&frame.left, &frame.top, &frame.right, &frame.bottom})
+      Field("the frame", *edge);
+  }
+  void OptionalText(const FieldName& name, std::string& value) { Field(name, value); }
+  void AfterStatus() {
+    if (!isFirstVersion_) ReservedFlag();
+  }
+  void Icon(int32& number) {
+    Field("icon number", number);
+    if (number == OwnIconNumber) GiveUp();
+  }
+  void WindowOpen(bool& open) {
+    Field("the open flag", open);
+    if (isFirstVersion_) ReservedFlag();
+  }
+
+  /// Null when it has given up, else where the record ends.
+  const char* End() const { return gaveUp_ ? nullptr : at_; }
+
+ private:
+  void ReservedFlag() {
+    uint8 reserved = 0;
+    Field("the reserved flag", reserved);
+  }
+  void GiveUp() {
+    gaveUp_ = true;
+    end_ = at_;
+  }
+
+  const char* at_;
+  const char* end_;
+  const bool isFirstVersion_;
+  bool gaveUp_ = false;
+};
+
+/// All of a record but its handler's data. Most records lie in the buffer as a whole.
+[[gnu::flatten]] bool ReadQuickly(EndianIndependentFile& file, SetFileVersionIndex version,
+                                  EventRecord& record, std::string& handlerName) {
+  if (!file.IsNativeEndian()) return false;
+  const std::string_view ready = file.Ready();
+  QuickReader in(ready, version);
+  VisitEventFields(record, in);
+  in.Field("handler name", handlerName);
+  if (!in.End()) return false;
+  file.TakeReady(static_cast<size_t>(in.End() - ready.data()));
+  return true;
+}
 
 /// Null unless it has the bytes that a record of its own icon promises.
 const IconPair* WholeIcon(const Event& event) {
@@ -173,17 +255,20 @@ std::unique_ptr<Event> ReadEventRecord(EventSet& owner, EndianIndependentFile& f
                                        SetFileVersionIndex version, std::string& fault,
                                        std::string& complaint, AddOnReading* reading,
                                        int64* handlerDataAt) {
-  FieldReader in(file, version);
-  EventRecord record;
-  VisitEventFields(record, in);
+  auto event = std::make_unique<Event>(owner, Event::ToBeRead());
+  EventRecord& record = event->ValuesToRead();
   std::string handlerName;
-  in.Field("handler name", handlerName);
-  if (in.Failed()) {
-    fault = in.Fault();
-    return nullptr;
+  if (!ReadQuickly(file, version, record, handlerName)) {
+    record = EventRecord();
+    FieldReader in(file, version);
+    VisitEventFields(record, in);
+    in.Field("handler name", handlerName);
+    if (in.Failed()) {
+      fault = in.Fault();
+      return nullptr;
+    }
+    event->AdoptIcon(in.TakeIcon());
   }
-  auto event = std::make_unique<Event>(owner, std::move(record));
-  event->AdoptIcon(in.TakeIcon());
   if (handlerDataAt) *handlerDataAt = file.Position();
   if (!ReadHandlerData(*event, handlerName, file, complaint, reading)) {
     fault = "the data of its handler \"" + handlerName + "\" cannot be read";

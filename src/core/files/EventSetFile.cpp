@@ -86,7 +86,7 @@ ConstructorResult ReadEvents(EventSet& set, EndianIndependentFile& file,
   if (count < 0 || count > file.BytesLeft() / ShortestRecord)
     return Fail(report, "it is too short for the " + std::to_string(static_cast<uint32>(count)) +
                             " events it announces");
-  if (!report.Events) set.Reserve(static_cast<size_t>(count));
+  if (!report.Events && !report.OnEvent) set.Reserve(static_cast<size_t>(count));
   int64 handlerDataAt = 0;
   AddOnReading reading(set.GetContext(), set.GetFileName());
   for (int32 i = 0; i < count; ++i) {
@@ -96,7 +96,9 @@ ConstructorResult ReadEvents(EventSet& set, EndianIndependentFile& file,
                         report.OnHandlerData ? &handlerDataAt : nullptr);
     if (!event) return Fail(report, "event " + std::to_string(i + 1) + ": " + fault);
     if (report.OnHandlerData) ReportHandlerData(file, *event, report, handlerDataAt);
-    if (report.Events)
+    if (report.OnEvent)
+      report.OnEvent(*event);
+    else if (report.Events)
       report.Events->push_back(std::move(event));
     else
       set.AppendRead(std::move(event));
@@ -123,7 +125,7 @@ ConstructorResult ReadSetFile(EventSet& set, const std::string& path, SetFileRep
   report.BigEndian = file.IsNativeEndian() == (std::endian::native == std::endian::big);
   if (file.BytesLeft() > MaxSetFileSize)
     return Fail(report, "it is larger than an event set may be (64 MiB)");
-  ExpectOnHeap(static_cast<size_t>(file.BytesLeft()) * HeapPerByte);
+  ExpectOnHeap(static_cast<size_t>(file.BytesLeft()) * (report.OnEvent ? 1 : HeapPerByte));
   char version[VersionLimit];
   if (file.ReadString(version, VersionLimit) != StatusOk)
     return Fail(report, "it does not begin with a version");

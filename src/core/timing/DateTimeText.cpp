@@ -22,7 +22,8 @@ int TwelveHour(int hour) { return hour % 12 == 0 ? 12 : hour % 12; }
 const char* HalfOfDay(int hour) { return hour > 11 ? " PM" : " AM"; }
 
 /// As many digits as there are places, with leading zeros.
-void PutNumber(char* out, int places, int64 number) {
+void PutNumber(char* out, int places, int64 wide) {
+  auto number = static_cast<uint32>(wide);
   for (; places > 0; number /= 10) out[--places] = static_cast<char>('0' + number % 10);
 }
 
@@ -93,22 +94,26 @@ bool HoldsTimeWord(std::string_view text) {
 }  // namespace
 
 std::string GetDateTimeString(int32 time, bool withTime, const Zone& zone, bool use24Hours) {
-  if (time == 0 || time == -1) return "None";
+  return std::string(GetDateTimeText(time, withTime, zone, use24Hours));
+}
+
+DateTimeText GetDateTimeText(int32 time, bool withTime, const Zone& zone, bool use24Hours) {
+  if (time == 0 || time == -1) return {"None", 4};
+  constexpr size_t dateAlone = 16, halfOfDay = 3;
+  DateTimeText text{"Sun, Nov 00 0000, 00:00:00 AM", dateAlone};
   const CivilFields fields = ToFields(zone.AtMoment(time));
-  std::string text;
-  text.reserve(30);
-  text.append(DayAbbr[static_cast<size_t>(fields.weekday)])
-      .append(", ")
-      .append(MonthAbbr[static_cast<size_t>(fields.month)])
-      .append(" 00 0000");
-  PutNumber(text.data() + 9, 2, fields.day);
-  PutNumber(text.data() + 12, 4, fields.year);
+  char* const to = text.bytes;
+  std::copy_n(DayAbbr[static_cast<size_t>(fields.weekday)].data(), 3, to);
+  std::copy_n(MonthAbbr[static_cast<size_t>(fields.month)].data(), 3, to + 5);
+  PutNumber(to + 9, 2, fields.day);
+  PutNumber(to + 12, 4, fields.year);
   if (!withTime) return text;
   const int hour = static_cast<int>(fields.hour);
-  text.append(", ").append(ClockText(use24Hours ? hour : TwelveHour(hour),
-                                     static_cast<int>(fields.minute),
-                                     static_cast<int>(fields.second)));
-  if (!use24Hours) text.append(HalfOfDay(hour));
+  PutNumber(to + 18, 2, use24Hours ? hour : TwelveHour(hour));
+  PutNumber(to + 21, 2, fields.minute);
+  PutNumber(to + 24, 2, fields.second);
+  std::copy_n(HalfOfDay(hour), halfOfDay, to + 26);
+  text.length = use24Hours ? 26 : 26 + halfOfDay;
   return text;
 }
 

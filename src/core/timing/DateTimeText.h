@@ -13,6 +13,13 @@ namespace kestrin {
 /// "Sun, Nov 15 2026, 08:08:42 PM" (12-hour), "…, 20:08:42" (24-hour), or without the time of day;
 /// "None" for 0 and -1.
 std::string GetDateTimeString(int32 time, bool withTime, const Zone& zone, bool use24Hours);
+/// The same, without asking for memory.
+struct DateTimeText {
+  char bytes[32] = {};
+  size_t length = 0;
+  operator std::string_view() const { return {bytes, length}; }
+};
+DateTimeText GetDateTimeText(int32 time, bool withTime, const Zone& zone, bool use24Hours);
 
 /// "08:05 AM" or "08:05" from seconds after midnight.
 std::string GetTimeOfDayText(int32 secondsIntoDay, bool use24Hours);

@@ -18,6 +18,7 @@
 #include "core/timing/EventTypes.h"
 #include "core/timing/RuleSentence.h"
 #include "programs/ctl/JsonWriter.h"
+#include "programs/ctl/NextTable.h"
 #include "programs/ctl/Personal.h"
 #include "programs/ctl/TextTable.h"
 
@@ -28,13 +29,6 @@ namespace {
 constexpr size_t PathWidth = 4096, NameWidth = 4096;
 /// An agenda in which the sets' paths take more bytes than this is not printed.
 constexpr size_t MaxPathText = size_t{256} << 20;
-
-std::string StatusText(const EventRecord& record) {
-  if (!record.Active) return std::string(InactiveMessage);
-  if (record.Status < 0 || record.Status >= static_cast<int32>(StatusMessages.size()))
-    return "Status " + std::to_string(record.Status);
-  return std::string(StatusMessages[static_cast<size_t>(record.Status)]);
-}
 
 const char* NameOf(DeliveryKind kind) {
   switch (kind) {
@@ -70,22 +64,6 @@ bool PrintNextJson(const EventSet& set) {
   }
   json.EndArray();
   return json.Finish();
-}
-
-bool PrintNextTable(const EventSet& set) {
-  if (set.Events().empty()) return std::puts("No events.") >= 0;
-  const Context& context = set.GetContext();
-  const TextTable table({"Name", "Event time", "Next message time", "Status"});
-  return table.Print(stdout, set.Events().size(), [&](size_t row, TextTable::Row& cells) {
-    const EventRecord& record = set.Events()[row]->Record();
-    const bool actualTime = HasTimeOfDay(record), nextTime = MessageHasTimeOfDay(record);
-    cells[0] = TextTable::Cell(record.Name);
-    cells[1] = TimeText(record.ActualEventTime, actualTime, context);
-    cells[2] = record.NextEventTime == record.ActualEventTime && actualTime == nextTime
-                   ? cells[1]
-                   : TimeText(record.NextEventTime, nextTime, context);
-    cells[3] = StatusText(record);
-  });
 }
 
 std::string EventForPeople(const EventRecord& record, int64 now, const Context& context) {
@@ -134,7 +112,7 @@ bool PrintAgendaTable(const std::vector<AgendaEntry>& entries, const SetPaths& s
   if (entries.empty()) return std::puts("Nothing comes due in that time.") >= 0;
   TextTable::Row header = {"Time", "Delivery", "Event"};
   if (sets.size() > 1) header.emplace_back("Set");
-  const TextTable table(header);
+  TextTable table(header);
   return table.Print(stdout, entries.size(), [&](size_t row, TextTable::Row& cells) {
     const AgendaEntry& entry = entries[row];
     std::string kind = NameOf(entry);
@@ -235,11 +213,17 @@ int WrittenOut(bool written) {
 
 int Next(VirtualEngine& engine, const CtlArguments& arguments) {
   engine.clock.Time = arguments.at;
+  NextTable table(engine.context);
   SetFileReport report;
+  if (!arguments.json)
+    report.OnEvent = [&table](Event& event) {
+      event.UpdateEventTime();
+      table.Add(event.Record());
+    };
   EventSet* const set = ReadSet(engine, arguments.files[0], &report);
   if (!set) return ExitFailure;
   for (const auto& event : set->Events()) event->UpdateEventTime();
-  return WrittenOut(arguments.json ? PrintNextJson(*set) : PrintNextTable(*set));
+  return WrittenOut(arguments.json ? PrintNextJson(*set) : table.Print());
 }
 
 int Show(VirtualEngine& engine, const CtlArguments& arguments) {

@@ -80,7 +80,7 @@ void WriteDelivery(JsonWriter& json, const PastDelivery& past, const Context& co
 
 bool PrintTable(const std::vector<PastDelivery>& past, const Context& context) {
   if (past.empty()) return std::puts("Nothing was delivered yet.") >= 0;
-  const TextTable table({"Due", "Delivered", "Delivery", "Event", "Set", "Outcome"});
+  TextTable table({"Due", "Delivered", "Delivery", "Event", "Set", "Outcome"});
   return table.Print(stdout, past.size(), [&](size_t row, TextTable::Row& cells) {
     const RecordWords words = WordsOf(past[row], context.zone, context.settings.Time24Hour);
     cells[0] = words.Due;

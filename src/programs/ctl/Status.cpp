@@ -233,7 +233,7 @@ bool PrintJson(const std::vector<Link>& links) {
 }
 
 bool PrintTable(const std::vector<Link>& links, bool broken) {
-  const TextTable table({"Link", "", "What was found"});
+  TextTable table({"Link", "", "What was found"});
   bool written = table.Print(stdout, links.size(), [&](size_t row, TextTable::Row& cells) {
     cells[0] = links[row].Name;
     cells[1] = links[row].Mend.empty() ? "ok" : "BROKEN";

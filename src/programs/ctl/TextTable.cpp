@@ -1,6 +1,7 @@
 #include "programs/ctl/TextTable.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "support/OwnedText.h"
 
@@ -66,17 +67,6 @@ size_t Columns(std::string_view text) {
   return columns;
 }
 
-void Pad(std::string& line, const std::string& cell, size_t width) {
-  line += cell;
-  line.append(width - Columns(cell) + 2, ' ');
-}
-
-void PutLine(std::string& text, const TextTable::Row& cells, const std::vector<size_t>& widths) {
-  for (size_t i = 0; i < cells.size(); ++i) Pad(text, cells[i], widths[i]);
-  while (!text.empty() && text.back() == ' ') text.pop_back();
-  text += '\n';
-}
-
 /// Everything that is not plain, printable UTF-8 as "?".
 std::string Harmless(std::string_view text) {
   const bool utf8 = IsUtf8(text);
@@ -106,32 +96,69 @@ std::string TextTable::Cell(std::string_view text, size_t width) {
   return shown;
 }
 
-bool TextTable::Print(std::FILE* out, size_t rows, const RowWriter& write) const {
-  constexpr size_t FullBuffer = size_t{1} << 16;
-  std::vector<size_t> widths;
-  for (const std::string& cell : header_) widths.push_back(Columns(cell));
+std::pair<std::string, size_t> TextTable::MeasuredCell(std::string_view text) {
+  if (text.size() <= CellWidth && IsPlain(text)) return {std::string(text), text.size()};
+  std::string cell = Cell(text);
+  const size_t columns = Columns(cell);
+  return {std::move(cell), columns};
+}
+
+void TextTable::Lines::Put(std::string_view cell, size_t columns) {
+  constexpr size_t mostInBuffer = size_t{1} << 16;
+  const size_t needed = end_ + blanks_ + cell.size() + 1;
+  if (needed > text_.size()) text_.resize(std::max(needed, 2 * mostInBuffer));
+  if (!cell.empty()) {
+    std::memset(text_.data() + end_, ' ', blanks_);
+    std::memcpy(text_.data() + end_ + blanks_, cell.data(), cell.size());
+    end_ += blanks_ + cell.size();
+    blanks_ = 0;
+  }
+  blanks_ += widths_[at_] - columns + 2;
+  if (++at_ < widths_.size()) return;
+  while (end_ > 0 && text_[end_ - 1] == ' ') --end_;
+  text_[end_++] = '\n';
+  at_ = blanks_ = 0;
+  if (end_ >= mostInBuffer) Flush();
+}
+
+void TextTable::Lines::Flush() {
+  std::fwrite(text_.data(), 1, end_, out_);
+  end_ = 0;
+}
+
+bool TextTable::Lines::Finish() {
+  Flush();
+  return std::fflush(out_) == 0 && !std::ferror(out_);
+}
+
+TextTable::TextTable(Row header) : header_(std::move(header)) {
+  for (const std::string& cell : header_) widths_.push_back(Columns(cell));
+}
+
+bool TextTable::Print(std::FILE* out, const std::function<void(Lines&)>& putRows) const {
+  Lines lines(out, widths_);
+  for (const std::string& cell : header_) lines.Put(cell, Columns(cell));
+  for (const size_t width : widths_) {
+    std::string rule;
+    for (size_t i = 0; i < width; ++i) rule += "─";
+    lines.Put(rule, width);
+  }
+  putRows(lines);
+  return lines.Finish();
+}
+
+bool TextTable::Print(std::FILE* out, size_t rows, const RowWriter& write) {
   Row cells(header_.size());
   for (size_t at = 0; at < rows; ++at) {
     write(at, cells);
-    for (size_t i = 0; i < cells.size(); ++i) widths[i] = std::max(widths[i], Columns(cells[i]));
+    for (size_t i = 0; i < cells.size(); ++i) Measure(i, Columns(cells[i]));
   }
-  Row rules;
-  for (const size_t width : widths) {
-    rules.emplace_back();
-    for (size_t i = 0; i < width; ++i) rules.back() += "─";
-  }
-  std::string text;
-  PutLine(text, header_, widths);
-  PutLine(text, rules, widths);
-  for (size_t at = 0; at < rows; ++at) {
-    write(at, cells);
-    PutLine(text, cells, widths);
-    if (text.size() < FullBuffer) continue;
-    std::fwrite(text.data(), 1, text.size(), out);
-    text.clear();
-  }
-  std::fwrite(text.data(), 1, text.size(), out);
-  return std::fflush(out) == 0 && !std::ferror(out);
+  return Print(out, [&](Lines& lines) {
+    for (size_t at = 0; at < rows; ++at) {
+      write(at, cells);
+      for (const std::string& cell : cells) lines.Put(cell, Columns(cell));
+    }
+  });
 }
 
 }  // namespace kestrin
