@@ -1,8 +1,6 @@
 // Any bytes as an event set file: reading, computing and delivering never fall over, and what was
 // read once is saved and read again without a change.
-#include <cstdio>
-#include <cstdlib>
-
+#include "Demand.h"
 #include "core/events/Event.h"
 #include "core/events/EventProgress.h"
 #include "core/events/EventSet.h"
@@ -19,12 +17,6 @@ namespace {
 constexpr const char* Path = "/set";
 /// A day, a leap day, the clocks' change in Berlin, and the ends of what a time can be.
 constexpr int64 Moments[] = {0, 1794700800, 1835445600, 1792888200, INT32_MIN, INT32_MAX - 1};
-
-void Demand(bool holds, const char* what) {
-  if (holds) return;
-  std::fprintf(stderr, "not held: %s\n", what);
-  std::abort();
-}
 
 std::unique_ptr<EventSet> Read(Context& context, const std::string& path) {
   SetReading reading = ReadSet(context, path);
@@ -55,7 +47,7 @@ void Deliver(EventSet& set) {
   for (int round = 0; round < 3; ++round) {
     Event* event = nullptr;
     if (set.GetNextEventTime(&event) == 0) return;
-    MoveOn(*event);
+    EventDelivered(*event);
   }
 }
 
