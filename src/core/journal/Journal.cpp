@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <set>
 #include <utility>
 
 namespace kestrin {
@@ -60,10 +61,9 @@ void Journal::Index(RecordLog::Place place, const RecordLine* earlier, const Rec
     bySet_.erase(earlier->Fields.Text("set"));
   if (now) ++bySet_[now->Fields.Text("set")];
   if (const auto found = byEvent_.find(before); earlier && found != byEvent_.end()) {
-    Places& places = found->second;
-    const auto at = std::lower_bound(places.begin(), places.end(), place);
-    if (at != places.end() && *at == place) places.erase(at);
-    if (places.empty()) byEvent_.erase(found);
+    const auto [first, end] = std::equal_range(found->second.begin(), found->second.end(), place);
+    found->second.erase(first, end);
+    if (found->second.empty()) byEvent_.erase(found);
   }
   if (!now) return;
   Places& places = byEvent_[after];
@@ -309,14 +309,12 @@ bool Journal::IsSettled(const JournalRecord& record) const {
 }
 
 void Journal::Settle(const std::string& set, const std::vector<EventName>& events) {
-  std::unordered_map<std::string, std::vector<int32>> inFile;
+  std::unordered_map<std::string, std::set<int32>> inFile;
   for (const EventName& event : events)
-    inFile[EventKey(set, event.Name, event.Handler)].push_back(event.Place);
-  for (auto& [key, places] : inFile) std::sort(places.begin(), places.end());
+    inFile[EventKey(set, event.Name, event.Handler)].insert(event.Place);
   const auto isThere = [&](const JournalRecord& record) {
     const auto found = inFile.find(EventKey(set, record.Event.Name, record.Event.Handler));
-    return found != inFile.end() &&
-           std::binary_search(found->second.begin(), found->second.end(), record.Event.Place);
+    return found != inFile.end() && found->second.contains(record.Event.Place);
   };
   std::vector<JournalRecord> settled;
   std::map<EventName, JournalRecord> lastOf;
