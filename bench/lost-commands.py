@@ -26,6 +26,7 @@ AT_ONCE, SPREAD, MOST_WAITING = 64, 4.5, 60
 class Trial(BusTest):
     def runTest(self):
         """Fills `self.counts` with how often each command of each round was carried out."""
+        self.started = []
         wanted, chance, done = self.wanted, random.Random(self.seed), self.path("done")
         for first in range(0, wanted, AT_ONCE):
             numbers = range(first, min(first + AT_ONCE, wanted))
@@ -36,14 +37,11 @@ class Trial(BusTest):
             self.until(lambda: self.when() == due, "the time of the round")
             for moment in sorted(chance.uniform(0, SPREAD) for _ in range(2)):
                 self.end_at(due + moment)
-            self.start("-background", screen=False)
+            self.started.append(self.start("-background", screen=False))
             end = time.monotonic() + MOST_WAITING
             while time.monotonic() < end and not set(map(str, numbers)) <= set(self.read("done").split()):
                 time.sleep(0.1)
-            for name in APPLICATION, DELIVERER:
-                if self.pid_of(name):
-                    self.kill(name, signal.SIGTERM)
-                    self.gone(name)
+            self.until(self.all_gone, "the end of both programs")
             self.counts = collections.Counter(self.read("done").split())
 
     def end_at(self, moment):
@@ -53,7 +51,15 @@ class Trial(BusTest):
         if process:
             os.kill(process, signal.SIGTERM)
             self.until(lambda: self.pid_of(APPLICATION) != process, "the end of the application")
-        self.start("-background", screen=False)
+        self.started.append(self.start("-background", screen=False))
+
+    def all_gone(self):
+        """Each starts the other while it runs."""
+        for name in DELIVERER, APPLICATION:
+            if process := self.pid_of(name):
+                os.kill(process, signal.SIGTERM)
+        left = [each for each in self.started if each.poll() is None]
+        return not left and not self.pid_of(DELIVERER) and not self.pid_of(APPLICATION)
 
 
 def main():

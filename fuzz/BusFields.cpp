@@ -152,10 +152,12 @@ class Application final : public QDBusVirtualObject {
     if (!read) return;
     Demand(read->errorName.isEmpty() || (!read->message && !read->errorText.isEmpty()),
            "a refusal has its words and no effect");
-    if (call.signature() == "ua{sv}" && call.arguments().at(0).toUInt() == DELIVER_EVENTS) {
-      const bool taken = read->message.has_value() && call.member() == "Post";
-      Demand(call.member() != "Post" || taken != said->badLate, "lateness is an int32");
-      Demand(!taken || read->message->Get<int32>("Late") == said->late, "and taken as it is");
+    const bool isPost = call.interface() == MessagesInterface && call.member() == "Post";
+    if (isPost && call.signature() == "ua{sv}" &&
+        call.arguments().at(0).toUInt() == DELIVER_EVENTS) {
+      Demand(read->message.has_value() != said->badLate, "lateness is an int32");
+      Demand(!read->message || read->message->Get<int32>("Late") == said->late,
+             "and taken as it is");
     }
     for (int i = 0; read->message; ++i) {
       const auto path = read->message->Get<std::string>(std::to_string(i));
