@@ -121,18 +121,6 @@ TEST_F(LoadEventHandlersTest, RowsFollowFoldersAndNamesAndTheFirstOfANameWins) {
   EXPECT_EQ(builtIn, (Texts{"Unknown", "Do nothing", "Message", "Command", "Act on file"}));
 }
 
-TEST_F(LoadEventHandlersTest, TheAddOnOfTheHelpPageActs) {
-  Put("Beep", "user/a");
-  Load();
-  EXPECT_EQ(Rows(), Texts{"Beep"});
-  MakeEvent("Beep").GetAddOnData()->DealWithEvent(false);
-  World.RunMessages();
-  EXPECT_EQ(World.Ui.Texts(), Texts{"Kestrin event:  Tea\n\nBeep!"});
-  EXPECT_TRUE(World.Ui.AnswerFirst(0));
-  World.RunMessages();
-  EXPECT_EQ(World.Holding.Count(), 0);
-}
-
 TEST_F(LoadEventHandlersTest, ThereIsRoomFor122AndTheRestIsNamed) {
   for (int i = 0; i < 150; ++i) Put("Good", "app/add-ons/" + std::to_string(100 + i));
   Load();

@@ -395,16 +395,5 @@ TEST(RegionTest, TheClockIsTheRegions) {
     EXPECT_EQ(UsesClock24(QLocale(region)), hours24) << region;
 }
 
-TEST_F(WhenPageTest, TheClockOfTheSettingsShowsAtOnce) {
-  OpenNew();
-  Enter("date", "Nov 20 2026, 7:05 pm");
-  EXPECT_EQ(FieldText("time"), "07:05 PM");
-  context.Settings.Time24Hour = true;
-  context.Ui.SettingsChanged();
-  EXPECT_EQ(FieldText("time"), "19:05");
-  EXPECT_EQ(FieldText("date"), "Fri, Nov 20 2026, 19:05:00");
-  EXPECT_EQ(TextOf("actualTime"), "Fri, Nov 20 2026, 19:05:00");
-}
-
 }  // namespace
 }  // namespace kestrin

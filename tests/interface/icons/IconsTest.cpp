@@ -66,29 +66,6 @@ TEST(StandardIconsTest, AreKnownByTheirBitmapsAndDrawnAnewForDenseScreens) {
   EXPECT_EQ(StandardIcon(0).pixmap(QSize(16, 16), 2).size(), QSize(32, 32));
 }
 
-struct EventIconTest : testing::Test {
-  ScreenContext context;
-  EventSet& set = context.NewSet();
-  Event& event = AppendEvent(set, "Tea");
-};
-
-TEST_F(EventIconTest, IsTheStandardOneTheEventsOwnOrNone) {
-  for (const int32 number : {0, NoIconNumber, 4711}) {
-    event.SetIcon(number, nullptr);
-    EXPECT_EQ(EventIcon(event).isNull(), number != 0) << number;
-  }
-  const auto red = static_cast<char>(IndexOfColour({255, 0, 0, 255}));
-  IconPair striped{std::string(LargeIconBytes, red), std::string(MiniIconBytes, red)};
-  striped.large.replace(0, 512, 512, static_cast<char>(TransparentPixel));
-  event.SetIcon(OwnIconNumber, std::make_unique<IconPair>(striped));
-  const QImage large = Picture(EventIcon(event), LargeIconSize, Qt::green);
-  EXPECT_EQ(large.pixelColor(5, 5), QColor(Qt::green)) << "transparent";
-  EXPECT_EQ(large.pixelColor(5, 25), QColor(Qt::red));
-  EXPECT_EQ(Picture(EventIcon(event), MiniIconSize, Qt::green).pixelColor(5, 5), QColor(Qt::red));
-  const QImage dense = Picture(EventIcon(event), MiniIconSize, Qt::green, 2);
-  EXPECT_EQ(dense.pixelColor(5, 5), QColor(Qt::green)) << "the larger one has the pixels for it";
-}
-
 struct IconViewTest : EditorTest {
   QTemporaryDir folder;
 

@@ -1,6 +1,5 @@
 #include <gmock/gmock.h>
 
-#include <QPointer>
 #include <QtTest/QTest>
 
 #include "harness/ScreenContext.h"
@@ -8,27 +7,9 @@
 namespace kestrin {
 namespace {
 
-using testing::IsEmpty;
-
 struct EventSetWindowTest : testing::Test {
   ScreenContext context;
 };
-
-TEST_F(EventSetWindowTest, AWindowHoldsTheApplicationUntilItCloses) {
-  EventSet& set = context.NewSet("/sets/a[*]b.kestrin");
-  Event& event = AppendEvent(set, "x");
-  QPointer<EventSetWindow> window = &context.OpenWindow(set);
-  EXPECT_EQ(window->windowTitle(), "a[*][*]b.kestrin[*]") << "shown as a[*]b.kestrin";
-  EXPECT_EQ(context.Holding.Count(), 1);
-  context.Settings.WhichEventsToDeliver = DeliverShown;
-  event.SetName("changed, and not yet shown");
-  window->CloseNow();
-  EXPECT_THAT(context.Open.Sets, IsEmpty()) << "the set goes with its window";
-  EXPECT_EQ(context.Holding.Count(), 0);
-  QCoreApplication::processEvents();
-  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-  EXPECT_FALSE(window);
-}
 
 TEST_F(EventSetWindowTest, TheFrameIsStoredWhenThePersonChangesItAndBecomesTheDefaultIfWanted) {
   EventSet& set = context.NewSet();

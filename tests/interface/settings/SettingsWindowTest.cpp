@@ -14,7 +14,6 @@
 #include "core/settings/SettingsFile.h"
 #include "core/settings/SettingsStore.h"
 #include "harness/ScreenContext.h"
-#include "interface/sets/ElidedLabel.h"
 #include "interface/sets/SetFilePanel.h"
 #include "interface/settings/AboutWindow.h"
 
@@ -181,22 +180,6 @@ TEST_F(SettingsWindowTest, TheListFollowsWhatIsRememberedAndForgetsTheSelectedBy
   QTest::keyClick(&list, Qt::Key_Delete);
   EXPECT_FALSE(forget.isEnabled());
   EXPECT_THAT(Listed(Find<QListWidget>(Reopen(), "rememberedSets")), IsEmpty());
-}
-
-TEST_F(SettingsWindowTest, TheClockRedrawsTheListAtOnce) {
-  EventSet& set = context.NewSet();
-  EventRecord tea;
-  tea.NextEventTime = tea.ActualEventTime = 1794751200;  // 14:00
-  tea.ApplyTime = true;
-  set.AppendRead(std::make_unique<Event>(set, tea));
-  const EventSetWindow& sets = context.OpenWindow(set);
-  SettingsWindow& window = Open();
-  QApplication::processEvents();
-  const auto next = [&sets] { return sets.findChild<ElidedLabel*>("nextEvent")->Text(); };
-  EXPECT_TRUE(next().contains("02:00 PM")) << next().toStdString();
-  QTest::keyClick(&Find<QCheckBox>(window, "clock24"), Qt::Key_Space);
-  RunMessages();
-  EXPECT_TRUE(QTest::qWaitFor([&] { return next().contains("14:00"); })) << next().toStdString();
 }
 
 TEST_F(SettingsWindowTest, ThereIsOneWindowThatHoldsTheApplicationAndComesBackWhereItWas) {
