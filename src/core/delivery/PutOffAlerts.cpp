@@ -131,11 +131,14 @@ void PutOffAlerts::Read() {
   later_.Read();
   Journal* const journal = context_.journal;
   if (!journal) return;
-  const auto isOpen = [putOff = later_.Deliveries()](const JournalRecord& record) {
-    return record.AlertIs == AlertStage::Shown && putOff.contains(record.Id);
+  const auto isOpen = [](const JournalRecord& record) {
+    return record.AlertIs == AlertStage::Shown;
   };
-  for (const JournalRecord& record : journal->Orphans(isOpen))
-    if (journal->Adopt(record.Id)) journal->PutOff(record.Id);
+  const std::vector<JournalRecord> open = journal->Orphans(isOpen);
+  if (open.empty()) return;
+  const std::set<std::string> putOff = later_.Deliveries();
+  for (const JournalRecord& record : open)
+    if (putOff.contains(record.Id) && journal->Adopt(record.Id)) journal->PutOff(record.Id);
 }
 
 void PutOffAlerts::Asked(AlertRequest& request) {

@@ -1,5 +1,6 @@
 #include "core/journal/RecordLine.h"
 
+#include <algorithm>
 #include <charconv>
 #include <utility>
 
@@ -154,6 +155,7 @@ std::optional<RecordLine> DecodeLine(std::string_view line) {
 
 RecordText DecodeLines(std::string_view bytes) {
   RecordText text;
+  text.Lines.reserve(static_cast<size_t>(std::count(bytes.begin(), bytes.end(), '\n')));
   bool lastIsBroken = false;
   for (size_t at = 0; at < bytes.size();) {
     const size_t end = bytes.find('\n', at);

@@ -180,13 +180,14 @@ void RecordLog::ReadFrom(int64 position, bool wholeFile) {
   }
   if (wholeFile) lines_ = 0;
   lines_ += text.Lines.size() - (wholeFile ? 0 : std::min<size_t>(1, text.Lines.size()));
+  const bool mayDrop = wholeFile && !records_.empty();
   std::unordered_set<std::string> ids;
   for (RecordLine& line : text.Lines) {
-    if (wholeFile) ids.insert(line.Id);
+    if (mayDrop) ids.insert(line.Id);
     Merge(std::move(line));
   }
   if (!wholeFile) return;
-  DropAllBut(ids);
+  if (mayDrop) DropAllBut(ids);
   if (text.Damaged > 0) SetAside(bytes);
 }
 
