@@ -312,7 +312,12 @@ TEST_F(EventListTest, NoFontCutsAColumnThatNobodyMadeNarrow) {
     EventSet& each = context.NewSet(std::to_string(points) + std::to_string(width));
     each.Layout().ColumnShown = context.Settings.Layout.ColumnShown;
     each.Layout().ColumnWidth[EventTimeColumn] = width;
-    AppendEvent(each, "Ada's next birthday", 1794773322, WaitingForPrewarning).SetApplyTime(true);
+    EventRecord record;
+    record.Name = "Ada's next birthday";
+    record.ActualEventTime = 1794773322;
+    record.ApplyTime = true;
+    record.Status = WaitingForPrewarning;
+    each.AppendRead(std::make_unique<Event>(each, record));
     window = &context.OpenWindow(each);
     list = window->GetEventsView();
     for (const int column : {NameColumn, EventTimeColumn, HandlerColumn, StatusColumn})

@@ -5,6 +5,7 @@
 #include <QAccessible>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QFileDialog>
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
@@ -14,7 +15,7 @@
 #include "core/settings/SettingsFile.h"
 #include "core/settings/SettingsStore.h"
 #include "harness/ScreenContext.h"
-#include "interface/sets/SetFilePanel.h"
+#include "interface/common/FilePanels.h"
 #include "interface/settings/AboutWindow.h"
 
 namespace kestrin {
@@ -221,12 +222,12 @@ TEST_F(SettingsWindowTest, NothingLiesBelowTheEdgeOfALowScreen) {
   QFont large = usual;
   large.setPointSize(22);
   QApplication::setFont(large);
-  SettingsWindow& settings = Open();
-  auto* const panel = new SetFilePanel(settings, "/a.kestrin", true);
-  panel->open();
-  for (const QWidget* window : {static_cast<QWidget*>(&settings), static_cast<QWidget*>(panel)})
+  const QWidget& settings = Open();
+  QFileDialog panel;
+  panel.resize(5000, 5000);
+  SetUpFilePanel(panel);
+  for (const QWidget* window : {&settings, static_cast<const QWidget*>(&panel)})
     EXPECT_LT(window->height(), window->screen()->availableGeometry().height());
-  delete panel;
   QApplication::setFont(usual);
 }
 
