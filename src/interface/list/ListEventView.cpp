@@ -36,7 +36,7 @@ ListEventView::ListEventView(EventSet& set) : EventSetViewInterface(set), model_
 FittingWidths ListEventView::Fitting() const {
   constexpr const char* longDate = "Wed, Nov 30 2026, 10:00:00 AM";
   constexpr std::array<const char*, NumberOfColumns> usual = {
-      "", "An event with a name", longDate, longDate, "Act on file", "Waiting for prewarning"};
+      "", "An event with a name", longDate, longDate, "Notification", "Waiting for prewarning"};
   const int margins = 2 * (style()->pixelMetric(QStyle::PM_FocusFrameHMargin) + 1);
   const auto widthsIn = [&](const QFont& font, int room) {
     const QFontMetrics metrics(font);
