@@ -130,6 +130,10 @@ TEST_F(ActionsTest, ManyCommandsTakeTurnsAndAreInTheJournalUntilThen) {
     return std::count_if(records.begin(), records.end(),
                          [&](const auto& id) { return World.Record.Find(id)->Act == stage; });
   };
+  World.Machine.WhenCommand = [&] {
+    EXPECT_LE(count(ActStage::Acted), static_cast<int64>(World.Machine.Commands.size()))
+        << "none counts before its shell runs";
+  };
   size_t begun = CommandQueue::MostInASecond;
   for (; begun < records.size(); begun += CommandQueue::MostInASecond) {
     ASSERT_EQ(World.Machine.Commands.size(), begun);

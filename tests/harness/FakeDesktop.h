@@ -3,6 +3,7 @@
 
 #include <errno.h>
 
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -19,6 +20,7 @@ class FakeDesktop final : public Desktop {
 
   std::vector<std::string> Launched;
   std::vector<std::string> Commands;
+  std::function<void()> WhenCommand = [] {};
 
   FileDescription Describe(const std::string& path) override {
     const auto found = Files.find(path);
@@ -32,6 +34,7 @@ class FakeDesktop final : public Desktop {
     return Launch(anchor.empty() ? path : path + '#' + anchor);
   }
   int32 StartCommand(const std::string& command) override {
+    WhenCommand();
     if (ShellWorks) Commands.push_back(command);
     return ShellWorks ? static_cast<int32>(Commands.size()) : -EAGAIN;
   }

@@ -1,6 +1,8 @@
 """Add-ons that end the program, while all other events go on."""
 import pathlib
+import signal
 import sys
+import time
 
 sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "harness"))
 from world import APPLICATION, BIN, DAY, WorldTest, daily, handler_data, main, say  # noqa: E402
@@ -42,6 +44,20 @@ class Harm(WorldTest):
     def test_an_action_that_blocks_does_not_come_again(self):
         self.ends_once(b"block")
         self.assertIn("Add-ons may not block or take more than one second to deal with an event", self.errors())
+
+    def test_a_program_that_was_stopped_has_not_blocked(self):
+        soon = self.now() + 3
+        self.remember_harm(b"stop", soon)
+        self.hand_over(soon)
+        self.until(lambda: self.pid_of(APPLICATION), "the application")
+        state = pathlib.Path(f"/proc/{self.pid_of(APPLICATION)}/stat")
+        self.until(lambda: ") T " in state.read_text(), "the stop")
+        stopped = time.monotonic()
+        self.until(lambda: time.monotonic() > stopped + 1.5, "more than a second")
+        self.kill(APPLICATION, signal.SIGCONT)
+        self.alert("Kettle.").press("Ok")
+        self.gone(APPLICATION)
+        self.assertNotIn("Add-ons may not block", self.errors())
 
     def test_data_that_cannot_be_read_are_kept(self):
         self.are_kept(b"read")

@@ -182,6 +182,7 @@ TEST_F(EventSetSaveTest, AFileThatOthersHaveChangedIsLeftAlone) {
     if (!remembered) World.Settings.ForgetSet(Path);
     const std::string theirs = "somebody else's bytes";
     Disk.Put(Path, theirs);
+    Disk.SetAttribute(Path, "user.access", "as theirs");
     set.Events()[0]->SetName("Toast");
     // As the application does it: with the list locked.
     const AutoLock settings(World.Settings.Protect);
@@ -190,6 +191,7 @@ TEST_F(EventSetSaveTest, AFileThatOthersHaveChangedIsLeftAlone) {
     EXPECT_EQ(Disk.Bytes(Path), theirs);
     EXPECT_EQ(set.GetFileName(), Beside);
     EXPECT_EQ(NameIn(Beside), "Toast");
+    EXPECT_EQ(Disk.GetAttribute(Beside, "user.access"), "as theirs");
     EXPECT_EQ(World.Settings.IsFileRemembered(Beside), remembered);
     EXPECT_THAT(Notices(),
                 ElementsAre("The event set \"Work.kestrin\" was changed by another program since "

@@ -1,12 +1,15 @@
 // An add-on that ends its process in the way that its event's data say: "read" while they are read,
-// "view" while they are shown, "crash", "exit" or "block" when the event comes due.
+// "view" while they are shown, "crash", "exit" or "block" when the event comes due; "stop" stops it
+// until somebody lets it go on.
 #include <kestrin/EndianIndependentFile.h>
 #include <kestrin/EventAddOnData.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <string>
+#include <thread>
 
 namespace {
 
@@ -35,6 +38,10 @@ class HarmfulData : public kestrin::EventAddOnData {
     if (harm_ == "exit") std::_Exit(0);
     if (harm_ == "block")
       while (true) pause();
+    if (harm_ == "stop") {
+      std::raise(SIGSTOP);
+      std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    }
   }
 
  private:
