@@ -29,7 +29,7 @@ class FailingFileDoor final : public FileDoor {
   int FailAt;
   status_t Error;
   bool ShortWrite = false;    ///< a write takes half of its bytes instead of none
-  bool FailFromThen = false;  ///< every later call fails too, as on a machine that is going down
+  bool FailFromThen = false;  ///< every later call fails too and does nothing: nobody is there
   int Count = 0;              ///< calls so far
   std::string Failed;         ///< what was failed first: "open", "write", "rename" and so on
   /// Called when the first call has failed, a short write after its half; may be empty.
@@ -101,7 +101,8 @@ class FailingFileDoor final : public FileDoor {
     int64 Write(const void* data, size_t count) override {
       const bool first = !door_.HasFailed();
       if (!door_.Counts("write")) return file_->Write(data, count);
-      const int64 written = door_.ShortWrite ? file_->Write(data, count / 2) : door_.Error;
+      const bool isHalf = door_.ShortWrite && (first || !door_.FailFromThen);
+      const int64 written = isHalf ? file_->Write(data, count / 2) : door_.Error;
       if (first && door_.WhenFailed) door_.WhenFailed();
       return written;
     }

@@ -21,6 +21,7 @@ class FakeDesktop final : public Desktop {
   std::vector<std::string> Launched;
   std::vector<std::string> Commands;
   std::function<void()> WhenCommand = [] {};
+  std::function<void()> AroundStart;  ///< before each command starts and after; may be null
 
   FileDescription Describe(const std::string& path) override {
     const auto found = Files.find(path);
@@ -35,7 +36,9 @@ class FakeDesktop final : public Desktop {
   }
   int32 StartCommand(const std::string& command) override {
     WhenCommand();
+    if (AroundStart) AroundStart();
     if (ShellWorks) Commands.push_back(command);
+    if (AroundStart) AroundStart();
     return ShellWorks ? static_cast<int32>(Commands.size()) : -EAGAIN;
   }
   int32 WaitForCommand(int32) override { return Exit; }

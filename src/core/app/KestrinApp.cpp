@@ -55,7 +55,7 @@ KestrinApp::KestrinApp(Context& context, AppParts parts)
       background_(context.notices, parts_.background, parts_.KestrinDir),
       unsaved_(context, recovery_),
       saving_(context, recovery_),
-      settling_(context, saving_),
+      settling_(context, saving_, later_),
       openAlerts_(context),
       watch_([this](const std::string& record) { ActionOverruns(record); }),
       absent_(context, parts_.stateFolder),
@@ -155,7 +155,10 @@ void KestrinApp::Handle(const Message& message) {
   if (message.what == DELIVER_EVENTS) {
     DeliverOnly = true;
     CheckZone();
+    if (message.Get<int32>("Late").value_or(0) > MostLateness) opening_.HealOpenSets();
   }
+  // What reading the sets has changed waits for the first pass of the start, which has its flag.
+  if (message.what == EVENT_SETS_CHANGED && !opening_.IsRunning() && !DeliverOnly) return;
   if (pass_.MessageReceived(message)) return;
   if (WindowMessage(message) || BackgroundMessage(message)) return;
   switch (message.what) {
@@ -194,6 +197,7 @@ void KestrinApp::Handle(const Message& message) {
       break;
     case RESUMED:
       CheckZone();
+      opening_.HealOpenSets();
       pass_.PassWithStartupFlag();
       break;
     case QUIT_REQUESTED:

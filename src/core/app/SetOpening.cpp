@@ -95,6 +95,11 @@ EventSet* SetOpening::LoadSet(const std::string& file, bool quietly) {
   return context_.openSets.Sets.back().get();
 }
 
+void SetOpening::HealOpenSets() {
+  const AutoLock open(context_.openSets.Protect);
+  for (const auto& set : context_.openSets.Sets) HealTimes(*set, isPutOff_);
+}
+
 void SetOpening::ReadSelectedSets() {
   std::vector<std::string>& names = context_.settings.SetFileNames;
   for (size_t i = 0; i < names.size();) {

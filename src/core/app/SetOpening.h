@@ -48,6 +48,8 @@ class SetOpening {
   void Activate();
   /// Re-reads an open set from its file, with a window if it had one; what was delivered stays
   /// delivered.
+  /// The clock has been set: heals what open sets have of the wrong one.
+  void HealOpenSets();
   void RevertToSaved(const std::string& path);
 
   std::string GetNextUntitledWindowName();

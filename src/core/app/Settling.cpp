@@ -27,10 +27,11 @@ void Settling::Rest() {
     again_ = true;
     return;
   }
-  if (!journal || !journal->IsDirty()) return Save();
+  if (!journal || (!journal->IsDirty() && !later_.IsDirty())) return Save();
   context_.holds.ProcessHold();
-  const auto sync = [journal, &queue = context_.queue] {
-    journal->Sync();  // one that fails is kept in memory, and was reported
+  const auto sync = [journal, &later = later_, &queue = context_.queue] {
+    if (journal->IsDirty()) journal->Sync();  // one that fails is kept in memory, and was reported
+    if (later.IsDirty()) later.Sync();
     queue.Post(JOURNAL_SYNCED);
   };
   syncing_ = context_.workers.StartLater("Journal", MillisecondsUntilPainted, sync);
@@ -58,6 +59,7 @@ void Settling::Save() {
 
 void Settling::SaveEverything() {
   if (context_.journal) context_.journal->Sync();
+  if (later_.IsDirty()) later_.Sync();
   saving_.SaveModifiedSets();
   const AutoLock open(context_.openSets.Protect);
   for (const auto& set : context_.openSets.Sets) Settle(*set);
@@ -78,6 +80,7 @@ void Settling::KeepShort() {
   Journal* const journal = context_.journal;
   if (!journal) return;
   if (journal->WantsCompaction()) Start("Compaction", journal->Compaction());
+  if (later_.WantsCompaction()) Start("Compaction", later_.Compaction());
   const int64 now = context_.clock.Now();
   if (std::exchange(pruned_, true) || !journal->Past().WantsPruning(now)) return;
   Start("History", [journal, now] { journal->Past().Prune(now); });

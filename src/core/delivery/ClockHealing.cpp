@@ -41,12 +41,32 @@ EventTimes Afresh(EventSet& set, const Event& event, int64 now, const Zone& zone
   return ComputeEventTimes(event.Record(), std::max<int64>(now, last.value_or(0)), zone);
 }
 
+/// The clock was behind when the event was set back, and nothing was delivered since: it goes on
+/// where it stood.
+std::optional<EventTimes> Forth(EventSet& set, const Event& event, int64 now, const Zone& zone) {
+  const Journal* const journal = set.GetContext().journal;
+  if (!journal || event.GetActualEventTime() > now) return std::nullopt;
+  const auto records = journal->About(JournalPath(set), set.FileNames().Of(set, event));
+  if (records.empty() || !records.back().GoesBack()) return std::nullopt;
+  const JournalRecord& back = records.back();
+  // As above, a day ahead is believed: the one before may have come.
+  EventTimes times = ComputeEventTimes(event.Record(), now + SecondsPerDay, zone);
+  const bool isSane = back.From->Next != 0 && back.From->Actual <= times.ActualEventTime;
+  if (!isSane || back.Rule != RuleMark(event.Record()) || back.To != StateOf(event.Record()))
+    return std::nullopt;
+  times.ActualEventTime = back.From->Actual;
+  times.NextEventTime = back.From->Next;
+  times.Status = static_cast<EventStatus>(back.From->Status);
+  return times;
+}
+
 std::optional<EventTimes> Healed(EventSet& set, const Event& event,
                                  const std::function<bool(const Event&)>& isPutOff) {
   const EventRecord& rule = event.Record();
   const int64 now = set.GetContext().clock.Now();
   const Zone& zone = set.GetContext().zone;
   if (!Repeats(rule)) return std::nullopt;
+  if (const auto forth = Forth(set, event, now, zone)) return forth;
   if (rule.Status == WaitingToNag && rule.ActualEventTime <= now + SecondsPerDay)
     return isPutOff(event) ? std::nullopt : NagFrom(rule, now, zone);
   const bool isDone = rule.NextEventTime == 0;

@@ -22,7 +22,6 @@ namespace kestrin {
 namespace {
 
 constexpr int64 RetryWithoutScreen = 60;
-constexpr int32 MostLateness = 60;  // seconds; a wake-up that is later is like a start
 
 }  // namespace
 

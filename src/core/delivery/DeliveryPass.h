@@ -14,6 +14,9 @@ namespace kestrin {
 class EventSet;
 class PutOffAlerts;
 
+/// Seconds; a wake-up that is later is like a start.
+inline constexpr int32 MostLateness = 60;
+
 class DeliveryPass {
  public:
   /// Main thread. `sendTime` hands a NextEventMessage to the background deliverer; `mayFail` says

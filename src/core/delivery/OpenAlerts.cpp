@@ -75,7 +75,7 @@ void OpenAlerts::Show(const JournalRecord& record) {
   again_.insert(record.Id);
   if (IsFailureAlert(record.Alert)) {
     const std::optional<JournalRecord> act = context_.journal->Find(record.Of);
-    return ShowFailure(context_, act.value_or(record), record.Id);
+    return ShowFailure(context_, act.value_or(record), record);
   }
   if (record.Alert.Role == AlertRole::Question && found.event) return AskAnew(record, *found.event);
   ShowReturning(context_,

@@ -98,6 +98,7 @@ std::string PutOffAlerts::Keep(const AlertRequest& request, const PutOffMoment& 
   alert.Run = request.Run;
   alert.Open = request.Open;
   alert.When = {when.moment, when.onWallClock ? std::optional(when.wall) : std::nullopt};
+  alert.IsBack = false;
   const AutoLock open(context_.openSets.Protect);
   EventSet* const set = context_.openSets.FindHandle(request.Set);
   Event* const event = set ? set->FindEvent(request.Event) : nullptr;
@@ -148,7 +149,7 @@ void PutOffAlerts::Asked(AlertRequest& request) {
   askedAnew_.erase(asked);
 }
 
-/// The next occurrence ends what was put off and says so.
+/// The next occurrence ends what was put off and says so, to the next process as well.
 void PutOffAlerts::Opening(AlertRequest& request) {
   const bool isOccurrence =
       request.Role == AlertRole::Delivery || request.Role == AlertRole::Question;
@@ -159,6 +160,7 @@ void PutOffAlerts::Opening(AlertRequest& request) {
   EventSet* const set = context_.openSets.FindHandle(request.Set);
   const Event* const event = set ? set->FindEvent(request.Event) : nullptr;
   if (!event) return;
+  std::vector<std::string> ended;
   for (const PutOffAlert& alert : About(*set, *event)) {
     if (standing_.contains(alert.Id) || alert.Occurrence == request.Occurrence) continue;
     const std::string day =
@@ -166,8 +168,13 @@ void PutOffAlerts::Opening(AlertRequest& request) {
     request.Text += "\n\nAlso unanswered: " + day + " " +
                     GetTimeOfDayText(SecondsIntoDay(context_.zone.AtMoment(alert.Occurrence)),
                                      context_.settings.Time24Hour);
-    End(alert.Id);
+    ended.push_back(alert.Id);
   }
+  if (ended.empty()) return;
+  if (context_.journal && context_.journal->Find(request.Record))
+    context_.journal->Shown(request.Record, KeepAlert(request));
+  for (const std::string& id : ended) End(id);
+  context_.queue.Post(EVENT_SETS_CHANGED);  // the deliverer need not wake anybody for them
 }
 
 void PutOffAlerts::Ended(const AlertRequest& request) {
@@ -181,17 +188,44 @@ void PutOffAlerts::End(const std::string& id) {
   next_.reset();
 }
 
+/// A deletion that was undone is none.
+void PutOffAlerts::SetSaved(uint64 set) {
+  for (const auto& [id, of] : std::map(deleted_)) {
+    if (of != set) continue;
+    deleted_.erase(id);
+    handles_.erase(id);
+    const auto alert = later_.Find(id);
+    if (alert && !Find(*alert).event) End(id);
+  }
+  next_.reset();
+}
+
+/// The set was closed, and its changes thrown away.
+void PutOffAlerts::TakeBackDiscarded() {
+  if (deleted_.empty()) return;
+  const AutoLock open(context_.openSets.Protect);
+  const auto isClosed = [this](const auto& entry) {
+    return !context_.openSets.FindHandle(entry.second);
+  };
+  if (std::erase_if(deleted_, isClosed) > 0) next_.reset();
+}
+
 void PutOffAlerts::EventDeleted(uint64 set, uint64 event) {
   if (later_.IsEmpty()) return;
   const AutoLock open(context_.openSets.Protect);
   EventSet* const from = context_.openSets.FindHandle(set);
   const Event* const deleted = from ? from->FindEvent(event) : nullptr;
   if (!deleted) return;
-  for (const PutOffAlert& alert : About(*from, *deleted)) End(alert.Id);
+  for (const PutOffAlert& alert : About(*from, *deleted)) deleted_[alert.Id] = set;
+  next_.reset();
 }
 
 int64 PutOffAlerts::NextReturn() {
-  if (!next_) next_ = later_.NextReturn(context_.zone, standing_);
+  TakeBackDiscarded();
+  if (next_) return *next_;
+  std::set<std::string> silent = standing_;
+  for (const auto& [id, set] : deleted_) silent.insert(id);
+  next_ = later_.NextReturn(context_.zone, silent);
   return *next_;
 }
 
@@ -207,16 +241,16 @@ void PutOffAlerts::ReturnDue() {
   later_.CatchUp();
   next_.reset();
   for (const PutOffAlert& alert : later_.Due(now, context_.zone))
-    if (!standing_.contains(alert.Id)) Return(alert);
+    if (!standing_.contains(alert.Id) && !deleted_.contains(alert.Id)) Return(alert);
 }
 
 void PutOffAlerts::Return(const PutOffAlert& alert) {
   const FoundEvent found = Find(alert);
-  if (found.event && (!found.event->GetActive() || RuleMark(found.event->Record()) != alert.Rule)) {
-    End(alert.Id);
-    return;
-  }
+  const bool isChanged =
+      found.event && (!found.event->GetActive() || RuleMark(found.event->Record()) != alert.Rule);
+  if (isChanged && !alert.IsBack) return End(alert.Id);
   standing_.insert(alert.Id);
+  if (!alert.IsBack) later_.IsBack(alert.Id);
   if (alert.Alert.Role == AlertRole::Question && found.event)
     AskAnew(alert, *found.event);
   else

@@ -33,6 +33,7 @@ class PutOffAlerts final : public PutOffKeeper {
   void Opening(AlertRequest& request) override;
   void Ended(const AlertRequest& request) override;
   void EventDeleted(uint64 set, uint64 event) override;
+  void SetSaved(uint64 set) override;
 
   /// When the next one returns that does not stand on the screen already; 0 for none.
   int64 NextReturn();
@@ -53,11 +54,13 @@ class PutOffAlerts final : public PutOffKeeper {
   void Return(const PutOffAlert& alert);
   bool AskAnew(const PutOffAlert& alert, Event& event);
   void End(const std::string& id);
+  void TakeBackDiscarded();
 
   Context& context_;
   Later& later_;
-  std::map<std::string, Handles> handles_;   ///< by id; of those that this process has met
-  std::set<std::string> standing_;           ///< shown again, not yet answered
+  std::map<std::string, Handles> handles_;  ///< by id; of those that this process has met
+  std::set<std::string> standing_;          ///< shown again, not yet answered
+  std::map<std::string, uint64> deleted_;  ///< do not return; until the set of that handle is saved
   std::map<uint64, std::string> askedAnew_;  ///< ids by the event whose handler asks again
   std::optional<int64> next_;                ///< NextReturn, until something changes
 };

@@ -77,7 +77,7 @@ void GoOnWith(Context& context, JournalRecord record) {
   }
   if (!context.ui.HasScreen() && record.Why == TookTooLong) return;
   context.journal->Stage(record.Id, record.Act, record.Why);
-  if (context.ui.HasScreen()) ShowFailure(context, record, record.Id);
+  if (context.ui.HasScreen()) ShowFailure(context, record, record);
 }
 
 }  // namespace
@@ -94,13 +94,13 @@ void TryAgain(Context& context, const std::string& alertRecord, uint64 set, uint
   TryAgain(context, act ? *act : alert.value_or(JournalRecord()), set, event);
 }
 
-void ShowFailure(Context& context, const JournalRecord& act, const std::string& alertRecord) {
+void ShowFailure(Context& context, const JournalRecord& act, const JournalRecord& alert) {
   const FoundEvent found = FindEvent(context, act.Set, act.Event);
   AlertRequest request;
   request.Kind = AlertKind::Warning;
   request.Role = AlertRole::Delivery;
-  request.Text = FailureText(act);
-  request.Record = alertRecord;
+  request.Text = IsFailureAlert(alert.Alert) ? alert.Alert.Text : FailureText(act);
+  request.Record = alert.Id;
   request.Occurrence = act.Occurrence();
   request.Face.EventName = act.Event.Name;
   request.Buttons = {"Ok"};

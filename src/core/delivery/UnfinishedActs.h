@@ -16,11 +16,11 @@ inline constexpr char Overrun[] = "overrun";
 void GoOnWithUnfinishedActs(Context& context);
 
 /// The alert about an act that has failed, with the button that tries again; its answer is written
-/// down in `alertRecord`.
-void ShowFailure(Context& context, const JournalRecord& act, const std::string& alertRecord);
+/// down in the record `alert`, which has the text where it was shown before.
+void ShowFailure(Context& context, const JournalRecord& act, const JournalRecord& alert);
 /// Whether it is such a one.
 bool IsFailureAlert(const KeptAlert& alert);
-/// What its button does for that event; `alertRecord` as for ShowFailure.
+/// What its button does for that event; `alertRecord`: of the journal, as for ShowFailure.
 void TryAgain(Context& context, const std::string& alertRecord, uint64 set, uint64 event);
 
 }  // namespace kestrin

@@ -138,6 +138,7 @@ void EventSet::Saved(const std::string& path) {
   SetFileName(path);
   untitled_ = modified_ = deliveryModified_ = false;
   FollowNames();
+  context_.alerts.SetSaved(handle_);
   if (recorder_) recorder_->Saved();
   context_.queue.Post(EDITS_CHANGED);
   if (window_) window_->SetChanged();

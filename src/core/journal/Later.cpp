@@ -1,32 +1,13 @@
 #include "core/journal/Later.h"
 
 #include <algorithm>
-#include <charconv>
 #include <utility>
 
 namespace kestrin {
 
 namespace {
 
-constexpr char AllKeys[] = "again";
-
-std::string JoinNumbers(const std::vector<int32>& numbers) {
-  std::string text;
-  for (const int32 number : numbers) text += (text.empty() ? "" : ",") + std::to_string(number);
-  return text;
-}
-
-std::vector<int32> SplitNumbers(const std::string& text) {
-  std::vector<int32> numbers;
-  for (const char *at = text.data(), *end = at + text.size(); at < end;) {
-    int32 number = 0;
-    const auto [stopped, error] = std::from_chars(at, end, number);
-    if (error != std::errc()) break;
-    numbers.push_back(number);
-    at = stopped + 1;
-  }
-  return numbers;
-}
+constexpr char BackKey[] = "back";
 
 /// A put-off alert is a record of its own, with a return time.
 RecordFields FieldsOf(const PutOffAlert& alert) {
@@ -47,7 +28,7 @@ RecordFields FieldsOf(const PutOffAlert& alert) {
   else
     fields.Set("wall", "");
   fields.Set("moment", alert.When.Moment);
-  fields.Set(AllKeys, JoinNumbers(alert.Unanswered));
+  fields.Set(BackKey, int64{alert.IsBack});
   return fields;
 }
 
@@ -75,8 +56,8 @@ PutOffAlert PutOffAlertOf(const RecordLine& line) {
   alert.Alert = record.Alert;
   alert.Run = record.Run;
   alert.Open = record.Open;
-  alert.Unanswered = SplitNumbers(line.Fields.Text(AllKeys));
   alert.When = WhenOf(line.Fields);
+  alert.IsBack = line.Fields.Number(BackKey) == 1;
   return alert;
 }
 
@@ -103,6 +84,8 @@ status_t Later::PutOff(PutOffAlert& alert) {
   }
   return status;
 }
+
+void Later::IsBack(const std::string& id) { log_.Append(id, {{BackKey, "1"}}); }
 
 void Later::End(const std::string& id) {
   if (log_.Find(id)) log_.End(id);
@@ -154,25 +137,6 @@ std::vector<PutOffAlert> Later::Due(int64 now, const Zone& zone) const {
     return a.When.In(zone) < b.When.In(zone);
   });
   return due;
-}
-
-void Later::Renamed(const std::string& fromSet, const std::string& toSet) {
-  for (const Subject& alert : All()) {
-    if (alert.Set != fromSet) continue;
-    RecordFields fields;
-    fields.Set("set", toSet);
-    log_.Append(alert.Id, fields);
-  }
-}
-
-void Later::Renamed(const std::string& set, const EventName& from, const EventName& to) {
-  for (const PutOffAlert& alert : Of(set, from)) {
-    RecordFields fields;
-    fields.Set("name", to.Name);
-    fields.Set("handler", to.Handler);
-    fields.Set("place", int64{to.Place});
-    log_.Append(alert.Id, fields);
-  }
 }
 
 }  // namespace kestrin

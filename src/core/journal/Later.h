@@ -30,9 +30,9 @@ struct PutOffAlert {
   RecordKind Kind = RecordKind::Event;
   int32 Occurrence = 0;
   KeptAlert Alert;
-  std::string Run, Open;          ///< what a question carries out if its event has gone
-  std::vector<int32> Unanswered;  ///< further occurrences that stand unanswered too
+  std::string Run, Open;  ///< what a question carries out if its event has gone
   ReturnTime When;
+  bool IsBack = false;  ///< has returned and is not answered: only that ends it now
 };
 
 PutOffAlert PutOffAlertOf(const RecordLine& line);
@@ -51,7 +51,9 @@ class Later {
   /// StatusOk when it is on disk and will return; otherwise nothing is put off, and the reason is
   /// to be told. `alert.Id` is given here: a new one, or, for one that is there already, the same.
   status_t PutOff(PutOffAlert& alert);
-  /// It was answered, or has nothing to return for.
+  /// It stands open again. Not durable before the next Sync.
+  void IsBack(const std::string& id);
+  /// It was answered, or has nothing to return for. Likewise.
   void End(const std::string& id);
 
   /// What little it takes to find an alert's event.
@@ -71,10 +73,9 @@ class Later {
   /// What returns now, earliest first. It stays until it is put off again or ended.
   std::vector<PutOffAlert> Due(int64 now, const Zone& zone) const;
 
-  /// Renaming and Save as take it along.
-  void Renamed(const std::string& fromSet, const std::string& toSet);
-  void Renamed(const std::string& set, const EventName& from, const EventName& to);
-
+  bool IsDirty() const { return log_.IsDirty(); }
+  /// Any thread.
+  status_t Sync() { return log_.Sync(); }
   std::function<void()> Compaction() { return log_.Compaction(); }
   bool WantsCompaction() const { return log_.WantsCompaction(); }
 

@@ -299,6 +299,10 @@ void AlertDesk::EventDeleted(uint64 set, uint64 event) {
   if (keeper_) keeper_->EventDeleted(set, event);
 }
 
+void AlertDesk::SetSaved(uint64 set) {
+  if (keeper_) keeper_->SetSaved(set);
+}
+
 bool AlertDesk::RaisePrompt(uint64 set) {
   for (const auto& [id, alert] : open_)
     if (IsPromptAbout(alert.request, set)) {

@@ -59,6 +59,7 @@ class AlertDesk {
   bool Asks(uint64 event) const;
   /// A person is about to delete the event: what was put off for it does not return.
   void EventDeleted(uint64 set, uint64 event);
+  void SetSaved(uint64 set);
   bool Empty() const;
 
   /// Closes everything with the harmless answer, which counts as none: the recorder is not told.

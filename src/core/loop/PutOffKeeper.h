@@ -20,8 +20,9 @@ class PutOffKeeper {
   virtual void Opening(AlertRequest& request) = 0;
   /// It was answered by a person, or a later one took its place.
   virtual void Ended(const AlertRequest& request) = 0;
-  /// A person is about to delete the event.
+  /// A person is about to delete the event; it is gone once the set is saved without it.
   virtual void EventDeleted(uint64 set, uint64 event) = 0;
+  virtual void SetSaved(uint64 /*set*/) {}
 };
 
 }  // namespace kestrin

@@ -385,6 +385,18 @@ TEST_F(KestrinAppTest, AWrongClockHealsAndNothingIsDeliveredTwice) {
       EXPECT_THAT(Delivered(), IsEmpty());
       EXPECT_THAT(Alerts(), IsEmpty());
     }
+    // For one login it was behind: what that set back goes on where it stood.
+    for (const bool runsOn : {false, true}) {
+      Now -= 3000 * Day;
+      Start();
+      Now += 3000 * Day;
+      Message late(DELIVER_EVENTS);
+      late.Set("Late", int32{3600});
+      It->World.Time.JumpTo(Now);
+      runsOn ? Post(late) : Start();
+      EXPECT_THAT(hours(), ElementsAre(33, 33, 9, 0 - Sunday / Hour, 33));
+      EXPECT_THAT(Delivered(), IsEmpty());
+    }
   }
 }
 
