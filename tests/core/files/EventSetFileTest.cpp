@@ -176,6 +176,20 @@ TEST_F(EventSetSaveTest, AFailureAnywhereLosesNeitherTheFileNorTheChanges) {
       }
 }
 
+TEST_F(EventSetSaveTest, WhichEditorsStandOpenIsKeptWithoutAWindowAndSavedWithOne) {
+  EventSet& set = SavedSet();
+  const auto savedOpen = [&] {
+    EXPECT_TRUE(set.SaveData());
+    return Read(Path)->Events()[0]->GetShouldWindowOpen();
+  };
+  set.Events()[0]->SetShouldWindowOpen(true);
+  EXPECT_TRUE(savedOpen()) << "the set is not shown";
+  set.OpenWindow();
+  EXPECT_TRUE(savedOpen());
+  World.Ui.EditorWindows.back()->CloseNow();
+  EXPECT_FALSE(savedOpen());
+}
+
 TEST_F(EventSetSaveTest, AFileThatOthersHaveChangedIsLeftAlone) {
   for (const bool remembered : {true, false}) {
     EventSet& set = SavedSet();
