@@ -160,7 +160,7 @@ void KestrinApp::Handle(const Message& message) {
   // What reading the sets has changed waits for the first pass of the start, which has its flag.
   if (message.what == EVENT_SETS_CHANGED && !opening_.IsRunning() && !DeliverOnly) return;
   if (pass_.MessageReceived(message)) return;
-  if (WindowMessage(message) || BackgroundMessage(message)) return;
+  if (WindowMessage(message) || BackgroundMessage(message) || EndingMessage(message)) return;
   switch (message.what) {
     case PROCESS_HOLD_DONE:
       context_.holds.ProcessDone();
@@ -192,25 +192,32 @@ void KestrinApp::Handle(const Message& message) {
     case SETTINGS_CHANGED:
       SettingsChanged();
       break;
-    case SESSION_SAVED:
-      ending_.SessionSaved();
-      break;
     case RESUMED:
       CheckZone();
       opening_.HealOpenSets();
       pass_.PassWithStartupFlag();
       break;
-    case QUIT_REQUESTED:
-      ending_.QuitMessage(message);
-      break;
-    case FULL_QUIT_REQUESTED:
-      ending_.FullQuit();
-      break;
-    case FORCED_QUIT:
-      ending_.ForcedQuit();
-      break;
     default:
       break;
+  }
+}
+
+bool KestrinApp::EndingMessage(const Message& message) {
+  switch (message.what) {
+    case SESSION_SAVED:
+      ending_.SessionSaved();
+      return true;
+    case QUIT_REQUESTED:
+      ending_.QuitMessage(message);
+      return true;
+    case FULL_QUIT_REQUESTED:
+      ending_.FullQuit();
+      return true;
+    case FORCED_QUIT:
+      ending_.ForcedQuit();
+      return true;
+    default:
+      return false;
   }
 }
 

@@ -58,6 +58,7 @@ class KestrinApp {
 
  private:
   void Handle(const Message& message);
+  bool EndingMessage(const Message& message);
   bool WindowMessage(const Message& message);
   void OpenFiles(const Message& message);
   void Activate();

@@ -79,11 +79,13 @@ std::vector<PutOffAlert> PutOffAlerts::About(EventSet& set, const Event& event) 
     const FoundEvent known = Known(alert.Id);
     return known.event && known.event != &event;
   });
-  for (const auto& [id, handles] : handles_) {
-    const bool isThere = std::any_of(about.begin(), about.end(),
-                                     [&id](const PutOffAlert& alert) { return alert.Id == id; });
+  for (const auto& known : handles_) {
+    const Handles& handles = known.second;
+    const bool isThere = std::any_of(about.begin(), about.end(), [&known](const auto& alert) {
+      return alert.Id == known.first;
+    });
     if (handles.Event != event.GetHandle() || handles.Set != set.GetHandle() || isThere) continue;
-    if (std::optional<PutOffAlert> alert = later_.Find(id)) about.push_back(std::move(*alert));
+    if (auto alert = later_.Find(known.first)) about.push_back(std::move(*alert));
   }
   return about;
 }

@@ -4,6 +4,7 @@
 
 #include "core/journal/EventStateText.h"
 #include "core/journal/Journal.h"
+#include "core/journal/RecordLine.h"
 
 namespace kestrin {
 

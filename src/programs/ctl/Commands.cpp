@@ -15,7 +15,6 @@
 #include "core/timing/DateTimeText.h"
 #include "core/timing/EventRecord.h"
 #include "core/timing/EventRuleCheck.h"
-#include "core/timing/EventTypes.h"
 #include "core/timing/RuleSentence.h"
 #include "programs/ctl/JsonWriter.h"
 #include "programs/ctl/NextTable.h"
