@@ -49,7 +49,9 @@ exec 4< "$work/names"
 read -r _ <&4
 read -r _ <&4
 
-"$binary" 2>"$work/errors" &
+# Alone: it would start an application that lies beside it, which has another next event to tell.
+cp "$binary" "$work/KestrinBackground"
+"$work/KestrinBackground" 2>"$work/errors" &
 deliverer=$!
 pids="$pids $deliverer"
 read -r _ <&4 # its name has an owner now
