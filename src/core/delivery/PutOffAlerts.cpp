@@ -202,14 +202,14 @@ void PutOffAlerts::SetSaved(uint64 set) {
   next_.reset();
 }
 
-/// The set was closed, and its changes thrown away.
-void PutOffAlerts::TakeBackDiscarded() {
+/// The deletion was undone, or the set was closed and its changes thrown away.
+void PutOffAlerts::TakeBackUndone() {
   if (deleted_.empty()) return;
   const AutoLock open(context_.openSets.Protect);
-  const auto isClosed = [this](const auto& entry) {
-    return !context_.openSets.FindHandle(entry.second);
+  const auto isUndone = [this](const auto& entry) {
+    return !context_.openSets.FindHandle(entry.second) || Known(entry.first).event;
   };
-  if (std::erase_if(deleted_, isClosed) > 0) next_.reset();
+  if (std::erase_if(deleted_, isUndone) > 0) next_.reset();
 }
 
 void PutOffAlerts::EventDeleted(uint64 set, uint64 event) {
@@ -218,12 +218,15 @@ void PutOffAlerts::EventDeleted(uint64 set, uint64 event) {
   EventSet* const from = context_.openSets.FindHandle(set);
   const Event* const deleted = from ? from->FindEvent(event) : nullptr;
   if (!deleted) return;
-  for (const PutOffAlert& alert : About(*from, *deleted)) deleted_[alert.Id] = set;
+  for (const PutOffAlert& alert : About(*from, *deleted)) {
+    deleted_[alert.Id] = set;
+    handles_[alert.Id] = {set, event};
+  }
   next_.reset();
 }
 
 int64 PutOffAlerts::NextReturn() {
-  TakeBackDiscarded();
+  TakeBackUndone();
   if (next_) return *next_;
   std::set<std::string> silent = standing_;
   for (const auto& [id, set] : deleted_) silent.insert(id);

@@ -54,13 +54,14 @@ class PutOffAlerts final : public PutOffKeeper {
   void Return(const PutOffAlert& alert);
   bool AskAnew(const PutOffAlert& alert, Event& event);
   void End(const std::string& id);
-  void TakeBackDiscarded();
+  void TakeBackUndone();
 
   Context& context_;
   Later& later_;
   std::map<std::string, Handles> handles_;  ///< by id; of those that this process has met
   std::set<std::string> standing_;          ///< shown again, not yet answered
-  std::map<std::string, uint64> deleted_;  ///< do not return; until the set of that handle is saved
+  std::map<std::string, uint64>
+      deleted_;  ///< do not return; until the set of that handle is saved or the event is back
   std::map<uint64, std::string> askedAnew_;  ///< ids by the event whose handler asks again
   std::optional<int64> next_;                ///< NextReturn, until something changes
 };

@@ -5,6 +5,7 @@
 
 #include "core/events/EventEdit.h"
 #include "core/events/EventSet.h"
+#include "core/events/OpenSets.h"
 #include "core/files/HandlerBlock.h"
 #include "core/ports/UserInterface.h"
 #include "core/settings/KestrinSettings.h"
@@ -159,6 +160,7 @@ void EditHistory::Remove(const std::vector<Event*>& events, EditKind kind) {
   if (events.empty()) return;
   for (Event* const event : events)
     if (EditorWindow* const editor = event->GetWindow()) editor->CloseNow();
+  const AutoLock open(set_->GetContext().openSets.Protect);
   const AutoLock lock(*set_);
   const EventSet::Recorded recorded(*set_);
   EditStep step;
@@ -295,6 +297,7 @@ void EditHistory::TakeOut(EditStep& step) {
     }
   for (Event* const event : here)
     if (EditorWindow* const editor = event->GetWindow()) editor->CloseNow();
+  const AutoLock open(set_->GetContext().openSets.Protect);
   const AutoLock lock(*set_);
   for (EventList::Removed& each : set_->RemoveEvents(here)) {
     EditStep::Moved& place = *places[each.event->GetHandle()];
