@@ -1,31 +1,21 @@
 // Starts an application or opens a document when the event comes due.
 #pragma once
 
-#include "handlers/BuiltInData.h"
-#include "handlers/PayloadBytes.h"
+#include "handlers/StartingData.h"
+#include "kestrin/EventAddOnData.h"
 
 namespace kestrin {
 
-class ActOnFileDataHandler final : public BuiltInData {
+/// Whether the file is there is found out by a worker.
+class ActOnFileDataHandler final : public StartingData {
  public:
-  using BuiltInData::BuiltInData;
+  using StartingData::StartingData;
 
   /// Full path; never null, empty when no file is chosen.
-  const char* GetFileName() const { return content_.Text.Get(); }
-  void SetFileName(const char* path);
-  /// Whether the user is asked first. Setting it does not mark the event modified.
-  bool GetVerify() const { return content_.Flag; }
-  void SetVerify(bool verify) { content_.Flag = verify; }
+  const char* GetFileName() const { return Text(); }
+  void SetFileName(const char* path) { SetText(path); }
 
-  bool ReadData(EndianIndependentFile& file) { return content_.Read(file); }
-  bool SaveData(EndianIndependentFile* file) override { return content_.Write(*file); }
   void DealWithEvent(bool missed) override;
-  bool NeedsScreen() const override;
-
- private:
-  bool MustAsk() const;
-
-  FlaggedText content_;
 };
 
 EventAddOnData* DefHandActOnFile_NewAddOnData(Event* event, EndianIndependentFile* file, bool* ok);

@@ -1,31 +1,20 @@
 // Runs a shell command when the event comes due.
 #pragma once
 
-#include "handlers/BuiltInData.h"
-#include "handlers/PayloadBytes.h"
+#include "handlers/StartingData.h"
+#include "kestrin/EventAddOnData.h"
 
 namespace kestrin {
 
-class CommandDataHandler final : public BuiltInData {
+class CommandDataHandler final : public StartingData {
  public:
-  using BuiltInData::BuiltInData;
+  using StartingData::StartingData;
 
   /// Never null.
-  const char* GetCommand() const { return content_.Text.Get(); }
-  void SetCommand(const char* command);
-  /// Whether the user is asked first. Setting it does not mark the event modified.
-  bool GetVerify() const { return content_.Flag; }
-  void SetVerify(bool verify) { content_.Flag = verify; }
+  const char* GetCommand() const { return Text(); }
+  void SetCommand(const char* command) { SetText(command); }
 
-  bool ReadData(EndianIndependentFile& file) { return content_.Read(file); }
-  bool SaveData(EndianIndependentFile* file) override { return content_.Write(*file); }
   void DealWithEvent(bool missed) override;
-  bool NeedsScreen() const override;
-
- private:
-  bool MustAsk() const;
-
-  FlaggedText content_;
 };
 
 EventAddOnData* DefHandCommand_NewAddOnData(Event* event, EndianIndependentFile* file, bool* ok);
