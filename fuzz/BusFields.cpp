@@ -7,9 +7,7 @@
 #include <QtDBus/QDBusServer>
 #include <QtDBus/QDBusVirtualObject>
 
-#include <fuzzer/FuzzedDataProvider.h>
-
-#include "Demand.h"
+#include "Trial.h"
 #include "core/loop/MessageCodes.h"
 #include "programs/background/BusFields.h"
 #include "session/BusMessages.h"
@@ -209,7 +207,9 @@ struct Line {
   sd_bus* bus = nullptr;
 };
 
-void TryCall(FuzzedDataProvider& in) {
+}  // namespace
+
+void TryInput(FuzzedDataProvider& in) {
   static Line line;
   const Caller caller(in, line.bus);
   ReadInDeliverer(caller);
@@ -222,11 +222,4 @@ void TryCall(FuzzedDataProvider& in) {
   }
 }
 
-}  // namespace
 }  // namespace kestrin
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  FuzzedDataProvider in(data, size);
-  kestrin::TryCall(in);
-  return 0;
-}

@@ -2,7 +2,7 @@
 // another process: all is read, followed, settled and made short without a record more or less.
 #include <algorithm>
 
-#include "Demand.h"
+#include "Trial.h"
 #include "core/journal/Later.h"
 #include "core/journal/RecordWords.h"
 #include "harness/TestContext.h"
@@ -103,13 +103,14 @@ void TryFiles(const std::string& bytes, size_t cut) {
 }
 
 }  // namespace
-}  // namespace kestrin
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  if (size < 2) return 0;
-  std::string bytes(reinterpret_cast<const char*>(data) + 2, size - 2);
-  if (data[0] % 4 != 0) bytes = kestrin::WithChecks(bytes);
-  kestrin::TryLines(bytes);
-  kestrin::TryFiles(bytes, bytes.size() * data[1] / 255);
-  return 0;
+void TryInput(FuzzedDataProvider& in) {
+  const size_t cut = in.ConsumeIntegral<uint8>();
+  const bool isRaw = in.ConsumeIntegralInRange(0, 3) == 0;
+  std::string bytes = in.ConsumeRemainingBytesAsString();
+  if (!isRaw) bytes = WithChecks(bytes);
+  TryLines(bytes);
+  TryFiles(bytes, bytes.size() * cut / 255);
 }
+
+}  // namespace kestrin

@@ -2,7 +2,7 @@
 // moment can be kept over it.
 #include "programs/background/KeptTime.h"
 
-#include "Demand.h"
+#include "Trial.h"
 #include "harness/bus/Processes.h"
 
 namespace kestrin {
@@ -26,10 +26,10 @@ void TryFile(const std::string& folder, const std::string& bytes) {
 }
 
 }  // namespace
-}  // namespace kestrin
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  static const kestrin::TemporaryFolder folder;
-  kestrin::TryFile(folder.path, {reinterpret_cast<const char*>(data), size});
-  return 0;
+void TryInput(FuzzedDataProvider& in) {
+  static const TemporaryFolder folder;
+  TryFile(folder.path, in.ConsumeRemainingBytesAsString());
 }
+
+}  // namespace kestrin

@@ -1,6 +1,6 @@
 // Any bytes as an event set file: reading, computing and delivering never fall over, and what was
 // read once is saved and read again without a change.
-#include "Demand.h"
+#include "Trial.h"
 #include "core/events/Event.h"
 #include "core/events/EventProgress.h"
 #include "core/events/EventSet.h"
@@ -71,10 +71,10 @@ void TryFile(const std::string& bytes, const Zone& zone) {
 }
 
 }  // namespace
-}  // namespace kestrin
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  static const kestrin::Zone zone = kestrin::Zone::Load("Europe/Berlin").value();
-  kestrin::TryFile({reinterpret_cast<const char*>(data), size}, zone);
-  return 0;
+void TryInput(FuzzedDataProvider& in) {
+  static const Zone zone = Zone::Load("Europe/Berlin").value();
+  TryFile(in.ConsumeRemainingBytesAsString(), zone);
 }
+
+}  // namespace kestrin

@@ -1,6 +1,6 @@
 // Any bytes as the file of the settings: what can be read is written and read again without a
 // change, also beside another session that has written something else meanwhile.
-#include "Demand.h"
+#include "Trial.h"
 #include "core/settings/BuiltInPrefs.h"
 #include "core/settings/JoinSettings.h"
 #include "core/settings/SettingsFile.h"
@@ -34,6 +34,8 @@ void TryFiles(const std::string& bytes, const std::string& theirs) {
   Demand(JoinSettings(ours, ours, others) == others || !others.contains("NumberOfSetsToUse"),
          "who has changed nothing takes all");
   Read(WriteSettingsText(JoinSettings({}, ours, others)));
+  // What holds no setting is replaced whatever it says; a few of those are enough.
+  if (ours.empty() && bytes.size() % 16 != 0) return;
   MemoryFileDoor disk;
   disk.Put(Path, bytes);
   const std::string once = LiveOnce(disk);
@@ -42,11 +44,11 @@ void TryFiles(const std::string& bytes, const std::string& theirs) {
 }
 
 }  // namespace
-}  // namespace kestrin
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  const std::string bytes(reinterpret_cast<const char*>(data), size);
+void TryInput(FuzzedDataProvider& in) {
+  const std::string bytes = in.ConsumeRemainingBytesAsString();
   const size_t cut = bytes.find('\0');  // no such byte stands in such a file
-  kestrin::TryFiles(bytes.substr(0, cut), cut == bytes.npos ? "{}" : bytes.substr(cut + 1));
-  return 0;
+  TryFiles(bytes.substr(0, cut), cut == bytes.npos ? "{}" : bytes.substr(cut + 1));
 }
+
+}  // namespace kestrin

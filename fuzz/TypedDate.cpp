@@ -1,14 +1,11 @@
 // Any text as a date that a person typed, in any language, zone and year.
-#include <fuzzer/FuzzedDataProvider.h>
-
-#include "Demand.h"
+#include "Trial.h"
 #include "core/timing/DateTimeText.h"
 #include "core/timing/LaterMoments.h"
 
 namespace kestrin {
-namespace {
 
-void TryText(FuzzedDataProvider& in) {
+void TryInput(FuzzedDataProvider& in) {
   static const Zone zones[] = {Zone(), *Zone::Load("Europe/Berlin"), *Zone::Load("Pacific/Apia"),
                                *Zone::Load("Australia/Lord_Howe")};
   const Zone& zone = in.PickValueInArray(zones);
@@ -35,11 +32,4 @@ void TryText(FuzzedDataProvider& in) {
   Demand(!later.fault.empty() || later.when.moment > now, "what is put off lies ahead");
 }
 
-}  // namespace
 }  // namespace kestrin
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  FuzzedDataProvider in(data, size);
-  kestrin::TryText(in);
-  return 0;
-}

@@ -62,9 +62,8 @@ void WriteFile(const std::string& path, const std::string& text, mode_t mode) {
 }
 
 TemporaryFolder::TemporaryFolder() {
-  char name[] = "/tmp/kestrin-test-XXXXXX";
-  Require(mkdtemp(name) != nullptr, "mkdtemp");
-  path = name;
+  path = std::filesystem::temp_directory_path() / "kestrin-test-XXXXXX";
+  Require(mkdtemp(path.data()) != nullptr, "mkdtemp");
 }
 
 TemporaryFolder::~TemporaryFolder() {
