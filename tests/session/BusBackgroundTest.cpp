@@ -104,10 +104,10 @@ TEST_F(BusBackgroundTest, AStoppedDelivererHoldsNobodyUp) {
   BusBackground background(Client(), files_, queue_, {Short, Long, Long, Long});
   background.Launch(&next_, Nowhere);
   EXPECT_EQ(NextMessage(), Launched(true)) << "the message waits where it is read later";
-  BusBackground leaving(Client(), files_, queue_, {Long, Long, Short, Long});
+  BusBackground leaving(Client(), files_, queue_, {Short, Long, milliseconds(0), Long});
   leaving.Launch(nullptr, Nowhere);
   leaving.Launch(&next_, Nowhere);
-  EXPECT_FALSE(leaving.Finish());
+  EXPECT_FALSE(leaving.Finish()) << "the end of its patience, not of the answer's";
   kill(Deliverer(), SIGCONT);
   for (int i = 0; i < 2; ++i) EXPECT_EQ(NextLine(), "deliverer got 53657445 5");
 }

@@ -48,9 +48,7 @@ class KestrinApp {
   void CheckZone();
 
   Context& GetContext() { return context_; }
-  DeliveryPass& Pass() { return pass_; }
   AppEnding& Ending() { return ending_; }
-  BackgroundContact& Background() { return background_; }
 
   // The roles in which the program runs.
   bool BackgroundOnlyStartup = false;  ///< started at login: hand the time over and leave

@@ -19,7 +19,6 @@ class KeyGuard final : public QObject {
   /// The window owns its guard.
   explicit KeyGuard(QWidget& window);
 
-  bool LetsKeysIn() const { return open_; }
   /// For a window that answers what the person just did.
   void OpenForGood();
 

@@ -64,4 +64,11 @@ QRect GeometryOnScreen(Rect stored, Rect fallback, QSize smallest) {
   return Rounded(WindowPositionSet::MovedOntoScreen(FrameOf(frame), FrameOf(room), fallback));
 }
 
+void BringToFront(QWidget& window) {
+  if (window.isMinimized()) window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
+  window.show();
+  window.raise();
+  window.activateWindow();
+}
+
 }  // namespace kestrin

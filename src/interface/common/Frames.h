@@ -25,4 +25,7 @@ QSize LargestOn(const QScreen& screen);
 /// below `smallest` the window cannot be shown.
 QRect GeometryOnScreen(Rect stored, Rect fallback, QSize smallest = {});
 
+/// Shows the window above all others, and asks for the keyboard.
+void BringToFront(QWidget& window);
+
 }  // namespace kestrin

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "core/app/DocumentApp.h"
+#include "interface/common/Frames.h"
 
 namespace kestrin {
 
@@ -15,12 +16,7 @@ SideWindow::SideWindow(DocumentApp& application) : application_(&application) {
 
 SideWindow::~SideWindow() { GiveBack(); }
 
-void SideWindow::Activate() {
-  if (isMinimized()) setWindowState(windowState() & ~Qt::WindowMinimized);
-  show();
-  raise();
-  activateWindow();
-}
+void SideWindow::Activate() { BringToFront(*this); }
 
 void SideWindow::GiveBack() {
   if (DocumentApp* application = std::exchange(application_, nullptr))

@@ -145,12 +145,7 @@ std::vector<QRect> EventWindow::FramesBeside() const {
   return frames;
 }
 
-void EventWindow::Activate() {
-  if (isMinimized()) setWindowState(windowState() & ~Qt::WindowMinimized);
-  show();
-  raise();
-  activateWindow();
-}
+void EventWindow::Activate() { BringToFront(*this); }
 
 void EventWindow::Retitle() {
   constexpr qsizetype LongestName = 60;

@@ -33,7 +33,6 @@ class TypedField : public QLineEdit {
   void TypeAndCommit(const QString& text);
   /// Drops what was typed.
   void Restore();
-  bool IsInvalid() const { return isInvalid_; }
 
  signals:
   /// The complaint has changed, or the person has come back to it; empty when the field is good

@@ -123,11 +123,6 @@ void ListEventView::SelectRow(int row) {
   scrollTo(index);
 }
 
-void ListEventView::SelectEvent(const Event* event) {
-  const int row = model_.RowOf(event);
-  if (row >= 0) SelectRow(row);
-}
-
 void ListEventView::SelectEvents(const std::vector<Event*>& events) {
   model_.Apply();
   std::vector<int> rows;

@@ -30,8 +30,7 @@ class ListEventView final : public ColumnListView, public EventSetViewInterface 
   std::vector<Event*> GetSelectedEvents() const;
   void EventModified(Event* event) override { model_.EventModified(*event); }
 
-  /// Selects the event's row and scrolls to it.
-  void SelectEvent(const Event* event);
+  /// Selects the events' rows and scrolls to the first; those that have none are passed over.
   void SelectEvents(const std::vector<Event*>& events);
   /// In which no column is out of sight.
   int WidthOfColumns() const;

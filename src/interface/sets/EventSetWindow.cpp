@@ -104,12 +104,7 @@ void EventSetWindow::OpenAtFrame() {
   setGeometry(opened_);
 }
 
-void EventSetWindow::Activate() {
-  if (isMinimized()) setWindowState(windowState() & ~Qt::WindowMinimized);
-  show();
-  raise();
-  activateWindow();
-}
+void EventSetWindow::Activate() { BringToFront(*this); }
 
 void EventSetWindow::EventAdded(Event& event) {
   list_->AddEvent(&event);

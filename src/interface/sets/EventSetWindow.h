@@ -26,6 +26,7 @@ class EventSetWindow final : public QMainWindow, public SetWindow {
 
   /// Null once the window has closed.
   EventSet* GetEventSet() const { return set_; }
+  /// The window's. For who works on the list from outside, as benchmarks and tests do.
   ListEventView* GetEventsView() const { return list_; }
   void SettingsChanged();
 

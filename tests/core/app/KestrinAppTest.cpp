@@ -288,16 +288,20 @@ TEST_F(KestrinAppTest, WhatWasBegunAndNotEndedIsToldAndEverythingElseGoesOn) {
   }
 }
 
-TEST_F(KestrinAppTest, ACommandThatWaitedIsCarriedOutAtTheNextStart) {
-  StartWith({DailyAt(Sunday + 9 * Hour)});
+TEST_F(KestrinAppTest, WhatWaitedIsCarriedOutAndEachFailureIsToldAtTheNextStart) {
+  StartWith({DailyAt(Sunday + 9 * Hour), DailyAt(Sunday + 9 * Hour, "Milk"),
+             DailyAt(Sunday + 9 * Hour, "Bread")});
   It->World.Actions.Plan = {true, "brew", ""};
   It->World.Actions.WhenEvent = [this](Event& event) {
-    It->World.Record.Stage(event.GetDelivery(), ActStage::Queued);
+    const bool waits = event.GetName() == "Tea";
+    It->World.Record.Stage(event.GetDelivery(), waits ? ActStage::Queued : ActStage::Failed);
   };
   DeliverAt(Sunday + 9 * Hour);
   Start({}, {}, false);
   ASSERT_EQ(It->World.Actions.CarriedOut.size(), 1u);
   EXPECT_EQ(It->World.Actions.CarriedOut[0].second, "brew");
+  Start();
+  EXPECT_THAT(Alerts(), UnorderedElementsAre(HasSubstr("\"Milk\""), HasSubstr("\"Bread\"")));
 }
 
 TEST_F(KestrinAppTest, TwoSessionsNeverForkASetThatDeliveriesAloneHaveChanged) {
@@ -507,32 +511,26 @@ TEST_F(KestrinAppTest, TheDelivererIsStartedAndItsFailuresAreToldOnce) {
   const std::string file = "file /opt/KestrinBackground";
   using Texts = std::vector<std::string>;
   const struct {
-    bool byName, byFile, inTrash, told;
+    bool byName, byFile, inTrash;
     Texts texts;
-    bool toldThen;
-    Texts calls;
-  } rows[] = {{true, false, false, false, {}, false, {"launch"}},
-              {true, false, false, true, {works}, false, {"launch"}},
-              {false, false, false, false, {missing}, true, {"launch", file}},
-              {false, false, false, true, {}, true, {"launch", file}},
-              {false, true, false, false, {}, false, {"launch", file}},
-              {false, true, true, false, {trash, works}, false, {"launch", file}}};
+  } rows[] = {{true, false, false, {}},         {false, false, false, {missing}},
+              {false, false, false, {}},        {true, false, false, {works}},
+              {false, true, false, {}},         {false, true, true, {trash, works}},
+              {false, false, false, {missing}}, {false, true, true, {works}}};
   Start();
   for (const auto& row : rows) {
     It->Background.ByName = row.byName;
     It->Background.ByFile = row.byFile;
     It->Background.InTrash = row.inTrash;
     It->Background.Calls.clear();
-    It->App.Background().AlreadyToldUser = row.told;
-    It->App.Background().LaunchBackgroundApp(nullptr);
-    Run();
+    Post(Message(BACKGROUND_GONE));
     ASSERT_EQ(Alerts().size(), row.texts.size());
     for (const std::string& text : row.texts) {
       EXPECT_THAT(Alerts()[0], testing::StartsWith(text));
       Answer(0);
     }
-    EXPECT_EQ(It->Background.Calls, row.calls);
-    EXPECT_EQ(It->App.Background().AlreadyToldUser, row.toldThen);
+    EXPECT_EQ(It->Background.Calls,
+              row.byName ? Texts({"launch", "launch"}) : Texts({"launch", file, "launch"}));
   }
   It->Background.ByName = It->Background.ByFile = It->Background.InTrash = false;
   CloseWindow();

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include <QAccessible>
+#include <QElapsedTimer>
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <QPushButton>
@@ -14,7 +15,6 @@
 
 #include "harness/ScreenContext.h"
 #include "interface/alerts/AlertCascade.h"
-#include "interface/alerts/KeyGuard.h"
 
 namespace kestrin {
 namespace {
@@ -119,9 +119,14 @@ TEST_F(AlertWindowTest, KeysMeantForAnotherWindowDoNothing) {
     ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
   }
   alert->activateWindow();
-  EXPECT_TRUE(QTest::qWaitFor([&] { return alert->findChild<KeyGuard*>()->LetsKeysIn(); }));
-  QTest::keyClick(alert->focusWidget(), Qt::Key_Escape);
-  EXPECT_THAT(answers, ElementsAre(1)) << "after a while without a key";
+  QElapsedTimer quiet;
+  quiet.start();
+  EXPECT_TRUE(QTest::qWaitFor([&] {
+    if (quiet.hasExpired(1200) && quiet.restart() > 0)
+      QTest::keyClick(alert->focusWidget(), Qt::Key_Escape);
+    return !answers.empty();
+  })) << "after a while without a key";
+  EXPECT_THAT(answers, ElementsAre(1));
 }
 
 TEST_F(AlertWindowTest, AQuestionIsCarriedOutOnlyOnPurpose) {

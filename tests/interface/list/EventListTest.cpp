@@ -220,7 +220,7 @@ TEST_F(EventListTest, ABurstOfChangesIsAppliedOnceAndTheSelectionStaysWithItsEve
   for (int i = 0; i < 50; ++i) Append("more");
   Open({"d", "b", "c", "a"});
   Event* chosen = set.Events()[51].get();
-  list->SelectEvent(chosen);
+  list->SelectEvents({chosen});
   ClickHeader(NameColumn);
   EXPECT_EQ(list->GetSelectedEvent(), chosen);
   EXPECT_EQ(list->currentIndex().row(), 1);

@@ -114,7 +114,7 @@ class MeanwhileTest : public BellOnScreen,
     window.activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
     ListEventView& list = *window.GetEventsView();
-    list.SelectEvent(&Tea(set));
+    list.SelectEvents({&Tea(set)});
     if (What == Deed::Delete) {
       QTest::keyClick(&list, Qt::Key_Delete);
     } else {
@@ -125,7 +125,7 @@ class MeanwhileTest : public BellOnScreen,
   void RingUntilDealtWith() {
     It->Time.JumpTo(Sunday + 9 * Hour);
     It->Queue.Post(DELIVER_EVENTS);
-    while (!It->App.Pass().IsDealing()) It->App.MessageReceived(*It->Queue.Take());
+    while (!It->Queue.Holds(EVENT_DEALT_WITH)) It->App.MessageReceived(*It->Queue.Take());
   }
   /// Brings the program to the moment, and does the deed.
   void DoAtTheMoment() {
@@ -211,7 +211,7 @@ TEST_F(BellOnScreen, AnEventMayGoWithItsSetWhileItActs) {
   OpenWork();
   BellData::Meanwhile = [this] {
     EventSetWindow& window = WindowOf(*Set("Work.kestrin"));
-    window.GetEventsView()->SelectEvent(&Tea(*Set("Work.kestrin")));
+    window.GetEventsView()->SelectEvents({&Tea(*Set("Work.kestrin"))});
     QTest::keyClick(window.GetEventsView(), Qt::Key_Delete);
     window.CloseNow();
     EXPECT_FALSE(Set("Work.kestrin"));

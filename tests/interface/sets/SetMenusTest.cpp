@@ -145,7 +145,7 @@ TEST_F(SetMenusTest, ASelectedEventEnablesWhatWorksOnIt) {
   set.AddEvent(nullptr);
   for (const bool selected : {true, false}) {
     if (selected)
-      window->GetEventsView()->SelectEvent(set.Events()[0].get());
+      window->GetEventsView()->SelectEvents({set.Events()[0].get()});
     else
       window->GetEventsView()->clearSelection();
     for (const Row& row : Table)
@@ -193,7 +193,7 @@ TEST_F(SetMenusTest, AViewModeThatNoViewShowsIsMarkedUntilTheListIsChosen) {
 TEST_F(SetMenusTest, RowsTheEmptyPartAndTheHeaderHaveMenusOfTheirOwn) {
   set.AddEvent(nullptr)->SetName("Tea");
   ListEventView& list = *window->GetEventsView();
-  list.SelectEvent(set.Events()[0].get());
+  list.SelectEvents({set.Events()[0].get()});
   const auto menuAt = [](QWidget* widget, const QPoint& at) {
     QContextMenuEvent event(QContextMenuEvent::Mouse, at, widget->mapToGlobal(at));
     QApplication::sendEvent(widget, &event);

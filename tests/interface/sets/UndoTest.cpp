@@ -22,7 +22,7 @@ class UndoTest : public AppOnScreen {
   static ListEventView& ListOf(EventSet& set) { return *WindowOf(set).GetEventsView(); }
   static void Select(EventSet& set, const std::string& name) {
     for (const auto& event : set.Events())
-      if (event->GetName() == name) ListOf(set).SelectEvent(event.get());
+      if (event->GetName() == name) ListOf(set).SelectEvents({event.get()});
   }
   static std::string Selected(EventSet& set) {
     const Event* event = ListOf(set).GetSelectedEvent();
