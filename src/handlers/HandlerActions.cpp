@@ -6,11 +6,11 @@
 #include "core/delivery/StopReminding.h"
 #include "core/events/EventSet.h"
 #include "core/events/HandlerTable.h"
+#include "core/journal/Journal.h"
 #include "core/loop/AlertDesk.h"
 #include "core/loop/AppMessages.h"
 #include "core/loop/Holds.h"
 #include "core/loop/MessageCodes.h"
-#include "core/loop/Notices.h"
 #include "core/settings/KestrinSettings.h"
 #include "core/timing/EventTiming.h"
 #include "core/timing/EventTypes.h"
@@ -22,6 +22,8 @@
 namespace kestrin {
 
 namespace {
+
+constexpr char HandlerFailed[] = "its handler reported an error";
 
 struct Reminder {
   ReminderKind kind;
@@ -71,6 +73,23 @@ void Remind(const Event& event, const Reminder& reminder, const std::string& use
   context.alerts.Show(std::move(request));
 }
 
+/// Until a person has read it, in whatever process: nothing else tells why this did not come.
+void TellFailure(const DeliveredEvent& delivered, const std::string& handler) {
+  Context& context = *delivered.context;
+  if (context.journal && context.journal->Find(delivered.Record))
+    context.journal->Stage(delivered.Record, ActStage::Failed, HandlerFailed);
+  AlertRequest request =
+      AlertAbout(delivered, AlertRole::Delivery,
+                 "Kestrin: The handler \"" + handler + "\" failed to deal with the event \"" +
+                     delivered.Face.EventName + "\".");
+  request.Title = "Kestrin recoverable error";
+  request.Kind = AlertKind::Warning;
+  request.Buttons = {"Continue"};
+  request.Done = [&context](int) { context.queue.Post(PROCESS_HOLD_DONE); };
+  context.holds.ProcessHold();
+  context.alerts.Show(std::move(request));
+}
+
 bool NeedsScreen(const EventAddOnData* data) {
   if (!data) return false;
   const auto* acts = dynamic_cast<const ActsWithoutScreen*>(data);
@@ -96,14 +115,12 @@ void HandlerActions::DeliverEvent(Event& event, bool missed) {
   EventAddOnData* data = event.GetAddOnData();
   if (!data) return;
   // Copied before the handler acts, which may delete its event.
-  Notices& notices = event.GetOwner()->GetContext().notices;
-  const std::string which = "event \"" + event.GetName() + "\"";
+  const DeliveredEvent delivered(event, missed);
   const std::string handler = event.GetHandlerName();
   try {
     data->DealWithEvent(missed);
   } catch (...) {
-    notices.ReportCompoundError("Kestrin: The handler \"" + handler, "\" failed to deal with the ",
-                                which + ".");
+    TellFailure(delivered, handler);
   }
 }
 

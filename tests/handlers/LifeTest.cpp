@@ -22,6 +22,7 @@
 #include <numeric>
 #include <random>
 #include <set>
+#include <utility>
 
 #include "core/events/EventSet.h"
 #include "handlers/CommandDataHandler.h"
@@ -43,21 +44,27 @@ constexpr size_t MostPlans = 12;
 /// Acts, and then throws now and then.
 class AddOnData final : public FakeHandlerData {
  public:
+  static constexpr int32 ThrowsEach = 3;
+
   using FakeHandlerData::FakeHandlerData;
   void DealWithEvent(bool) override {
     const Event& event = *GetAttachedTo();
-    if (event.GetOwner()->GetContext().desktop.StartCommand(event.GetName()) % 3 == 0)
+    if (event.GetOwner()->GetContext().desktop.StartCommand(event.GetName()) % ThrowsEach == 0)
       throw std::runtime_error("no luck today");
   }
 };
 
-/// An alert of one occurrence. Neither: it does not stand, and does not come again.
+/// An alert of one occurrence.
 struct Reminder {
-  bool Must = false, May = false;  ///< stand open
-  int64 Returns = 0;               ///< when, while it is put off
-  int64 PutOff = 0;                ///< the same, also after that
-  bool SaysMore = false;           ///< names others that it has ended
-  bool IsNamed = false;            ///< put off, and another one names it: it need not return
+  bool Open = false;        ///< nobody has answered it: it stands
+  bool May = false;         ///< stands, or does not
+  int64 Returns = 0;        ///< when, while it is put off
+  int64 PutOff = 0;         ///< the same, also after that
+  bool IsDoubtful = false;  ///< need not return
+  bool IsHalf = false;      ///< who put it off died: it returns, or stands still
+  bool SaysMore = false;    ///< names others that it has ended
+
+  bool IsDue(int64 now) const { return Returns != 0 && Returns <= now; }
 };
 
 /// What the model knows of an event.
@@ -66,18 +73,21 @@ struct Plan {
   std::string Set;
   const char* Handler = "Message";
   bool IsDropped = false;  ///< not delivered late
-  int64 Expected = 0;      ///< its next occurrence; 0: there is none
-  std::set<int64> Done;    ///< those that came, were told or passed over
-  int Step = 0;            ///< in which the last of them came
-  int64 Begun = 0;         ///< not 0: who may have begun it has died, first then,
-  int64 Doubted = 0;       ///< and this occurrence or a later one
+  int64 Next = 0;          ///< the first occurrence of which nothing has come; 0: there is none
   bool IsUnread = false;   ///< somebody died who may have read its data
-  bool Again = false;      ///< after a power cut what came last may come once more
-  int64 Resume = 0;        ///< what was expected before the clock was set back
   std::map<int64, Reminder> Alerts;
+  // In this step:
+  int64 Before = 0;      ///< Next when it began
+  std::set<int64> Came;  ///< by an alert
+  bool Ran = false, Threw = false;
 
   bool Acts() const { return Handler != std::string_view("Message"); }
-  bool IsDue(int64 now) const { return Expected != 0 && Expected <= now; }
+  bool IsDue(int64 now) const { return Next != 0 && Next <= now; }
+};
+
+/// What of a process has been looked at, and what there was of it when it died.
+struct Seen {
+  size_t Commands = 0, Alerts = 0, Times = 0;
 };
 
 class LifeTest : public AppTestBase, public testing::WithParamInterface<unsigned> {
@@ -101,12 +111,9 @@ class LifeTest : public AppTestBase, public testing::WithParamInterface<unsigned
   bool IsDead() const { return Door.HasFailed(); }
   /// One of the model's sentences.
   void Hold(bool holds, const std::string& words) const {
-    EXPECT_TRUE(holds) << words << "\n" << Where();
-  }
-  std::string Where() const {
-    return "life " + std::to_string(seed_) + ", step " + std::to_string(step_) + " (" + what_ +
-           ") at " + std::to_string(Now) + ", " +
-           absl::FormatTime(absl::FromUnixSeconds(Now), zone_);
+    EXPECT_TRUE(holds) << words << "\nlife " << seed_ << ", step " << step_ << " (" << what_
+                       << ") at " << Now << ", "
+                       << absl::FormatTime(absl::FromUnixSeconds(Now), zone_);
   }
 
   using Happening = std::function<void()>;
@@ -129,29 +136,24 @@ class LifeTest : public AppTestBase, public testing::WithParamInterface<unsigned
     }
   }
 
-  /// The occurrence that was expected is over; the next one is later than `from`.
-  void Pass(Plan& plan, int64 from) {
-    plan.Done.insert(plan.Expected);
-    plan.Step = step_;
-    plan.Expected = First(plan.When, from);
-  }
-
-  void Ran(const std::string& name) {
+  void Ran(const std::string& name, bool throws) {
     const auto found = plans_.find(name);
     if (found == plans_.end()) return;
     Plan& plan = found->second;
-    if (plan.Again && !plan.IsDue(Now)) return;
-    Hold(plan.Acts() && plan.IsDue(Now), name + " ran, expected " + std::to_string(plan.Expected));
-    Pass(plan, Now);
+    Hold(plan.Acts() && plan.IsDue(Now), name + " ran, next is " + std::to_string(plan.Next));
+    Hold(hasDied_ || !plan.IsDropped || plan.Next >= Now - 60, name + " ran late");
+    plan.Ran = true;
+    plan.Threw = plan.Threw || (throws && plan.Handler == std::string_view("Add-on"));
+    plan.Next = First(plan.When, Now);
   }
 
-  /// The next occurrence says that what was put off is unanswered.
-  void EndOthers(Plan& plan, const AlertRequest& alert) {
-    for (auto& [occurrence, earlier] : plan.Alerts) {
-      const bool mayHaveEnded = earlier.Returns > Now || (hasDied_ && earlier.Returns != 0);
-      if (occurrence == alert.Occurrence || !mayHaveEnded) continue;
+  /// The next occurrence says that what was put off is unanswered. Who dies may have said so only.
+  void EndOthers(Plan& plan, int64 occurrence) {
+    for (auto& [of, earlier] : plan.Alerts) {
+      if (of == occurrence || (earlier.Returns <= Now && !(hasDied_ && earlier.Returns != 0)))
+        continue;
       if (hasDied_)
-        earlier.IsNamed = true;
+        earlier.IsDoubtful = true;
       else
         earlier.May = true, earlier.Returns = 0;
     }
@@ -165,33 +167,30 @@ class LifeTest : public AppTestBase, public testing::WithParamInterface<unsigned
     const auto says = [&alert](const char* words) {
       return alert.Text.find(words) != std::string::npos;
     };
+    const bool tellsOfDeath = says("did not come to its end"), saysMore = says("Also unanswered");
     const bool tellsOfReading = says("did not come to the end of reading");
-    const bool tellsFailure = says("did not come to its end") || tellsOfReading;
-    const bool isKnown = plan.Alerts.contains(occurrence), saysMore = says("Also unanswered");
     plan.IsUnread = plan.IsUnread || tellsOfReading;
-    Hold(tellsFailure || !plan.Acts() || plan.IsUnread || (hasDied_ && says("not loaded")),
-         name + ": " + alert.Text);
-    const bool isDoubted = plan.Begun != 0 && occurrence >= plan.Doubted && occurrence <= Now &&
-                           First(plan.When, occurrence - 1) == occurrence;
+    Hold(!plan.Acts() || tellsOfDeath || tellsOfReading || says("failed to deal") ||
+             (says("not loaded") && (plan.IsUnread || hasDied_)),
+         name + " says: " + alert.Text);
+    const bool isKnown = plan.Alerts.contains(occurrence);
     Reminder& reminder = plan.Alerts[occurrence];
-    if (plan.IsDue(Now) &&
-        (occurrence == plan.Expected || (isDoubted && occurrence > plan.Expected))) {
-      Hold(plan.Begun != 0 || !tellsFailure, name + " failed for nothing");
-      Hold(plan.Begun != 0 || !plan.IsDropped || occurrence >= Now - 60, name + " came late");
-      plan.Expected = occurrence;
-      Pass(plan, plan.Begun != 0 ? std::max(plan.Begun, occurrence) : Now);
-    } else {
-      const bool isRepeated = plan.Done.contains(occurrence) && plan.Again;
-      Hold(isKnown || isDoubted || isRepeated || tellsOfReading,
-           name + " came for " + std::to_string(occurrence) + ", expected " +
-               std::to_string(plan.Expected));
-      const bool isBack = reminder.Returns != 0 && reminder.Returns <= Now;
-      Hold(!isKnown || reminder.May || isBack, name + " came again");
-    }
-    Hold(saysMore || !reminder.SaysMore || plan.Again,
-         name + " says no more what else is unanswered");
-    reminder = {true, true, 0, reminder.PutOff, saysMore, false};
-    if (saysMore && !(isKnown && alert.IsReturning)) EndOthers(plan, alert);
+    const bool isOccurrence = occurrence <= Now && First(plan.When, occurrence - 1) == occurrence;
+    const bool isNext = occurrence != 0 && occurrence == plan.Before && isOccurrence;
+    const bool mayBeNext = hasDied_ && plan.Before != 0 && occurrence > plan.Before && isOccurrence;
+    Hold(isKnown || isNext || mayBeNext || (tellsOfReading && hasDied_),
+         name + " came for " + std::to_string(occurrence) + ", next is " +
+             std::to_string(plan.Before));
+    Hold(!isKnown || isNext || reminder.May || reminder.IsDue(Now), name + " came again");
+    Hold(isKnown || hasDied_ || !plan.IsDropped || occurrence >= Now - 60, name + " came late");
+    Hold(isKnown || hasDied_ || !tellsOfDeath, name + " failed for nothing");
+    Hold(saysMore || !reminder.SaysMore || wasCut_, name + " says no more what else is unanswered");
+    if (isNext || mayBeNext) plan.Came.insert(occurrence);
+    if (tellsOfDeath && plan.Next == occurrence) plan.Next = First(plan.When, occurrence);
+    reminder.Open = reminder.May = true;
+    reminder.SaysMore = saysMore;
+    if (reminder.IsDue(Now)) reminder.Returns = 0, reminder.IsDoubtful = false;
+    if (saysMore && !(isKnown && alert.IsReturning)) EndOthers(plan, occurrence);
   }
 
   /// What the process has done since the last look.
@@ -199,65 +198,62 @@ class LifeTest : public AppTestBase, public testing::WithParamInterface<unsigned
     if (!It) return;
     if (!IsDead()) NoteEnd();
     std::vector<AlertRequest> alerts;  // what returns may open after what is new
-    while (seenAlerts_ < lastAlerts_) alerts.push_back(Ui().History[seenAlerts_++]);
+    while (seen_.Alerts < last_.Alerts) alerts.push_back(Ui().History[seen_.Alerts++]);
     std::stable_sort(alerts.begin(), alerts.end(),
                      [](const auto& a, const auto& b) { return a.Occurrence < b.Occurrence; });
     for (const AlertRequest& alert : alerts) Showed(alert);
-    while (seenCommands_ < lastCommands_) Ran(It->World.Machine.Commands[seenCommands_++]);
-    if (lastTimes_ > 0) wake_ = It->Background.Times[lastTimes_ - 1];
+    while (seen_.Commands < last_.Commands) {
+      const std::string& name = It->World.Machine.Commands[seen_.Commands++];
+      Ran(name, seen_.Commands % AddOnData::ThrowsEach == 0);
+    }
+    if (last_.Times > 0) wake_ = It->Background.Times[last_.Times - 1];
   }
 
   void CheckAlerts(const std::string& name, Plan& plan) {
     for (auto& [occurrence, reminder] : plan.Alerts) {
-      const auto count =
-          !IsRunning()
-              ? 0
-              : std::count_if(Ui().Alerts.begin(), Ui().Alerts.end(), [&](const auto& alert) {
-                  return alert.Request.Face.EventName == name &&
-                         alert.Request.Occurrence == occurrence;
-                });
-      const bool isDue = reminder.Returns != 0 && reminder.Returns <= Now;
-      Hold(count > 0 || !(reminder.Must || (isDue && !reminder.IsNamed)),
-           name + ": its alert of " + std::to_string(occurrence) + " is gone");
-      Hold(count == 0 || reminder.Must || reminder.May || isDue,
-           name + ": its alert of " + std::to_string(occurrence) + " should not stand");
-      reminder.Must = reminder.May = count > 0;
-      if (count > 0 || isDue) reminder.Returns = 0;
+      const auto isIt = [&name = name, of = occurrence](const auto& alert) {
+        return alert.Request.Face.EventName == name && alert.Request.Occurrence == of;
+      };
+      const bool stands = IsRunning() && std::any_of(Ui().Alerts.begin(), Ui().Alerts.end(), isIt);
+      const bool isBack = reminder.IsDue(Now) && !reminder.IsDoubtful;
+      const std::string which = name + ": its alert of " + std::to_string(occurrence);
+      Hold(stands || !(reminder.Open || isBack), which + " is gone");
+      Hold(!stands || reminder.Open || reminder.May || reminder.IsDue(Now),
+           which + " should not stand");
+      reminder.Open = reminder.May = stands;
+      if (std::exchange(reminder.IsHalf, false) && stands) reminder.Returns = 0;
+      if (reminder.IsDue(Now)) reminder.Returns = 0, reminder.IsDoubtful = false;
     }
   }
 
-  /// The deliverer holds the next time, which lies ahead: no pass stalls, and nothing storms.
+  /// The deliverer holds a time that lies ahead, and never one too late.
   void CheckWakeUp() {
     int64 next = 0;
     const auto at = [&next](int64 time) {
       if (time != 0 && (next == 0 || time < next)) next = time;
     };
     for (const auto& [name, plan] : plans_) {
-      at(plan.Expected);
+      at(plan.Next);
       for (const auto& [occurrence, reminder] : plan.Alerts)
-        if (reminder.IsNamed)
-          needless_.insert(reminder.Returns);
-        else
-          at(reminder.Returns);
+        if (!reminder.IsDoubtful) at(reminder.Returns);
     }
-    needless_.erase(needless_.begin(), needless_.upper_bound(Now));
-    Hold(wake_ == next || needless_.contains(wake_),
+    Hold(wake_ == 0 ? next == 0 : wake_ > Now && (next == 0 || wake_ <= next),
          "wakes at " + std::to_string(wake_) + ", next is " + std::to_string(next));
-    Hold(wake_ == 0 || wake_ > Now, "");
   }
 
   /// At rest nothing that is due has been left out, and nothing that nobody has answered is gone.
-  void Check(bool isLoggedOut, bool mayRest) {
+  void Check(bool isLoggedOut, bool isSynced) {
     for (auto& [name, plan] : plans_) {
-      const bool isPassed = plan.Step == step_ && (plan.Begun != 0 || plan.Again);
-      const bool isDropped = plan.IsDropped && plan.Expected < Now - 60;
-      if (plan.IsDue(Now) && (isPassed || isDropped)) Pass(plan, Now);
-      Hold(!plan.IsDue(Now), name + " has not come for " + std::to_string(plan.Expected));
-      plan.Begun = 0;
-      plan.Again = false;
+      if (plan.IsDue(Now)) {
+        const bool isPassedOver = plan.IsDropped && plan.Before < Now - 60;
+        Hold(plan.Ran || plan.Came.contains(plan.Before) || isPassedOver,
+             name + " has not come for " + std::to_string(plan.Next));
+        plan.Next = First(plan.When, Now);
+      }
+      Hold(!plan.Threw || !plan.Came.empty() || wasCut_, name + " failed, and nobody was told");
       if (isLoggedOut) continue;
       CheckAlerts(name, plan);
-      if (mayRest)
+      if (isSynced)
         std::erase_if(plan.Alerts, [](const auto& entry) {
           return !entry.second.May && entry.second.Returns == 0;
         });
@@ -265,36 +261,29 @@ class LifeTest : public AppTestBase, public testing::WithParamInterface<unsigned
     if (!isClockWrong_) CheckWakeUp();
   }
 
-  /// A set is read: what a wrong clock has left in it is healed.
-  void ReadAgain(Plan& plan) const {
-    if (plan.When.PeriodType == Once || plan.Expected <= First(plan.When, Now)) return;
-    const auto ahead = plan.Done.upper_bound(Now + Day);
-    const int64 last = ahead == plan.Done.begin() ? 0 : *std::prev(ahead);
-    plan.Expected = std::min(plan.Expected, First(plan.When, std::max(Now, last)));
-  }
-
   /// What counts of a process: from now on its files refuse everything.
   void NoteEnd() {
-    lastCommands_ = It ? It->World.Machine.Commands.size() : 0;
-    lastAlerts_ = It ? Ui().History.size() : 0;
-    lastTimes_ = It ? It->Background.Times.size() : 0;
+    if (It)
+      last_ = {It->World.Machine.Commands.size(), Ui().History.size(), It->Background.Times.size()};
   }
 
+  /// Power takes along what has not been synchronised: of this step, and answers of the last one.
   void Died() {
     hasDied_ = true;
     const bool isCut = OneIn(cuts_);
-    for (auto& [name, plan] : plans_) {
-      const bool mayBe = plan.IsDue(Now) || plan.Step == step_;
-      if (mayBe && plan.Begun == 0)
-        plan.Begun = Now, plan.Doubted = plan.IsDue(Now) ? plan.Expected : *plan.Done.rbegin();
-      if (isCut) plan.Again = true;
-      const bool mayBeLeftOut = plan.Acts() || plan.IsDropped;
-      for (auto& [occurrence, reminder] : plan.Alerts)
-        if (isCut) {
+    wasCut_ = wasCut_ || isCut;
+    if (isCut)
+      for (auto& [name, plan] : plans_) {
+        plan.Next = plan.Before;
+        for (auto& [occurrence, reminder] : plan.Alerts) {
+          // Brought again, it may be passed over, or come to its end.
+          if (plan.Came.contains(occurrence) && (plan.Acts() || plan.IsDropped))
+            reminder.Open = false;
           reminder.May = true;
-          if (mayBe && mayBeLeftOut && occurrence >= plan.Doubted) reminder.Must = false;
+          if (reminder.Returns == 0 && reminder.PutOff > Now)
+            reminder.Returns = reminder.PutOff, reminder.IsDoubtful = true;
         }
-    }
+      }
     Crash();
     if (isCut) Disk.CutPower(OneIn(2));
     what_ += isCut ? ", power cut" : ", died at " + Door.Failed;
@@ -311,7 +300,9 @@ class LifeTest : public AppTestBase, public testing::WithParamInterface<unsigned
   void Attempt(const char* what, const Happening& happening, const Happening& outcome = nullptr) {
     what_ = what;
     ++step_;
-    hasDied_ = false;
+    hasDied_ = wasCut_ = false;
+    for (auto& [name, plan] : plans_)
+      plan.Before = plan.Next, plan.Came.clear(), plan.Ran = plan.Threw = false;
     Door.ShortWrite = OneIn(2);
     Door.FailAgain(OneIn(deaths_) ? static_cast<int>(Random(1, 100)) : 0);
     happening();
@@ -341,13 +332,11 @@ class LifeTest : public AppTestBase, public testing::WithParamInterface<unsigned
   /// Whatever ran is gone without an end.
   void NewProcess(const std::vector<std::string>& arguments, const std::vector<Message>& waiting) {
     Crash();
-    seenCommands_ = seenAlerts_ = lastCommands_ = lastAlerts_ = lastTimes_ = 0;
-    for (auto& [name, plan] : plans_) {
-      ReadAgain(plan);
+    seen_ = last_ = {};
+    for (auto& [name, plan] : plans_)  // what returned by a wrong clock goes back
       for (auto& [occurrence, reminder] : plan.Alerts)
-        if (reminder.Must && reminder.PutOff > Now)
-          reminder.Must = false, reminder.Returns = reminder.PutOff;
-    }
+        if (reminder.Open && reminder.PutOff > Now)
+          reminder.Open = false, reminder.May = true, reminder.Returns = reminder.PutOff;
     Start(arguments, waiting);
   }
 
@@ -376,7 +365,7 @@ class LifeTest : public AppTestBase, public testing::WithParamInterface<unsigned
       rule.EventTime = static_cast<int32>(Now + Random(60, 90 * Day));
       rule.TimeToApply = SecondsIntoDay(SystemZone.AtMoment(rule.EventTime));
     }
-    plan.Expected = First(rule, Now);
+    plan.Next = First(rule, Now);
     return plan;
   }
 
@@ -405,13 +394,10 @@ class LifeTest : public AppTestBase, public testing::WithParamInterface<unsigned
       const Event* const event = stored ? find(*stored) : nullptr;
       const auto plan = plans_.find(name);
       const bool isWanted = event && event->Record().TimeToApply == wanted.When.TimeToApply;
-      Hold(hasDied_ || (wanted.Expected == 0 ? !event : isWanted), "");
+      Hold(hasDied_ || (wanted.Next == 0 ? !event : isWanted), "");
       const bool isAsBefore = event && plan != plans_.end() &&
                               plan->second.When.TimeToApply == event->Record().TimeToApply;
       if (isAsBefore) return;
-      if (plan != plans_.end())
-        for (const auto& [occurrence, reminder] : plan->second.Alerts)
-          needless_.insert(reminder.Returns);
       if (isWanted)
         plans_[name] = wanted;
       else
@@ -443,7 +429,7 @@ class LifeTest : public AppTestBase, public testing::WithParamInterface<unsigned
     const auto [name, plan] =
         *std::next(plans_.begin(), Random(0, static_cast<int>(plans_.size()) - 1));
     Plan gone = plan;
-    gone.Expected = 0;
+    gone.Next = 0;
     gone.When.TimeToApply = -1;
     Edit("deleted an event", name, gone, [](EventSet& set, Event* event) {
       if (event) set.RemoveEvent(event);
@@ -458,7 +444,7 @@ class LifeTest : public AppTestBase, public testing::WithParamInterface<unsigned
     if (plan.When.PeriodType == Once) return;
     Plan moved = plan;
     moved.When.TimeToApply = static_cast<int32>(Random(0, 1439) * 60);
-    moved.Expected = First(moved.When, Now);
+    moved.Next = First(moved.When, Now);
     for (auto& [occurrence, reminder] : moved.Alerts)
       if (reminder.Returns != 0) reminder = {};
     Edit("moved an event", name, moved, [&](EventSet&, Event* event) {
@@ -486,8 +472,7 @@ class LifeTest : public AppTestBase, public testing::WithParamInterface<unsigned
       const auto plan = plans_.find(request.Face.EventName);
       Reminder* const reminder =
           plan == plans_.end() ? nullptr : &plan->second.Alerts[request.Occurrence];
-      if (reminder) *reminder = {false, true, when, when, reminder->SaysMore, false};
-      if (!reminder && when != 0) needless_.insert(when);
+      if (reminder) *reminder = {false, true, when, when, false, false, reminder->SaysMore};
       if (when != 0) {
         EXPECT_TRUE(
             It->World.Alerts.PutOff(alert.Id, {static_cast<int32>(when), false, {}}).empty() ||
@@ -497,32 +482,40 @@ class LifeTest : public AppTestBase, public testing::WithParamInterface<unsigned
         It->World.Alerts.Answered(alert.Id, triesAgain ? 0 : request.HarmlessButton);
       }
       Run();
-      if (reminder && !IsDead()) reminder->May = others() > 0;
+      if (!reminder) continue;
+      if (IsDead())
+        reminder->IsHalf = true;
+      else
+        reminder->May = others() > 0;
     }
   }
 
-  /// For one login it is wrong.
+  /// For one login it is wrong. A single event that it brings does not come again; of a repeating
+  /// one, what it brings over a day too early comes again at its time.
   void SetClock(int64 by) {
+    std::map<std::string, int64> nexts;
+    for (const auto& [name, plan] : plans_) nexts[name] = plan.Next;
     isClockWrong_ = true;
-    if (by < 0)
-      for (auto& [name, plan] : plans_) plan.Resume = plan.Expected;
     Now += by;
     Attempt("the clock was wrong", [this] { LogIn(); });
     if (OneIn(2)) Attempt("answered", [this] { Reply(); });
     Now -= by;
     isClockWrong_ = false;
-    for (auto& [name, plan] : plans_)
-      if (const int64 expected = std::exchange(plan.Resume, 0))
-        plan.Expected = expected;
-      else
-        ReadAgain(plan);
+    for (auto& [name, plan] : plans_) {
+      const int64 next = plan.Next = nexts[name];
+      if (next == 0 || next > Now + by) continue;
+      if (plan.When.PeriodType == Once || next <= Now + Day) plan.Next = First(plan.When, next);
+    }
     Attempt("the clock was right again", [this] { OneIn(2) ? LogIn() : Deliver(3600); });
   }
 
   void Step() {
     if (IsRunning() && Ui().Alerts.size() > 12) return Attempt("answered", [this] { Reply(); });
-    if (OneIn(wrongClocks_))
-      return SetClock(OneIn(2) ? Random(1, 400) * Day : -Random(1, 4000) * Day);
+    if (OneIn(wrongClocks_)) {
+      const int64 most = INT32_MAX - 10 * Day - Now;
+      const int64 ahead = OneIn(4) ? std::min(20 * Year, most) : Random(1, 400) * Day;
+      return SetClock(OneIn(2) ? ahead : -Random(1, 4000) * Day);
+    }
     switch (Random(1, 24)) {
       case 1:
         return Plant();
@@ -581,11 +574,10 @@ class LifeTest : public AppTestBase, public testing::WithParamInterface<unsigned
   std::string what_;
   absl::TimeZone zone_;
   std::map<std::string, Plan> plans_;
-  std::multiset<int64> needless_;             ///< returns of what has ended, which may still wake
-  size_t seenCommands_ = 0, seenAlerts_ = 0;  ///< of this process
-  size_t lastCommands_ = 0, lastAlerts_ = 0, lastTimes_ = 0;  ///< what there was when it died
-  int64 wake_ = 0;  ///< what the deliverer holds; 0 = nothing
-  bool hasDied_ = false, isClockWrong_ = false;
+  Seen seen_, last_;                       ///< of this process
+  int64 wake_ = 0;                         ///< what the deliverer holds; 0 = nothing
+  bool hasDied_ = false, wasCut_ = false;  ///< in this step
+  bool isClockWrong_ = false;
 };
 
 TEST_P(LifeTest, TenYearsLoseNothingAndRepeatNothing) { Live(GetParam(), 10); }

@@ -136,8 +136,9 @@ void KestrinApp::ReadyToRun() {
   if (context_.ui.HasScreen())
     for (const JournalRecord& record : TakeOverOldAlerts(context_, recovery_))
       openAlerts_.Show(record);
+  const std::vector<JournalRecord> unfinished = FindUnfinishedActs(context_);
   openAlerts_.ShowAgain();
-  GoOnWithUnfinishedActs(context_);
+  GoOnWithUnfinishedActs(context_, unfinished);
   CheckZone();
   if (!DeliverOnly) pass_.PassWithStartupFlag();
   if (!BackgroundOnlyStartup && !DeliverOnly) return;

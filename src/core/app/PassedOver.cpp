@@ -5,7 +5,10 @@
 #include "core/events/EventSet.h"
 #include "core/journal/Journal.h"
 #include "core/journal/LastSeen.h"
-#include "core/loop/Notices.h"
+#include "core/loop/AlertDesk.h"
+#include "core/loop/Holds.h"
+#include "core/loop/MessageCodes.h"
+#include "core/loop/MessageQueue.h"
 #include "core/ports/Clock.h"
 #include "core/settings/KestrinSettings.h"
 #include "core/timing/DateTimeText.h"
@@ -49,18 +52,34 @@ std::string PassedOver::Line(const JournalRecord& record) const {
          (record.Act == ActStage::Missed && !record.Why.empty() ? ", and what came after it" : "");
 }
 
+/// Also what a process passed over that died before it told.
 void PassedOver::Tell() {
   std::string lines;
   int count = 0;
+  const auto isSince = [this](int64 at) { return at > *lastSeen_ && at <= context_.clock.Now(); };
   for (const JournalRecord& record : context_.journal->All())
-    if (context_.journal->IsMine(record) && WasPassedOver(record) && ++count <= MostLines)
-      lines += Line(record);
+    if (isSince(record.At) && WasPassedOver(record) && ++count <= MostLines) lines += Line(record);
   if (count == 0) return;
   if (count > MostLines) lines += "\nand " + std::to_string(count - MostLines) + " more";
   const std::string since = GetDateTimeString(static_cast<int32>(*lastSeen_), true, context_.zone,
                                               context_.settings.Time24Hour);
-  context_.notices.InformUser("Kestrin last looked at the clock on " + since +
-                              ".  This came due since then and was not shown:\n" + lines);
+  Show("Kestrin last looked at the clock on " + since +
+       ".  This came due since then and was not shown:\n" + lines);
+}
+
+/// Written down as shown and not answered: a later process shows it again until somebody has read
+/// it.
+void PassedOver::Show(std::string text) {
+  AlertRequest request;
+  request.Title = "Kestrin";
+  request.Text = std::move(text);
+  request.Done = [&queue = context_.queue](int) { queue.Post(PROCESS_HOLD_DONE); };
+  JournalRecord record;
+  record.AlertIs = AlertStage::Shown;
+  record.Alert = KeepAlert(request);
+  request.Record = context_.journal->Begin(std::move(record));
+  context_.holds.ProcessHold();
+  context_.alerts.Show(std::move(request));
 }
 
 }  // namespace kestrin

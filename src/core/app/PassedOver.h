@@ -25,6 +25,7 @@ class PassedOver {
  private:
   std::string Line(const JournalRecord& record) const;
   void Tell();
+  void Show(std::string text);
 
   Context& context_;
   std::optional<int64> lastSeen_;  ///< until it has been told

@@ -47,7 +47,10 @@ void OpenAlerts::Shown(AlertRequest& request) {
 
 void OpenAlerts::Answered(const AlertRequest& request, int which) {
   Journal* const journal = context_.journal;
-  if (!journal || !journal->Find(request.Record)) return;
+  const std::optional<JournalRecord> record =
+      journal ? journal->Find(request.Record) : std::nullopt;
+  if (!record) return;
+  if (!record->IsAboutAnEvent()) return journal->Forget(record->Id);
   const bool starts = request.Role == AlertRole::Question && which == 1;
   const bool isButton = which >= 0 && which < static_cast<int>(request.Buttons.size());
   journal->Answered(request.Record, which,

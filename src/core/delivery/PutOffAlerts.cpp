@@ -141,7 +141,7 @@ void PutOffAlerts::Read() {
   if (open.empty()) return;
   const std::set<std::string> putOff = later_.Deliveries();
   for (const JournalRecord& record : open)
-    if (putOff.contains(record.Id) && journal->Adopt(record.Id)) journal->PutOff(record.Id);
+    if (putOff.contains(record.Id)) journal->PutOff(record.Id);
 }
 
 void PutOffAlerts::Asked(AlertRequest& request) {

@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <utility>
+#include <vector>
 
 #include "core/delivery/EventDelivery.h"
 #include "core/delivery/ReturningAlert.h"
@@ -25,12 +26,6 @@ constexpr char TryAgainButton[] = "Try again";
 constexpr char EndedMeanwhile[] = "Kestrin ended while it was being carried out";
 constexpr char TookTooLong[] = "it took more than one second, and Kestrin had to stop";
 constexpr char EndedReading[] = "Kestrin ended while its handler read its data";
-
-bool IsUntold(const JournalRecord& record) {
-  if (record.Act == ActStage::Acting) return true;
-  const bool isFailed = record.Act == ActStage::Failed || record.Act == ActStage::Reading;
-  return isFailed && (record.AlertIs == AlertStage::None || record.Why == Overrun);
-}
 
 /// Its alert was all that there was to do, and that is shown again.
 bool IsShown(const Context& context, const JournalRecord& record) {
@@ -120,15 +115,25 @@ void ShowFailure(Context& context, const JournalRecord& act, const JournalRecord
   context.alerts.Show(std::move(request));
 }
 
-void GoOnWithUnfinishedActs(Context& context) {
-  Journal* const journal = context.journal;
-  if (!journal) return;
-  const auto isQueued = [](const JournalRecord& record) { return record.Act == ActStage::Queued; };
-  for (const JournalRecord& record : journal->Orphans(isQueued))
-    if (journal->Adopt(record.Id))
-      context.actions.CarryOut(context, record.Id, {true, record.Run, record.Open});
-  for (const JournalRecord& record : journal->Orphans(IsUntold))
-    if (journal->Adopt(record.Id)) GoOnWith(context, record);
+std::vector<JournalRecord> FindUnfinishedActs(const Context& context) {
+  if (!context.journal) return {};
+  return context.journal->Orphans([](const JournalRecord& record) {
+    return record.Act == ActStage::Queued || record.Act == ActStage::Acting || record.IsUntold();
+  });
+}
+
+/// What waited for its turn goes first. A question that was asked anew meanwhile may have gone on.
+void GoOnWithUnfinishedActs(Context& context, const std::vector<JournalRecord>& unfinished) {
+  std::vector<JournalRecord> untold;
+  for (const JournalRecord& found : unfinished) {
+    const std::optional<JournalRecord> record = context.journal->Find(found.Id);
+    if (!record || record->Act != found.Act || !context.journal->Adopt(found.Id)) continue;
+    if (record->Act == ActStage::Queued)
+      context.actions.CarryOut(context, record->Id, {true, record->Run, record->Open});
+    else
+      untold.push_back(*record);
+  }
+  for (const JournalRecord& record : untold) GoOnWith(context, record);
 }
 
 }  // namespace kestrin

@@ -3,17 +3,18 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "core/events/Context.h"
 #include "core/journal/JournalRecord.h"
 
 namespace kestrin {
 
-/// What the watch leaves in the journal as its reason: nobody has been told yet.
-inline constexpr char Overrun[] = "overrun";
-
-/// At a start, once the sets have been read. Main thread, with no set locked.
-void GoOnWithUnfinishedActs(Context& context);
+/// What earlier processes have left, in order. At a start, before anybody adopts a record for its
+/// alert: whose act it was cannot be told any more then.
+std::vector<JournalRecord> FindUnfinishedActs(const Context& context);
+/// Once the sets have been read. Main thread, with no set locked.
+void GoOnWithUnfinishedActs(Context& context, const std::vector<JournalRecord>& unfinished);
 
 /// The alert about an act that has failed, with the button that tries again; its answer is written
 /// down in the record `alert`, which has the text where it was shown before.

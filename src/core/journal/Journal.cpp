@@ -304,7 +304,7 @@ void Journal::Renamed(const std::string& set, const EventName& from, const Event
 }
 
 bool Journal::IsSettled(const JournalRecord& record) const {
-  return IsOver(record.Act) && record.AlertIs != AlertStage::Shown &&
+  return IsOver(record.Act) && record.AlertIs != AlertStage::Shown && !record.IsUntold() &&
          (IsMine(record) || !processes_.Lives(record.By));
 }
 

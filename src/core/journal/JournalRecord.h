@@ -30,6 +30,9 @@ enum class RecordKind { Prewarning, Event, Nag };
 enum class ActStage { None, Reading, Queued, Acting, Acted, Missed, Passed, Failed };
 enum class AlertStage { None, Shown, Answered, PutOff };
 
+/// What the watch leaves as its reason.
+inline constexpr char Overrun[] = "overrun";
+
 /// The part of an alert that outlives the process.
 struct KeptAlert {
   AlertRole Role = AlertRole::Notice;
@@ -67,6 +70,12 @@ struct JournalRecord {
   int64 Answered = 0;
   std::string Of;  ///< the record of whose delivery this alert is a further one
 
+  bool IsAboutAnEvent() const { return !Set.empty() || !Event.Name.empty(); }
+  /// Nobody has been told that the act, or the reading, has failed.
+  bool IsUntold() const {
+    return (Act == ActStage::Failed || Act == ActStage::Reading) &&
+           (AlertIs == AlertStage::None || Why == Overrun);
+  }
   /// It leads to an earlier occurrence: the clock was wrong when its state was worked out.
   bool GoesBack() const { return From && To && !To->Gone && To->Actual < From->Actual; }
   /// The time of the occurrence that it speaks of.

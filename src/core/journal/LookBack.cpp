@@ -63,7 +63,7 @@ std::vector<PastDelivery> LookBack(FileDoor& files, const std::string& stateFold
   std::vector<PastDelivery> all;
   std::unordered_map<std::string, size_t> places;
   const auto add = [&](JournalRecord record) {
-    if (record.Set.empty() && record.Event.Name.empty()) return;  // not about an event
+    if (!record.IsAboutAnEvent()) return;
     const auto [place, isNew] = places.try_emplace(record.Id, all.size());
     if (isNew)
       all.push_back({std::move(record), std::nullopt});
