@@ -30,6 +30,8 @@ void TryInput(FuzzedDataProvider& in) {
   Demand(timeOfDay >= -1 && timeOfDay < SecondsPerDay, "a time of day lies within one");
   const TypedMoment later = ReadTypedMoment(text, now, zone, LaterTerms());
   Demand(!later.fault.empty() || later.when.moment > now, "what is put off lies ahead");
+  for (const LaterOffer& offer : LaterOffers(now, zone, LaterTerms(), 0))
+    Demand(offer.when.moment > now, "what is offered lies ahead");
 }
 
 }  // namespace kestrin

@@ -17,7 +17,7 @@ function(kestrin_python_tests label)
         add_test(NAME ${label}.${name} COMMAND ${TEST_PYTHON} ${file} ${name})
         set_tests_properties(
           ${label}.${name}
-          PROPERTIES LABELS ${label} TIMEOUT 100 ENVIRONMENT
+          PROPERTIES LABELS ${label} TIMEOUT ${patience} ENVIRONMENT
                      "KESTRIN_BIN=${CMAKE_RUNTIME_OUTPUT_DIRECTORY};KESTRIN_SANITIZE=${KESTRIN_SANITIZE}")
       endif()
     endforeach()

@@ -41,6 +41,7 @@ Civil DaysOn(Civil midnight, int64 days, int32 timeOfDay) {
 
 std::vector<LaterOffer> LaterOffers(int64 now, const Zone& zone, const LaterTerms& terms,
                                     int32 lastChoice) {
+  if (!FitsTime(now)) return {};
   const Civil today = MidnightOf(zone.AtMoment(now));
   const int64 toMonday = (8 - WeekdayOf(today)) % 7 == 0 ? 7 : (8 - WeekdayOf(today)) % 7;
   std::vector<LaterOffer> offers = {
@@ -79,6 +80,7 @@ std::string MomentInWords(int32 moment, int64 now, const Zone& zone, bool use24H
 
 TypedMoment ReadTypedMoment(std::string_view text, int64 now, const Zone& zone,
                             const LaterTerms& terms) {
+  if (!FitsTime(now)) return {{}, NoMoment};
   const int32 timeAlone = ParseTimeOfDay(text);
   PutOffMoment when;
   if (timeAlone >= 0) {
