@@ -1,5 +1,10 @@
 #include "support/Sha256.h"
 
+#if defined(__x86_64__)
+#include <cpuid.h>
+#include <immintrin.h>
+#endif
+
 #include <array>
 #include <bit>
 #include <cstring>
@@ -27,7 +32,7 @@ constexpr std::array<uint32, 64> Constants = {
 
 constexpr size_t BlockSize = 64;
 
-void Digest(State& state, const unsigned char* block) {
+void DigestBlock(State& state, const unsigned char* block) {
   std::array<uint32, 64> words{};
   for (size_t i = 0; i < 16; ++i)
     words[i] = uint32{block[4 * i]} << 24 | uint32{block[4 * i + 1]} << 16 |
@@ -50,13 +55,70 @@ void Digest(State& state, const unsigned char* block) {
   for (size_t i = 0; i < state.size(); ++i) state[i] += mixed[i];
 }
 
+void Digest(State& state, const unsigned char* blocks, size_t count) {
+  for (; count > 0; --count, blocks += BlockSize) DigestBlock(state, blocks);
+}
+
+#if defined(__x86_64__)
+
+bool ProcessorDigests() {
+  unsigned a = 0, b = 0, c = 0, d = 0;
+  constexpr unsigned HasSha = 1u << 29;
+  const bool digests = __get_cpuid_count(7, 0, &a, &b, &c, &d) != 0 && (b & HasSha) != 0;
+  return digests && __get_cpuid(1, &a, &b, &c, &d) != 0 && (c & bit_SSE4_1) != 0;
+}
+
+/// The same by the processor's own instructions, ten times as fast. They keep the state as a, b, e,
+/// f and c, d, g, h, and make four rounds, or four words, at a time.
+__attribute__((target("sha,sse4.1"))) void DigestByProcessor(State& state,
+                                                             const unsigned char* blocks,
+                                                             size_t count) {
+  const __m128i bytesOfWords = _mm_set_epi64x(0x0c0d0e0f08090a0b, 0x0405060700010203);
+  const auto load = [](const void* from) {
+    return _mm_loadu_si128(static_cast<const __m128i*>(from));
+  };
+  auto [a, b, c, d, e, f, g, h] = std::bit_cast<std::array<int, 8>>(state);
+  __m128i abef = _mm_set_epi32(a, b, e, f), cdgh = _mm_set_epi32(c, d, g, h);
+  for (; count > 0; --count, blocks += BlockSize) {
+    const __m128i abefBefore = abef, cdghBefore = cdgh;
+    __m128i words[4];
+    for (size_t i = 0; i < 4; ++i) words[i] = _mm_shuffle_epi8(load(blocks + 16 * i), bytesOfWords);
+    for (size_t i = 0; i < 16; ++i) {
+      __m128i& oldest = words[i % 4];
+      const __m128i newest = words[(i + 3) % 4];
+      const __m128i sum = _mm_add_epi32(oldest, load(&Constants[4 * i]));
+      cdgh = _mm_sha256rnds2_epu32(cdgh, abef, sum);
+      abef = _mm_sha256rnds2_epu32(abef, cdgh, _mm_shuffle_epi32(sum, 0x0e));
+      const __m128i inTheMiddle = _mm_alignr_epi8(newest, words[(i + 2) % 4], 4);
+      oldest = _mm_sha256msg2_epu32(
+          _mm_add_epi32(_mm_sha256msg1_epu32(oldest, words[(i + 1) % 4]), inTheMiddle), newest);
+    }
+    abef = _mm_add_epi32(abef, abefBefore);
+    cdgh = _mm_add_epi32(cdgh, cdghBefore);
+  }
+  const auto first = std::bit_cast<std::array<uint32, 4>>(abef);
+  const auto second = std::bit_cast<std::array<uint32, 4>>(cdgh);
+  state = {first[3], first[2], second[3], second[2], first[1], first[0], second[1], second[0]};
+}
+
+#else
+
+bool ProcessorDigests() { return false; }
+void DigestByProcessor(State& state, const unsigned char* blocks, size_t count) {
+  Digest(state, blocks, count);
+}
+
+#endif
+
 }  // namespace
 
-std::string Sha256(std::string_view bytes) {
+std::string Sha256(std::string_view bytes, bool portable) {
+  const auto digest = !portable && ProcessorDigests() ? DigestByProcessor : Digest;
   State state = Initial;
   const auto* data = reinterpret_cast<const unsigned char*>(bytes.data());
-  size_t left = bytes.size();
-  for (; left >= BlockSize; left -= BlockSize, data += BlockSize) Digest(state, data);
+  const size_t left = bytes.size() % BlockSize;
+  digest(state, data, bytes.size() / BlockSize);
+  data += bytes.size() - left;
   // The rest, a bit that is set, and the length in bits as the last eight bytes of a block.
   std::array<unsigned char, 2 * BlockSize> end{};
   if (left > 0) std::memcpy(end.data(), data, left);
@@ -65,7 +127,7 @@ std::string Sha256(std::string_view bytes) {
   const uint64 bits = uint64{bytes.size()} * 8;
   for (size_t i = 0; i < 8; ++i)
     end[size - 1 - i] = static_cast<unsigned char>(bits >> 8 * i & 0xff);
-  for (size_t at = 0; at < size; at += BlockSize) Digest(state, end.data() + at);
+  digest(state, end.data(), size / BlockSize);
   constexpr char Digits[] = "0123456789abcdef";
   std::string text;
   for (const uint32 word : state)

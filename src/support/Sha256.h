@@ -6,7 +6,8 @@
 
 namespace kestrin {
 
-/// 64 lower-case hexadecimal digits.
-std::string Sha256(std::string_view bytes);
+/// 64 lower-case hexadecimal digits. `portable`: without the instructions that only some processors
+/// have.
+std::string Sha256(std::string_view bytes, bool portable = false);
 
 }  // namespace kestrin

@@ -14,7 +14,9 @@ TEST(Sha256Test, GivesThePublishedDigests) {
       {std::string(1000000, 'a'),
        "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0"},
   };
-  for (const auto& [bytes, digest] : rows) EXPECT_EQ(Sha256(bytes), digest) << bytes.size();
+  for (const bool portable : {false, true})
+    for (const auto& [bytes, digest] : rows)
+      EXPECT_EQ(Sha256(bytes, portable), digest) << bytes.size();
 }
 
 }  // namespace
