@@ -1,5 +1,8 @@
 #include "core/events/EventIdentity.h"
 
+#include <array>
+#include <charconv>
+
 #include "core/events/Event.h"
 #include "core/events/EventSet.h"
 
@@ -28,14 +31,18 @@ EventState StateOf(const EventTimes& times) {
 }
 
 uint32 RuleMark(const TimingRule& rule) {
-  std::string text;
-  for (const int64 value :
-       {int64{rule.PeriodType}, int64{rule.Multiple}, int64{rule.TimingType}, int64{rule.EventTime},
-        int64{rule.DayOfMonth}, int64{rule.WeekOfMonth}, int64{rule.DayOfWeek}, int64{rule.Month},
-        int64{rule.MultiStartTime}, int64{rule.ApplyTime}, int64{rule.TimeToApply},
-        int64{rule.SubIntType}, int64{rule.ApplyStop}, int64{rule.StopTime}})
-    text += std::to_string(value) + " ";
-  return Fnv32(text);
+  const std::array<int64, 14> values = {
+      rule.PeriodType,  rule.Multiple,   rule.TimingType, rule.EventTime,      rule.DayOfMonth,
+      rule.WeekOfMonth, rule.DayOfWeek,  rule.Month,      rule.MultiStartTime, rule.ApplyTime,
+      rule.TimeToApply, rule.SubIntType, rule.ApplyStop,  rule.StopTime};
+  constexpr size_t MostDigits = 20;
+  std::array<char, values.size() * (MostDigits + 1)> text{};
+  char* end = text.data();
+  for (const int64 value : values) {
+    end = std::to_chars(end, end + MostDigits, value).ptr;
+    *end++ = ' ';
+  }
+  return Fnv32({text.data(), static_cast<size_t>(end - text.data())});
 }
 
 }  // namespace kestrin

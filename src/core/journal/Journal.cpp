@@ -24,9 +24,9 @@ bool IsOver(ActStage act) {
 
 /// As most records of a long journal are: told from two fields.
 bool IsDoneWith(const RecordFields& fields) {
-  const bool hasActed = fields.Is("act", NameOf(ActStage::Acted)) ||
-                        fields.Is("act", NameOf(ActStage::Missed)) ||
-                        fields.Is("act", NameOf(ActStage::Passed));
+  const std::string act = fields.Text("act");
+  const bool hasActed = act == NameOf(ActStage::Acted) || act == NameOf(ActStage::Missed) ||
+                        act == NameOf(ActStage::Passed);
   return hasActed && !fields.Is("alert", NameOf(AlertStage::Shown));
 }
 
@@ -54,6 +54,8 @@ std::string Journal::KeyOf(const RecordFields& fields) {
 }
 
 void Journal::Index(RecordLog::Place place, const RecordLine* earlier, const RecordLine* now) {
+  open_.erase(place);
+  if (now && !IsDoneWith(now->Fields)) open_.insert(place);
   const std::string before = earlier ? KeyOf(earlier->Fields) : std::string();
   const std::string after = now ? KeyOf(now->Fields) : std::string();
   if (earlier && now && before == after) return;
@@ -77,7 +79,7 @@ JournalRecord Journal::At(RecordLog::Place place) const {
 
 void Journal::Read() {
   log_.Read();
-  for (const auto& [place, line] : log_.All()) foundAtStart_.insert(line.Id);
+  lastAtStart_ = log_.LastPlace();
 }
 
 std::string Journal::Begin(JournalRecord record) {
@@ -102,7 +104,7 @@ bool Journal::HasRival(const JournalRecord& record, Rivals which) const {
     if (line.Fields.Number("claim") != 1) continue;
     const JournalRecord other = RecordOf(line.Id, line.Fields);
     // What was there at the start, a set that was read since has followed.
-    const bool counts = !which.newsOnly || !foundAtStart_.contains(line.Id);
+    const bool counts = !which.newsOnly || place > lastAtStart_;
     if (counts && !IsMine(other) && other.From == record.From && other.Kind == record.Kind &&
         other.Event.Place == record.Event.Place && !other.Trial)
       return true;
@@ -230,9 +232,7 @@ bool Journal::Adopt(const std::string& id) {
   log_.CatchUp();
   const std::optional<JournalRecord> record = Find(id);
   if (!held || !record || (!IsMine(*record) && processes_.Lives(record->By))) return false;
-  RecordFields fields;
-  fields.Set("by", TextOf(self_));
-  log_.Append(id, fields);
+  log_.Append(id, {{"by", TextOf(self_)}});
   return true;
 }
 
@@ -260,9 +260,8 @@ std::vector<JournalRecord> Journal::All() const {
 std::vector<JournalRecord> Journal::Orphans(
     const std::function<bool(const JournalRecord&)>& which) const {
   std::vector<JournalRecord> orphans;
-  for (const auto& [place, line] : log_.All()) {
-    if (IsDoneWith(line.Fields)) continue;
-    JournalRecord record = RecordOf(line.Id, line.Fields);
+  for (const RecordLog::Place place : open_) {
+    JournalRecord record = At(place);
     if (which(record) && !IsMine(record) && !processes_.Lives(record.By))
       orphans.push_back(std::move(record));
   }

@@ -5,9 +5,9 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <set>
 #include <string>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 #include "core/journal/History.h"
@@ -128,7 +128,8 @@ class Journal {
   LastSeen seen_{log_};
   std::unordered_map<std::string, Places> byEvent_;  ///< by set, name and handler
   std::unordered_map<std::string, size_t> bySet_;    ///< how many
-  std::unordered_set<std::string> foundAtStart_;     ///< ids
+  std::set<RecordLog::Place> open_;                  ///< of records that may want something yet
+  RecordLog::Place lastAtStart_ = 0;                 ///< of what Read found
 };
 
 }  // namespace kestrin

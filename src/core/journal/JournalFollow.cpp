@@ -1,5 +1,7 @@
 // How the events of a set that was read are brought up to date.
 #include <algorithm>
+#include <numeric>
+#include <span>
 #include <utility>
 
 #include "core/journal/EventStateText.h"
@@ -28,18 +30,23 @@ struct Link {
 /// Follows records through the states of one event, each once.
 class Chain {
  public:
-  explicit Chain(std::vector<Link> records) : records_(std::move(records)) {
-    used_.resize(records_.size());
+  explicit Chain(std::vector<Link> records)
+      : records_(std::move(records)), used_(records_.size()), inOrder_(records_.size()) {
+    std::iota(inOrder_.begin(), inOrder_.end(), size_t{0});
+    byPlace_ = inOrder_;
+    std::ranges::stable_sort(byPlace_, {}, [this](size_t i) { return records_[i].Place; });
   }
 
   std::optional<EventState> FromState(const StoredEvent& event, bool samePlace) {
     std::optional<EventState> reached;
     EventState state = event.State;
-    for (size_t i = 0; i < records_.size() && !state.Gone;) {
-      const Link& record = records_[i];
-      const bool leadsOn = !used_[i] && record.From == state && Fits(record, event, samePlace);
+    const Places places = samePlace ? At(event.Name.Place) : inOrder_;
+    for (size_t i = 0; i < places.size() && !state.Gone;) {
+      const Link& record = records_[places[i]];
+      const bool leadsOn =
+          !used_[places[i]] && record.From == state && Fits(record, event, samePlace);
       if (leadsOn) {
-        used_[i] = true;
+        used_[places[i]] = true;
         state = *record.To;
         reached = state;
       }
@@ -51,8 +58,8 @@ class Chain {
   /// The file is older than the last record: it was put back.
   std::optional<EventState> FromOlder(const StoredEvent& event) const {
     const Link* last = nullptr;
-    for (const Link& record : records_)
-      if (Fits(record, event, true)) last = &record;
+    for (const size_t i : At(event.Name.Place))
+      if (Fits(records_[i], event, true)) last = &records_[i];
     if (!last || last->Rule == 0 || last->Rule != event.Rule || *last->To == event.State ||
         last->From->Actual < event.State.Actual)
       return std::nullopt;
@@ -61,18 +68,22 @@ class Chain {
 
   /// The records of that place are about the event that stands there.
   void Take(int32 place) {
-    for (size_t i = 0; i < records_.size(); ++i)
-      if (records_[i].Place == place) used_[i] = true;
+    for (const size_t i : At(place)) used_[i] = true;
   }
 
   /// The file has what the records say of it.
   bool LeadsTo(const StoredEvent& event) const {
-    return std::any_of(records_.begin(), records_.end(), [&event](const Link& record) {
-      return record.Place == event.Name.Place && record.To == event.State;
-    });
+    return std::ranges::any_of(At(event.Name.Place),
+                               [&](size_t i) { return records_[i].To == event.State; });
   }
 
  private:
+  using Places = std::span<const size_t>;  ///< of records, in their order
+
+  Places At(int32 place) const {
+    const auto placeOf = [this](size_t i) { return records_[i].Place; };
+    return std::ranges::equal_range(byPlace_, place, {}, placeOf);
+  }
   static bool Fits(const Link& record, const StoredEvent& event, bool samePlace) {
     if (!record.From || !record.To || record.Trial) return false;
     const bool isAt = record.Place == event.Name.Place;
@@ -83,6 +94,7 @@ class Chain {
 
   std::vector<Link> records_;
   std::vector<bool> used_;
+  std::vector<size_t> inOrder_, byPlace_;
 };
 
 }  // namespace

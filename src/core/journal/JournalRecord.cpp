@@ -26,7 +26,7 @@ Stage StageOf(const std::array<const char*, N>& names, const std::string& text, 
   return found == names.end() ? otherwise : static_cast<Stage>(found - names.begin());
 }
 
-int32 SmallNumber(const RecordFields& fields, std::string_view key) {
+int32 SmallNumber(const RecordReader& fields, std::string_view key) {
   const int64 number = fields.Number(key).value_or(0);
   constexpr int64 least = std::numeric_limits<int32>::min();
   constexpr int64 most = std::numeric_limits<int32>::max();
@@ -49,16 +49,14 @@ ProcessOwner OwnerOf(const std::string& text) {
   if (second == std::string::npos || second == 0) return owner;
   const size_t first = text.rfind('/', second - 1);
   if (first == std::string::npos) return owner;
-  RecordFields numbers;
-  numbers.Set("p", text.substr(first + 1, second - first - 1));
-  numbers.Set("s", text.substr(second + 1));
   owner.Boot = text.substr(0, first);
-  owner.Process = numbers.Number("p").value_or(0);
-  owner.Started = numbers.Number("s").value_or(0);
+  owner.Process =
+      NumberOf(std::string_view(text).substr(first + 1, second - first - 1)).value_or(0);
+  owner.Started = NumberOf(std::string_view(text).substr(second + 1)).value_or(0);
   return owner;
 }
 
-KeptAlert AlertOfFields(const RecordFields& fields) {
+KeptAlert AlertOfFields(const RecordReader& fields) {
   KeptAlert alert;
   const int32 role = SmallNumber(fields, "role");
   if (role >= 0 && role <= static_cast<int32>(AlertRole::Prompt))
@@ -144,54 +142,63 @@ std::string TextOf(const ProcessOwner& owner) {
   return owner.Boot + "/" + std::to_string(owner.Process) + "/" + std::to_string(owner.Started);
 }
 
-RecordFields FieldsOf(const KeptAlert& alert) {
-  RecordFields fields;
-  fields.Set("role", static_cast<int64>(alert.Role));
-  if (alert.Kind == AlertKind::Warning) fields.Set("warning", int64{1});
-  if (!alert.Title.empty()) fields.Set("title", alert.Title);
-  fields.Set("text", alert.Text);
+namespace {
+
+void AddAlert(RecordFields& fields, const KeptAlert& alert) {
+  fields.Add("role", static_cast<int64>(alert.Role));
+  if (alert.Kind == AlertKind::Warning) fields.Add("warning", int64{1});
+  if (!alert.Title.empty()) fields.Add("title", alert.Title);
+  fields.Add("text", alert.Text);
   std::string buttons;
   for (const std::string& button : alert.Buttons)
     buttons += (&button == &alert.Buttons.front() ? "" : std::string(1, Joint)) + button;
-  fields.Set("buttons", buttons);
-  fields.Set("harmless", int64{alert.HarmlessButton});
-  fields.Set("default", int64{alert.DefaultButton});
-  if (!alert.Icon.empty()) fields.Set("icon", alert.Icon);
+  fields.Add("buttons", buttons);
+  fields.Add("harmless", int64{alert.HarmlessButton});
+  fields.Add("default", int64{alert.DefaultButton});
+  if (!alert.Icon.empty()) fields.Add("icon", alert.Icon);
+}
+
+}  // namespace
+
+RecordFields FieldsOf(const KeptAlert& alert) {
+  RecordFields fields;
+  AddAlert(fields, alert);
   return fields;
 }
 
 RecordFields FieldsOf(const JournalRecord& record) {
   RecordFields fields;
-  fields.Set("by", TextOf(record.By));
-  fields.Set("set", record.Set);
-  fields.Set("name", record.Event.Name);
-  fields.Set("handler", record.Event.Handler);
-  fields.Set("place", int64{record.Event.Place});
-  if (record.Rule != 0) fields.Set("rule", int64{record.Rule});
-  fields.Set("kind", NameOf(record.Kind));
-  if (record.From) fields.Set("from", TextOf(*record.From));
-  if (record.To) fields.Set("to", TextOf(*record.To));
-  fields.Set("at", record.At);
-  if (record.Missed) fields.Set("missed", int64{1});
-  if (record.Trial) fields.Set("trial", int64{1});
-  if (record.Act != ActStage::None) fields.Set("act", NameOf(record.Act));
-  if (!record.Why.empty()) fields.Set("why", record.Why);
-  if (!record.Run.empty()) fields.Set("run", record.Run);
-  if (!record.Open.empty()) fields.Set("open", record.Open);
-  if (record.Exit) fields.Set("exit", int64{*record.Exit});
+  fields.Add("by", TextOf(record.By));
+  fields.Add("set", record.Set);
+  fields.Add("name", record.Event.Name);
+  fields.Add("handler", record.Event.Handler);
+  fields.Add("place", int64{record.Event.Place});
+  if (record.Rule != 0) fields.Add("rule", int64{record.Rule});
+  fields.Add("kind", NameOf(record.Kind));
+  if (record.From) fields.Add("from", TextOf(*record.From));
+  if (record.To) fields.Add("to", TextOf(*record.To));
+  fields.Add("at", record.At);
+  if (record.Missed) fields.Add("missed", int64{1});
+  if (record.Trial) fields.Add("trial", int64{1});
+  if (record.Act != ActStage::None) fields.Add("act", NameOf(record.Act));
+  if (!record.Why.empty()) fields.Add("why", record.Why);
+  if (!record.Run.empty()) fields.Add("run", record.Run);
+  if (!record.Open.empty()) fields.Add("open", record.Open);
+  if (record.Exit) fields.Add("exit", int64{*record.Exit});
   if (record.AlertIs != AlertStage::None) {
-    fields.Set("alert", NameOf(record.AlertIs));
-    fields.Merge(FieldsOf(record.Alert));
+    fields.Add("alert", NameOf(record.AlertIs));
+    AddAlert(fields, record.Alert);
   }
-  if (record.PutOffs != 0) fields.Set("putoffs", int64{record.PutOffs});
-  if (record.Button) fields.Set("button", int64{*record.Button});
-  if (!record.Answer.empty()) fields.Set("answer", record.Answer);
-  if (record.Answered != 0) fields.Set("answered", record.Answered);
-  if (!record.Of.empty()) fields.Set("of", record.Of);
+  if (record.PutOffs != 0) fields.Add("putoffs", int64{record.PutOffs});
+  if (record.Button) fields.Add("button", int64{*record.Button});
+  if (!record.Answer.empty()) fields.Add("answer", record.Answer);
+  if (record.Answered != 0) fields.Add("answered", record.Answered);
+  if (!record.Of.empty()) fields.Add("of", record.Of);
   return fields;
 }
 
-JournalRecord RecordOf(const std::string& id, const RecordFields& fields) {
+JournalRecord RecordOf(const std::string& id, const RecordFields& all) {
+  const RecordReader fields(all);
   JournalRecord record;
   record.Id = id;
   record.By = OwnerOf(fields.Text("by"));

@@ -23,17 +23,15 @@ RecordFields FieldsOf(const PutOffAlert& alert) {
   record.Open = alert.Open;
   record.Of = alert.Record;
   RecordFields fields = FieldsOf(record);
-  if (alert.When.Wall)
-    fields.Set("wall", TextOf(*alert.When.Wall));
-  else
-    fields.Set("wall", "");
-  fields.Set("moment", alert.When.Moment);
-  fields.Set(BackKey, int64{alert.IsBack});
+  fields.Add("wall", alert.When.Wall ? TextOf(*alert.When.Wall) : "");
+  fields.Add("moment", alert.When.Moment);
+  fields.Add(BackKey, int64{alert.IsBack});
   return fields;
 }
 
 ReturnTime WhenOf(const RecordFields& fields) {
-  return {fields.Number("moment").value_or(0), CivilOf(fields.Text("wall"))};
+  return {fields.Number("moment").value_or(0),
+          fields.Is("wall", "") ? std::nullopt : CivilOf(fields.Text("wall"))};
 }
 
 EventName NameOf(const RecordFields& fields) {

@@ -146,8 +146,8 @@ void RecordLog::Merge(RecordLine line) {
   if (known == places_.end()) {
     if (ends) return;
     const Place place = nextPlace_++;
-    places_[line.Id] = place;
-    const RecordLine& added = records_[place] = std::move(line);
+    const RecordLine& added = records_.emplace_hint(records_.end(), place, std::move(line))->second;
+    places_.emplace(added.Id, place);
     if (OnChange) OnChange(place, nullptr, &added);
     return;
   }
@@ -156,8 +156,9 @@ void RecordLog::Merge(RecordLine line) {
   record.Fields.Merge(line.Fields);
   if (OnChange) OnChange(known->second, &earlier, ends ? nullptr : &record);
   if (!ends) return;
-  records_.erase(known->second);
-  places_.erase(known);
+  const Place place = known->second;
+  places_.erase(known);  // its key lies in the record
+  records_.erase(place);
 }
 
 void RecordLog::Drop(const std::string& id) {
@@ -179,6 +180,7 @@ void RecordLog::ReadFrom(int64 position, bool wholeFile) {
     if (wholeFile) isCut_ = text.Whole < bytes.size();
   }
   if (wholeFile) lines_ = 0;
+  places_.reserve(places_.size() + text.Lines.size());
   lines_ += text.Lines.size() - (wholeFile ? 0 : std::min<size_t>(1, text.Lines.size()));
   const bool mayDrop = wholeFile && !records_.empty();
   std::unordered_set<std::string> ids;

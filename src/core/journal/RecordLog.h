@@ -7,6 +7,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
@@ -47,6 +48,8 @@ class RecordLog {
   void AppendFromThread(const std::string& id, const RecordFields& fields);
 
   const Records& All() const { return records_; }
+  /// Smaller than that of any record that comes later.
+  Place LastPlace() const { return nextPlace_ - 1; }
   /// Null when there is none. Valid until the next change.
   const RecordLine* Find(const std::string& id) const;
 
@@ -85,8 +88,8 @@ class RecordLog {
   uint64 nextId_ = 1;
   Place nextPlace_ = 1;
   Records records_;
-  std::unordered_map<std::string, Place> places_;
-  size_t lines_ = 0;  ///< in the file, about
+  std::unordered_map<std::string_view, Place> places_;  ///< by the ids that stand in the records
+  size_t lines_ = 0;                                    ///< in the file, about
   bool reported_ = false;
 
   std::mutex guard_;  ///< of what follows, which the compaction replaces in a worker
