@@ -94,18 +94,26 @@ EventOrder::Head EventOrder::HeadOf(const Row& row) const {
   return packer.Packed();
 }
 
-bool EventOrder::Before(const Place& a, const Place& b) const {
-  if (a.head != b.head) return a.head < b.head;
+EventOrder::Place EventOrder::PlaceOf(Row& row) const { return {HeadOf(row), row.arrival, &row}; }
+
+/// By the keys alone.
+int EventOrder::Compare(const Row& a, const Row& b) const {
   for (const SortKey& key : keys_) {
-    const Row& first = key.descending ? *b.row : *a.row;
-    const Row& second = key.descending ? *a.row : *b.row;
+    const Row& first = key.descending ? b : a;
+    const Row& second = key.descending ? a : b;
     if (key.column == NameColumn) {
-      if (const int order = first.name.compare(second.name)) return order < 0;
+      if (const int order = first.name.compare(second.name)) return order;
     } else if (first.numbers[key.column] != second.numbers[key.column]) {
-      return first.numbers[key.column] < second.numbers[key.column];
+      return first.numbers[key.column] < second.numbers[key.column] ? -1 : 1;
     }
   }
-  return a.row->arrival < b.row->arrival;
+  return 0;
+}
+
+bool EventOrder::Before(const Place& a, const Place& b) const {
+  if (a.head != b.head) return a.head < b.head;
+  if (const int order = Compare(*a.row, *b.row)) return order < 0;
+  return a.arrival < b.arrival;
 }
 
 EventOrder::Row& EventOrder::NewRow(Event* event) {
@@ -118,7 +126,7 @@ EventOrder::Row& EventOrder::NewRow(Event* event) {
 }
 
 int32 EventOrder::Find(const Row& row) const {
-  const Place wanted{HeadOf(row), const_cast<Row*>(&row)};
+  const Place wanted = PlaceOf(const_cast<Row&>(row));
   const auto found =
       std::lower_bound(places_.begin(), places_.end(), wanted,
                        [this](const Place& a, const Place& b) { return Before(a, b); });
@@ -132,7 +140,7 @@ int32 EventOrder::RowOf(const Event* event) const {
 
 int32 EventOrder::Insert(Row& row) {
   const int32 at = Find(row);
-  places_.insert(places_.begin() + at, {HeadOf(row), &row});
+  places_.insert(places_.begin() + at, PlaceOf(row));
   return at;
 }
 
@@ -142,10 +150,7 @@ void EventOrder::Add(const std::vector<Event*>& events) {
   const size_t sorted = places_.size();
   rows_.reserve(sorted + events.size());
   places_.reserve(sorted + events.size());
-  for (Event* event : events) {
-    Row& row = NewRow(event);
-    places_.push_back({HeadOf(row), &row});
-  }
+  for (Event* event : events) places_.push_back(PlaceOf(NewRow(event)));
   Merge(sorted);
 }
 
@@ -158,12 +163,18 @@ int32 EventOrder::Remove(const Event* event) {
   return at;
 }
 
-void EventOrder::Remove(const std::vector<Event*>& events) {
+std::vector<bool> EventOrder::Marked(const std::vector<Event*>& events) const {
+  std::vector<bool> marks(nextArrival_);
   for (const Event* event : events) {
     const auto found = rows_.find(event);
-    if (found != rows_.end()) found->second.moves = true;
+    if (found != rows_.end()) marks[found->second.arrival] = true;
   }
-  std::erase_if(places_, [](const Place& place) { return place.row->moves; });
+  return marks;
+}
+
+void EventOrder::Remove(const std::vector<Event*>& events) {
+  const std::vector<bool> gone = Marked(events);
+  std::erase_if(places_, [&gone](const Place& place) { return gone[place.arrival]; });
   for (const Event* event : events) rows_.erase(event);
 }
 
@@ -178,7 +189,7 @@ int32 EventOrder::Resort(const Event* event) {
   Row& row = found->second;
   const auto from = places_.begin() + Find(row);
   TakeValues(row);
-  const Place changed{HeadOf(row), &row};
+  const Place changed = PlaceOf(row);
   const auto before = [this](const Place& a, const Place& b) { return Before(a, b); };
   // All but the changed one are in order, on either side of it.
   auto to = std::lower_bound(places_.begin(), from, changed, before);
@@ -193,24 +204,36 @@ int32 EventOrder::Resort(const Event* event) {
 }
 
 void EventOrder::Resort(const std::vector<Event*>& events) {
-  for (const Event* event : events) {
-    const auto found = rows_.find(event);
-    if (found != rows_.end()) found->second.moves = true;
-  }
-  const auto moving = std::stable_partition(places_.begin(), places_.end(),
-                                            [](const Place& place) { return !place.row->moves; });
+  const std::vector<bool> moves = Marked(events);
+  const auto moving =
+      std::stable_partition(places_.begin(), places_.end(),
+                            [&moves](const Place& place) { return !moves[place.arrival]; });
   for (auto place = moving; place != places_.end(); ++place) {
-    place->row->moves = false;
     TakeValues(*place->row);
     place->head = HeadOf(*place->row);
   }
   Merge(static_cast<size_t>(moving - places_.begin()));
 }
 
+/// By what the places hold; then those whose heads are alike, where their rows differ.
+void EventOrder::Sort(Places::iterator first, Places::iterator last) const {
+  std::sort(first, last, [](const Place& a, const Place& b) {
+    return a.head != b.head ? a.head < b.head : a.arrival < b.arrival;
+  });
+  while (first != last) {
+    const auto differs = [&first](const Place& place) { return place.head != first->head; };
+    const auto end = std::find_if(first, last, differs);
+    const auto isAlike = [&](const Place& place) { return Compare(*place.row, *first->row) == 0; };
+    if (!std::all_of(first + 1, end, isAlike))
+      std::sort(first, end, [this](const Place& a, const Place& b) { return Before(a, b); });
+    first = end;
+  }
+}
+
 void EventOrder::Merge(size_t sorted) {
   const auto before = [this](const Place& a, const Place& b) { return Before(a, b); };
   const auto middle = places_.begin() + static_cast<std::ptrdiff_t>(sorted);
-  std::sort(middle, places_.end(), before);
+  Sort(middle, places_.end());
   std::inplace_merge(places_.begin(), middle, places_.end(), before);
 }
 
@@ -219,7 +242,7 @@ void EventOrder::SetKeys(std::vector<SortKey> keys) {
   nextArrival_ = 0;
   for (Place& place : places_) {
     place.row->arrival = nextArrival_++;
-    place.head = HeadOf(*place.row);
+    place = PlaceOf(*place.row);
   }
   Merge(0);
 }

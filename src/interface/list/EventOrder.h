@@ -67,7 +67,6 @@ class EventOrder {
     uint64 arrival = 0;
     std::string name;                ///< folded
     int32 numbers[NumberOfColumns];  ///< by column; what NameColumn and IconColumn hold is 0
-    bool moves = false;
   };
   /// As much of the keys as fits, so that few comparisons have to look at the row.
   struct Head {
@@ -75,22 +74,31 @@ class EventOrder {
     auto operator<=>(const Head&) const = default;
   };
   class HeadPacker;
+  /// With the row's arrival beside it: most of what is sorted is told apart without a look at rows,
+  /// which lie all over the heap.
   struct Place {
     Head head;
+    uint64 arrival = 0;
     Row* row = nullptr;
   };
+  using Places = std::vector<Place>;
 
+  /// By arrival, which are theirs.
+  std::vector<bool> Marked(const std::vector<Event*>& events) const;
+  Place PlaceOf(Row& row) const;
+  int Compare(const Row& a, const Row& b) const;
   bool Before(const Place& a, const Place& b) const;
   void TakeValues(Row& row) const;
   Head HeadOf(const Row& row) const;
   Row& NewRow(Event* event);
   int32 Find(const Row& row) const;
   int32 Insert(Row& row);
+  void Sort(Places::iterator first, Places::iterator last) const;
   void Merge(size_t sorted);
   int32 HandlerRank(int32 handler) const;
 
   std::vector<SortKey> keys_;
-  std::vector<Place> places_;
+  Places places_;
   std::unordered_map<const Event*, Row> rows_;
   uint64 nextArrival_ = 0;
   std::vector<int32> handlerRanks_;
