@@ -16,6 +16,7 @@
 #include "handlers/CommandDataHandler.h"
 #include "handlers/DoNothingDataHandler.h"
 #include "handlers/MessageDataHandler.h"
+#include "handlers/PayloadBytes.h"
 #include "handlers/UnknownDataHandler.h"
 #include "kestrin/BufferedFile.h"
 #include "kestrin/EventServices.h"
@@ -124,11 +125,11 @@ void CleanUp(const HandlerTable::Row& row) {
 void LoadBuiltInHandlers(Context& context) {
   HandlerTable& handlers = context.handlers;
   handlers.Clear();
-  handlers.Add({DefHandUnknownName, DefHandUnknown_NewAddOnData});
+  handlers.Add({DefHandUnknownName, DefHandUnknown_NewAddOnData, nullptr, PassBytes});
   handlers.Add({DefHandDoNothingName, DefHandDoNothing_NewAddOnData});
-  handlers.Add({DefHandMessageName, DefHandMessage_NewAddOnData});
-  handlers.Add({DefHandCommandName, DefHandCommand_NewAddOnData});
-  handlers.Add({DefHandActOnFileName, DefHandActOnFile_NewAddOnData});
+  handlers.Add({DefHandMessageName, DefHandMessage_NewAddOnData, nullptr, PassBytes});
+  handlers.Add({DefHandCommandName, DefHandCommand_NewAddOnData, nullptr, FlaggedText::Pass});
+  handlers.Add({DefHandActOnFileName, DefHandActOnFile_NewAddOnData, nullptr, FlaggedText::Pass});
 }
 
 void LoadEventHandlers(Context& context, SettingsStore* settings, const std::string& kestrinDir,

@@ -1,10 +1,31 @@
 #include "handlers/PayloadBytes.h"
 
+#include <algorithm>
+#include <array>
 #include <limits>
 
 #include "support/OwnedText.h"
 
 namespace kestrin {
+
+namespace {
+
+bool Pass(EndianIndependentFile& file, uint32 count) {
+  if (count < file.Ready().size()) {
+    file.TakeReady(count);
+    return true;
+  }
+  if (count > file.BytesLeft()) return false;
+  std::array<char, 1024> passed;
+  for (size_t left = count; left > 0;) {
+    const size_t some = std::min(left, passed.size());
+    if (file.ReadRaw(passed.data(), some) != static_cast<int32>(some)) return false;
+    left -= some;
+  }
+  return true;
+}
+
+}  // namespace
 
 bool ReadCount(EndianIndependentFile& file, uint32& count) {
   return file.ReadNumber(&count, 4, 1) == 1;
@@ -27,6 +48,11 @@ bool WriteBytes(EndianIndependentFile& file, const std::string& bytes) {
          file.WriteRaw(bytes.data(), bytes.size()) == static_cast<int32>(bytes.size());
 }
 
+bool PassBytes(EndianIndependentFile& file) {
+  uint32 count = 0;
+  return ReadCount(file, count) && Pass(file, count);
+}
+
 void PayloadText::Set(const char* text) {
   Bytes = FitText(text ? text : "");
   if (!Bytes.empty()) Bytes.push_back('\0');
@@ -39,6 +65,11 @@ bool FlaggedText::Read(EndianIndependentFile& file) {
   Flag = flag != 0;
   CountsBareFlag = count == 1;
   return count < 2 || ReadBytes(file, count - 1, Text.Bytes);
+}
+
+bool FlaggedText::Pass(EndianIndependentFile& file) {
+  uint32 count = 0;
+  return ReadCount(file, count) && kestrin::Pass(file, std::max(count, uint32{1}));
 }
 
 bool FlaggedText::Write(EndianIndependentFile& file) const {

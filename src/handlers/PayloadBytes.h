@@ -13,6 +13,8 @@ bool WriteCount(EndianIndependentFile& file, size_t count);
 /// False, with nothing allocated, unless the file holds that many bytes more.
 bool ReadBytes(EndianIndependentFile& file, uint32 count, std::string& bytes);
 bool WriteBytes(EndianIndependentFile& file, const std::string& bytes);
+/// Passes over a count and its bytes.
+bool PassBytes(EndianIndependentFile& file);
 
 /// A text as payloads hold it: the bytes that were read, or, of a text that was set, the text and
 /// its NUL. Saved as it is.
@@ -35,6 +37,7 @@ struct FlaggedText {
 
   bool Read(EndianIndependentFile& file);
   bool Write(EndianIndependentFile& file) const;
+  static bool Pass(EndianIndependentFile& file);
   void SetText(const char* text);
 };
 

@@ -10,6 +10,7 @@ namespace {
 
 using namespace std::string_literals;
 
+const std::string Long(91, 'x');                              // more than the buffer holds
 using Content = std::pair<std::string, std::optional<bool>>;  ///< text, whether to ask
 
 Content ContentOf(const EventAddOnData& data) {
@@ -43,6 +44,9 @@ class PayloadTest : public HandlerTestBase {
     auto data =
         World.Handlers.MakeAddOnData(World.Handlers.Find(handler), Subject, &file, &ok, nullptr);
     left_ = file.BytesLeft();
+    Opened<EndianIndependentFile> passed(Disk, "/sets/payload", OpenReadOnly, 64);
+    const auto pass = World.Handlers.PassDataOf(World.Handlers.Find(handler));
+    EXPECT_TRUE(!pass || (pass(passed) == ok && (!ok || passed.BytesLeft() == left_))) << handler;
     return data;
   }
   std::string Written(EventAddOnData& data) {
@@ -70,7 +74,7 @@ TEST_F(PayloadTest, EveryFormIsReadAndWrittenBackInBothByteOrders) {
   } rows[] = {
       {"Message", {0, "next"}, 4, {"", {}}, {0, ""}},
       {"Message", {4, "tea\0next"s}, 4, {"tea", {}}, {4, "tea\0"s}},
-      {"Message", {8, "te\0a\0\xff\0b"s}, 0, {"te", {}}, {8, "te\0a\0\xff\0b"s}},
+      {"Message", {99, "te\0a\0\xff\0b"s + Long}, 0, {"te", {}}, {99, "te\0a\0\xff\0b"s + Long}},
       {"Command", {0, "\0next"s}, 4, {"", false}, {0, "\0"s}},
       {"Command", {0, "\1next"s}, 4, {"", true}, {0, "\1"s}},
       {"Command", {2, "\1\0next"s}, 4, {"", true}, {2, "\1\0"s}},

@@ -22,6 +22,8 @@ class HandlerTable {
     const char* AddOnName = "";  ///< displayed, and stored in files
     NewAddOnDataFunction NewAddOnData = nullptr;
     void* AddOnImage = nullptr;  ///< the loaded library; null for what is built in
+    /// Passes over what NewAddOnData would read, and fails where that would; null for add-ons.
+    bool (*PassData)(EndianIndependentFile& file) = nullptr;
   };
 
   /// Usable rows, those that are built in included.
@@ -30,6 +32,10 @@ class HandlerTable {
   bool Has(int32 row) const { return row >= 0 && row < NumberOfEventHandlers(); }
   /// Of a row that there is.
   const char* NameOf(int32 row) const { return rows_[static_cast<size_t>(row)].AddOnName; }
+  /// Null when the row's data have to be read.
+  auto PassDataOf(int32 row) const {
+    return Has(row) ? rows_[static_cast<size_t>(row)].PassData : nullptr;
+  }
   void Add(Row row) { rows_.push_back(row); }
   void Clear() { rows_.clear(); }
 

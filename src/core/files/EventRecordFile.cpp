@@ -254,7 +254,7 @@ bool ReadHandlerData(Event& event, const std::string& handlerName, EndianIndepen
 std::unique_ptr<Event> ReadEventRecord(EventSet& owner, EndianIndependentFile& file,
                                        SetFileVersionIndex version, std::string& fault,
                                        std::string& complaint, AddOnReading* reading,
-                                       int64* handlerDataAt) {
+                                       int64* handlerDataAt, bool withData) {
   auto event = std::make_unique<Event>(owner, Event::ToBeRead());
   EventRecord& record = event->ValuesToRead();
   std::string handlerName;
@@ -270,7 +270,9 @@ std::unique_ptr<Event> ReadEventRecord(EventSet& owner, EndianIndependentFile& f
     event->AdoptIcon(in.TakeIcon());
   }
   if (handlerDataAt) *handlerDataAt = file.Position();
-  if (!ReadHandlerData(*event, handlerName, file, complaint, reading)) {
+  const HandlerTable& handlers = owner.GetContext().handlers;
+  const auto pass = withData ? nullptr : handlers.PassDataOf(handlers.Find(handlerName));
+  if (!(pass ? pass(file) : ReadHandlerData(*event, handlerName, file, complaint, reading))) {
     fault = "the data of its handler \"" + handlerName + "\" cannot be read";
     return nullptr;
   }

@@ -93,7 +93,7 @@ ConstructorResult ReadEvents(EventSet& set, EndianIndependentFile& file,
     std::string fault;
     std::unique_ptr<Event> event =
         ReadEventRecord(set, file, version, fault, report.Complaint, &reading,
-                        report.OnHandlerData ? &handlerDataAt : nullptr);
+                        report.OnHandlerData ? &handlerDataAt : nullptr, !report.OnEvent);
     if (!event) return Fail(report, "event " + std::to_string(i + 1) + ": " + fault);
     if (report.OnHandlerData) ReportHandlerData(file, *event, report, handlerDataAt);
     if (report.OnEvent)

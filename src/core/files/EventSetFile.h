@@ -27,7 +27,8 @@ struct SetFileReport {
   std::string Complaint;  ///< an add-on failed, its events are kept; for people
   /// Not null: the events are put here instead of into the set, and the window's settings are left.
   std::vector<std::unique_ptr<Event>>* Events = nullptr;
-  /// Set: each event is handed to this instead and then goes; the set stays empty.
+  /// Set: each event is handed to this instead, without its handler's data where that is built in,
+  /// and then goes; the set stays empty.
   std::function<void(Event& event)> OnEvent;
   /// Called after each event with the place of its handler's data, after the count, in the file.
   std::function<void(const Event& event, int64 offset, int64 length)> OnHandlerData;
