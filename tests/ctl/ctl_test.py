@@ -273,11 +273,6 @@ class BoundsTest(CtlTest):
             self.fill("set", one, count)
             self.refused("too many deliveries", "set", *agenda)
 
-    def test_events_that_delete_themselves_by_the_hundred_thousand(self):
-        gone = block(b"", b"", Name=b"once", PeriodType=ONCE, EventTime=BEGIN + DAY, DeleteOnceDelivered=1)
-        self.fill("set", gone, 20000 if SANITIZED else 400000)
-        self.done("agenda", "--from", BEGIN, "set")
-
 
 def line(record, **fields):
     """A line of the journal, as docs/journal.md has it."""

@@ -10,9 +10,6 @@
 namespace kestrin {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 const std::string Head = "Kestrin event:  Tea";
 const std::string CommandQuestion =
     Head +
@@ -334,6 +331,13 @@ TEST_F(ActionsTest, TheQuestionShowsAllOfTheCommand) {
   const std::string text = OnlyText();
   EXPECT_LE(std::count(text.begin(), text.end(), '\n'), 4);
   EXPECT_EQ(World.Ui.Alerts[0].Request.DefaultButton, 0);
+  Answer(0);
+  Command(true).SetCommand(
+      "\u200a\u200b\u200f\u2010\u2027\u2028\u202e\u202f\u205f\u2060\u206f\u2070\ufefe\ufeff");
+  Deliver();
+  EXPECT_THAT(OnlyText(),
+              testing::HasSubstr("\"\u200a<U+200B><U+200F>\u2010\u2027<U+2028><U+202E>\u202f\u205f"
+                                 "<U+2060><U+206F>\u2070\ufefe<U+FEFF>\""));
   Answer(0);
 }
 

@@ -8,9 +8,6 @@
 namespace kestrin {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 class AppAlertsTest : public AppTestBase {
  protected:
   AppAlertsTest() { OwnActions = &Real; }
@@ -55,6 +52,24 @@ TEST_F(AppAlertsTest, AfterItsProcessHasEndedItsButtonActsUnlessItsOccurrenceIsO
       Start();
       EXPECT_THAT(Alerts(), IsEmpty()) << "it was answered";
     }
+}
+
+TEST_F(AppAlertsTest, APrewarningStandsAgainWithItsButtonAndItsBound) {
+  EventRecord warned = DailyAt(Sunday + 12 * Hour);
+  warned.ApplyPrewarn = warned.ApplyPrewarnRepeat = true;
+  warned.Status = WaitingForPrewarning;
+  warned.NextEventTime = Sunday + 9 * Hour;
+  Now = Sunday + 9 * Hour;
+  StartWith({warned});
+  Post(Message(FORCED_QUIT));
+  Start();
+  ASSERT_EQ(Alerts().size(), 1u);
+  const AlertRequest request = Ui().Alerts[0].Request;
+  EXPECT_THAT(request.Buttons, ElementsAre("No more prewarnings", "OK"));
+  EXPECT_EQ(request.Begins, Sunday + 12 * Hour);
+  Answer(0);
+  EXPECT_EQ(FirstEvent(Work).GetNextEventTime(), Sunday + 12 * Hour);
+  EXPECT_EQ(It->World.Holding.Count(), 1) << "the window";
 }
 
 TEST_F(AppAlertsTest, WhatWasRecordedBeforeThereWasAJournalIsTakenOver) {

@@ -1,11 +1,12 @@
 // Events as messages: the fields docs/event-message.md lists, the way there and back with every
 // handler, and messages that nobody has checked.
-#include <cmath>
-#include <random>
+
+#include <fstream>
 
 #include "HandlerTestBase.h"
 #include "core/files/EventMessage.h"
 #include "core/files/StoredSetFile.h"
+#include "handlers/SampleEvents.h"
 #include "harness/PageTable.h"
 #include "support/OwnedText.h"
 
@@ -14,7 +15,6 @@ namespace {
 
 using namespace std::string_literals;
 using testing::ElementsAreArray;
-using testing::HasSubstr;
 
 std::string TypeOf(const Message::Value& value) {
   const char* const names[] = {"bool", "int8", "int32", "int64", "string", "rect", "raw"};
@@ -94,6 +94,20 @@ TEST_F(EventMessageTest, ThePageAndTheCodeAgree) {
   }
 }
 
+/// tests/data/sample.txt: every event of the sample, as it is saved.
+TEST_F(EventMessageTest, TheSampleIsAsItIsKept) {
+  SampleEvents(Other).AddSample(60);
+  EXPECT_FALSE(Other.HasBeenModified() && !Other.OnlyDeliveriesChanged());
+  std::string events;
+  for (const auto& event : Other.Events()) {
+    Message message;
+    ASSERT_TRUE(GenerateMessageForEvent(*event, &message));
+    events += message.Flatten() + "\n";
+  }
+  std::ifstream kept(KESTRIN_SOURCE_DIR "/tests/data/sample.txt");
+  EXPECT_EQ(events, std::string(std::istreambuf_iterator<char>(kept), {}));
+}
+
 TEST_F(EventMessageTest, AnAddOnThatFailsHarmsNothing) {
   class Stubborn final : public FakeHandlerData {
    public:
@@ -153,40 +167,6 @@ TEST_F(EventMessageTest, TextsAreCutAndTheUserIsToldButHandlerNamesAndIconsMustF
   Message otherCode = message;
   otherCode.what = FourCharCode("SetE");
   EXPECT_FALSE(Pasted(otherCode));
-}
-
-TEST_F(EventMessageTest, WhateverIsTakenCanBeSavedAndReadAgain) {
-  FillSubject();
-  const Message usual = Generated();
-  const RawData data{FourCharCode("hDat"), "\1"s};
-  const RawData icon{FourCharCode("iBit"), std::string(MiniIconBytes, 'x')};
-  const std::string tooLong(5000, '\xE9');
-  const Rect strange{NAN, -1e30f, 1e30f, 0};
-  const std::vector<Message::Value> values{true,     int8{-128}, INT32_MIN, INT32_MAX,  -2,
-                                           int64{0}, tooLong,    "\0"s,     "Command"s, "Chime"s,
-                                           strange,  data,       icon};
-  std::mt19937 random(20261121);
-  std::vector<Message> taken;
-  for (int i = 0; i < 3000; ++i) {
-    Message damaged = usual;
-    for (auto n = 1 + random() % 4; n > 0; --n)
-      damaged.Set(usual.Fields()[random() % usual.Fields().size()].first,
-                  values[random() % std::size(values)]);
-    auto event = EventFromMessage(Other, damaged).NewEvent;
-    if (!event) continue;
-    ASSERT_TRUE(GenerateMessageForEvent(*event, &taken.emplace_back()));
-    Other.AddEvent(std::move(event));
-  }
-  ASSERT_GT(taken.size(), 100u);
-  Other.SetFileName("/sets/other");
-  ASSERT_TRUE(Other.SaveData());
-  const auto again = Read("/sets/other");
-  ASSERT_EQ(again->Events().size(), taken.size());
-  for (size_t i = 0; i < taken.size(); ++i) {
-    Message message;
-    ASSERT_TRUE(GenerateMessageForEvent(*again->Events()[i], &message));
-    ASSERT_EQ(message.Flatten(), taken[i].Flatten());
-  }
 }
 
 }  // namespace

@@ -12,9 +12,6 @@
 namespace kestrin {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 class PutOffTest : public AppTestBase {
  protected:
   PutOffTest() { OwnActions = &Real; }
@@ -96,27 +93,6 @@ TEST_F(PutOffTest, ANagIsSilentUntilThenAndStandsWithBothButtons) {
   EXPECT_EQ(FirstEvent(Work).GetNextEventTime(), Sunday + Day + 8 * Hour);
 }
 
-TEST_F(PutOffTest, AQuestionIsAskedAnewWithTheCommandAsItIsThenAndRunsOnce) {
-  WriteSet(Work, {DailyAt(Sunday + 9 * Hour)});
-  Remember({Work});
-  Now = Sunday + 8 * Hour;
-  Start();
-  MakeQuestion(FirstEvent(Work), "brew");
-  auto& command = dynamic_cast<CommandDataHandler&>(*FirstEvent(Work).GetAddOnData());
-  Set(Work)->SaveData();
-  DeliverAt(Sunday + 9 * Hour);
-  PutOff(Sunday + 10 * Hour);
-  command.SetCommand("pour");
-  DeliverAt(Sunday + 10 * Hour);
-  EXPECT_THAT(Alerts(),
-              ElementsAre("Kestrin event:  Tea\n\nKestrin is about to execute a shell command: "
-                          "\"pour\".  Should the command be executed?"));
-  EXPECT_THAT(It->World.Machine.Commands, IsEmpty());
-  Answer(1);
-  DeliverAt(Sunday + 11 * Hour);
-  EXPECT_THAT(It->World.Machine.Commands, ElementsAre("pour"));
-}
-
 TEST_F(PutOffTest, WhatAPersonChangesEndsIt) {
   const std::vector<std::function<void(Event&)>> changes = {
       [](Event& event) {
@@ -184,25 +160,6 @@ TEST_F(PutOffTest, PutOffToNextWeekTheNextDayRingsWhateverHappensMeanwhile) {
       status_t status = StatusOk;
       EXPECT_THAT(ReadPutOff(Disk, "/state", status), IsEmpty()) << "it has ended";
     }
-}
-
-TEST_F(PutOffTest, AQuestionThatANagJoinsForAnHourIsStillAskedAndRunsOnce) {
-  EventRecord nagging = DailyAt(Sunday + 9 * Hour);
-  nagging.ApplyNag = true;
-  nagging.NagRepeatTime = 5;
-  nagging.NagRepeatType = Minutes;
-  Now = Sunday + 8 * Hour;
-  StartWith({nagging});
-  MakeQuestion(FirstEvent(Work), "brew");
-  Run();
-  for (int minutes = 0; minutes <= 60; minutes += 5) {
-    DeliverAt(Sunday + 9 * Hour + minutes * Minute);
-    ASSERT_EQ(Alerts().size(), 1u);
-    EXPECT_THAT(Ui().Alerts[0].Request.Buttons, ElementsAre("Cancel", "Ok"));
-  }
-  EXPECT_THAT(It->World.Machine.Commands, IsEmpty());
-  Answer(1);
-  EXPECT_THAT(It->World.Machine.Commands, ElementsAre("brew"));
 }
 
 TEST_F(PutOffTest, ATrialActsAsADeliveryWouldAndChangesNothingElse) {

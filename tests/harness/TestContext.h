@@ -1,6 +1,8 @@
 // A whole context of fakes around the real queue, holds, alerts and notices.
 #pragma once
 
+#include <gmock/gmock.h>
+
 #include <set>
 #include <string>
 #include <utility>
@@ -31,6 +33,8 @@
 #include "harness/MemoryFileDoor.h"
 
 namespace kestrin {
+
+using testing::ElementsAre, testing::HasSubstr, testing::IsEmpty;
 
 /// What a world may be given instead of its own.
 struct WorldParts {

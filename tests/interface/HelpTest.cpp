@@ -6,10 +6,6 @@
 namespace kestrin {
 namespace {
 
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-
 using HelpTest = AppOnScreen;
 
 /// Where F1 leads from each window and page is a chapter of the page.

@@ -14,8 +14,7 @@ namespace kestrin {
 namespace {
 
 using std::chrono::milliseconds;
-using testing::HasSubstr;
-using testing::StartsWith;
+using testing::HasSubstr, testing::StartsWith;
 namespace fs = std::filesystem;
 
 Message Launched(bool runs, bool inTrash = false) {

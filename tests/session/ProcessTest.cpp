@@ -13,8 +13,7 @@
 namespace kestrin {
 namespace {
 
-using testing::ElementsAre;
-using testing::HasSubstr;
+using testing::ElementsAre, testing::HasSubstr;
 namespace fs = std::filesystem;
 
 TEST(FileUri, EveryByteSurvives) {

@@ -30,22 +30,6 @@ TEST(Locker, BelongsToTheThreadThatTookItUntilItsLastRelease) {
   });
 }
 
-TEST(Locker, KeepsOthersOut) {
-  Locker lock("Test");
-  int64 counter = 0;
-  const auto work = [&] {
-    for (int i = 0; i < 20000; ++i) {
-      AutoLock outer(lock);
-      AutoLock inner(lock);
-      ++counter;
-    }
-  };
-  std::thread first(work), second(work);
-  first.join();
-  second.join();
-  EXPECT_EQ(counter, 40000);
-}
-
 #ifndef NDEBUG
 
 struct LockOrderDeathTest : testing::Test {

@@ -43,7 +43,7 @@ TEST(OwnedText, IsCutBetweenCharacters) {
 TEST(OwnedText, KnowsUtf8) {
   using namespace std::string_literals;
   for (const char* good : {"", "a", "\xC2\x80", "\xDF\xBF", "\xE0\xA0\x80", "\xED\x9F\xBF",
-                           "\xF0\x90\x80\x80", "\xF4\x8F\xBF\xBF"})
+                           "\xEF\xBF\xBF", "\xF0\x90\x80\x80", "\xF4\x8F\xBF\xBF"})
     EXPECT_TRUE(IsUtf8(good)) << testing::PrintToString(good);
   for (const std::string& bad :
        {"\x80"s, "\xC3"s, "\xC3 "s, "\xC1\xBF"s, "\xE0\x9F\xBF"s, "\xED\xA0\x80"s, "\xE2\x82"s,

@@ -7,9 +7,6 @@ import sys
 sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "harness"))
 from world import APPLICATION, BUS, DAY, WorldTest, daily, main, run, say  # noqa: E402
 
-WAITING_FOR_PREWARNING, WAITING_FOR_EVENT = 0, 1
-MINUTES = 4
-
 
 class Loss(WorldTest):
     def test_a_killed_application_shows_its_alert_again_and_delivers_once(self):
@@ -34,27 +31,6 @@ class Loss(WorldTest):
         self.start()
         self.window("day.kestrin")
         self.assertEqual((self.alerts(), self.read("done")), ([], "once\n"))
-
-    def test_an_alert_outlives_the_end_of_the_session(self):
-        due = self.now() + 3600
-        day = self.write_set("day.kestrin", daily(
-            "Tea", due, say("Kettle."), Status=WAITING_FOR_PREWARNING, NextEventTime=due - 3600, ApplyPrewarn=1,
-            PrewarnType=MINUTES, PrewarnTime=60, ApplyPrewarnRepeat=1, PrewarnRepeatType=MINUTES,
-            PrewarnRepeatTime=10, PrewarnMessage=b"Buy some."))
-        self.remember(day)
-        application = self.start()
-        alert = self.alert("Buy some.")
-        self.assertEqual(alert.buttons(), ["Open event", "Later", "No more prewarnings", "OK"])
-        application.terminate()
-        self.left(application)
-        self.assertEqual(self.saved(day)["Tea"]["Status"], WAITING_FOR_PREWARNING)
-
-        self.start()
-        again = self.alert("Buy some.")
-        self.assertEqual(again.text, alert.text)
-        again.press("No more prewarnings")
-        self.until(lambda: self.saved(day)["Tea"]["Status"] == WAITING_FOR_EVENT, "the end of the prewarnings")
-        self.assertEqual((self.saved_time(day), self.when()), (due, due))
 
 
 class TwoSessions(WorldTest):

@@ -67,61 +67,6 @@ class Person(WorldTest):
                                for node in self.controls("Kestrin history")), "what became of it")
         self.assertEqual([(row["event"], row["due"]) for row in self.history()], [("Tea", when)])
 
-    def ring(self, name):
-        """Opens a set whose event has just come due. The moment at which it was, and its alert."""
-        when = self.now() - 1
-        self.left(self.start(self.write_set(f"home/{name}.kestrin", daily(name, when, say("Here.")))))
-        return when, self.alert(name)
-
-    def test_answers_alerts_while_panels_and_questions_stand_open(self):
-        busy = self.write_set("home/Busy.kestrin")
-        application = self.start(busy)
-        self.keys("Busy.kestrin", "ctrl+o")
-        self.has_focus("Open event sets", "File name:")  # or it would get in front again
-        self.keys("Busy.kestrin", "alt+f", "a")
-        self.in_front("Save event set")
-        one, alert = self.ring("One")
-        alert.click("Ok")
-        self.window("Open event sets")
-        self.keys("Save event set", "Escape")
-
-        self.keys("Busy.kestrin", "ctrl+shift+n")
-        self.keys("Untitled – Event (set Busy", "ctrl+w")
-        self.keys("Busy.kestrin", "ctrl+w")
-        question = self.alert("Save changes to the document")
-        two, alert = self.ring("Two")
-        alert.click("Ok")
-        question.press("Don't save")
-        self.assertEqual(self.saved(busy), {})
-        for name, when in ("One", one), ("Two", two):
-            self.close(f"{name}.kestrin")
-            self.until(lambda: self.saved_time(self.path(f"home/{name}.kestrin"), name) == when + DAY, "the delivery")
-        self.close("Open event sets")
-        self.left(application)
-
-    def test_an_event_passes_through_the_clipboard_between_processes(self):
-        kind, set_of = "application/x-vnd.ZR-KestrinEvent", lambda name: self.path(f"home/{name}.kestrin")
-        xclip = ["xclip", "-selection", "clipboard", "-t"]
-        self.write_set("home/From.kestrin", daily("Tea \u2615 & cake", self.now() + 3600, say("Milk first.")))
-        self.start(set_of("From"))
-
-        def copied():
-            self.keys("From.kestrin", "Home", "ctrl+c")
-            return self.output(*xclip, "text/plain", "-o") == "Tea \u2615 & cake".encode()
-        self.until(copied, "the name")
-        event = self.output(*xclip, kind, "-o")
-        self.kill(APPLICATION)
-        self.gone(APPLICATION)
-        self.write("event", event)
-        application = self.start(self.write_set("home/To.kestrin"))
-        for type_of, events in ("text/plain", []), (kind, ["Tea \u2615 & cake"]):
-            self.output("sh", "-c", f"{' '.join(xclip)} {type_of} -i '{self.path('event')}' >/dev/null")
-            self.keys("To.kestrin", "ctrl+v", "ctrl+s")
-            self.until(lambda: list(self.saved(set_of("To"))) == events, "what was pasted")
-        self.assertEqual(self.saved(set_of("To"))["Tea \u2615 & cake"]["HandlerData"], b"Milk first.\0".hex())
-        self.keys("To.kestrin", "ctrl+q")
-        self.left(application)
-
     def test_finds_the_help_beside_the_program(self):
         self.open_with("text/html", "Reader", f"cp \"$1\" '{self.path('page read')}'")
         self.start()

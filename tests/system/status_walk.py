@@ -7,7 +7,7 @@ import subprocess
 import sys
 
 sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "harness"))
-from world import APPLICATION, BIN, DELIVERER, WorldTest, daily, main, os  # noqa: E402
+from world import APPLICATION, BIN, DELIVERER, WorldTest, main, os  # noqa: E402
 
 PROGRAMS = ["kestrin", "KestrinBackground", "KestrinProbe", "kestrinctl"]
 LOGIN = "config/autostart/vnd.ZR.Kestrin.Background.desktop"

@@ -6,10 +6,7 @@
 namespace kestrin {
 namespace {
 
-using testing::Contains;
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::Not;
+using testing::Contains, testing::Not;
 
 class KestrinAppQuitTest : public AppTestBase {
  protected:

@@ -9,9 +9,6 @@
 namespace kestrin {
 namespace {
 
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 
 const std::string Untitled = "Untitled event set 1";
@@ -60,6 +57,8 @@ TEST_F(KestrinAppTest, StartUpOnlyHandsTheTimeOverAndLeaves) {
   EXPECT_FALSE(It->Ended) << "the alert about the missing file holds it";
   EXPECT_THAT(Open(), ElementsAre(Work, Home));
   EXPECT_THAT(Shown(), IsEmpty());
+  Post(Message(ACTIVATE));
+  EXPECT_THAT(Shown(), testing::Not(IsEmpty()));
   Start({"-backgrounds"});
   EXPECT_THAT(Shown(), ElementsAre(Work));
   Configure([](KestrinSettings& settings) { settings.WhichEventsToDeliver = DeliverShown; });
@@ -77,14 +76,14 @@ TEST_F(KestrinAppTest, WhatCannotBeReadIsReportedOnceAndForgottenOnlyIfItStaysGo
   Disk.Put("/sets/Bad", damaged);
   Disk.Put("/sets/New", newer);
   Disk.Put("/sets/Locked", "", 0000);
-  const std::vector<std::string> all = {"/sets/Gone", Work,        "/sets/Bad",
-                                        "/mnt/Away",  "/sets/New", "/sets/Locked"};
+  const std::vector<std::string> all = {"/Gone",     Work,        "/sets/Bad",
+                                        "/mnt/Away", "/sets/New", "/sets/Locked"};
   Remember(all);
   Start();
   EXPECT_THAT(
       Alerts(),
       ElementsAre(
-          "Kestrin: Attempt to open event set /sets/Gone failed.",
+          "Kestrin: Attempt to open event set /Gone failed.",
           "Kestrin: Attempt to read event set /sets/Bad failed because a file error occurred.  The "
           "file may be corrupted.",
           "Kestrin: Attempt to open event set /mnt/Away failed.",
@@ -103,7 +102,7 @@ TEST_F(KestrinAppTest, WhatCannotBeReadIsReportedOnceAndForgottenOnlyIfItStaysGo
 
   Now += 1;
   Start();
-  EXPECT_THAT(Alerts(), ElementsAre("The event set /sets/Gone has been missing for more than a "
+  EXPECT_THAT(Alerts(), ElementsAre("The event set /Gone has been missing for more than a "
                                     "day.  Kestrin does not remember it any longer."));
   Disk.Put("/mnt/Away", milk);
   Post(Message(EVENT_SETS_CHANGED));
@@ -271,6 +270,7 @@ TEST_F(KestrinAppTest, WhatWasBegunAndNotEndedIsToldAndEverythingElseGoesOn) {
                               "end with the event \"Tea\" of the event set \"Work.kestrin\": " +
                               std::string(row.why) + ".  It is not carried out again by itself."));
       EXPECT_THAT(Ui().Alerts[0].Request.Buttons, ElementsAre("Try again", "Ok"));
+      EXPECT_EQ(Ui().Alerts[0].Request.Kind, AlertKind::Warning);
     }
     EXPECT_EQ(FirstEvent(Work).GetNextEventTime(), Sunday + Day + 9 * Hour + row.later);
     if (row.putOff != PutOff::Not) {
@@ -281,9 +281,11 @@ TEST_F(KestrinAppTest, WhatWasBegunAndNotEndedIsToldAndEverythingElseGoesOn) {
       if (row.putOff == PutOff::ToTheNextProcess) Start();
       DeliverAt(Now);
       ASSERT_THAT(Alerts(), ElementsAre(HasSubstr("did not come to its end")));
+      EXPECT_EQ(Ui().Alerts[0].Request.Kind, AlertKind::Warning);
     }
     Answer(0);
     EXPECT_THAT(Delivered(), ElementsAre("Tea"));
+    EXPECT_EQ(It->World.Holding.Count(), 1) << "the window";
     EXPECT_EQ(FirstEvent(Work).GetNextEventTime(), Sunday + Day + 9 * Hour + row.later);
     Start();
     EXPECT_THAT(Alerts(), IsEmpty());
@@ -334,6 +336,7 @@ TEST_F(KestrinAppTest, TwoSessionsNeverForkASetThatDeliveriesAloneHaveChanged) {
     EXPECT_EQ(FirstEvent(Work).GetNextEventTime(), due + Day);
     EXPECT_FALSE(Set(Work)->HasBeenModified());
     EXPECT_EQ(Disk.List("/sets")->size(), 1u) << "day " << day;
+    EXPECT_THAT(Alerts(), IsEmpty());
   }
   EXPECT_EQ(FirstEvent(Work).GetHandle(), handle);
   EXPECT_NE(FirstEvent(Work).GetWindow(), nullptr);

@@ -6,9 +6,6 @@
 namespace kestrin {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 class UnsavedEditsTest : public AppTestBase {
  protected:
   static constexpr const char* WorkCopy = "/state/recovered/Work.kestrin";

@@ -15,9 +15,6 @@
 namespace kestrin {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 constexpr int32 Now = Sunday + 8 * Hour;
 constexpr int32 NothingPending = 0;
 
@@ -267,8 +264,17 @@ TEST_F(DeliveryPassTest, ATrialActsWhoeverElseHasDelivered) {
   rival.Kind = RecordKind::Event;
   rival.From = StateOf(event.Record());
   ASSERT_TRUE(theirs.Claim(rival));
-  ActAgain(event, RecordKind::Event);
-  EXPECT_THAT(Delivered(), ElementsAre("Tea"));
+  World.Actions.WhenEvent = [](Event& acting) { EXPECT_TRUE(acting.IsActing()); };
+  for (const auto kind : {RecordKind::Prewarning, RecordKind::Event, RecordKind::Nag})
+    ActAgain(event, kind);
+  std::string kinds;
+  for (const auto& each : World.Actions.Deliveries) kinds += each.Kind + " ";
+  EXPECT_EQ(kinds, "prewarning event nag ");
+  World.Actions.Deliveries.clear();
+  World.Time.JumpTo(Now + Hour);
+  Run(Message(DELIVER_EVENTS));
+  EXPECT_THAT(Delivered(), IsEmpty()) << "the other one has carried it out";
+  EXPECT_EQ(event.GetNextEventTime(), Now + Hour + Day);
 }
 
 TEST_F(DeliveryPassTest, AnActionThatBlocksIsSeenAndOneAfterAnotherIsNot) {

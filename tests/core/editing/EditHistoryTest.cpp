@@ -13,8 +13,6 @@
 namespace kestrin {
 namespace {
 
-using testing::IsEmpty;
-
 class EditHistoryTest : public SetTestBase {
  protected:
   EventSet& Set = NewSet();
@@ -202,6 +200,7 @@ TEST_F(EditHistoryTest, EditsOfOneFieldInOneSittingAreOneStep) {
   History.Undo();
   EXPECT_TRUE(Set.HasBeenModified());
   History.Redo();
+  EXPECT_FALSE(Set.HasBeenModified()) << "as it was saved";
   tea.SetModified();
   History.Undo();
   History.Redo();

@@ -9,9 +9,6 @@
 namespace kestrin {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 class EventSetTest : public SetTestBase {
  protected:
   /// The rule in words of its own: the first of the earliest.
@@ -118,14 +115,20 @@ TEST_F(EventSetTest, WindowAndApplicationAreTold) {
 
   set.AddEvent(nullptr);
   EXPECT_EQ(World.Ui.EditorWindows.size(), 1u) << "a new event opens its editor";
-  World.Time.JumpTo(Sunday + Day);
-  World.Queue.Post(SETS_OPENED);
-  set.RestoreEvents(std::move(removed));
-  World.RunMessages();
-  EXPECT_EQ(World.CountMessages(SETS_OPENED), 1) << "it is due this very second, and once";
-  EXPECT_THAT(window.Added, ElementsAre(testing::_, handle));
+  for (const int32 ahead : {1, 0}) {
+    World.Time.JumpTo(Sunday + Day - ahead);
+    set.RestoreEvents(ahead ? std::move(removed) : set.RemoveEvents({out}));
+    World.RunMessages();
+    EXPECT_EQ(World.CountMessages(SETS_OPENED), 1 - ahead) << "it is due this very second";
+  }
+  EXPECT_THAT(window.Added, ElementsAre(testing::_, handle, handle));
   EXPECT_EQ(set.Events()[0].get(), out) << "at its old place";
   EXPECT_EQ(World.Ui.EditorWindows.size(), 1u);
+  const int changed = window.Changed;
+  set.Remember(false);
+  EXPECT_EQ(window.Changed, changed + 1);
+  set.BackAsSaved();
+  EXPECT_EQ(window.Changed, changed + 2);
 }
 
 TEST_F(EventSetTest, WhoGetsANamesakeBeforeItIsRenamedInTheJournalToo) {

@@ -7,9 +7,6 @@
 namespace kestrin {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 class EventTest : public SetTestBase {
  protected:
   EventSet& Set = NewSet();
@@ -31,8 +28,11 @@ TEST_F(EventTest, SettersRecomputeMarkAndTell) {
       {Tells, [](Event& e) { e.SetName("x"); }},
       {Recomputes, [](Event& e) { e.SetPeriodType(Weekdays); }},
       {Recomputes, [](Event& e) { e.SetStopTime(3); }},
+      {Recomputes, [](Event& e) { e.SetTimeToApply(3); }},
+      {Recomputes, [](Event& e) { e.SetSubIntType(Minutes); }},
       {Marks, [](Event& e) { e.SetPrewarnMessage("x"); }},
       {Marks, [](Event& e) { e.SetDeliverIfMissed(false); }},
+      {Marks, [](Event& e) { e.SetNagRepeatType(Weeks); }},
       {Marks, [](Event& e) { e.SetApplyNag(false); }},
       {Nothing, [](Event& e) { e.SetSkipPrewarn(true); }},
       {Nothing, [](Event& e) { e.SetSelectedHandler(99); }},

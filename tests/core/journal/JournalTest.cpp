@@ -4,6 +4,7 @@
 
 #include <memory>
 
+#include "core/journal/EventStateText.h"
 #include "core/journal/Later.h"
 #include "harness/FailingFileDoor.h"
 #include "harness/FakeClock.h"
@@ -13,9 +14,7 @@
 namespace kestrin {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::SizeIs;
+using testing::ElementsAre, testing::IsEmpty, testing::SizeIs;
 
 constexpr char WorkSet[] = "/sets/Work.kestrin";
 constexpr char JournalFile[] = "/state/journal";
@@ -89,17 +88,13 @@ class JournalTest : public testing::Test {
 
 TEST_F(JournalTest, IsThereAgainAfterACrashAndAfterAPowerCutWhenSynchronised) {
   std::string first, second;
+  const KeptAlert alert = {
+      AlertRole::Nag, AlertKind::Warning, "title", Everything(), {"No more nagging", ""}, 1, 1,
+      "icon"};
   {
     Session session(*this, 1);
     first = session.It.Begin(Of(At(1), At(2)));
-    session.It.Shown(first, {AlertRole::Nag,
-                             AlertKind::Warning,
-                             "title",
-                             Everything(),
-                             {"No more nagging", ""},
-                             1,
-                             1,
-                             "icon"});
+    session.It.Shown(first, alert);
     EXPECT_EQ(session.It.Sync(), StatusOk);
     second = Deliver(session, 2);
   }
@@ -108,25 +103,65 @@ TEST_F(JournalTest, IsThereAgainAfterACrashAndAfterAPowerCutWhenSynchronised) {
   Disk.CutPower(false);
   Session session(*this, 3);
   ASSERT_THAT(Ids(session.It.All()), ElementsAre(first));
-  const JournalRecord record = *session.It.Find(first);
-  EXPECT_EQ(record.From, At(1));
-  EXPECT_EQ(record.Act, ActStage::Acting);
-  EXPECT_EQ(record.AlertIs, AlertStage::Shown);
-  EXPECT_EQ(record.Alert.Text, Everything());
-  EXPECT_THAT(record.Alert.Buttons, ElementsAre("No more nagging", ""));
-  EXPECT_EQ(record.By.Process, 1);
+  JournalRecord expected = Of(At(1), At(2));
+  expected.By = FakeProcesses(1).Self();
+  expected.At = 1000;
+  expected.AlertIs = AlertStage::Shown;
+  expected.Alert = alert;
+  EXPECT_EQ(FieldsOf(*session.It.Find(first)), FieldsOf(expected));
+}
+
+TEST(JournalRecordTest, IsTheSameAfterItsLine) {
+  const RecordFields fields = {{"by", "boot/7/9"},
+                               {"set", "/s"},
+                               {"name", "Tea"},
+                               {"handler", "Command"},
+                               {"place", "2"},
+                               {"rule", "5"},
+                               {"kind", "nag"},
+                               {"from", "1,-2,3"},
+                               {"to", "gone"},
+                               {"at", "4"},
+                               {"missed", "1"},
+                               {"trial", "1"},
+                               {"act", "failed"},
+                               {"why", "late"},
+                               {"run", "brew"},
+                               {"open", "/pot"},
+                               {"exit", "6"},
+                               {"alert", "putoff"},
+                               {"role", "3"},
+                               {"warning", "1"},
+                               {"title", "T"},
+                               {"text", "x"},
+                               {"buttons",
+                                "a\x1f"
+                                "b"},
+                               {"harmless", "1"},
+                               {"default", "1"},
+                               {"icon", "8"},
+                               {"putoffs", "2"},
+                               {"button", "1"},
+                               {"answer", "b"},
+                               {"answered", "11"},
+                               {"of", "a.1"}};
+  EXPECT_EQ(FieldsOf(RecordOf("a.2", fields)), fields);
+  for (const char* state : {"1,2", "1,2,3,4", "1;2,3", "1,2,x", ""})
+    EXPECT_FALSE(EventStateOf(state)) << state;
 }
 
 TEST_F(JournalTest, WorksInMemoryWhateverCallFailsAndWritesItLater) {
-  for (const bool half : {false, true})
+  for (const auto& [half, fromThen] : {std::pair(false, false), {true, false}, {true, true}})
     for (int call = 1;; ++call) {
       Disk = MemoryFileDoor();
       Door.FailAgain(call);
       Door.ShortWrite = half;
+      Door.FailFromThen = fromThen;
       Session session(*this, 1);
       const std::vector<std::string> ids = {Deliver(session, 1), Deliver(session, 2)};
       EXPECT_EQ(Ids(session.It.All()), ids) << "call " << call << " " << Door.Failed;
       if (!Door.HasFailed()) break;
+      Door.FailAt = 0;
       Deliver(session, 3);
       Told.clear();
       EXPECT_THAT(Session(*this, 2).It.All(), SizeIs(3)) << "call " << call << " " << Door.Failed;
@@ -324,6 +359,9 @@ TEST_F(JournalTest, BringsPutOffAlertsBackInTheirOrderOnTheWallClockOfTheDay) {
   ASSERT_EQ(later.PutOff(morning), StatusOk);
   ASSERT_EQ(later.PutOff(soon), StatusOk);
   EXPECT_EQ(later.NextReturn(utc), eight - 1800);
+  EXPECT_EQ(later.NextReturn(utc, {soon.Id}), eight);
+  later.IsBack(morning.Id);
+  EXPECT_TRUE(later.Find(morning.Id)->IsBack);
   EXPECT_EQ(later.NextReturn(berlin), eight - 3600);
   EXPECT_THAT(later.Due(eight - 3601, berlin), IsEmpty());
   const std::vector<PutOffAlert> due = later.Due(eight, berlin);

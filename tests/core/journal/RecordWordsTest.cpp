@@ -12,8 +12,7 @@
 namespace kestrin {
 namespace {
 
-using testing::ElementsAre;
-using testing::HasSubstr;
+using testing::ElementsAre, testing::HasSubstr;
 
 constexpr int64 Nine = 1794733200;  // Sunday, 15 November 2026, UTC
 
@@ -36,10 +35,15 @@ TEST(RecordWordsTest, TheTableOnThePageIsWhatIsSaid) {
     SCOPED_TRACE(row[0]);
     RecordFields fields = FieldsOfText(row[0].substr(1, row[0].size() - 2));
     fields.Set("at", Nine);
+    fields.Set("set", "/sets/Work");
+    const bool isNag = !fields.Has("kind");
+    if (isNag) fields.Set("kind", "nag");
     PastDelivery past{RecordOf("a.1", fields), std::nullopt};
     if (fields.Has("moment")) past.Returns = ReturnTime{*fields.Number("moment"), std::nullopt};
     const RecordWords words = WordsOf(past, Zone(), false);
     EXPECT_EQ(words.Outcome, row[1]);
+    EXPECT_EQ(words.Set, "Work");
+    EXPECT_TRUE(!isNag || words.Kind == "Nag") << words.Kind;
     const bool delivered = row[1].find("Missed") != 0 && row[1].find("Passed") != 0;
     EXPECT_EQ(words.Delivered, delivered ? "Sun, Nov 15 2026, 09:00 AM" : "");
     ++rows;

@@ -13,8 +13,6 @@
 namespace kestrin {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::Pair;
 using namespace std::string_literals;
 
@@ -100,6 +98,8 @@ TEST_F(AlertDeskTest, WhatComesForAnUnreadAlertStandsInIt) {
     }
     EXPECT_THAT(answers, ElementsAre(Pair("nag 1", 1)));
     EXPECT_EQ(ui.Alerts[0].Request.Buttons[1], isQuestion ? "Ok" : "OK");
+    EXPECT_EQ(desk.Asks(7), isQuestion);
+    EXPECT_FALSE(desk.Asks(8));
     if (isQuestion) desk.Show(first);
     context.RunMessages();
     EXPECT_EQ(ui.Alerts.size(), 1u) << "a second question waits";
@@ -242,6 +242,17 @@ TEST_F(AlertDeskTest, APromptWaitsForNobodyAndIsRaisedWhenItIsAskedForAgain) {
   EXPECT_EQ(ui.Alerts.size(), 24u);
   while (ui.CloseFirst()) context.RunMessages();
   EXPECT_EQ(answers.size(), 32u);
+}
+
+TEST(MessageQueueTest, WhatOnlyTellsThatSomethingHasChangedWaitsOnce) {
+  for (const MessageCode code : {EVENT_SETS_CHANGED, ALERTS_WAITING, SETTINGS_CHANGED,
+                                 EDITS_CHANGED, PASSES_AT_REST, SETS_OPENED, DELIVER_EVENTS}) {
+    TestContext context;
+    for (int i = 0; i < 2; ++i) context.Queue.Post(code);
+    int taken = 0;
+    while (context.Queue.Take()) ++taken;
+    EXPECT_EQ(taken, code == DELIVER_EVENTS ? 2 : 1) << code;
+  }
 }
 
 TEST(NoticesTest, EachKindHasItsTitleAndButtonAndHoldsTheApplication) {

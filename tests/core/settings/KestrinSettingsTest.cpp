@@ -18,9 +18,6 @@
 namespace kestrin {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 constexpr const char* File = "/c/Kestrin/KestrinSettings.json";
 constexpr uint32 Long = FourCharCode("LONG"), Bool = FourCharCode("BOOL"),
                  Byte = FourCharCode("BYTE");
@@ -220,22 +217,6 @@ TEST_F(KestrinSettingsTest, AFailureIsReportedOnceUntilASaveSucceedsAndADamagedF
   EXPECT_THAT(context.Ui.Texts(), ElementsAre(store->Complaint()));
 }
 
-TEST(KestrinSettingsDeathTest, AStoreThatCannotBeOpenedEndsTheProgram) {
-  const auto start = [](bool initFails) {
-    TestContext context;
-    MemoryFileDoor disk;
-    PrefsLibrary library = MakeBuiltInPrefs(disk, "/c");
-    if (initFails) library.PREFInit = [](const char*, void**) { return -ENOMEM; };
-    library.PREFLoadSet = [](void*, const char*, int32, void**) { return -EIO; };
-    SettingsStore store(library);
-    InitSettings(context.Settings, store, context.Notes);
-  };
-  EXPECT_EXIT(start(true), testing::ExitedWithCode(0),
-              "InitSettings: Libprefs failed to initialize\n");
-  EXPECT_EXIT(start(false), testing::ExitedWithCode(0),
-              "InitSettings: Libprefs failed to initialize settings\n");
-}
-
 TEST(WindowPositionSetTest, WindowsOpenInStepsAndStartAgain) {
   WindowPositionSet position({16, 33, 569, 357});
   for (int round = 0; round < 2; ++round)
@@ -258,6 +239,8 @@ TEST(WindowPositionSetTest, AFrameIsMovedOntoTheScreen) {
       {{-Max, -Max, Max, Max}, Screen},
       {{0, 0, 10, Nan}, Fallback},
       {{0, -Inf, 10, 10}, Fallback},
+      {{-Inf, 0, 10, 10}, Fallback},
+      {{0, 0, Inf, 10}, Fallback},
       {{10, 10, 20, 9}, Fallback},
   };
   for (const auto& [frame, expected] : cases)

@@ -15,8 +15,7 @@
 namespace kestrin {
 namespace {
 
-using testing::HasSubstr;
-using testing::IsEmpty;
+using testing::HasSubstr, testing::IsEmpty;
 using namespace std::string_literals;
 
 constexpr const char* Folder = "/home/u/.config";
@@ -67,11 +66,13 @@ TEST(SettingsStoreTest, ValuesLastOnceSavedAndUnknownOnesAreKept) {
     for (int i = 0; i < 100; ++i) store.Set("c" + std::to_string(i), "x", Text);
     EXPECT_EQ(store.Get("a")->bytes.data(), stays) << "a caller may still be looking at it";
     store.Delete("b");
+    store.Set("c1", "x", 7);
     EXPECT_EQ(store.Save(), StatusOk);
     store.Set("a", "not saved", Text);
   }
   SettingsStore store(MakeBuiltInPrefs(disk, Folder));
   EXPECT_EQ(store.Get("a")->bytes, "one");
+  EXPECT_EQ(store.Get("c1")->type, 7u) << "of the same bytes";
   EXPECT_FALSE(store.Get("b"));
   EXPECT_EQ(store.Get("Foreign")->bytes, "\0"s);
 }
@@ -130,6 +131,10 @@ TEST_F(TwoSessionsTest, EachChangesOnlyWhatItHasChangedItself) {
   SetSets(one, {});
   EXPECT_EQ(one.Save(), StatusOk);
   EXPECT_EQ(Shown(Open()), "1:" + List({"/d"})) << "what one has never seen stays";
+  SettingsStore last = Open();
+  SetSets(last, {});
+  EXPECT_EQ(last.Save(), StatusOk);
+  EXPECT_EQ(Shown(Open()), "0:");
   EXPECT_EQ(Open().Get("other")->bytes, "new");
 }
 

@@ -169,45 +169,5 @@ TEST(EventTimingProperty, AgreesWithStepByStepComputationInUtc) {
   }
 }
 
-TEST(EventTimingProperty, AnyBytesEnd) {
-  RandomRules random(4711);
-  const Zone zones[] = {Zone(), *Zone::Load("America/St_Johns"), *Zone::Load("Pacific/Apia")};
-  const int64 odd[] = {INT64_MIN, INT64_MAX, INT32_MIN, INT32_MAX, -1, 0};
-  for (int i = 0; i < 60000; ++i) {
-    SCOPED_TRACE(i);
-    TimingRule rule = random.Sane(i % NumberOfPeriodTypes);
-    // Each field keeps its sane value, or takes an extreme one, or any bytes at all.
-    const auto spoil = [&](auto& field) {
-      const int64 choice = random.Pick(0, 5);
-      if (choice > 2) return;
-      const int64 value = choice ? odd[random.Pick(0, 5)] : random.Pick(INT64_MIN, INT64_MAX);
-      field = static_cast<std::remove_reference_t<decltype(field)>>(value);
-    };
-    spoil(rule.NextEventTime), spoil(rule.ActualEventTime), spoil(rule.Multiple);
-    spoil(rule.EventTime), spoil(rule.DayOfMonth), spoil(rule.WeekOfMonth);
-    spoil(rule.DayOfWeek), spoil(rule.Month), spoil(rule.MultiStartTime);
-    spoil(rule.TimeToApply), spoil(rule.StopTime), spoil(rule.PrewarnTime);
-    spoil(rule.PrewarnRepeatTime), spoil(rule.NagRepeatTime);
-    if (random.Pick(0, 9) == 0) spoil(rule.PeriodType), spoil(rule.TimingType);
-    for (int32* unit :
-         {&rule.SubIntType, &rule.PrewarnType, &rule.PrewarnRepeatType, &rule.NagRepeatType})
-      *unit = random.Pick<int32>(-1, 5);
-    rule.ApplyPrewarn = random.Pick(0, 1), rule.ApplyPrewarnRepeat = random.Pick(0, 1);
-    const int64 now = random.Pick(0, 3) ? random.Now() : odd[random.Pick(0, 5)];
-    const Zone& zone = zones[i % 3];
-
-    const EventTimes times = ComputeEventTimes(rule, now, zone);
-    const bool done = times.Status == DoneWithEvent;
-    ASSERT_TRUE(done ? times.NextEventTime == 0 : times.ActualEventTime > now);
-    ASSERT_TRUE(done || times.NextEventTime >= now);
-    ASSERT_TRUE(done || times.NextEventTime <= times.ActualEventTime);
-    ASSERT_NE(times.Status, WaitingToNag);
-    const EventTimes nag = NextNag(rule, now, zone);
-    ASSERT_TRUE(nag.Status == DoneWithEvent || nag.NextEventTime > now);
-    const EventTimes warning = NextPrewarning(rule, now, zone);
-    ASSERT_TRUE(warning.NextEventTime > now || warning.NextEventTime == rule.ActualEventTime);
-  }
-}
-
 }  // namespace
 }  // namespace kestrin

@@ -120,6 +120,9 @@ TEST(EventTiming, TheEditorHearsWhatIsWrongWithWhatTheRuleUses) {
   rule.DayOfWeek = 99;
   rule.NagRepeatTime = rule.PrewarnRepeatTime = 0;
   EXPECT_EQ(WhyRuleNeverYields(rule), std::nullopt);
+  rule.TimingType = ByDayOfWeek;
+  EXPECT_TRUE(WhyRuleNeverYields(rule));
+  rule.TimingType = ByDayOfMonth;
   rule.ApplyNag = true;
   EXPECT_TRUE(WhyRuleNeverYields(rule));
   rule.NagRepeatTime = 1;

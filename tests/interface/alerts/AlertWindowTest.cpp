@@ -19,8 +19,6 @@
 namespace kestrin {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::SizeIs;
 
 std::vector<QWidget*> OpenAlerts() {

@@ -9,9 +9,6 @@
 namespace kestrin {
 namespace {
 
-using testing::HasSubstr;
-using testing::IsEmpty;
-
 constexpr int32 Monday = 1794787200;  // Mon, Nov 16 2026, 00:00 UTC; it is the day before, 08:00
 constexpr int32 Hour = 3600, Day = 86400;
 

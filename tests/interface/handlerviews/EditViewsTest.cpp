@@ -20,8 +20,6 @@
 namespace kestrin {
 namespace {
 
-using testing::HasSubstr;
-
 struct PlainData : EventAddOnData {
   using EventAddOnData::EventAddOnData;
 
@@ -197,22 +195,6 @@ TEST_F(EditViewsTest, AnAddOnBringsItsOwnView) {
   EXPECT_EQ(event->GetAddOnData(context.Handlers.Find("Diary"))->GetEditView(), nullptr);
   EXPECT_FALSE(event->GetAddOnData()->GetEditView());
   EXPECT_EQ(AlertTexts(), "");
-}
-
-TEST_F(EditViewsTest, TheWheelChoosesOnlyWhereTheFocusIs) {
-  OpenNew(ActionTab);
-  QWidget& menu = Find("handler");
-  const auto turn = [&menu] {
-    const QPointF at = menu.rect().center();
-    QWheelEvent down(at, menu.mapToGlobal(at), {}, {0, -120}, {}, {}, Qt::NoScrollPhase, false);
-    QApplication::sendEvent(&menu, &down);
-  };
-  Find("eventName").setFocus();
-  turn();
-  EXPECT_EQ(event->GetHandlerName(), "Message");
-  menu.setFocus();
-  turn();
-  EXPECT_NE(event->GetHandlerName(), "Message");
 }
 
 TEST_F(EditViewsTest, AnAddOnWithoutDataIsReportedAndNotTaken) {

@@ -10,9 +10,6 @@
 namespace kestrin {
 namespace {
 
-using testing::ElementsAre;
-using testing::HasSubstr;
-
 class HistoryWindowTest : public AppOnScreen {
  protected:
   /// So many deliveries, a day apart; the last one was a question.

@@ -36,21 +36,6 @@ double ShareThatDiffers(const QImage& a, const QImage& b) {
   return 1.0 * different / (a.width() * a.height());
 }
 
-TEST(StandardIconsTest, CanBeToldApartAndSeenOnEveryBackground) {
-  const QColor backgrounds[] = {Qt::white, QColor(0x23, 0x26, 0x29), QColor(0x3d, 0xae, 0xe9)};
-  for (const int size : {MiniIconSize, LargeIconSize})
-    for (const QColor& background : backgrounds)
-      for (int32 i = 0; i < NumberOfStandardIcons; ++i) {
-        const QImage picture = Picture(StandardIcon(i), size, background);
-        EXPECT_GT(ShareThatDiffers(picture, Picture(QIcon(), size, background)), 0.2)
-            << IconName(i).toStdString() << " on " << background.name().toStdString();
-        for (int32 j = 0; j < i; ++j)
-          EXPECT_GT(ShareThatDiffers(picture, Picture(StandardIcon(j), size, background)), 0.25)
-              << IconName(i).toStdString() << " and " << IconName(j).toStdString() << " at "
-              << size;
-      }
-}
-
 TEST(StandardIconsTest, AreKnownByTheirBitmapsAndDrawnAnewForDenseScreens) {
   for (int32 i = 0; i < NumberOfStandardIcons; ++i) {
     IconPair icon{StandardLargeIconData(i), StandardMiniIconData(i)};

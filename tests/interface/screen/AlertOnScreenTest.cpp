@@ -109,43 +109,6 @@ TEST_F(AlertOnScreenTest, AnAlertLeavesTheFocusWhereItIsAndStaysAbove) {
   }
 }
 
-TEST_F(AlertOnScreenTest, AnAlertTakesTheFocusWhenItIsGivenAndGivesItBack) {
-  QWidget* alert = OpenAlert(1, 0);
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(alert));
-  alert->activateWindow();
-  ASSERT_TRUE(QTest::qWaitFor([&] { return IsActive(*alert); }));
-  ASSERT_TRUE(alert->focusWidget());
-  QTest::keyClick(alert->focusWidget(), Qt::Key_Return);
-  EXPECT_TRUE(alert->isVisible()) << "meant for another window";
-  QTest::mouseClick(alert, Qt::LeftButton, {}, QPoint(2, 2));
-  QTest::keyClick(alert->focusWidget(), Qt::Key_Return);
-  EXPECT_FALSE(alert->isVisible());
-  EXPECT_TRUE(QTest::qWaitFor([&] { return IsActive(typing); }));
-}
-
-TEST_F(AlertOnScreenTest, TheQuestionBeforeClosingTakesTheFocusAndGivesItBack) {
-  EventSet& set = context.NewSet();
-  set.SetModified();
-  EventSetWindow& window = context.OpenWindow(set);
-  ASSERT_TRUE(QTest::qWaitFor([&] { return IsActive(window); }));
-  QWidget* const reminder = OpenAlert(1, 0);
-  ASSERT_TRUE(QTest::qWaitForWindowExposed(reminder));
-  EXPECT_FALSE(window.close());
-  context.RunMessages();
-  QWidget* question = nullptr;
-  for (QWidget* widget : QApplication::topLevelWidgets())
-    if (widget->objectName() == "alert" && widget != reminder) question = widget;
-  ASSERT_TRUE(question);
-  ASSERT_TRUE(QTest::qWaitFor([&] { return IsActive(*question); }));
-  typing.activateWindow();
-  ASSERT_TRUE(QTest::qWaitFor([&] { return IsActive(typing); }));
-  EXPECT_FALSE(window.close());
-  ASSERT_TRUE(QTest::qWaitFor([&] { return IsActive(*question); })) << "asked again";
-  QTest::keyClick(question->focusWidget(), Qt::Key_Escape);
-  EXPECT_FALSE(question->isVisible());
-  EXPECT_TRUE(window.isVisible());
-}
-
 /// A reminder that has come meanwhile is what the window manager would choose.
 TEST_F(AlertOnScreenTest, PanelsGiveTheFocusBackToTheWindowThatAsked) {
   EventSet& set = context.NewSet();
@@ -171,20 +134,6 @@ TEST_F(AlertOnScreenTest, PanelsGiveTheFocusBackToTheWindowThatAsked) {
       QTest::keyClick(panel->focusWidget(), Qt::Key_Escape);
       EXPECT_TRUE(QTest::qWaitFor([&] { return IsActive(*asker); }));
     }
-}
-
-TEST_F(AlertOnScreenTest, ASetWindowOpensWhereItWasLeft) {
-  EventSet& set = context.NewSet();
-  set.Layout().WindowFrame = {100, 120, 499, 419};
-  for (int opening = 0; opening < 3; ++opening) {
-    EventSetWindow& window = context.OpenWindow(set);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return IsActive(window); }));
-    EXPECT_EQ(window.geometry(), QRect(100, 120, 400, 300)) << opening;
-    EXPECT_EQ(set.Layout().WindowFrame, (Rect{100, 120, 499, 419})) << "it does not creep";
-    context.Settings.RememberSet(set.GetFileName());
-    window.CloseNow();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return IsActive(typing); }));
-  }
 }
 
 }  // namespace

@@ -6,10 +6,6 @@
 namespace kestrin {
 namespace {
 
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-
 /// By the menu item that is chosen.
 class LeavingTest : public SavingOnScreen, public testing::WithParamInterface<const char*> {
  protected:

@@ -14,9 +14,6 @@
 namespace kestrin {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 enum class Deed { Edit, Delete, CutAndPaste, Close };
 enum class Moment { AlertOpen, BetweenPasses, WithinAction, QuestionOpen, WaitingForHold };
 

@@ -7,10 +7,6 @@
 namespace kestrin {
 namespace {
 
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-
 using SavingTest = SavingOnScreen;
 
 TEST_F(SavingTest, AnUntitledSetGetsThePanelAndIsThenSavedIntoItsFile) {

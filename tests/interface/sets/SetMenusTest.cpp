@@ -5,79 +5,21 @@
 #include <set>
 
 #include "harness/AppOnScreen.h"
+#include "harness/PageTable.h"
 #include "interface/sets/EventSetMenus.h"
 
 namespace kestrin {
 namespace {
 
-using testing::ElementsAre;
-
-enum Goes { Nowhere, ToWindow, ToApplication };
-enum State { Disabled, Idle, Enabled, WithSelection, Ticked, Unticked };  // Idle: of no use yet
-
 struct Row {
-  const char* menu;
-  const char* text;  ///< "" for a separator
-  const char* shortcut = "";
+  explicit Row(const std::vector<std::string>& cells)
+      : menu(cells.at(0)), text(cells[1]), shortcut(cells[2]), goes(cells[4]), state(cells.at(5)) {
+    const bool isNumber = cells[3].size() < 4;
+    if (isNumber) command = static_cast<uint32>(std::atoi(cells[3].c_str()));
+    for (size_t i = 0; i < 4 && !isNumber; ++i) command = command << 8 | uint32(cells[3][i]);
+  }
+  std::string menu, text, shortcut, goes, state;
   uint32 command = 0;
-  Goes goes = Nowhere;
-  State state = Enabled;
-};
-
-constexpr uint32 Code(const char (&text)[5]) { return FourCharCode(text); }
-
-const Row Table[] = {
-    {"", "File"},
-    {"", "Edit"},
-    {"", "Event"},
-    {"", "View"},
-    {"File", "New event set", "Ctrl+N", 1, ToApplication},
-    {"File", "Open…", "Ctrl+O", 2, ToApplication},
-    {"File", "Open recent", "", 0, Nowhere, Disabled},
-    {"File", ""},
-    {"File", "Save", "Ctrl+S", Code("SAVE"), ToWindow},
-    {"File", "Save as…", "", 10, ToWindow},
-    {"File", "Remember for delivery", "", 11, ToWindow, Unticked},
-    {"File", ""},
-    {"File", "Page setup...", "", 12, ToWindow, Idle},
-    {"File", "Print event set...", "", 13, ToWindow, Idle},
-    {"File", "Print selected event...", "", 14, ToWindow, Idle},
-    {"File", ""},
-    {"File", "History…", "", Code("Hist"), ToApplication},
-    {"File", "Settings…", "", 3, ToApplication},
-    {"File", "About…", "", Code("_ABR"), ToApplication},
-    {"File", "Help…", "Ctrl+H", 5, ToApplication},
-    {"File", ""},
-    {"File", "Close", "Ctrl+W", Code("_QRQ"), ToWindow},
-    {"File", "Quit to background", "Ctrl+Q", Code("_QRQ"), ToApplication},
-    {"File", "Full quit", "Ctrl+Shift+Q", 4, ToApplication},
-    {"Edit", "Cut", "Ctrl+X", Code("CCUT"), ToWindow, WithSelection},
-    {"Edit", "Copy", "Ctrl+C", Code("COPY"), ToWindow, WithSelection},
-    {"Edit", "Paste", "Ctrl+V", Code("PSTE"), ToWindow},
-    {"Edit", ""},
-    {"Edit", "Undo", "Ctrl+Z", Code("UNDO"), ToWindow, Disabled},
-    {"Edit", "Redo", "Ctrl+Shift+Z", Code("REDO"), ToWindow, Disabled},
-    {"Event", "New event…", "Ctrl+Shift+N", 15, ToWindow},
-    {"Event", "Edit event…", "Ctrl+E", 17, ToWindow, WithSelection},
-    {"Event", "Delete event", "Del", 18, ToWindow, WithSelection},
-    {"Event", ""},
-    {"Event", "Duplicate event", "Ctrl+D", Code("DUPL"), ToWindow, WithSelection},
-    {"Event", "Rename event", "F2", Code("RENA"), ToWindow, WithSelection},
-    {"Event", "Activate", "", Code("ACTV"), ToWindow, WithSelection},
-    {"Event", "Deactivate", "", Code("DACT"), ToWindow, WithSelection},
-    {"Event", ""},
-    {"Event", "Delete finished events", "", Code("DFIN"), ToWindow},
-    {"View", "View mode"},
-    {"View", "Display"},
-    {"View mode", "List", "", 0, Nowhere, Ticked},
-    {"View mode", "Calendar", "", 0, Nowhere, Idle},
-    {"View mode", "Week", "", 0, Nowhere, Idle},
-    {"View mode", "Day", "", 0, Nowhere, Idle},
-    {"Display", "Event icons", "", 20, ToWindow, Ticked},
-    {"Display", "Event time", "", 23, ToWindow, Ticked},
-    {"Display", "Next message time", "", 24, ToWindow, Unticked},
-    {"Display", "Selected handler", "", 25, ToWindow, Ticked},
-    {"Display", "Event status", "", 22, ToWindow, Ticked},
 };
 
 std::string Plain(QString text) { return text.remove('&').toStdString(); }
@@ -93,6 +35,10 @@ struct SetMenusTest : testing::Test {
     for (QAction* action : actions) found.emplace_back(title, action);
     for (QAction* action : actions)
       if (action->menu()) Walk(Plain(action->text()), action->menu()->actions(), found);
+  }
+  static std::vector<Row> Table() {
+    const auto rows = TableOfPage("menus.md", "| menu | item |");
+    return {rows.begin(), rows.end()};
   }
   std::vector<std::pair<std::string, QAction*>> All() const {
     std::vector<std::pair<std::string, QAction*>> found;
@@ -116,28 +62,29 @@ TEST_F(SetMenusTest, EveryItemIsAsTheTableSays) {
   QObject::connect(menus, &EventSetMenus::Chosen,
                    [&](uint32 command) { chosen.push_back(command); });
   const auto all = All();
-  ASSERT_EQ(all.size(), std::size(Table));
+  const std::vector<Row> table = Table();
+  ASSERT_EQ(all.size(), table.size());
   for (size_t i = 0; i < all.size(); ++i) {
-    const Row& row = Table[i];
+    const Row& row = table[i];
     QAction& item = *all[i].second;
     SCOPED_TRACE(row.text);
     EXPECT_EQ(all[i].first, row.menu);
-    EXPECT_EQ(item.isSeparator(), *row.text == '\0');
+    EXPECT_EQ(item.isSeparator(), row.text.empty());
     if (item.isSeparator()) continue;
     const QString text = item.text();
     EXPECT_EQ(Plain(text), row.text);
     ASSERT_GE(text.indexOf('&'), 0);
     EXPECT_TRUE(mnemonics.emplace(row.menu, text[text.indexOf('&') + 1].toLower()).second);
     EXPECT_EQ(item.shortcut().toString().toStdString(), row.shortcut);
-    EXPECT_EQ(item.isEnabled(), row.state > Idle && row.state != WithSelection);
-    EXPECT_EQ(item.toolTip().contains("yet"), row.state == Idle) << "and says why";
-    EXPECT_EQ(item.isChecked(), row.state == Ticked);
-    if (row.goes == Nowhere) continue;
+    EXPECT_EQ(item.isEnabled(), row.state.empty() || row.state.ends_with("ticked"));
+    EXPECT_EQ(item.toolTip().contains("yet"), row.state == "of no use yet") << "and says why";
+    EXPECT_EQ(item.isChecked(), row.state == "ticked");
+    if (row.goes.empty()) continue;
     item.setEnabled(true);
     item.trigger();
     const std::vector<uint32> expected = {row.command}, none;
-    EXPECT_EQ(std::exchange(chosen, {}), row.goes == ToWindow ? expected : none);
-    EXPECT_EQ(context.RunMessages(), row.goes == ToApplication ? expected : none);
+    EXPECT_EQ(std::exchange(chosen, {}), row.goes == "window" ? expected : none);
+    EXPECT_EQ(context.RunMessages(), row.goes == "application" ? expected : none);
   }
 }
 
@@ -148,8 +95,8 @@ TEST_F(SetMenusTest, ASelectedEventEnablesWhatWorksOnIt) {
       window->GetEventsView()->SelectEvents({set.Events()[0].get()});
     else
       window->GetEventsView()->clearSelection();
-    for (const Row& row : Table)
-      EXPECT_TRUE(row.state != WithSelection || Item(row.text)->isEnabled() == selected)
+    for (const Row& row : Table())
+      EXPECT_TRUE(row.state != "with a selection" || Item(row.text)->isEnabled() == selected)
           << row.text;
   }
 }

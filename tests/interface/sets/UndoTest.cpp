@@ -10,8 +10,6 @@
 namespace kestrin {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::SizeIs;
 
 class UndoTest : public AppOnScreen {

@@ -21,9 +21,6 @@
 namespace kestrin {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-
 template <typename Window>
 Window* OpenOne() {
   Window* found = nullptr;
@@ -229,20 +226,6 @@ TEST_F(SettingsWindowTest, NothingLiesBelowTheEdgeOfALowScreen) {
   for (const QWidget* window : {&settings, static_cast<const QWidget*>(&panel)})
     EXPECT_LT(window->height(), window->screen()->availableGeometry().height());
   QApplication::setFont(usual);
-}
-
-TEST_F(SettingsWindowTest, TabWalksThroughTheControlsFromTopToBottom) {
-  context.Settings.RememberSet("/a");
-  SettingsWindow& window = Open();
-  for (const char* name :
-       {"rememberDefaults", "deliverEvents", "openRemembered", "withoutSet", "clock24",
-        "showRemindersAs", "reminderBoxes", "eveningTime", "morningTime", "reminderSound",
-        "reminderVolume", "soundUntilAnswered", "nagSoundUntilAnswered", "rememberedSets",
-        "forgetSelected", "testReminders", "rememberDefaults"}) {
-    ASSERT_TRUE(window.focusWidget());
-    EXPECT_EQ(window.focusWidget()->objectName(), name);
-    QTest::keyClick(window.focusWidget(), Qt::Key_Tab);
-  }
 }
 
 }  // namespace
