@@ -84,26 +84,6 @@ class Tree(unittest.TestCase):
                 faults, _ = includes.check(self.root)
                 self.assertEqual(len([fault for fault in faults if expected in fault]), 1, faults)
 
-    def test_uses(self):
-        """Each file breaks or keeps one rule of uses.py; the fault's words, or nothing."""
-        good = {"src/support/A.h": "namespace kestrin {\nstruct Thing {\n  int Size() const;\n};\n"
-                                   "constexpr int Most[] = {1};\nenum Kind { Early, Late };\n}\n",
-                "src/support/B.h": '#include "support/A.h"\nThing MakeThing();\n',
-                "src/support/C.h": '#include "support/B.h"\nvoid Take(decltype(MakeThing()));\n'}
-        for line, include, expected in (
-                ("int n = Most[0];", "A", None), ("int n = x.Size();", "A", None),
-                ("MakeThing(); Take(Late);", "B", None), ("Take(Late);", "C", "names Late without"),
-                ("class Thing; Thing* t;", "C", "uses nothing"),
-                ("Take(1); class Thing; Thing* t;", "C", None), ("Take(x.Late, a::Late);", "C", None),
-                ("// Most, \"Late\"", "A", "uses nothing")):
-            with self.subTest(line, include=include):
-                self.lay(good | {"src/support/D.cpp": f'#include "support/{include}.h"\n{line}\n'})
-                run = subprocess.run([sys.executable, "-B", CHECKS / "uses.py", self.root],
-                                     capture_output=True, text=True, check=False)
-                faults = [fault for fault in run.stdout.splitlines()[:-1] if "D.cpp" in fault]
-                self.assertEqual((run.returncode, len(faults)), (1, 1) if expected else (0, 0), faults)
-                self.assertIn(expected or "", "".join(faults))
-
     def test_long_file(self):
         for lines, status in ((400, 0), (401, 1)):
             with self.subTest(lines=lines):

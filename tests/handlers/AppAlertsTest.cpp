@@ -1,5 +1,6 @@
 // Alerts that stood open when their process ended, by force or killed, in the whole application
 // with its true handlers.
+#include "core/delivery/EventDelivery.h"
 #include "handlers/CommandDataHandler.h"
 #include "handlers/HandlerActions.h"
 #include "handlers/LoadEventHandlers.h"
@@ -155,6 +156,11 @@ TEST_F(AppAlertsTest, APutOffQuestionThatIsNoneAnyMoreIsCarriedOutOnce) {
   Now = Sunday + 9 * Hour;
   Start();
   EXPECT_THAT(It->World.Machine.Commands, IsEmpty());
+  Remember({});
+  Start({Work});
+  ActAgain(FirstEvent(Work), RecordKind::Event);
+  Run();
+  EXPECT_THAT(It->World.Machine.Commands, ElementsAre("brew")) << "of a set that was saved here";
 }
 
 }  // namespace

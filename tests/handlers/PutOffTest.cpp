@@ -74,25 +74,6 @@ TEST_F(PutOffTest, AMessageComesBackByItselfOnceAfterAKillToo) {
   }
 }
 
-TEST_F(PutOffTest, ANagIsSilentUntilThenAndStandsWithBothButtons) {
-  EventRecord nagging = DailyAt(Sunday + 8 * Hour);
-  nagging.ApplyNag = true;
-  nagging.NagRepeatTime = 1;
-  nagging.NagRepeatType = Hours;
-  nagging.Status = WaitingToNag;
-  nagging.NextEventTime = Sunday + 9 * Hour;
-  Deliver(nagging);
-  PutOff(Sunday + 12 * Hour + Minute);
-  EXPECT_EQ(It->Background.Times.back(), Sunday + 12 * Hour + Minute) << "nobody is woken between";
-  KillAndWake();
-  ASSERT_EQ(Alerts().size(), 1u);
-  EXPECT_THAT(Ui().Alerts[0].Request.Buttons, ElementsAre("No more nagging", "OK"));
-  EXPECT_EQ(Ui().Alerts[0].Request.ComesAgain, Sunday + 13 * Hour);
-  Answer(0);
-  Start();
-  EXPECT_EQ(FirstEvent(Work).GetNextEventTime(), Sunday + Day + 8 * Hour);
-}
-
 TEST_F(PutOffTest, WhatAPersonChangesEndsIt) {
   const std::vector<std::function<void(Event&)>> changes = {
       [](Event& event) {

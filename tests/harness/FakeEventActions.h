@@ -22,7 +22,7 @@ class FakeEventActions final : public EventActions {
 
   std::vector<Delivery> Deliveries;
   ActionPlan Plan;                                              ///< of every event
-  std::vector<std::pair<std::string, std::string>> CarriedOut;  ///< records, commands
+  std::vector<std::pair<std::string, std::string>> CarriedOut;  ///< records, commands and files
   bool Able = true;                                             ///< what CanDeliver answers
   std::function<void(Event&)> WhenEvent;  ///< may be null; called within DeliverEvent
 
@@ -43,7 +43,7 @@ class FakeEventActions final : public EventActions {
   bool CanDeliver(const Event&) const override { return Able; }
   ActionPlan PlanOf(const Event&) const override { return Plan; }
   void CarryOut(Context&, const std::string& record, const ActionPlan& plan) override {
-    CarriedOut.emplace_back(record, plan.Run);
+    CarriedOut.emplace_back(record, plan.Run + plan.Open);
   }
 
  private:

@@ -7,20 +7,6 @@
 namespace kestrin {
 namespace {
 
-TEST(OwnedText, AnEmptyTextIsNeverKept) {
-  char* slot = nullptr;
-  EXPECT_EQ(SetNewString("one", &slot), slot);
-  EXPECT_STREQ(slot, "one");
-  SetNewString(slot, &slot);
-  EXPECT_STREQ(slot, "one");
-  SetNewString(slot + 1, &slot);
-  EXPECT_STREQ(slot, "ne");
-  EXPECT_EQ(SetNewString("", &slot), nullptr);
-  EXPECT_EQ(slot, nullptr);
-  EXPECT_EQ(SetNewString(nullptr, &slot), nullptr);
-  EXPECT_EQ(GetCopyString(""), nullptr);
-}
-
 TEST(OwnedText, IsCutBetweenCharacters) {
   const auto x = [](size_t count) { return std::string(count, 'x'); };
   const std::pair<std::string, std::string> cases[] = {

@@ -295,7 +295,7 @@ TEST_F(KestrinAppTest, WhatWasBegunAndNotEndedIsToldAndEverythingElseGoesOn) {
 TEST_F(KestrinAppTest, WhatWaitedIsCarriedOutAndEachFailureIsToldAtTheNextStart) {
   StartWith({DailyAt(Sunday + 9 * Hour), DailyAt(Sunday + 9 * Hour, "Milk"),
              DailyAt(Sunday + 9 * Hour, "Bread")});
-  It->World.Actions.Plan = {true, "brew", ""};
+  It->World.Actions.Plan = {true, "brew", "/pot"};
   It->World.Actions.WhenEvent = [this](Event& event) {
     const bool waits = event.GetName() == "Tea";
     It->World.Record.Stage(event.GetDelivery(), waits ? ActStage::Queued : ActStage::Failed);
@@ -303,7 +303,7 @@ TEST_F(KestrinAppTest, WhatWaitedIsCarriedOutAndEachFailureIsToldAtTheNextStart)
   DeliverAt(Sunday + 9 * Hour);
   Start({}, {}, false);
   ASSERT_EQ(It->World.Actions.CarriedOut.size(), 1u);
-  EXPECT_EQ(It->World.Actions.CarriedOut[0].second, "brew");
+  EXPECT_EQ(It->World.Actions.CarriedOut[0].second, "brew/pot");
   Start();
   EXPECT_THAT(Alerts(), UnorderedElementsAre(HasSubstr("\"Milk\""), HasSubstr("\"Bread\"")));
 }

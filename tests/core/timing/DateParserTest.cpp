@@ -86,25 +86,6 @@ TEST(DateParser, SaysWhetherATextIsNoDateOrOutOfReach) {
   }
 }
 
-TEST(DateTimeText, MomentsInBothClocks) {
-  const Zone zone = *Zone::Load("America/New_York");
-  const struct {
-    int32 time;
-    const char *twelve, *twentyFour;
-  } rows[] = {
-      {1794791322, "Sun, Nov 15 2026, 08:08:42 PM", "Sun, Nov 15 2026, 20:08:42"},
-      {1794718800, "Sun, Nov 15 2026, 12:00:00 AM", "Sun, Nov 15 2026, 00:00:00"},
-      {1794762000, "Sun, Nov 15 2026, 12:00:00 PM", "Sun, Nov 15 2026, 12:00:00"},
-      {0, "None", "None"},
-      {-1, "None", "None"},
-  };
-  for (const auto& row : rows) {
-    EXPECT_EQ(GetDateTimeString(row.time, true, zone, false), row.twelve);
-    EXPECT_EQ(GetDateTimeString(row.time, true, zone, true), row.twentyFour);
-  }
-  EXPECT_EQ(GetDateTimeString(1772686800, false, zone, true), "Thu, Mar 05 2026");
-}
-
 TEST(DateTimeText, TimesOfDay) {
   struct {
     int32 seconds;

@@ -2,10 +2,13 @@
 #include <gmock/gmock.h>
 
 #include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
 #include <QPushButton>
 #include <QTreeView>
 #include <QtTest/QTest>
 
+#include "core/loop/PutOffKeeper.h"
 #include "harness/ScreenContext.h"
 #include "interface/alerts/AlertText.h"
 
@@ -29,6 +32,8 @@ struct RemindersWindowTest : testing::Test {
     request.Away = away;
     request.Buttons = {"Ok"};
     if (role == AlertRole::Question) request.Buttons = {"Cancel", "Ok"};
+    if (role == AlertRole::Prewarning)
+      request.Begins = static_cast<int32>(context.Time.Now()) + begins_--;
     if (role == AlertRole::Nag) {
       request.Buttons = {"No more nagging", "OK"};
       request.HarmlessButton = request.DefaultButton = 1;
@@ -77,6 +82,7 @@ struct RemindersWindowTest : testing::Test {
 
  private:
   uint64 nags_ = 1000;
+  int32 begins_ = 3600;
 };
 
 TEST_F(RemindersWindowTest, WhatComesStandsAtTheEndUnderItsHeadingAndMovesNothing) {
@@ -157,6 +163,75 @@ TEST_F(RemindersWindowTest, OkAllLeavesQuestionsAndCanBeTakenBack) {
   EXPECT_THAT(answers, ElementsAre(Pair("a", 0), Pair("b", 0), Pair("c", 0), Pair("nag", 1),
                                    Pair("asks", 0)));
   EXPECT_FALSE(Window());
+}
+
+class FakeKeeper final : public PutOffKeeper {
+ public:
+  explicit FakeKeeper(const Clock& clock) : clock_(clock) {}
+  std::string Keep(const AlertRequest& request, const PutOffMoment& when) override {
+    Kept.emplace_back(request.Face.EventName, when.moment - clock_.Now());
+    return request.Face.EventName == "full" ? "The disk is full." : "";
+  }
+  void Asked(AlertRequest&) override {}
+  void Opening(AlertRequest&) override {}
+  void Ended(const AlertRequest&) override {}
+  void EventDeleted(uint64, uint64) override {}
+  std::vector<std::pair<std::string, int64>> Kept;
+
+ private:
+  const Clock& clock_;
+};
+
+TEST_F(RemindersWindowTest, LaterPutsOffWhatMayWaitAndReadsATypedTime) {
+  FakeKeeper keeper(context.Time);
+  context.Alerts.KeepWith(&keeper);
+  Show("a");
+  Show("in an hour", AlertRole::Prewarning);
+  Show("a second earlier", AlertRole::Prewarning);
+  Show("full");
+  Show("asks", AlertRole::Question);
+  const auto menu = [this](const char* button) {
+    Click(button);
+    QStringList items;
+    for (const QAction* item : Part<QMenu>("laterMenu")->actions()) items << item->text();
+    return items.join(" | ").toStdString();
+  };
+  EXPECT_EQ(menu("laterAll"),
+            "In 5 minutes (08:05 AM) | In 1 hour (09:00 AM) | This evening (06:00 PM) | "
+            "Tomorrow morning (Mon 08:00 AM) | Next week (Mon 08:00 AM)");
+  Part<QMenu>("laterMenu")->actions().at(1)->trigger();
+  EXPECT_EQ(All(),
+            "Kestrin reminders (2) | Event | Message | Due | Now | a second earlier | "
+            "say a second earlier | Thu, Jan 01 1970 | asks | say asks | Thu, Jan 01 1970 | "
+            "3 put off, 1 question is left, 1 reminder is left | Take &back | La&ter all | "
+            "OK &all (1) | Due Thu, Jan 01 1970 | Ok");
+  EXPECT_THAT(keeper.Kept, IsEmpty());
+  delete Part<QMenu>("laterMenu");
+  EXPECT_EQ(menu("later"), "In 5 minutes (08:05 AM) | When it begins (08:59 AM) |  | &Other time…");
+  Part<QMenu>("laterMenu")->actions().last()->trigger();
+  auto& line = *Part<QLineEdit>("otherTimeText");
+  const auto understood = [&](const char* typed) {
+    line.clear();
+    QTest::keyClicks(&line, typed);
+    QTest::keyClick(&line, Qt::Key_Return);
+    return Part<QLabel>("otherTimeUnderstood")->text().toStdString();
+  };
+  EXPECT_EQ(understood("someday"),
+            "This is no date or time. Type one like 14:30, tomorrow, 9 am or Dec 3.");
+  EXPECT_EQ(understood("in 2 hours"), "The event begins before that.");
+  EXPECT_EQ(understood("in 20 minutes"), "Comes back today, 08:20 AM");
+  EXPECT_EQ(
+      All(),
+      "Kestrin reminders (1) | Event | Message | Due | Now | asks | say asks | Thu, Jan 01 1970 | "
+      "3 put off, 1 question is left, 1 reminder is left | Take &back | La&ter all | OK &all | "
+      "Due Thu, Jan 01 1970 | Cancel | &Ok");
+  Window()->close();
+  EXPECT_THAT(keeper.Kept, ElementsAre(Pair("a second earlier", 1200), Pair("a", 3600),
+                                       Pair("in an hour", 3600), Pair("full", 3600)));
+  EXPECT_THAT(answers, ElementsAre(Pair("a second earlier", 0), Pair("a", 0), Pair("in an hour", 0),
+                                   Pair("asks", 0)))
+      << "what cannot be kept stays";
+  context.Alerts.KeepWith(nullptr);
 }
 
 }  // namespace

@@ -69,27 +69,6 @@ TEST_F(EventEditorTest, ThePagesLetterGoesIntoIt) {
   EXPECT_NE(Find("periodType").toolTip(), "");
 }
 
-TEST_F(EventEditorTest, ThePageShownIsTheEvents) {
-  OpenNew(9);
-  auto& tabs = Find<QTabWidget>("tabs");
-  EXPECT_EQ(tabs.currentIndex(), ActionTab);
-  window->CommitEdits();
-  EXPECT_EQ(Record().TabShown, 9) << "a number without a page is kept";
-  std::vector<int32> shown;
-  for (const auto& [key, modifiers] : {std::pair{Qt::Key_PageDown, Qt::ControlModifier},
-                                       {Qt::Key_PageUp, Qt::ControlModifier},
-                                       {Qt::Key_PageUp, Qt::ControlModifier},
-                                       {Qt::Key_W, Qt::AltModifier}}) {
-    QTest::keyClick(window, key, modifiers);
-    shown.push_back(Record().TabShown);
-  }
-  EXPECT_THAT(shown, ElementsAre(WhenTab, ActionTab, CommentTab, WhenTab));
-  EXPECT_FALSE(set->OnlyDeliveriesChanged());
-  window->close();
-  Open(*event, PrewarningTab);
-  EXPECT_EQ(Find<QTabWidget>("tabs").currentIndex(), PrewarningTab);
-}
-
 TEST_F(EventEditorTest, WhateverClosesItTakesWhatWasTypedAndDropsWhatCannotBeRead) {
   const std::function<void()> ways[] = {
       [this] { QTest::keyClick(window, Qt::Key_W, Qt::ControlModifier); },

@@ -139,34 +139,6 @@ TEST_F(EventListTest, SortsByEachColumnStably) {
   EXPECT_EQ(StoredKeys(), "4+");
 }
 
-TEST_F(EventListTest, ClicksChooseTheKeysAndShiftAddsThem) {
-  Open();
-  const struct {
-    int column;
-    Qt::KeyboardModifiers modifiers;
-    const char* keys;
-  } steps[] = {
-      {EventTimeColumn, Qt::NoModifier, "2+"},
-      {NameColumn, Qt::ShiftModifier, "2+ 1+"},
-      {EventTimeColumn, Qt::ShiftModifier, "2- 1+"},
-      {StatusColumn, Qt::ShiftModifier, "2- 1+ 5+"},
-      {HandlerColumn, Qt::ShiftModifier, "2- 1+ 5+ 4+"},
-      {NextTimeColumn, Qt::ShiftModifier, "2- 1+ 5+ 4+ 3+"},
-      {NameColumn, Qt::NoModifier, "1+"},
-      {NameColumn, Qt::NoModifier, "1-"},
-      {EventTimeColumn, Qt::NoModifier, "2+"},
-      {NameColumn, Qt::NoModifier, "1+"},
-  };
-  for (const auto& step : steps) {
-    list->horizontalScrollBar()->setValue(list->header()->sectionPosition(step.column));
-    ClickHeader(step.column, step.modifiers);
-    EXPECT_EQ(StoredKeys(), step.keys);
-  }
-  QTest::mouseDClick(list->header()->viewport(), Qt::LeftButton, {}, InHeader(NameColumn));
-  EXPECT_EQ(StoredKeys(), "1-") << "two quick clicks are two clicks";
-  EXPECT_FALSE(set.HasBeenModified());
-}
-
 // The list finds a changed event by what it was sorted by before, and packs keys for speed; a plain
 // comparison of two events has to agree with where everything ends up.
 TEST_F(EventListTest, StaysSortedThroughAnyChanges) {

@@ -51,20 +51,6 @@ class UndoTest : public AppOnScreen {
   }
 };
 
-TEST_F(UndoTest, ANewEventIsSelectedAndItsEditorOpens) {
-  EventSet& set = OpenSet();
-  Key(set, Qt::Key_N, Qt::ControlModifier | Qt::ShiftModifier);
-  EXPECT_THAT(set.Events(), SizeIs(2));
-  EXPECT_EQ(ListOf(set).GetSelectedEvent(), set.Events()[1].get());
-  EXPECT_TRUE(set.Events()[1]->GetWindow());
-  Select(set, "Tea");
-  Key(set, Qt::Key_Return);
-  EXPECT_TRUE(First(set).GetWindow());
-  First(set).GetWindow()->CloseNow();
-  Key(set, Qt::Key_E, Qt::ControlModifier);
-  EXPECT_TRUE(First(set).GetWindow());
-}
-
 TEST_F(UndoTest, DeletedEventsComeBackAsAndWhereTheyWereTheLastOneFirst) {
   EventSet& set = TwoEvents();
   Select(set, "Tea");
