@@ -143,6 +143,25 @@ TEST_F(PutOffTest, PutOffToNextWeekTheNextDayRingsWhateverHappensMeanwhile) {
     }
 }
 
+TEST_F(PutOffTest, AQuestionThatANagJoinsForAnHourIsStillAskedAndRunsOnce) {
+  EventRecord nagging = DailyAt(Sunday + 9 * Hour);
+  nagging.ApplyNag = true;
+  nagging.NagRepeatTime = 5;
+  nagging.NagRepeatType = Minutes;
+  Now = Sunday + 8 * Hour;
+  StartWith({nagging});
+  MakeQuestion(FirstEvent(Work), "brew");
+  Run();
+  for (int minutes = 0; minutes <= 60; minutes += 5) {
+    DeliverAt(Sunday + 9 * Hour + minutes * Minute);
+    ASSERT_EQ(Alerts().size(), 1u);
+    EXPECT_THAT(Ui().Alerts[0].Request.Buttons, ElementsAre("Cancel", "Ok"));
+  }
+  EXPECT_THAT(It->World.Machine.Commands, IsEmpty());
+  Answer(1);
+  EXPECT_THAT(It->World.Machine.Commands, ElementsAre("brew"));
+}
+
 TEST_F(PutOffTest, ATrialActsAsADeliveryWouldAndChangesNothingElse) {
   EventRecord once = DailyAt(Sunday + 9 * Hour);
   once.DeleteOnceDelivered = true;

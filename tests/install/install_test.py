@@ -135,6 +135,17 @@ class Installed(unittest.TestCase):
             self.uninstall(DESTDIR=str(stage))
             self.assertEqual(files_below(stage), set())
 
+    def test_package(self):
+        """Lintian finds nothing, and packing twice gives the same bytes."""
+        packages = []
+        for name in ("one", "two"):
+            status, said = run("cpack", "-G", "DEB", "-B", self.root / name, cwd=BUILD)
+            self.assertEqual(status, 0, said)
+            packages += (self.root / name).glob("*.deb")
+        self.assertEqual(packages[0].read_bytes(), packages[1].read_bytes())
+        status, said = run("lintian", "--fail-on", "error,warning", "--tag-display-limit", "0", packages[0])
+        self.assertEqual((status, re.findall("^[EW]:.*", said, re.MULTILINE)), (0, []), said)
+
 
 if __name__ == "__main__":
     unittest.main()

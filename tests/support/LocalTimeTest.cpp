@@ -83,5 +83,39 @@ TEST(Zone, SystemFollowsTheEnvironment) {
     EXPECT_FALSE(Zone::Load(name)) << name;
 }
 
+/// Every zone of the system against the library its rules come from.
+TEST(Zone, ListedChangesAgreeWithTheZoneDatabaseEverywhere) {
+  std::mt19937_64 random(7);
+  std::uniform_int_distribution<int64> anyTime(INT32_MIN, INT32_MAX);
+  int zones = 0;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator("/usr/share/zoneinfo")) {
+    const std::string name = std::filesystem::relative(entry.path(), "/usr/share/zoneinfo");
+    absl::TimeZone reference;
+    const std::optional<Zone> zone = Zone::Load(name);
+    if (!entry.is_regular_file() || !zone || !absl::LoadTimeZone(name, &reference)) continue;
+    ++zones;
+    for (int i = 0; i < 300; ++i) {
+      const int64 moment = anyTime(random);
+      const absl::TimeZone::CivilInfo civil = reference.At(absl::FromUnixSeconds(moment));
+      ASSERT_EQ(zone->AtMoment(moment).seconds, moment + civil.offset) << name << " " << moment;
+      // Around the changes, where it matters: the civil times about the next one.
+      absl::TimeZone::CivilTransition change;
+      absl::CivilSecond wall = civil.cs;
+      if (reference.NextTransition(absl::FromUnixSeconds(moment), &change))
+        wall = (i % 2 ? change.from : change.to) + (i % 7 - 3) * 600;
+      const absl::TimeZone::TimeInfo expected = reference.At(wall);
+      const bool skipped = expected.kind == absl::TimeZone::TimeInfo::SKIPPED;
+      const Civil asked{wall - absl::CivilSecond(1970)};
+      const Zone::Resolved resolved = zone->Resolve(asked);
+      ASSERT_EQ(resolved.moment, absl::ToUnixSeconds(skipped ? expected.trans : expected.pre))
+          << name << " " << asked.seconds;
+      using enum Zone::Answer;
+      const bool unique = expected.kind == absl::TimeZone::TimeInfo::UNIQUE;
+      ASSERT_EQ(resolved.answer, skipped ? Skipped : unique ? Unique : Repeated) << name;
+    }
+  }
+  EXPECT_GT(zones, 300);
+}
+
 }  // namespace
 }  // namespace kestrin

@@ -10,6 +10,16 @@ class Roles(WorldTest):
     def make_set(self, name):
         return self.write_set(f"{name}.kestrin", daily(name, self.now() + 3600))
 
+    def test_full_quit_ends_the_deliverer(self):
+        self.remember(self.make_set("day"))
+        application = self.start()
+        self.window("day")
+        self.until(lambda: self.pid_of(DELIVERER) and self.when(), "a moment to wait for")
+        self.keys("day", "ctrl+shift+q")
+        self.left(application)
+        self.gone(DELIVERER)
+        self.assertEqual(self.read("run/kestrin/next-event"), "0\n")
+
     def test_later_starts_hand_over_and_closing_the_last_window_leaves(self):
         first = self.start(self.make_set("one"))
         self.make_set("two")
@@ -35,6 +45,16 @@ class Roles(WorldTest):
         self.start()
         self.window("day")
         self.alert("Tea").press("Ok")
+
+    def test_a_killed_deliverer_is_started_again_and_hears_the_time(self):
+        later = self.now() + 3600
+        self.remember_tea(later)
+        self.start()
+        self.until(lambda: self.pid_of(DELIVERER) and self.when() == later, "the time")
+        killed = self.pid_of(DELIVERER)
+        (self.home / "run/kestrin/next-event").unlink()
+        self.kill(DELIVERER)
+        self.until(lambda: self.pid_of(DELIVERER) not in (0, killed) and self.when() == later, "it, again")
 
 
 if __name__ == "__main__":

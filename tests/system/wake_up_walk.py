@@ -48,6 +48,25 @@ class WakeUp(WorldTest):
         self.assertEqual([self.read(name) for name in marks], ["ran\n", "ran\n", ""])
         self.assertEqual({event["NextEventTime"] for event in self.saved(deeds).values()}, {self.soon + DAY})
 
+    def test_delivers_whatever_else_is_broken(self):
+        """What cannot be loaded is told in alerts, and none of them stands in the event's way."""
+        sonnets = dict(HandlerName=b"Sonnets", data=b"\x01 any bytes \xfe", count=13)
+        day = self.write_set("day.kestrin", daily("Foreign", self.soon + 7200, sonnets),
+                             daily("Tea", self.soon, say("Put the kettle on.")))
+        foreign, missing = self.saved(day)["Foreign"], self.path("missing.kestrin")
+        self.remember(day)
+        self.hand_over(self.soon)
+        self.remember(missing, day)
+        broken = self.write("home/.local/lib/kestrin/add-ons/Broken.so", "no library")
+        alerts = [self.alert(part) for part in ("Tea", broken, missing)]
+        self.assertIn(f"load_add_on failed for {broken}: 0x00000008", alerts[1].text)
+        self.assertEqual(alerts[2].text, f"Kestrin: Attempt to open event set {missing} failed.")
+        for alert in reversed(alerts):
+            alert.press(alert.buttons()[-1])
+        self.gone(APPLICATION)
+        self.assertEqual((self.saved_time(day), self.saved(day)["Foreign"]), (self.soon + DAY, foreign))
+        self.assertIn("missing", self.read("config/Kestrin/KestrinSettings.json"))  # for a day
+
     def test_without_a_display_runs_commands_and_puts_messages_off(self):
         day = self.write_set("day.kestrin", daily("Work", self.soon, run(f"echo ran > '{self.path('ran')}'")),
                              daily("Tea", self.soon, say("Put the kettle on.")))

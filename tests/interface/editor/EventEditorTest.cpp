@@ -143,6 +143,36 @@ TEST_F(EventEditorTest, ItsFrameIsTheEventsAndBecomesTheDefault) {
   EXPECT_EQ(context.Settings.EventWindowPosition.DefaultFrame().left, 60);
 }
 
+TEST_F(EventEditorTest, EveryControlCanBeReachedAndHasAName) {
+  OpenNew();
+  for (int tab = ActionTab; tab <= CommentTab; ++tab) {
+    ShowPage(tab);
+    std::map<QString, int> letters;
+    for (QWidget* widget : window->findChildren<QWidget*>()) {
+      if (!widget->isVisible()) continue;
+      if (widget->focusPolicy() & Qt::TabFocus && widget->isEnabled()) {
+        QAccessibleInterface* seen = QAccessible::queryAccessibleInterface(widget);
+        const bool isNamed = !seen->text(QAccessible::Name).isEmpty();
+        EXPECT_TRUE(isNamed || seen->role() == QAccessible::PageTabList)
+            << widget->objectName().toStdString() << widget->metaObject()->className();
+        EXPECT_FALSE(widget->objectName().isEmpty()) << widget->metaObject()->className();
+      }
+      const auto text = [](const auto* labelled) {
+        return labelled ? QKeySequence::mnemonic(labelled->text()).toString() : QString();
+      };
+      ++letters[text(qobject_cast<QLabel*>(widget))];
+      ++letters[text(qobject_cast<QAbstractButton*>(widget))];
+    }
+    const auto& tabs = Find<QTabWidget>("tabs");
+    for (int other = 0; other < tabs.count(); ++other)
+      ++letters[QKeySequence::mnemonic(tabs.tabText(other)).toString()];
+    letters.erase(QString());
+    EXPECT_GE(letters.size(), 7U);
+    for (const auto& [letter, count] : letters)
+      EXPECT_EQ(count, 1) << letter.toStdString() << " on page " << tab;
+  }
+}
+
 TEST_F(EventEditorTest, ALongNameLeavesTheWindowAsItIs) {
   OpenNew();
   const QSize size = window->size();

@@ -299,6 +299,24 @@ TEST_F(EventListTest, NoFontCutsAColumnThatNobodyMadeNarrow) {
   QApplication::setFont(usual);
 }
 
+/// The sample of the format's page, its columns named there from the left, as the list shows it.
+TEST_F(EventListTest, TheColumnsStandInTheOrderOfTheFormatsPage) {
+  const auto read = [](const char* name) {
+    QFile file(QString(QT_TESTCASE_SOURCEDIR "/../../") + name);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+    return file.readAll();
+  };
+  context.Files.Put("/tea", read("tests/data/sets/golden/tea.kestrin").toStdString());
+  EventSet& tea = *context.Open.Sets.emplace_back(ReadSet(context.Core, "/tea").Set);
+  list = context.OpenWindow(tea).GetEventsView();
+  QStringList shown{"icon"};
+  for (const int column : list->DisplayOrder())
+    if (column != IconColumn)
+      shown << list->model()->headerData(column, Qt::Horizontal).toString().toLower();
+  const QString page = read("docs/file-format.md");
+  EXPECT_EQ(page.section("column order: ", 1).section('\n', 0, 0), shown.join(", "));
+}
+
 TEST_F(EventListTest, KeysAndTheMouseInvokeAndDelete) {
   Open({"first", "second"});
   std::vector<const Event*> invoked;

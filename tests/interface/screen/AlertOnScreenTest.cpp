@@ -109,6 +109,29 @@ TEST_F(AlertOnScreenTest, AnAlertLeavesTheFocusWhereItIsAndStaysAbove) {
   }
 }
 
+TEST_F(AlertOnScreenTest, TheQuestionBeforeClosingTakesTheFocusAndGivesItBack) {
+  EventSet& set = context.NewSet();
+  set.SetModified();
+  EventSetWindow& window = context.OpenWindow(set);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return IsActive(window); }));
+  QWidget* const reminder = OpenAlert(1, 0);
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(reminder));
+  EXPECT_FALSE(window.close());
+  context.RunMessages();
+  QWidget* question = nullptr;
+  for (QWidget* widget : QApplication::topLevelWidgets())
+    if (widget->objectName() == "alert" && widget != reminder) question = widget;
+  ASSERT_TRUE(question);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return IsActive(*question); }));
+  typing.activateWindow();
+  ASSERT_TRUE(QTest::qWaitFor([&] { return IsActive(typing); }));
+  EXPECT_FALSE(window.close());
+  ASSERT_TRUE(QTest::qWaitFor([&] { return IsActive(*question); })) << "asked again";
+  QTest::keyClick(question->focusWidget(), Qt::Key_Escape);
+  EXPECT_FALSE(question->isVisible());
+  EXPECT_TRUE(window.isVisible());
+}
+
 /// A reminder that has come meanwhile is what the window manager would choose.
 TEST_F(AlertOnScreenTest, PanelsGiveTheFocusBackToTheWindowThatAsked) {
   EventSet& set = context.NewSet();
