@@ -1,20 +1,13 @@
 // Alerts that stood open when their process ended, by force or killed, in the whole application
 // with its true handlers.
+#include "HandlerTestBase.h"
 #include "core/delivery/EventDelivery.h"
-#include "handlers/CommandDataHandler.h"
-#include "handlers/HandlerActions.h"
-#include "handlers/LoadEventHandlers.h"
-#include "harness/AppTestBase.h"
 
 namespace kestrin {
 namespace {
 
-class AppAlertsTest : public AppTestBase {
+class AppAlertsTest : public TrueHandlersTest {
  protected:
-  AppAlertsTest() { OwnActions = &Real; }
-
-  void LoadHandlers(Context& context) override { LoadBuiltInHandlers(context); }
-
   /// Every day at 9:00; it nags since 10:00.
   static EventRecord Nagging() {
     EventRecord record = DailyAt(Sunday + 9 * Hour);
@@ -26,8 +19,6 @@ class AppAlertsTest : public AppTestBase {
     record.NextEventTime = Sunday + 10 * Hour;
     return record;
   }
-
-  HandlerActions Real;
 };
 
 TEST_F(AppAlertsTest, AfterItsProcessHasEndedItsButtonActsUnlessItsOccurrenceIsOver) {
@@ -113,10 +104,7 @@ TEST_F(AppAlertsTest, AQuestionIsAskedAnewAndADeliveryOnlyShown) {
     Now = Sunday + 6 * Hour;
     StartWith({DailyAt(Sunday + 7 * Hour, "Asks"), DailyAt(Sunday + 7 * Hour, "Says"),
                DailyAt(Sunday + 7 * Hour + 30 * Minute, "Late")});
-    FirstEvent(Work).SetSelectedHandler(It->World.Handlers.Find("Command"));
-    auto& command = dynamic_cast<CommandDataHandler&>(*FirstEvent(Work).GetAddOnData());
-    command.SetCommand("brew");
-    command.SetVerify(true);
+    MakeQuestion(FirstEvent(Work), "brew");
     Set(Work)->SaveData();
     DeliverAt(Sunday + 7 * Hour);
     ASSERT_EQ(Alerts().size(), 2u);
@@ -143,10 +131,7 @@ TEST_F(AppAlertsTest, AQuestionIsAskedAnewAndADeliveryOnlyShown) {
 TEST_F(AppAlertsTest, APutOffQuestionThatIsNoneAnyMoreIsCarriedOutOnce) {
   Now = Sunday + 6 * Hour;
   StartWith({DailyAt(Sunday + 7 * Hour)});
-  FirstEvent(Work).SetSelectedHandler(It->World.Handlers.Find("Command"));
-  auto& command = dynamic_cast<CommandDataHandler&>(*FirstEvent(Work).GetAddOnData());
-  command.SetCommand("brew");
-  command.SetVerify(true);
+  CommandDataHandler& command = MakeQuestion(FirstEvent(Work), "brew");
   DeliverAt(Sunday + 7 * Hour);
   ASSERT_EQ(It->World.Alerts.PutOff(Ui().Alerts.at(0).Id, {Sunday + 8 * Hour, false, {}}), "");
   command.SetVerify(false);

@@ -1,4 +1,4 @@
-// A set with one event, over fakes and the real table of handlers.
+// A set with one event, over fakes and the real table of handlers; the whole application with it.
 #pragma once
 
 #include <memory>
@@ -11,6 +11,7 @@
 #include "handlers/HandlerActions.h"
 #include "handlers/LoadEventHandlers.h"
 #include "handlers/MessageDataHandler.h"
+#include "harness/AppTestBase.h"
 #include "harness/SetTestBase.h"
 
 namespace kestrin {
@@ -47,6 +48,24 @@ class HandlerTestBase : public SetTestBase {
 
   std::unique_ptr<EventSet> Set;
   Event* Subject = nullptr;
+};
+
+class TrueHandlersTest : public AppTestBase {
+ protected:
+  TrueHandlersTest() { OwnActions = &real_; }
+  void LoadHandlers(Context& context) override { LoadBuiltInHandlers(context); }
+
+  /// A command that asks first.
+  CommandDataHandler& MakeQuestion(Event& event, const char* text) {
+    event.SetSelectedHandler(It->World.Handlers.Find("Command"));
+    auto& command = dynamic_cast<CommandDataHandler&>(*event.GetAddOnData());
+    command.SetCommand(text);
+    command.SetVerify(true);
+    return command;
+  }
+
+ private:
+  HandlerActions real_;
 };
 
 }  // namespace kestrin

@@ -1,22 +1,16 @@
 // Reminders that were put off, in the whole application with its true handlers.
+#include "HandlerTestBase.h"
 #include "core/delivery/EventDelivery.h"
 #include "core/editing/EditHistory.h"
 #include "core/events/EventIdentity.h"
 #include "core/journal/RecordWords.h"
 #include "core/timing/LaterMoments.h"
-#include "handlers/CommandDataHandler.h"
-#include "handlers/HandlerActions.h"
-#include "handlers/LoadEventHandlers.h"
-#include "harness/AppTestBase.h"
 
 namespace kestrin {
 namespace {
 
-class PutOffTest : public AppTestBase {
+class PutOffTest : public TrueHandlersTest {
  protected:
-  PutOffTest() { OwnActions = &Real; }
-  void LoadHandlers(Context& context) override { LoadBuiltInHandlers(context); }
-
   /// Starts an hour before 9:00 and delivers what is due then.
   void Deliver(const EventRecord& record) {
     Now = Sunday + 8 * Hour;
@@ -37,13 +31,6 @@ class PutOffTest : public AppTestBase {
     Wake();
   }
 
-  /// A command that asks first.
-  void MakeQuestion(Event& event, const char* text) {
-    event.SetSelectedHandler(It->World.Handlers.Find("Command"));
-    auto& command = dynamic_cast<CommandDataHandler&>(*event.GetAddOnData());
-    command.SetCommand(text);
-    command.SetVerify(true);
-  }
   std::vector<std::string> Outcomes() {
     status_t status = StatusOk;
     std::vector<std::string> outcomes;
@@ -51,8 +38,6 @@ class PutOffTest : public AppTestBase {
       outcomes.push_back(WordsOf(past, Zone(), true).Outcome);
     return outcomes;
   }
-
-  HandlerActions Real;
 };
 
 TEST_F(PutOffTest, AMessageComesBackByItselfOnceAfterAKillToo) {
@@ -158,8 +143,11 @@ TEST_F(PutOffTest, AQuestionThatANagJoinsForAnHourIsStillAskedAndRunsOnce) {
     EXPECT_THAT(Ui().Alerts[0].Request.Buttons, ElementsAre("Cancel", "Ok"));
   }
   EXPECT_THAT(It->World.Machine.Commands, IsEmpty());
+  PutOff(Sunday + 11 * Hour);
+  MakeQuestion(FirstEvent(Work), "pour");
+  DeliverAt(Sunday + 11 * Hour);
   Answer(1);
-  EXPECT_THAT(It->World.Machine.Commands, ElementsAre("brew"));
+  EXPECT_THAT(It->World.Machine.Commands, ElementsAre("pour")) << "as it is then";
 }
 
 TEST_F(PutOffTest, ATrialActsAsADeliveryWouldAndChangesNothingElse) {
@@ -173,8 +161,7 @@ TEST_F(PutOffTest, ATrialActsAsADeliveryWouldAndChangesNothingElse) {
   EXPECT_THAT(Alerts(), ElementsAre("Kestrin event:  Tea\n\n"));
   Answer(0);
   EXPECT_FALSE(Set(Work)->HasBeenModified());
-  MakeQuestion(FirstEvent(Work), "brew");
-  dynamic_cast<CommandDataHandler&>(*FirstEvent(Work).GetAddOnData()).SetVerify(false);
+  MakeQuestion(FirstEvent(Work), "brew").SetVerify(false);
   Set(Work)->SaveData();
   Crash();
   Disk.SetAttribute(Work, "user.xdg.origin.url", "https://example.org");

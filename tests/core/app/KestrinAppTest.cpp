@@ -131,35 +131,6 @@ TEST_F(KestrinAppTest, OneFileIsOneSetHoweverItIsNamed) {
   EXPECT_THAT(Open(), ElementsAre(Work, Untitled, "Untitled event set 2"));
 }
 
-TEST_F(KestrinAppTest, WhatWasDueInASetThatIsOpenedMayHaveBeenMissed) {
-  WriteSet(Work, {DailyAt(Sunday + 7 * Hour)});
-  WriteSet(Home, {DailyAt(Sunday + 7 * Hour, "Milk")});
-  Start();
-  Post(Files({Work}));
-  EXPECT_THAT(Delivered(), ElementsAre("Tea missed"));
-  // Shown alone delivers: a set that is loaded but not shown is like one that is not open.
-  Remember({Home});
-  Configure([](KestrinSettings& settings) {
-    settings.WhichEventsToDeliver = DeliverShown;
-    settings.SelectedSetHandling = ShowNever;
-  });
-  Start();
-  EXPECT_THAT(Delivered(), IsEmpty());
-  Post(Files({Home}));
-  EXPECT_THAT(Delivered(), ElementsAre("Milk missed"));
-  // And so is one that a changed setting lets deliver.
-  Crash();
-  Disk.Remove(JournalFile);
-  WriteSet(Work, {DailyAt(Sunday + 7 * Hour)});
-  Remember({Work});
-  Configure([](KestrinSettings& settings) { settings.WhichEventsToDeliver = DeliverNothing; });
-  Start();
-  EXPECT_THAT(Delivered(), IsEmpty());
-  It->World.Settings.WhichEventsToDeliver = DeliverRemembered;
-  Post(Message(SETTINGS_CHANGED));
-  EXPECT_THAT(Delivered(), ElementsAre("Tea missed"));
-}
-
 TEST_F(KestrinAppTest, AfterARevertNothingIsDeliveredAgain) {
   EventRecord once = DailyAt(Sunday + 8 * Hour, "Once");
   once.PeriodType = Once;

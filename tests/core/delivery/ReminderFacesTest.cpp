@@ -1,8 +1,6 @@
 // The states of docs/reminders.md, "Windows and notifications", carried out row by row.
 #include "core/delivery/ReminderFaces.h"
 
-#include <gmock/gmock.h>
-
 #include <map>
 
 #include "core/loop/PutOffKeeper.h"

@@ -1,8 +1,6 @@
 // What the person did is taken back and done again, whatever deliveries do in between.
 #include "core/editing/EditHistory.h"
 
-#include <gmock/gmock.h>
-
 #include <random>
 #include <set>
 

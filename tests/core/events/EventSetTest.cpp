@@ -63,28 +63,6 @@ TEST_F(EventSetTest, TheIndexAgreesWithASearchWhateverChanges) {
   }
 }
 
-TEST_F(EventSetTest, WhoChangedTheSetIsKeptApart) {
-  EventSet& set = NewSet();
-  Event& event = Add(set, DailyAt(Sunday + Day));
-  set.OpenWindow();
-  const FakeSetWindow& window = *World.Ui.SetWindows[0];
-  EXPECT_TRUE(set.HasBeenModified());
-  EXPECT_FALSE(set.OnlyDeliveriesChanged());
-  Settle(set);
-  const int told = window.Changed;
-  {
-    const EventSet::DeliveryChange byDelivery(set);
-    for (int i = 0; i < 2; ++i) event.UpdateEventTime();
-  }
-  EXPECT_TRUE(set.OnlyDeliveriesChanged());
-  EXPECT_EQ(window.Changed, told + 1) << "when the mark appears, not again";
-  event.SetComment("mine");
-  EXPECT_TRUE(set.HasBeenModified());
-  EXPECT_FALSE(set.OnlyDeliveriesChanged());
-  Settle(set);
-  EXPECT_FALSE(set.HasBeenModified());
-}
-
 TEST_F(EventSetTest, WindowAndApplicationAreTold) {
   EventSet& set = NewSet();
   Event& event = Add(set, DailyAt(Sunday + Day));

@@ -49,7 +49,14 @@ class EventSetFileTest : public SetTestBase {
 };
 
 TEST_F(EventSetFileTest, AFileCutAnywhereIsDamaged) {
-  const std::string whole = Written(*FullSet(), 1);
+  const auto full = FullSet();
+  const std::string orders[] = {Written(*full, 0), Written(*full, 1)}, &whole = orders[1];
+  for (const std::string& bytes : orders) {
+    Disk.Put(Path, bytes);
+    const auto set = Read(Path);
+    EXPECT_EQ(Report.BigEndian, bytes == whole);
+    for (const int to : {0, 1}) EXPECT_EQ(Written(*set, static_cast<char>(to)), orders[to]);
+  }
   for (size_t length = 0; length < whole.size(); ++length) {
     Disk.Put(Path, whole.substr(0, length));
     Read(Path);

@@ -4,7 +4,6 @@
 
 #include <memory>
 
-#include "core/journal/EventStateText.h"
 #include "core/journal/Later.h"
 #include "harness/FailingFileDoor.h"
 #include "harness/FakeClock.h"
@@ -109,45 +108,6 @@ TEST_F(JournalTest, IsThereAgainAfterACrashAndAfterAPowerCutWhenSynchronised) {
   expected.AlertIs = AlertStage::Shown;
   expected.Alert = alert;
   EXPECT_EQ(FieldsOf(*session.It.Find(first)), FieldsOf(expected));
-}
-
-TEST(JournalRecordTest, IsTheSameAfterItsLine) {
-  const RecordFields fields = {{"by", "boot/7/9"},
-                               {"set", "/s"},
-                               {"name", "Tea"},
-                               {"handler", "Command"},
-                               {"place", "2"},
-                               {"rule", "5"},
-                               {"kind", "nag"},
-                               {"from", "1,-2,3"},
-                               {"to", "gone"},
-                               {"at", "4"},
-                               {"missed", "1"},
-                               {"trial", "1"},
-                               {"act", "failed"},
-                               {"why", "late"},
-                               {"run", "brew"},
-                               {"open", "/pot"},
-                               {"exit", "6"},
-                               {"alert", "putoff"},
-                               {"role", "3"},
-                               {"warning", "1"},
-                               {"title", "T"},
-                               {"text", "x"},
-                               {"buttons",
-                                "a\x1f"
-                                "b"},
-                               {"harmless", "1"},
-                               {"default", "1"},
-                               {"icon", "8"},
-                               {"putoffs", "2"},
-                               {"button", "1"},
-                               {"answer", "b"},
-                               {"answered", "11"},
-                               {"of", "a.1"}};
-  EXPECT_EQ(FieldsOf(RecordOf("a.2", fields)), fields);
-  for (const char* state : {"1,2", "1,2,3,4", "1;2,3", "1,2,x", ""})
-    EXPECT_FALSE(EventStateOf(state)) << state;
 }
 
 TEST_F(JournalTest, WorksInMemoryWhateverCallFailsAndWritesItLater) {

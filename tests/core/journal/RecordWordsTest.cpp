@@ -6,6 +6,7 @@
 
 #include <sstream>
 
+#include "core/journal/EventStateText.h"
 #include "harness/MemoryFileDoor.h"
 #include "harness/PageTable.h"
 
@@ -27,6 +28,18 @@ RecordFields FieldsOfText(const std::string& text) {
 
 std::string Line(const std::string& id, const std::string& fields) {
   return EncodeLine(id, FieldsOfText(fields));
+}
+
+TEST(RecordWordsTest, ARecordIsTheSameAfterItsLine) {
+  RecordFields fields = FieldsOfText(
+      "by=boot/7/9 set=/s name=Tea handler=Command place=2 rule=5 kind=nag from=1,-2,3 to=gone "
+      "at=4 missed=1 trial=1 act=failed why=late run=brew open=/pot exit=6 alert=putoff role=3 "
+      "warning=1 title=T text=x buttons=x harmless=1 default=1 icon=8 putoffs=2 button=1 "
+      "answer=y answered=11 of=a.1");
+  fields.Set("buttons", "x\x1fy");
+  EXPECT_EQ(FieldsOf(RecordOf("a.2", fields)), fields);
+  for (const char* state : {"1,2", "1,2,3,4", "1;2,3", "1,2,x", ""})
+    EXPECT_FALSE(EventStateOf(state)) << state;
 }
 
 TEST(RecordWordsTest, TheTableOnThePageIsWhatIsSaid) {

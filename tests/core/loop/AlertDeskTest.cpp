@@ -1,8 +1,6 @@
 // Alerts that wait, stand open and are answered, and the notices that become alerts.
 #include "core/loop/AlertDesk.h"
 
-#include <gmock/gmock.h>
-
 #include <atomic>
 #include <future>
 #include <set>

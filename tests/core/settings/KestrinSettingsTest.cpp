@@ -1,8 +1,6 @@
 #include "core/settings/KestrinSettings.h"
 
 #include <errno.h>
-#include <gmock/gmock.h>
-
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -64,21 +62,6 @@ struct KestrinSettingsTest : testing::Test {
   void Init() { InitSettings(Settings, *store, context.Notes); }
   void Write() { WriteSettings(Settings, *store, context.Notes); }
 };
-
-TEST_F(KestrinSettingsTest, ASetIsRememberedOnceAndForgottenOnce) {
-  int changes = 0;
-  Settings.WhenChanged = [&changes] { ++changes; };
-  for (const char* path : {"/a", "/b", "/a"}) Settings.RememberSet(path);
-  EXPECT_THAT(Settings.SetFileNames, ElementsAre("/a", "/b"));
-  for (const char* path : {"/c", "/a"}) Settings.ForgetSet(path);
-  EXPECT_THAT(Settings.SetFileNames, ElementsAre("/b"));
-  EXPECT_EQ(changes, 3);
-  for (int set = 0; set < 12; ++set) Settings.UsedSet("/" + std::to_string(set));
-  for (const char* path : {"/5", "/5"}) Settings.UsedSet(path);
-  EXPECT_THAT(Settings.RecentSets,
-              ElementsAre("/5", "/11", "/10", "/9", "/8", "/7", "/6", "/4", "/3", "/2"));
-  EXPECT_EQ(changes, 16);
-}
 
 TEST_F(KestrinSettingsTest, ListsAndTextsAreThereAgainAfterARestart) {
   Settings.SetFileNames = {"/home/u/a.kestrin", "/home/u/b \xff"};
@@ -173,29 +156,6 @@ TEST_F(KestrinSettingsTest, IconsOfTheWrongSizeAreNeitherReadNorLost) {
   Settings.NumberOfUserIcons = 0;
   Write();
   EXPECT_FALSE(store->Get("UserIcons"));
-}
-
-TEST_F(KestrinSettingsTest, WithoutRememberingTheLayoutIsDeletedButTheSettingsFrameIsRead) {
-  for (const char* key : {"AscendingOrder", "GroupActiveEventsFirst"}) store->Set(key, "1", Bool);
-  store->Set("Beep volume", "11", FourCharCode("CSTR"));
-  Settings.Layout.ViewMode = 2;
-  Settings.SettingsWindowFrame = {1, 2, 3, 4};
-  Write();
-  EXPECT_TRUE(store->Get("AscendingOrder")) << "deleted only when not remembering";
-  store->Set("RememberWindowSetupAsDefault", std::string(1, '\0'), Bool);
-  EXPECT_EQ(store->Save(), StatusOk);
-
-  Restart();
-  Init();
-  EXPECT_EQ(Settings.Layout.ViewMode, 0) << "stored, but not to be used";
-  EXPECT_EQ(Settings.SettingsWindowFrame, (Rect{1, 2, 3, 4}));
-  Write();
-  for (const char* key :
-       {"SetWindowFrame", "ColumnOrder", "ViewMode", "SortKeys", "EventWindowFrame",
-        "SettingsWindowFrame", "GroupActiveEventsFirst", "AscendingOrder"})
-    EXPECT_FALSE(store->Get(key)) << key;
-  EXPECT_TRUE(store->Get("IconPanelLocation"));
-  EXPECT_TRUE(store->Get("Beep volume")) << "others' keys stay";
 }
 
 TEST_F(KestrinSettingsTest, AFailureIsReportedOnceUntilASaveSucceedsAndADamagedFileAtOnce) {

@@ -22,24 +22,6 @@ constexpr const char* Folder = "/home/u/.config";
 const std::string File = "/home/u/.config/Kestrin/KestrinSettings.json";
 constexpr uint32 Text = FourCharCode("CSTR");
 
-TEST(SettingsTextTest, EveryValueSurvivesByteForByte) {
-  using Limits = std::numeric_limits<float>;
-  SettingsMap settings;
-  for (const float value :
-       {0.1f, -0.0f, 1e-45f, Limits::max(), Limits::infinity(), std::bit_cast<float>(0x7fc12345)})
-    settings["float " + std::to_string(settings.size())] = {
-        FourCharCode("RECT"), std::string(reinterpret_cast<const char*>(&value), sizeof value)};
-  for (const char* type : {"LONG", "BOOL", "FLOT", "BPNT", "CSTR", "BYTE", "ab\"\\"})
-    for (const std::string& bytes : {""s, "\2\0\0\0\5"s, "\xff\xff\xff\xff"s, "a"s, "\0\0"s,
-                                     "a\0\0"s, "tab\t\0"s, "\xc3\0"s, "caf\xc3\xa9\0"s}) {
-      const uint32 code = FourCharCode({type[0], type[1], type[2], type[3], '\0'});
-      settings[type + (" " + std::to_string(settings.size()))] = {code, bytes};
-    }
-  const auto read = ReadSettingsText(WriteSettingsText(settings));
-  EXPECT_EQ(read.settings, settings);
-  EXPECT_THAT(read.unreadable, IsEmpty());
-}
-
 TEST(SettingsTextTest, AnUnreadableEntryCostsOnlyItself) {
   for (const char* entry :
        {"5", "[]", "{}", R"({"type":"LONG","value":7})", R"({"type":"LONG","value":[1.5]})",

@@ -1,5 +1,3 @@
-#include <gmock/gmock.h>
-
 #include <QAccessible>
 #include <QElapsedTimer>
 #include <QPlainTextEdit>

@@ -1,6 +1,4 @@
 // Many reminders in one window: answered one by one, and all together.
-#include <gmock/gmock.h>
-
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>

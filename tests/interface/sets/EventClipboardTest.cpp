@@ -1,7 +1,5 @@
 #include "interface/sets/EventClipboard.h"
 
-#include <gmock/gmock.h>
-
 #include <QClipboard>
 #include <QMimeData>
 

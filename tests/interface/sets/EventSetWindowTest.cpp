@@ -1,5 +1,3 @@
-#include <gmock/gmock.h>
-
 #include <QtTest/QTest>
 
 #include "harness/ScreenContext.h"

@@ -1,7 +1,5 @@
 #include "interface/settings/SettingsWindow.h"
 
-#include <gmock/gmock.h>
-
 #include <QAccessible>
 #include <QCheckBox>
 #include <QComboBox>
