@@ -226,5 +226,19 @@ TEST_F(SettingsWindowTest, NothingLiesBelowTheEdgeOfALowScreen) {
   QApplication::setFont(usual);
 }
 
+TEST_F(SettingsWindowTest, TabWalksThroughTheControlsFromTopToBottom) {
+  context.Settings.RememberSet("/a");
+  SettingsWindow& window = Open();
+  for (const char* name :
+       {"rememberDefaults", "deliverEvents", "openRemembered", "withoutSet", "clock24",
+        "showRemindersAs", "reminderBoxes", "eveningTime", "morningTime", "reminderSound",
+        "reminderVolume", "soundUntilAnswered", "nagSoundUntilAnswered", "rememberedSets",
+        "forgetSelected", "testReminders", "rememberDefaults"}) {
+    ASSERT_TRUE(window.focusWidget());
+    EXPECT_EQ(window.focusWidget()->objectName(), name);
+    QTest::keyClick(window.focusWidget(), Qt::Key_Tab);
+  }
+}
+
 }  // namespace
 }  // namespace kestrin
