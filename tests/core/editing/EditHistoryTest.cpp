@@ -218,7 +218,9 @@ TEST_F(EditHistoryTest, AStepHoldsNeitherStatusNorTimesAndRingsNothing) {
   Edit(tea, [](Event& it) { it.SetEventTime(Sunday + Day, true); });
   World.Time.JumpTo(Sunday + 10 * Hour);
   World.Messages.clear();
-  EXPECT_EQ(History.Undo()->hasPassed, "Tea");
+  const auto done = History.Undo();
+  EXPECT_EQ(done->hasPassed, "Tea");
+  EXPECT_THAT(done->events, ElementsAre(&tea)) << "what is to be selected";
   EXPECT_EQ(tea.GetNextEventTime(), 0);
   World.RunMessages();
   EXPECT_EQ(World.CountMessages(SETS_OPENED), 0);

@@ -139,6 +139,10 @@ TEST_F(EventTest, AHandlerKeepsItsDataWhileAnotherIsSelected) {
   const EventAddOnData* const first = event.GetAddOnData();
   event.OpenWindow();
   auto& calls = World.Ui.EditorWindows.at(0)->Calls;
+  event.SetName("Toast");
+  event.SetPeriodType(Weekly);
+  EXPECT_THAT(calls, testing::Contains("RedrawTimes").Times(2));
+  calls.clear();
   EXPECT_TRUE(event.SetSelectedHandler(1));
   EXPECT_THAT(calls, ElementsAre("RemoveEditView", "AddEditView"));
   const EventAddOnData* const second = event.GetAddOnData();
