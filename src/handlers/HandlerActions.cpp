@@ -11,6 +11,7 @@
 #include "core/loop/AppMessages.h"
 #include "core/loop/Holds.h"
 #include "core/loop/MessageCodes.h"
+#include "core/ports/UserInterface.h"
 #include "core/settings/KestrinSettings.h"
 #include "core/timing/EventTiming.h"
 #include "core/timing/EventTypes.h"
