@@ -1,10 +1,13 @@
 // kestrin: edits event sets and delivers events; one process per session bus.
 #include <QApplication>
+#include <QFontDatabase>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <optional>
 #include <string>
+#include <system_error>
+#include <thread>
 #include <vector>
 
 #include "core/app/KestrinApp.h"
@@ -166,6 +169,17 @@ std::unique_ptr<QCoreApplication> BuildToolkit(int& argc, char** argv, bool scre
   return toolkit;
 }
 
+/// The toolkit takes long to learn which fonts there are, and asks when it lays out the first
+/// window. Its font database has a lock of its own: it learns while the sets and the journal are
+/// read.
+std::jthread LearnFonts() {
+  try {
+    return std::jthread([] { QFontDatabase::families(); });
+  } catch (const std::system_error&) {
+    return {};  // later, then
+  }
+}
+
 int RunLoop(Parts& parts, const std::vector<std::string>& arguments) {
   KestrinApp& app = parts.app;
   const UnixSignals unixSignals(parts.queue);
@@ -197,6 +211,7 @@ int Run(int argc, char** argv) {
   if (arrival == Arrival::NoAnswer) return 1;
   const std::optional<std::string> whyNoDisplay = WhyNoDisplay();
   const auto toolkit = BuildToolkit(argc, argv, !whyNoDisplay);
+  const std::jthread fonts = whyNoDisplay ? std::jthread() : LearnFonts();
   bus.Dispatch();
   const bool inBackground = KestrinApp::IsBackgroundStart(start.arguments);
   if (whyNoDisplay && !inBackground && !queue.Holds(DELIVER_EVENTS)) {
