@@ -96,6 +96,10 @@ TEST_F(EventMessageTest, ThePageAndTheCodeAgree) {
 
 /// tests/data/sample.txt: every event of the sample, as it is saved.
 TEST_F(EventMessageTest, TheSampleIsAsItIsKept) {
+  Message stale = Generated();
+  stale.Set("NextEventTime", int32{1});
+  EXPECT_EQ(Pasted(stale)->GetNextEventTime(), Subject->GetNextEventTime())
+      << "not what was copied";
   SampleEvents(Other).AddSample(60);
   EXPECT_FALSE(Other.HasBeenModified() && !Other.OnlyDeliveriesChanged());
   std::string events;

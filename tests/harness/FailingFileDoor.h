@@ -37,6 +37,7 @@ class FailingFileDoor final : public FileDoor {
 
   /// Somebody else works on the files around a rename; may be empty.
   std::function<void(const std::string& when)> OnRename;
+  std::function<void()> BeforeWrite;  ///< called once, before the next write; may be empty
 
   void FailAgain(int failAt) { FailAt = failAt, Count = 0, Failed.clear(); }
   bool HasFailed() const { return !Failed.empty(); }
@@ -99,6 +100,7 @@ class FailingFileDoor final : public FileDoor {
       return door_.Fails("read") ? door_.Error : file_->Read(data, count);
     }
     int64 Write(const void* data, size_t count) override {
+      if (const auto before = std::exchange(door_.BeforeWrite, nullptr)) before();
       const bool first = !door_.HasFailed();
       if (!door_.Counts("write")) return file_->Write(data, count);
       const bool isHalf = door_.ShortWrite && (first || !door_.FailFromThen);

@@ -119,6 +119,9 @@ TEST_F(EventSetTest, WhoGetsANamesakeBeforeItIsRenamedInTheJournalToo) {
       set.FileNames().Saved(set),
       ElementsAre(testing::Pair(EventName{"Milk", "Message", 0}, EventName{"Tea", "Message", 0}),
                   testing::Pair(EventName{"Tea", "Message", 0}, EventName{"Tea", "Message", 1})));
+  Settle(set);
+  set.RemoveEvent(&milk);
+  EXPECT_EQ(set.FileNames().Of(set, *set.Events()[0]).Place, 1) << "as its file still has it";
 }
 
 TEST_F(EventSetTest, EditorsThatStoodOpenOpenAgainButNeverTooMany) {

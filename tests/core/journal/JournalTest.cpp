@@ -219,6 +219,10 @@ TEST_F(JournalTest, LetsOneSessionActWithAndWithoutTheLock) {
     EXPECT_TRUE(b.It.Claim(Of(At(1), At(2), 1))) << "its namesake";
     const std::string asked = b.It.Begin(Of(At(1), At(2)));
     EXPECT_FALSE(b.It.ClaimAgain(asked)) << "a question that another session has answered";
+    if (locked) {
+      Door.BeforeWrite = [&b] { EXPECT_TRUE(b.It.Claim(Of(At(5), At(6)))); };
+      EXPECT_FALSE(a.It.Claim(Of(At(5), At(6)))) << "the one that stands first in the file counts";
+    }
     Dead = {1, 2};
     Session c(*this, 3), d(*this, 4);
     EXPECT_EQ(c.It.Adopt(*first), !locked);
