@@ -183,7 +183,8 @@ TEST_F(ApplicationBusTest, APersonsStartTellsTheBusItsDisplay) {
     kestrin::Start start;
     if (reached) start.environment["DISPLAY"] = ":77";
     ASSERT_EQ(bus.Arrive(start), Arrival::First);
-    BusBackground background(bus.Connection(), files, queue_);
+    constexpr std::chrono::minutes Long{1};
+    BusBackground background(bus.Connection(), files, queue_, {Long, Long, Long, Long});
     background.Launch(nullptr, {});
     background.Finish();
     EXPECT_THAT(NextLine(), testing::EndsWith(reached ? "DISPLAY=:77" : "DISPLAY="));

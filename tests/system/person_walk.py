@@ -62,6 +62,7 @@ class Person(WorldTest):
         self.gone(APPLICATION)
         self.assertEqual(self.saved_time(day), 0)
         self.start()
+        self.window("Tea – Event")
         self.keys("Day.kestrin", "alt+f", "y")
         self.until(lambda: any(node.get_name().startswith("Put off, then answered “Ok” at ")
                                for node in self.controls("Kestrin history")), "what became of it")
