@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <vector>
 
 #include "core/events/EventIdentity.h"
 #include "core/events/EventSet.h"
@@ -42,13 +43,17 @@ EventTimes Afresh(EventSet& set, const Event& event, int64 now, const Zone& zone
 }
 
 /// The clock was behind when the event was set back, and nothing was delivered since: it goes on
-/// where it stood.
+/// where it stood. As long as the clock is not where it had been before that, it may have been
+/// ahead then instead, and what the event was set back to has not come.
 std::optional<EventTimes> Forth(EventSet& set, const Event& event, int64 now, const Zone& zone) {
   const Journal* const journal = set.GetContext().journal;
   if (!journal || event.GetActualEventTime() > now) return std::nullopt;
-  const auto records = journal->About(JournalPath(set), set.FileNames().Of(set, event));
+  std::vector<JournalRecord> records =
+      journal->About(JournalPath(set), set.FileNames().Of(set, event));
+  std::erase_if(records, [](const JournalRecord& record) { return !record.From || !record.To; });
   if (records.empty() || !records.back().GoesBack()) return std::nullopt;
   const JournalRecord& back = records.back();
+  if (now < back.Looked) return std::nullopt;
   // As above, a day ahead is believed: the one before may have come.
   EventTimes times = ComputeEventTimes(event.Record(), now + SecondsPerDay, zone);
   const bool isSane = back.From->Next != 0 && back.From->Actual <= times.ActualEventTime;
@@ -91,6 +96,7 @@ void WriteDown(EventSet& set, const Event& event, const EventState& from, const 
   record.To = to;
   record.Act = ActStage::Passed;
   record.Why = WrongClock;
+  record.Looked = journal->Seen().Time().value_or(0);
   journal->Begin(std::move(record));
 }
 

@@ -41,16 +41,13 @@ class Chain {
     std::optional<EventState> reached;
     EventState state = event.State;
     const Places places = samePlace ? At(event.Name.Place) : inOrder_;
-    for (size_t i = 0; i < places.size() && !state.Gone;) {
-      const Link& record = records_[places[i]];
-      const bool leadsOn =
-          !used_[places[i]] && record.From == state && Fits(record, event, samePlace);
-      if (leadsOn) {
-        used_[places[i]] = true;
-        state = *record.To;
-        reached = state;
-      }
-      i = leadsOn ? 0 : i + 1;  // an earlier state may have been met again
+    for (size_t first = 0; !state.Gone;) {
+      const size_t next = Next(state, places, first, event, samePlace);
+      if (next == places.size()) break;
+      used_[places[next]] = true;
+      state = *records_[places[next]].To;
+      reached = state;
+      first = next + 1;
     }
     return reached;
   }
@@ -84,6 +81,19 @@ class Chain {
     const auto placeOf = [this](size_t i) { return records_[i].Place; };
     return std::ranges::equal_range(byPlace_, place, {}, placeOf);
   }
+
+  /// The latest of those places that leads on: a clock that was wrong leads back to a state, and on
+  /// once more. One that was written before `first` leads on too, but not back.
+  size_t Next(const EventState& state, Places places, size_t first, const StoredEvent& event,
+              bool samePlace) const {
+    for (size_t i = places.size(); i-- > 0;) {
+      const Link& record = records_[places[i]];
+      if (used_[places[i]] || record.From != state || !Fits(record, event, samePlace)) continue;
+      if (i >= first || record.To->Gone || record.To->Actual >= state.Actual) return i;
+    }
+    return places.size();
+  }
+
   static bool Fits(const Link& record, const StoredEvent& event, bool samePlace) {
     if (!record.From || !record.To || record.Trial) return false;
     const bool isAt = record.Place == event.Name.Place;

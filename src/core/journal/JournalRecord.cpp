@@ -178,6 +178,7 @@ RecordFields FieldsOf(const JournalRecord& record) {
   if (record.From) fields.Add("from", TextOf(*record.From));
   if (record.To) fields.Add("to", TextOf(*record.To));
   fields.Add("at", record.At);
+  if (record.Looked != 0) fields.Add("looked", record.Looked);
   if (record.Missed) fields.Add("missed", int64{1});
   if (record.Trial) fields.Add("trial", int64{1});
   if (record.Act != ActStage::None) fields.Add("act", NameOf(record.Act));
@@ -209,6 +210,7 @@ JournalRecord RecordOf(const std::string& id, const RecordFields& all) {
   record.From = EventStateOf(fields.Text("from"));
   record.To = EventStateOf(fields.Text("to"));
   record.At = fields.Number("at").value_or(0);
+  record.Looked = fields.Number("looked").value_or(0);
   record.Missed = fields.Number("missed") == 1;
   record.Trial = fields.Number("trial") == 1;
   record.Act = StageOf(ActNames, fields.Text("act"), ActStage::None);

@@ -55,7 +55,8 @@ struct JournalRecord {
   uint32 Rule = 0;  ///< of the fields that decide its dates; 0: unknown
   RecordKind Kind = RecordKind::Event;
   std::optional<EventState> From, To;
-  int64 At = 0;  ///< when it was begun
+  int64 At = 0;      ///< when it was begun
+  int64 Looked = 0;  ///< of one that goes back: what the clock had been seen at before
   bool Missed = false;
   bool Trial = false;  ///< "Try now": changes no state
   ActStage Act = ActStage::None;

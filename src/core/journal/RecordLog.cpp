@@ -210,6 +210,7 @@ void RecordLog::Read() {
   }
   Failed(status);
   if (status == StatusOk) ReadFrom(0, true);
+  dirty_ = position_ > 0;  // who wrote last may have died before synchronising
 }
 
 void RecordLog::CatchUp() {

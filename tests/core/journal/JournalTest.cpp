@@ -177,6 +177,7 @@ TEST_F(JournalTest, FollowsWhatTheFileDoesNotKnow) {
   Deliver(session, 3), Deliver(session, 4), Deliver(session, 3, 1);
   Deliver(session, 4, 3), Deliver(session, 3, 3);
   session.It.Begin(Of(At(5), {0, 0, 0, true}, 2));
+  session.It.Begin(Of(At(20), At(17), 4)), session.It.Begin(Of(At(17), At(20), 4));
   struct Case {
     const char* name;
     EventState state;
@@ -191,6 +192,7 @@ TEST_F(JournalTest, FollowsWhatTheFileDoesNotKnow) {
       {"a file of last week was put back", At(1), 0, 5, At(5)},
       {"its prewarning was still ahead", {400, 350, 1, false}, 0, 5, At(5)},
       {"the later one was written first", At(3), 3, 5, At(5)},
+      {"a wrong clock led back, and on once more", At(17), 4, 5, At(20)},
       {"somebody chose another time", At(3), 0, 6, std::nullopt},
       {"an edit that leads past it", At(9), 0, 5, std::nullopt},
       {"its equal was delivered once", At(3), 1, 5, At(4)},
