@@ -200,6 +200,7 @@ bool AlertDesk::ReplaceWaiting() {
     std::lock_guard lock(guard_);
     if (settled_ >= waiting_.size()) return false;
     const auto fresh = waiting_.begin() + static_cast<std::ptrdiff_t>(settled_);
+    if (!Recurs(*fresh)) return false;  // ten thousand may wait
     const auto same = std::find_if(waiting_.begin(), fresh, [&fresh](const AlertRequest& earlier) {
       return RemindOfTheSame(earlier, *fresh);
     });
@@ -219,6 +220,7 @@ void AlertDesk::Outdated(AlertRequest& request) {
 
 /// Brings the open alert of the same event up to date, or adds to it; false when there is none.
 bool AlertDesk::TakeIntoOpen(AlertRequest& fresh) {
+  if (!Recurs(fresh)) return false;
   const auto same = std::find_if(open_.begin(), open_.end(), [&fresh](const auto& entry) {
     return RemindOfTheSame(entry.second.request, fresh) || StandsIn(entry.second.request, fresh);
   });
