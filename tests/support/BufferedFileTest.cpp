@@ -119,6 +119,7 @@ TEST(BufferedFile, PlainOperationsSeeWhatIsPendingAndFailWhenThatCannotBeWritten
   door.FailFromThen = true;
   EXPECT_EQ(file.Seek(3, SEEK_SET), 0);
   EXPECT_EQ(file.Write("x", 1), 0);
+  EXPECT_EQ(file.WriteFailure(), door.Error);
   EXPECT_EQ(file.SetSize(1), StatusFileError);
   EXPECT_EQ(file.SetTo(path, OpenReadOnly), StatusFileError);
   door.FailAt = 0;

@@ -255,6 +255,8 @@ TEST_P(EveryFileDoor, AFileBesideAnotherIsAsPrivateAndWhatWasAbandonedGoes) {
   const timespec yesterday[2] = {{0, 0}, {time(nullptr) - 25 * 3600, 0}};
   for (const char* leaf : {".old.0123456789abcdef.new", ".mine.new", "plain.0123456789abcdef.new"})
     EXPECT_EQ(utimensat(AT_FDCWD, (top + "/" + leaf).c_str(), yesterday, 0), 0);
+  const timespec today[2] = {{0, 0}, {time(nullptr) - 23 * 3600, 0}};
+  EXPECT_EQ(utimensat(AT_FDCWD, (top + "/.young" + random).c_str(), today, 0), 0);
   WriteWholeFile(door, of, "2");
   EXPECT_EQ(door.List(top),
             Names({".mine.new", ".young" + random, "beside", "of", "orphan", "plain" + random}));

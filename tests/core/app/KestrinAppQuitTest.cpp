@@ -261,6 +261,8 @@ TEST_F(KestrinAppQuitTest, AForcedEndKeepsEverything) {
   question.Done = [&answer](int which) { answer = which; };
   It->World.Alerts.Show(question);
   It->World.Notes.ReportError("broken");
+  Post(Message(SESSION_SAVED));
+  EXPECT_EQ(NameIn(Recovered), "typed") << "the session may go on";
   Post(Message(FORCED_QUIT));
   EXPECT_TRUE(It->Ended);
   EXPECT_EQ(answer, 0) << "the harmless one";

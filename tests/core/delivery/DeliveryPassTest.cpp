@@ -244,10 +244,15 @@ TEST_F(DeliveryPassTest, AnEventThatIsMovedWhileItActsComesWhenThePersonSays) {
   EventRecord record = OnceAt(Now);
   record.ApplyNag = true;
   Event& event = Add(set, record);
-  World.Actions.WhenEvent = [](Event& acting) { acting.SetEventTime(Now + Day, true); };
+  record.Name = "Cake";
+  Add(set, record);
+  World.Actions.WhenEvent = [&event](Event& acting) {
+    if (&acting == &event) acting.SetEventTime(Now + Day, true);
+  };
   World.RunMessages();
   EXPECT_EQ(event.GetNextEventTime(), Now + Day);
   EXPECT_EQ(event.GetStatus(), WaitingForEvent);
+  EXPECT_THAT(Delivered(), ElementsAre("Tea", "Cake")) << "nobody waits for it";
 }
 
 TEST_F(DeliveryPassTest, ATrialActsWhoeverElseHasDelivered) {

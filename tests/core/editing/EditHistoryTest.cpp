@@ -242,6 +242,17 @@ TEST_F(EditHistoryTest, AStepHoldsNeitherStatusNorTimesAndRingsNothing) {
   World.Time.JumpTo(Sunday + Day + 1);
   History.Undo();
   EXPECT_EQ(cake.GetNextEventTime(), Sunday + 2 * Day) << "what has passed meanwhile rings not";
+
+  record = OnceAt(Sunday + 3 * Day);
+  record.ApplyPrewarn = record.ApplyPrewarnRepeat = true;
+  record.PrewarnTime = 3;
+  Event& pie = Add(Set, record);
+  pie.UpdateEventTime();
+  const int32 next = pie.GetNextEventTime();
+  Edit(pie, [](Event& it) { it.SetPrewarnRepeatType(Minutes); });
+  EXPECT_LT(pie.GetNextEventTime(), next);
+  History.Undo();
+  EXPECT_EQ(pie.GetNextEventTime(), next);
 }
 
 }  // namespace

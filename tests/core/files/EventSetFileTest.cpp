@@ -236,7 +236,9 @@ TEST_F(EventSetSaveTest, ADownloadedSetStaysMarkedUntilTheUserSavesIt) {
   ASSERT_TRUE(set->SaveCopy("/sets/copy"));
   EXPECT_TRUE(IsMarked("/sets/copy"));
   ASSERT_TRUE(set->SaveData(SavedBy::User));
-  EXPECT_FALSE(IsMarked(Beside));
+  Disk.Remove(Beside);
+  ASSERT_TRUE(set->SaveData(SavedBy::Itself));
+  EXPECT_FALSE(IsMarked(Beside)) << "for good";
   EXPECT_EQ(Disk.GetAttribute(Beside, "user.mime_type"), "application/x-vnd.ZR-KestrinEventSet");
 }
 

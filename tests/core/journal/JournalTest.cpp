@@ -320,9 +320,11 @@ TEST_F(JournalTest, BringsPutOffAlertsBackInTheirOrderOnTheWallClockOfTheDay) {
   PutOffAlert morning, soon;
   morning.When.Wall = ToCivil({2026, 10, 23, 8, 0, 0, 0});
   const int64 eight = utc.ToMoment(*morning.When.Wall);
-  soon.When.Moment = eight - 1800;
+  soon.When.Wall = morning.When.Wall;
   later.Read(), other.Read();
   ASSERT_EQ(later.PutOff(morning), StatusOk);
+  ASSERT_EQ(later.PutOff(soon), StatusOk);
+  soon.When = {eight - 1800, std::nullopt};
   ASSERT_EQ(later.PutOff(soon), StatusOk);
   EXPECT_EQ(later.NextReturn(utc), eight - 1800);
   EXPECT_EQ(later.NextReturn(utc, {soon.Id}), eight);

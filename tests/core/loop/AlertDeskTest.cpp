@@ -96,6 +96,7 @@ TEST_F(AlertDeskTest, WhatComesForAnUnreadAlertStandsInIt) {
     }
     EXPECT_THAT(answers, ElementsAre(Pair("nag 1", 1)));
     EXPECT_EQ(ui.Alerts[0].Request.Buttons[1], isQuestion ? "Ok" : "OK");
+    EXPECT_EQ(ui.Alerts[0].Request.HarmlessButton, isQuestion ? 0 : 1);
     EXPECT_EQ(desk.Asks(7), isQuestion);
     EXPECT_FALSE(desk.Asks(8));
     if (isQuestion) desk.Show(first);
