@@ -104,6 +104,10 @@ TEST_F(EditorPagesTest, NumbersThatWouldNeverComeAgainAreRefused) {
   Enter("nagRepeat", "0");
   EXPECT_THAT(Complaint(), testing::HasSubstr("never comes again"));
   EXPECT_EQ(Record().NagRepeatTime, 2u);
+  ShowPage(PrewarningTab);
+  Enter("prewarnRepeat", "0");
+  Enter("prewarnRepeat", "3");
+  EXPECT_THAT(Complaint(), testing::HasSubstr("never comes again")) << "the nags still do not";
 }
 
 TEST_F(EditorPagesTest, ATextIsStoredOnLeavingAndWhenTheWindowCommits) {

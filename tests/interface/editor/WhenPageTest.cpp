@@ -356,6 +356,10 @@ TEST_F(WhenPageTest, TheLastWeekdayCountsFromEachMonthsEndOnceItIsChosen) {
     EXPECT_EQ(Record().Month, row.month) << row.act;
     EXPECT_EQ(Find("countFromEnd").isVisible(), row.offered) << row.act;
   }
+  record.WeekOfMonth = 0;
+  OpenRecord(record);
+  EXPECT_TRUE(Do("choose weekOfMonth Last"));
+  EXPECT_EQ(Record().Month, 12);
 }
 
 TEST_F(WhenPageTest, AFieldReadsTheRegionsWordsAndWhateverItShows) {
