@@ -63,6 +63,11 @@ TEST_F(HistoryWindowTest, TellsNewestFirstWhatTheFilterLetsThroughAndRemindsAgai
   auto* const filter = Find<QLineEdit>("historyFilter");
   filter->setText("missed");
   EXPECT_EQ(Count(), "1 of 60 reminders");
+  list->setCurrentIndex(list->model()->index(0, 0));
+  Find<QPushButton>("remindAgain")->click();
+  Run();
+  EXPECT_THAT(AlertTexts(), ElementsAre(HasSubstr("Tea"))) << "the row that is shown";
+  EXPECT_TRUE(Answer("Tea", "Ok"));
   filter->setText("backup ");
   EXPECT_EQ(Count(), "3 of 60 reminders");
   QTest::keyClick(filter, Qt::Key_Down);

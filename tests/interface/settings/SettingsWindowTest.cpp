@@ -238,6 +238,12 @@ TEST_F(SettingsWindowTest, TabWalksThroughTheControlsFromTopToBottom) {
     EXPECT_EQ(window.focusWidget()->objectName(), name);
     QTest::keyClick(window.focusWidget(), Qt::Key_Tab);
   }
+  window.findChild<QPushButton*>("testReminders")->click();
+  std::vector<std::string> verdicts;
+  for (const QWidget* other : QApplication::topLevelWidgets())
+    if (const auto* verdict = other->findChild<QLabel*>("verdict"))
+      verdicts.push_back(verdict->text().toStdString());
+  EXPECT_THAT(verdicts, ElementsAre("There is nobody to ask."));
 }
 
 }  // namespace
