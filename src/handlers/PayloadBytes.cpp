@@ -16,7 +16,7 @@ bool Pass(EndianIndependentFile& file, uint32 count) {
     return true;
   }
   if (count > file.BytesLeft()) return false;
-  std::array<char, 1024> passed;
+  std::array<char, 1024> passed{};
   for (size_t left = count; left > 0;) {
     const size_t some = std::min(left, passed.size());
     if (file.ReadRaw(passed.data(), some) != static_cast<int32>(some)) return false;

@@ -79,7 +79,8 @@ class Chain {
 
   Places At(int32 place) const {
     const auto placeOf = [this](size_t i) { return records_[i].Place; };
-    return std::ranges::equal_range(byPlace_, place, {}, placeOf);
+    const auto first = std::ranges::lower_bound(byPlace_, place, {}, placeOf);
+    return {first, std::ranges::upper_bound(first, byPlace_.end(), place, {}, placeOf)};
   }
 
   /// The latest of those places that leads on: a clock that was wrong leads back to a state, and on

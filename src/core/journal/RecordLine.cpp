@@ -84,7 +84,7 @@ std::array<uint32, AtOnce> Checks(std::span<const std::string_view> lines, size_
   std::array<std::string_view, AtOnce> contents;
   for (size_t i = 0; i < AtOnce && first + i < lines.size(); ++i)
     contents[i] = ContentOf(lines[first + i]);
-  std::array<uint32, AtOnce> checks;
+  std::array<uint32, AtOnce> checks{};
   checks.fill(FirstHash);
   const size_t common = std::ranges::min(contents, {}, &std::string_view::size).size();
   for (size_t at = 0; at < common; ++at)
