@@ -71,6 +71,7 @@ class CtlTest(unittest.TestCase):
         self.refused(fault, file, "next", "--json", file)
         self.refused(fault, file, "agenda", "--json", TEA, file)
         self.refused(fault, file, "check", TEA, file)
+        self.refused(fault, file, "check", file, TEA)
         (self.home / "kept").write_text("what was there")
         self.refused(fault, file, "rewrite", file, "kept")
         self.assertEqual((self.home / "kept").read_text(), "what was there")
@@ -320,6 +321,9 @@ class PastTest(CtlTest):
         self.assertEqual(self.json("history", "--json"), [])
 
     def test_why_says_one_sentence_for_each_event_of_that_name(self):
+        tried = {"from": f"{BEGIN},{BEGIN},1", "at": BEGIN + 3 * DAY, "act": "acted", "trial": 1}
+        with (self.state / "journal").open("a") as journal:
+            journal.write(line("a.4", set=self.home / "Day", name="Tea", handler="Message", place=1, **tried))
         last, first = self.out("why", "Day", "Tea").splitlines()
         self.assertRegex(last, r'^"Tea" rang on Mon, Nov 16 .* \(put off until Tue, .*, and rings next on .*, but only '
                                r"while its set is open, which is not remembered for delivery\.$")
