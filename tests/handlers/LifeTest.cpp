@@ -34,10 +34,10 @@ namespace kestrin {
 namespace {
 
 constexpr int64 Year = 365 * int64{Day};
-/// Lives found: an alert said no more which others it had ended; one that had returned was lost
-/// when its event was moved; a deletion that was never saved ended what was put off; a start
-/// delivered what it had missed as if it had come in time; a failed action was told days later, or
-/// never.
+/// Three that are quick, one of each kind. Others have found: an alert said no more which others it
+/// had ended; one that had returned was lost when its event was moved; a deletion that was never
+/// saved ended what was put off; a start delivered what it had missed as if it had come in time; a
+/// failed action was told days later, or never.
 constexpr unsigned KeptSeeds[] = {11, 21, 25};
 constexpr size_t MostPlans = 12;
 
