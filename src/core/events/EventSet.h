@@ -43,8 +43,8 @@ class EventSet : public Locker {
   /// Appends while reading: nobody is told, nothing is marked.
   void AppendRead(std::unique_ptr<Event> event);
   /// Takes the event out (its editor is closed first) and tells the window and the application. The
-  /// caller may keep what it gets and offer it back, at its old place. Where a person deletes, what was
-  /// put off is asked for as well: then the caller holds Protect of OpenSets before the set.
+  /// caller may keep what it gets and offer it back, at its old place. Where a person deletes, what
+  /// was put off is asked for as well: then the caller holds Protect of OpenSets before the set.
   std::unique_ptr<Event> RemoveEvent(Event* event);
   std::vector<EventList::Removed> RemoveEvents(const std::vector<Event*>& events);
   /// Their editors stay closed, their times stay as they are; what has come due meanwhile counts as
