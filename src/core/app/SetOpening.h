@@ -46,10 +46,10 @@ class SetOpening {
   void OpenUserInterface();
   /// Raises a window of a set, or opens the user interface when there is none.
   void Activate();
-  /// Re-reads an open set from its file, with a window if it had one; what was delivered stays
-  /// delivered.
   /// The clock has been set: heals what open sets have of the wrong one.
   void HealOpenSets();
+  /// Re-reads an open set from its file, with a window if it had one; what was delivered stays
+  /// delivered.
   void RevertToSaved(const std::string& path);
 
   std::string GetNextUntitledWindowName();
