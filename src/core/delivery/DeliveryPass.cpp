@@ -10,6 +10,7 @@
 #include "core/events/Event.h"
 #include "core/events/EventSet.h"
 #include "core/events/OpenSets.h"
+#include "core/journal/Journal.h"
 #include "core/loop/Holds.h"
 #include "core/loop/MessageQueue.h"
 #include "core/ports/Clock.h"
@@ -57,6 +58,7 @@ DeliveryPass::Earliest DeliveryPass::FindEarliest() {
 }
 
 void DeliveryPass::HandOn(const Earliest& earliest) {
+  if (context_.journal) context_.journal->EndHeap();
   Message message(NEXT_EVENT_MESSAGE);
   int64 when = earliest.event ? earliest.time : 0;
   int64 waiting = earliest.waiting;

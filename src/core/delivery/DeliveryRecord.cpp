@@ -42,7 +42,8 @@ DeliveryRecord::DeliveryRecord(Event& event, const Delivery& delivery)
   record.Run = std::move(plan.Run);
   record.Open = std::move(plan.Open);
   if (!plan.OneSession || delivery.Trial) {
-    id_ = journal_->Begin(std::move(record));
+    const bool onlyShows = !plan.OneSession && record.Run.empty() && record.Open.empty();
+    id_ = onlyShows ? journal_->BeginInHeap(std::move(record)) : journal_->Begin(std::move(record));
     return;
   }
   const std::optional<std::string> claimed = journal_->Claim(std::move(record));
@@ -61,7 +62,7 @@ void DeliveryRecord::WriteMissed(Event& event, const EventState& from, bool skip
   Journal* const journal = event.GetOwner()->GetContext().journal;
   if (!journal) return;
   const Delivery delivery{RecordKind::Event, from, StateOf(event.Record()), true, false, skips};
-  journal->Begin(RecordOf(event, delivery, ActStage::Missed));
+  journal->BeginInHeap(RecordOf(event, delivery, ActStage::Missed));
 }
 
 }  // namespace kestrin

@@ -45,6 +45,10 @@ void OpenAlerts::Shown(AlertRequest& request) {
     journal->Shown(record->Id, KeepAlert(request));
 }
 
+void OpenAlerts::Opening() {
+  if (context_.journal) context_.journal->EndHeap();
+}
+
 void OpenAlerts::Answered(const AlertRequest& request, int which) {
   Journal* const journal = context_.journal;
   const std::optional<JournalRecord> record =

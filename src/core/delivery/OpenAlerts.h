@@ -24,6 +24,7 @@ class OpenAlerts final : public AlertRecorder {
   OpenAlerts& operator=(const OpenAlerts&) = delete;
 
   void Shown(AlertRequest& request) override;
+  void Opening() override;
   void Answered(const AlertRequest& request, int which) override;
   void PutOff(const AlertRequest& request) override;
 

@@ -82,11 +82,14 @@ void Journal::Read() {
   lastAtStart_ = log_.LastPlace();
 }
 
-std::string Journal::Begin(JournalRecord record) {
+std::string Journal::Add(JournalRecord record, bool isInHeap) {
   record.By = self_;
   if (record.At == 0) record.At = clock_.Now();
   std::string id = log_.NewId();
-  log_.Append(id, FieldsOf(record));
+  if (isInHeap)
+    log_.AppendInHeap(id, FieldsOf(record));
+  else
+    log_.Append(id, FieldsOf(record));
   return id;
 }
 
@@ -135,11 +138,7 @@ std::optional<std::string> Journal::Claim(JournalRecord record) {
 }
 
 void Journal::GiveUp(const std::string& id) {
-  RecordFields fields;
-  fields.Set("claim", int64{0});
-  fields.Set("act", NameOf(ActStage::Passed));
-  fields.Set("why", ElsewhereWords);
-  log_.Append(id, fields);
+  log_.Append(id, {{"claim", "0"}, {"act", NameOf(ActStage::Passed)}, {"why", ElsewhereWords}});
 }
 
 bool Journal::ClaimAgain(const std::string& id) {
@@ -151,11 +150,7 @@ bool Journal::ClaimAgain(const std::string& id) {
     GiveUp(id);
     return false;
   }
-  RecordFields fields;
-  fields.Set("by", TextOf(self_));
-  fields.Set("claim", int64{1});
-  fields.Set("act", NameOf(ActStage::Acting));
-  log_.Append(id, fields);
+  log_.Append(id, {{"by", TextOf(self_)}, {"claim", "1"}, {"act", NameOf(ActStage::Acting)}});
   if (held) return true;
   log_.CatchUp();
   if (record->Trial || !HasRival(*record, {.earlierOnly = true})) return true;
@@ -167,7 +162,7 @@ void Journal::Stage(const std::string& id, ActStage act, const std::string& why)
   RecordFields fields;
   fields.Set("act", NameOf(act));
   if (!why.empty()) fields.Set("why", why);
-  log_.Append(id, fields);
+  log_.Continue(id, fields);
 }
 
 void Journal::GoesOnWith(const std::string& id, const EventName& event) {
@@ -185,14 +180,14 @@ bool Journal::IsKeptUnread(const std::string& set, const EventName& event) const
 }
 
 void Journal::Became(const std::string& id, const EventState& to) {
-  log_.Append(id, {{"to", TextOf(to)}});
+  log_.Continue(id, {{"to", TextOf(to)}});
 }
 
 void Journal::Shown(const std::string& id, const KeptAlert& alert) {
   RecordFields fields;
   fields.Set("alert", NameOf(AlertStage::Shown));
   fields.Merge(FieldsOf(alert));
-  log_.Append(id, fields);
+  log_.Continue(id, fields);
 }
 
 std::string Journal::Further(const std::string& id, const KeptAlert& alert) {
@@ -290,12 +285,8 @@ std::optional<int32> Journal::LastOccurrence(const std::string& set, const Event
 }
 
 void Journal::Renamed(const std::string& from, const std::string& to) {
-  for (const JournalRecord& record : All()) {
-    if (record.Set != from) continue;
-    RecordFields fields;
-    fields.Set("set", to);
-    log_.Append(record.Id, fields);
-  }
+  for (const JournalRecord& record : All())
+    if (record.Set == from) log_.Append(record.Id, {{"set", to}});
 }
 
 void Journal::Renamed(const std::string& set, const EventName& from, const EventName& to) {

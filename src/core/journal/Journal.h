@@ -8,6 +8,7 @@
 #include <set>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "core/journal/History.h"
@@ -39,7 +40,12 @@ class Journal {
   // Writing. Every id is one that Begin or Further gave.
 
   /// Appends the record as this process's own, begun now, and returns its id.
-  std::string Begin(JournalRecord record);
+  std::string Begin(JournalRecord record) { return Add(std::move(record), false); }
+  /// The same for one that nothing but a window follows: of a heap of them most wait for the next
+  /// line that is written, what is said of them meanwhile too.
+  std::string BeginInHeap(JournalRecord record) { return Add(std::move(record), true); }
+  /// What has waited is written: its window opens, or the passes rest.
+  void EndHeap() { log_.EndHeap(); }
   /// The same for an act that only one session may make. Nothing when another one has it.
   std::optional<std::string> Claim(JournalRecord record);
   /// Goes on with a record that asked first or waited; false when another session has begun it.
@@ -110,6 +116,7 @@ class Journal {
   static std::string EventKey(const std::string& set, const std::string& name,
                               const std::string& handler);
   static std::string KeyOf(const RecordFields& fields);
+  std::string Add(JournalRecord record, bool isInHeap);
   void Index(RecordLog::Place place, const RecordLine* earlier, const RecordLine* now);
   JournalRecord At(RecordLog::Place place) const;
   bool IsSettled(const JournalRecord& record) const;

@@ -79,10 +79,11 @@ void RecordLog::Failed(status_t status) {
   }
 }
 
-/// `isNext`: nobody appended since this process last read, so nothing need be read. The guard is
-/// held.
-status_t RecordLog::Write(const std::string& text, bool& isNext) {
+/// What waits goes before it. `isNext`: nobody appended since this process last read, so
+/// nothing need be read. The guard is held.
+status_t RecordLog::Write(const std::string& line, bool& isNext) {
   status_t status = StatusOk;
+  const std::string text = deferred_.Take() + line;
   for (int tries = 0; tries < MaxReplacements; ++tries) {
     if (!Open(status)) break;
     const std::string bytes = (isCut_ ? AfterCut : "") + backlog_ + text;
@@ -132,10 +133,52 @@ status_t RecordLog::End(const std::string& id) {
   return Append(id, ended);
 }
 
+/// The guard is held.
+status_t RecordLog::WriteDeferred() {
+  bool isNext = false;
+  return deferred_.IsEmpty() ? StatusOk : Write("", isNext);
+}
+
+void RecordLog::AppendInHeap(const std::string& id, const RecordFields& fields) {
+  {
+    const std::lock_guard lock(guard_);
+    if (deferred_.NextMayWait()) deferred_.Begin(id);
+  }
+  Continue(id, fields);
+}
+
+/// False when the record does not wait.
+bool RecordLog::DeferLast(const std::string& id, const RecordFields& fields) {
+  const std::lock_guard lock(guard_);
+  if (!deferred_.IsLast(id)) return false;
+  deferred_.Add(fields);
+  dirty_ = true;
+  if (deferred_.AreMany()) WriteDeferred();
+  return true;
+}
+
+void RecordLog::Continue(const std::string& id, const RecordFields& fields) {
+  if (!DeferLast(id, fields)) return void(Append(id, fields));
+  if (!Find(id)) ++lines_;
+  Merge({id, fields});
+}
+
+void RecordLog::EndHeap() {
+  status_t status = StatusOk;
+  {
+    const std::lock_guard lock(guard_);
+    deferred_.EndHeap();
+    if (deferred_.IsEmpty()) return;
+    status = WriteDeferred();
+  }
+  Failed(status);
+}
+
 void RecordLog::AppendFromThread(const std::string& id, const RecordFields& fields) {
   const std::lock_guard lock(guard_);
-  const int64 read = position_;
   bool isNext = false;
+  WriteDeferred();
+  const int64 read = position_;
   Write(EncodeLine(id, fields), isNext);
   if (isNext) position_ = read;  // left for the main thread
 }
@@ -214,6 +257,7 @@ void RecordLog::Read() {
 }
 
 void RecordLog::CatchUp() {
+  EndHeap();
   int64 position = 0;
   bool replaced = false;
   {
@@ -245,11 +289,12 @@ void RecordLog::SetAside(const std::string& bytes) {
 }
 
 status_t RecordLog::Sync() {
-  dirty_ = false;
   std::shared_ptr<OpenFile> file;
   bool folderIsNew = false;
   {
     const std::lock_guard lock(guard_);
+    WriteDeferred();
+    dirty_ = false;
     file = file_;
     folderIsNew = std::exchange(folderIsNew_, false);
   }
@@ -260,6 +305,7 @@ status_t RecordLog::Sync() {
 }
 
 std::function<void()> RecordLog::Compaction() {
+  EndHeap();
   std::string text;
   for (const auto& [place, record] : records_) text += EncodeLine(record.Id, record.Fields);
   lines_ = records_.size();

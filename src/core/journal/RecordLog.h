@@ -12,6 +12,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "core/journal/DeferredLines.h"
 #include "core/journal/RecordLine.h"
 #include "support/FileDoor.h"
 
@@ -44,6 +45,13 @@ class RecordLog {
   status_t Append(const std::string& id, const RecordFields& fields);
   /// Ends the record.
   status_t End(const std::string& id);
+  /// Begins a record of a heap: it may wait for the next line that is written, since nothing but a
+  /// window follows it.
+  void AppendInHeap(const std::string& id, const RecordFields& fields);
+  /// Waits with its record, or is appended.
+  void Continue(const std::string& id, const RecordFields& fields);
+  /// Writes what waits.
+  void EndHeap();
   /// Any thread. Seen in memory after the next CatchUp.
   void AppendFromThread(const std::string& id, const RecordFields& fields);
 
@@ -74,7 +82,9 @@ class RecordLog {
 
   bool Open(status_t& status);
   bool IsOurs();
-  status_t Write(const std::string& text, bool& isNext);
+  bool DeferLast(const std::string& id, const RecordFields& fields);
+  status_t Write(const std::string& line, bool& isNext);
+  status_t WriteDeferred();
   void Merge(RecordLine line);
   void ReadFrom(int64 position, bool wholeFile);
   void DropAllBut(const std::unordered_set<std::string>& ids);
@@ -98,6 +108,7 @@ class RecordLog {
   bool isCut_ = false;  ///< the file ends within a line
   bool folderIsNew_ = true;
   std::string backlog_;
+  DeferredLines deferred_;
   std::atomic<bool> dirty_ = false;
 };
 

@@ -107,6 +107,7 @@ void AlertDesk::OpenWaiting() {
   }
   BringUpToDate();
   if (WaitsForTheHeap()) return queue_.Post(ALERTS_WAITING);
+  if (recorder_) recorder_->Opening();
   while (auto request = TakeNext()) {
     if (TakeIntoOpen(*request)) continue;
     if (keeper_) keeper_->Opening(*request);
@@ -141,16 +142,25 @@ void AlertDesk::MoveBoxes() {
     if (open.request.IsReminder() && ui_.MoveToWindow(id, open.Shown())) open.place = RowPlace;
 }
 
+int32 AlertDesk::CountBoxes() const {
+  return static_cast<int32>(std::count_if(open_.begin(), open_.end(), [](const auto& entry) {
+    return entry.second.place != RowPlace;
+  }));
+}
+
 /// The first in order that need not wait: for a place among the boxes, or for the answer to another
 /// question about its event.
 std::optional<AlertRequest> AlertDesk::TakeNext() {
-  const auto boxes = std::count_if(
-      open_.begin(), open_.end(), [](const auto& entry) { return entry.second.place != RowPlace; });
+  std::optional<bool> boxIsFree;  // counted once, and not for a heap of rows
   std::unique_lock lock(guard_);
   for (size_t at = 0; at < settled_; ++at) {
     const AlertRequest& next = waiting_[at];
-    const bool fits = boxes < MaxOpenAlerts || next.Role == AlertRole::Prompt ||
-                      (next.IsReminder() && (asWindow_ || GoesToWindow(next)));
+    bool fits =
+        next.Role == AlertRole::Prompt || (next.IsReminder() && (asWindow_ || GoesToWindow(next)));
+    if (!fits) {
+      if (!boxIsFree) boxIsFree = CountBoxes() < MaxOpenAlerts;
+      fits = *boxIsFree;
+    }
     const bool asked = next.Role == AlertRole::Question &&
                        std::any_of(open_.begin(), open_.end(), [&next](const auto& entry) {
                          return IsQuestionAbout(entry.second.request, next.Event);

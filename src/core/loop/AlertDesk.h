@@ -92,6 +92,7 @@ class AlertDesk {
   bool GoesToWindow(const AlertRequest& request) const;
   void MoveBoxes();
   size_t CountWaiting() const;
+  int32 CountBoxes() const;
   int32 FreePlace() const;
 
   MessageQueue& queue_;

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <functional>
 #include <memory>
 
 #include "core/journal/Later.h"
@@ -128,6 +129,40 @@ TEST_F(JournalTest, WorksInMemoryWhateverCallFailsAndWritesItLater) {
       EXPECT_THAT(Told, IsEmpty()) << "call " << call << " " << Door.Failed;
       EXPECT_LE(DecodeLines(*Disk.Bytes(JournalFile)).Lines.size(), 7u) << "no heap of repeats";
     }
+}
+
+TEST_F(JournalTest, WritesAHeapInFewLinesBeforeAnythingElse) {
+  const struct {
+    const char* name;
+    std::function<void(Session& session, const std::string& last)> then;
+  } rows[] = {
+      {"a window opens", [](Session& session, const auto&) { session.It.EndHeap(); }},
+      {"it is answered", [](Session& session, const auto& last) { session.It.PutOff(last); }},
+      {"made durable", [](Session& session, const auto&) { session.It.Sync(); }},
+      {"replaced", [](Session& session, const auto&) { session.It.Compaction()(); }},
+      {"a thread writes", [](Session& session, const auto& last) { session.It.Ended(last, 3); }},
+      {"claimed", [](Session& session, const auto&) { session.It.Claim(Of(At(9), At(9))); }}};
+  for (const auto& row : rows) {
+    Disk = MemoryFileDoor();
+    Session session(*this, 1), other(*this, 2);
+    std::vector<std::string> ids;
+    for (int32 day = 0; day < 50; ++day) {
+      ids.push_back(session.It.BeginInHeap(Of(At(day), At(day + 1))));
+      session.It.Stage(ids.back(), ActStage::Acted);
+      if (day == 40) ids.push_back(Deliver(other, 70));
+    }
+    const size_t before = DecodeLines(*Disk.Bytes(JournalFile)).Lines.size();
+    EXPECT_TRUE(before > 25 && before < ids.size()) << before << ": some wait";
+    row.then(session, ids.back());
+    session.It.Adopt(ids[40]);
+    Session third(*this, 3);
+    for (Session* const reader : {&session, &third})
+      for (const std::string& id : ids) {
+        const std::optional<JournalRecord> record = reader->It.Find(id);
+        EXPECT_TRUE(record && record->Act == ActStage::Acted && record->To) << row.name << id;
+      }
+    EXPECT_THAT(third.It.All(), SizeIs(testing::Ge(ids.size()))) << row.name;
+  }
 }
 
 TEST_F(JournalTest, SetsADamagedFileAsideAndGoesOnWithTheRest) {

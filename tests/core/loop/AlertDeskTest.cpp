@@ -185,6 +185,7 @@ TEST_F(AlertDeskTest, WithoutAScreenTheTextGoesToStandardError) {
 class FakeRecorder final : public AlertRecorder {
  public:
   void Shown(AlertRequest& request) override { Open.insert(request.Text); }
+  void Opening() override {}
   void Answered(const AlertRequest& request, int) override { Open.erase(request.Text); }
   void PutOff(const AlertRequest& request) override { Open.erase(request.Text); }
   std::set<std::string> Open;
