@@ -77,7 +77,7 @@ void Remind(const Event& event, const Reminder& reminder, const std::string& use
 /// Until a person has read it, in whatever process: nothing else tells why this did not come.
 void TellFailure(const DeliveredEvent& delivered, const std::string& handler) {
   Context& context = *delivered.context;
-  if (context.journal && context.journal->Find(delivered.Record))
+  if (context.journal && context.journal->Has(delivered.Record))
     context.journal->Stage(delivered.Record, ActStage::Failed, HandlerFailed);
   AlertRequest request =
       AlertAbout(delivered, AlertRole::Delivery,

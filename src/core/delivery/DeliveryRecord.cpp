@@ -54,8 +54,7 @@ DeliveryRecord::DeliveryRecord(Event& event, const Delivery& delivery)
 void DeliveryRecord::Acted(const EventState& to) {
   if (!journal_ || id_.empty()) return;
   if (to != to_) journal_->Became(id_, to);
-  const std::optional<JournalRecord> record = journal_->Find(id_);
-  if (record && record->Act == ActStage::Acting) journal_->Stage(id_, ActStage::Acted);
+  if (journal_->Is(id_, ActStage::Acting)) journal_->Stage(id_, ActStage::Acted);
 }
 
 void DeliveryRecord::WriteMissed(Event& event, const EventState& from, bool skips) {

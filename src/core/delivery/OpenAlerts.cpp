@@ -37,12 +37,11 @@ void OpenAlerts::Shown(AlertRequest& request) {
   Journal* const journal = context_.journal;
   if (!journal || !request.IsReminder() || !request.KeptId.empty()) return;
   if (request.Record.empty()) request.Record = RecordOfDelivery(request);
-  const std::optional<JournalRecord> record = journal->Find(request.Record);
-  if (!record) return request.Record.clear();
-  if (again_.erase(record->Id) == 0 && record->AlertIs != AlertStage::None)
-    request.Record = journal->Further(record->Id, KeepAlert(request));
+  if (!journal->Has(request.Record)) return request.Record.clear();
+  if (again_.erase(request.Record) == 0 && !journal->Is(request.Record, AlertStage::None))
+    request.Record = journal->Further(request.Record, KeepAlert(request));
   else
-    journal->Shown(record->Id, KeepAlert(request));
+    journal->Shown(request.Record, KeepAlert(request));
 }
 
 void OpenAlerts::Opening() {
@@ -63,7 +62,7 @@ void OpenAlerts::Answered(const AlertRequest& request, int which) {
 }
 
 void OpenAlerts::PutOff(const AlertRequest& request) {
-  if (context_.journal && context_.journal->Find(request.Record))
+  if (context_.journal && context_.journal->Has(request.Record))
     context_.journal->PutOff(request.Record);
 }
 

@@ -173,7 +173,7 @@ void PutOffAlerts::Opening(AlertRequest& request) {
     ended.push_back(alert.Id);
   }
   if (ended.empty()) return;
-  if (context_.journal && context_.journal->Find(request.Record))
+  if (context_.journal && context_.journal->Has(request.Record))
     context_.journal->Shown(request.Record, KeepAlert(request));
   for (const std::string& id : ended) End(id);
   context_.queue.Post(EVENT_SETS_CHANGED);  // the deliverer need not wake anybody for them

@@ -100,11 +100,8 @@ bool Journal::HasRival(const JournalRecord& record, Rivals which) const {
   if (places == byEvent_.end()) return false;
   for (const RecordLog::Place place : places->second) {
     const RecordLine& line = log_.All().at(place);
-    if (line.Id == record.Id) {
-      if (which.earlierOnly) return false;
-      continue;
-    }
-    if (line.Fields.Number("claim") != 1) continue;
+    if (line.Id == record.Id && which.earlierOnly) return false;
+    if (line.Id == record.Id || !line.Fields.Is("claim", "1")) continue;
     const JournalRecord other = RecordOf(line.Id, line.Fields);
     // What was there at the start, a set that was read since has followed.
     const bool counts = !which.newsOnly || place > lastAtStart_;
@@ -159,8 +156,7 @@ bool Journal::ClaimAgain(const std::string& id) {
 }
 
 void Journal::Stage(const std::string& id, ActStage act, const std::string& why) {
-  RecordFields fields;
-  fields.Set("act", NameOf(act));
+  RecordFields fields = {{"act", NameOf(act)}};
   if (!why.empty()) fields.Set("why", why);
   log_.Continue(id, fields);
 }
@@ -184,8 +180,7 @@ void Journal::Became(const std::string& id, const EventState& to) {
 }
 
 void Journal::Shown(const std::string& id, const KeptAlert& alert) {
-  RecordFields fields;
-  fields.Set("alert", NameOf(AlertStage::Shown));
+  RecordFields fields = {{"alert", NameOf(AlertStage::Shown)}};
   fields.Merge(FieldsOf(alert));
   log_.Continue(id, fields);
 }
@@ -205,11 +200,10 @@ std::string Journal::Further(const std::string& id, const KeptAlert& alert) {
 }
 
 void Journal::Answered(const std::string& id, int32 button, const std::string& text, ActStage act) {
-  RecordFields fields;
-  fields.Set("alert", NameOf(AlertStage::Answered));
-  fields.Set("button", int64{button});
-  fields.Set("answer", text);
-  fields.Set("answered", clock_.Now());
+  RecordFields fields = {{"alert", NameOf(AlertStage::Answered)},
+                         {"button", std::to_string(button)},
+                         {"answer", text},
+                         {"answered", std::to_string(clock_.Now())}};
   if (act != ActStage::None) fields.Set("act", NameOf(act));
   log_.Append(id, fields);
 }
@@ -243,6 +237,10 @@ std::optional<JournalRecord> Journal::Find(const std::string& id) const {
   const RecordLine* const line = log_.Find(id);
   if (!line) return std::nullopt;
   return RecordOf(line->Id, line->Fields);
+}
+
+bool Journal::Says(const std::string& id, const char* key, const char* value) const {
+  return Has(id) && log_.Find(id)->Fields.Is(key, value);
 }
 
 std::vector<JournalRecord> Journal::All() const {

@@ -75,6 +75,10 @@ class Journal {
   // Reading.
 
   std::optional<JournalRecord> Find(const std::string& id) const;
+  /// Whether there is such a record, and is that far; without taking it apart.
+  bool Has(const std::string& id) const { return log_.Find(id) != nullptr; }
+  bool Is(const std::string& id, ActStage act) const { return Says(id, "act", NameOf(act)); }
+  bool Is(const std::string& id, AlertStage is) const { return Says(id, "alert", NameOf(is)); }
   bool IsMine(const JournalRecord& record) const { return record.By == self_; }
   /// Records whose owner no longer lives and that want something yet, in order: an act that has not
   /// come to its end or failed, an alert that is not answered. Those that satisfy `which`.
@@ -119,6 +123,7 @@ class Journal {
   std::string Add(JournalRecord record, bool isInHeap);
   void Index(RecordLog::Place place, const RecordLine* earlier, const RecordLine* now);
   JournalRecord At(RecordLog::Place place) const;
+  bool Says(const std::string& id, const char* key, const char* value) const;
   bool IsSettled(const JournalRecord& record) const;
   struct Rivals {
     bool newsOnly = false;     ///< those that came after this process has read the journal
