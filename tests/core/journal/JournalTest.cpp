@@ -165,6 +165,24 @@ TEST_F(JournalTest, WritesAHeapInFewLinesBeforeAnythingElse) {
   }
 }
 
+TEST_F(JournalTest, OneOfAHeapThatEndsTheProcessIsFoundWithinAFewStarts) {
+  for (const int32 deadly : {0, 1, 2, 30, 99}) {
+    Disk = MemoryFileDoor();
+    std::vector<JournalRecord> begun;
+    int64 starts = 0;
+    for (; begun.size() <= static_cast<size_t>(deadly) && starts < 20; ++starts) {
+      Session session(*this, starts + 1);
+      for (int32 day = static_cast<int32>(begun.size()); day <= deadly; ++day) {
+        const std::string id = session.It.BeginInHeap(Of(At(day), At(day + 1)));
+        if (day < deadly) session.It.Stage(id, ActStage::Acted);
+      }
+      begun = Session(*this, 100).It.All();
+    }
+    EXPECT_LE(starts, 7) << deadly;
+    EXPECT_EQ(begun.back().Act, ActStage::Acting) << "is told";
+  }
+}
+
 TEST_F(JournalTest, SetsADamagedFileAsideAndGoesOnWithTheRest) {
   {
     Session session(*this, 1);
