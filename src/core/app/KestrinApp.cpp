@@ -167,6 +167,10 @@ void KestrinApp::Handle(const Message& message) {
       context_.holds.ProcessDone();
       break;
     case PASSES_AT_REST:
+      if (passedOver_.HasGoneBack()) {
+        opening_.HealOpenSets();
+        context_.queue.Post(EVENT_SETS_CHANGED);
+      }
       passedOver_.Rest();
       settling_.Rest();
       putOff_.FollowNames();

@@ -34,6 +34,12 @@ void PassedOver::Seen() {
   if (context_.journal) context_.journal->Seen().Set(context_.clock.Now());
 }
 
+bool PassedOver::HasGoneBack() const {
+  const std::optional<int64> seen =
+      context_.journal ? context_.journal->Seen().Time() : std::nullopt;
+  return seen && *seen > context_.clock.Now() + MostLateness;
+}
+
 void PassedOver::Rest() {
   const std::optional<int64> since = std::exchange(lastSeen_, std::nullopt);
   if (since && context_.clock.Now() > *since + SecondsPerDay) {

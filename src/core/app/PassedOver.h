@@ -21,6 +21,8 @@ class PassedOver {
   void Rest();
   /// The process looks at the clock.
   void Seen();
+  /// Whether the clock has been set back since somebody looked.
+  bool HasGoneBack() const;
 
  private:
   std::string Line(const JournalRecord& record) const;

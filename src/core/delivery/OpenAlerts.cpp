@@ -38,7 +38,9 @@ void OpenAlerts::Shown(AlertRequest& request) {
   if (!journal || !request.IsReminder() || !request.KeptId.empty()) return;
   if (request.Record.empty()) request.Record = RecordOfDelivery(request);
   if (!journal->Has(request.Record)) return request.Record.clear();
-  if (again_.erase(request.Record) == 0 && !journal->Is(request.Record, AlertStage::None))
+  const bool isAgain = again_.erase(request.Record) != 0;
+  request.IsReturning = request.IsReturning || isAgain;
+  if (!isAgain && !journal->Is(request.Record, AlertStage::None))
     request.Record = journal->Further(request.Record, KeepAlert(request));
   else
     journal->Shown(request.Record, KeepAlert(request));

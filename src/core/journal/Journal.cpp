@@ -30,6 +30,22 @@ bool IsDoneWith(const RecordFields& fields) {
   return hasActed && !fields.Is("alert", NameOf(AlertStage::Shown));
 }
 
+/// What the journal keeps of an event: its last delivery, and what has led back from that, since
+/// the clock was wrong.
+struct Last {
+  std::optional<JournalRecord> Delivery, Back;
+
+  void Take(JournalRecord record, std::vector<JournalRecord>& settled) {
+    const auto settle = [&settled](std::optional<JournalRecord>& one) {
+      if (one) settled.push_back(*std::exchange(one, std::nullopt));
+    };
+    const bool isBack = record.GoesBack();
+    if (Back || !isBack) settle(Delivery);
+    settle(Back);
+    (isBack ? Back : Delivery) = std::move(record);
+  }
+};
+
 }  // namespace
 
 std::string Journal::EventKey(const std::string& set, const std::string& name,
@@ -305,7 +321,7 @@ void Journal::Settle(const std::string& set, const std::vector<EventName>& event
     return found != inFile.end() && found->second.contains(record.Event.Place);
   };
   std::vector<JournalRecord> settled;
-  std::map<EventName, JournalRecord> lastOf;
+  std::map<EventName, Last> lastOf;
   for (const auto& [place, line] : log_.All()) {
     if (!line.Fields.Is("set", set)) continue;
     JournalRecord record = RecordOf(line.Id, line.Fields);
@@ -314,8 +330,7 @@ void Journal::Settle(const std::string& set, const std::vector<EventName>& event
       settled.push_back(std::move(record));
       continue;
     }
-    const auto [last, isFirst] = lastOf.try_emplace(record.Event, record);
-    if (!isFirst) settled.push_back(std::exchange(last->second, std::move(record)));
+    lastOf[record.Event].Take(std::move(record), settled);
   }
   if (settled.empty() || history_.Append(settled) != StatusOk) return;
   for (const JournalRecord& record : settled) log_.Drop(record.Id);

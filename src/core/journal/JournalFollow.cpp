@@ -21,6 +21,8 @@ struct Link {
         From(EventStateOf(fields.Text("from"))),
         To(EventStateOf(fields.Text("to"))) {}
 
+  bool GoesBack() const { return From && To && !To->Gone && To->Actual < From->Actual; }
+
   int32 Place;
   uint32 Rule;
   bool Trial;
@@ -41,13 +43,12 @@ class Chain {
     std::optional<EventState> reached;
     EventState state = event.State;
     const Places places = samePlace ? At(event.Name.Place) : inOrder_;
-    for (size_t first = 0; !state.Gone;) {
-      const size_t next = Next(state, places, first, event, samePlace);
+    while (!state.Gone) {
+      const size_t next = Next(state, places, event, samePlace);
       if (next == places.size()) break;
       used_[places[next]] = true;
       state = *records_[places[next]].To;
       reached = state;
-      first = next + 1;
     }
     return reached;
   }
@@ -84,13 +85,18 @@ class Chain {
   }
 
   /// The latest of those places that leads on: a clock that was wrong leads back to a state, and on
-  /// once more. One that was written before `first` leads on too, but not back.
-  size_t Next(const EventState& state, Places places, size_t first, const StoredEvent& event,
+  /// once more. What led on before another had led back and the state was reached once more, leads
+  /// on no longer. Without that, the other session may have written in another order.
+  size_t Next(const EventState& state, Places places, const StoredEvent& event,
               bool samePlace) const {
+    bool isReachedLater = false;
     for (size_t i = places.size(); i-- > 0;) {
       const Link& record = records_[places[i]];
-      if (used_[places[i]] || record.From != state || !Fits(record, event, samePlace)) continue;
-      if (i >= first || record.To->Gone || record.To->Actual >= state.Actual) return i;
+      if (!Fits(record, event, samePlace)) continue;
+      if (isReachedLater && record.GoesBack()) break;
+      if (record.From == state && !used_[places[i]]) return i;
+      isReachedLater = isReachedLater || record.To == state;
+      if (isReachedLater && record.GoesBack()) break;
     }
     return places.size();
   }
