@@ -75,7 +75,8 @@ void RecordLog::Failed(status_t status) {
     reported_ = false;
   } else if (!std::exchange(reported_, true) && report_) {
     report_("Kestrin cannot keep its records in \"" + path_ + "\": " + std::strerror(-status) +
-            ".  Reminders come all the same, but after a crash some may come again.");
+            ".  Reminders come all the same, but a crash now may lose those that nobody has "
+            "answered, or bring some again.");
   }
 }
 
@@ -133,10 +134,10 @@ status_t RecordLog::End(const std::string& id) {
   return Append(id, ended);
 }
 
-/// The guard is held.
+/// And what could not be written before. The guard is held.
 status_t RecordLog::WriteDeferred() {
   bool isNext = false;
-  return deferred_.IsEmpty() ? StatusOk : Write("", isNext);
+  return IsAllWritten() ? StatusOk : Write("", isNext);
 }
 
 void RecordLog::AppendInHeap(const std::string& id, const RecordFields& fields) {
@@ -168,7 +169,7 @@ void RecordLog::EndHeap() {
   {
     const std::lock_guard lock(guard_);
     deferred_.EndHeap();
-    if (deferred_.IsEmpty()) return;
+    if (IsAllWritten()) return;
     status = WriteDeferred();
   }
   Failed(status);

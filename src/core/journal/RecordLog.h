@@ -20,7 +20,7 @@ namespace kestrin {
 
 /// docs/journal.md tells how processes meet in the file. Main thread, but for what says otherwise.
 /// Whatever fails, the records are kept in memory and what could not be written is tried again with
-/// the next line.
+/// the next line, and when a heap ends.
 class RecordLog {
  public:
   /// `mark`: what tells this process's ids from all others. `report` gets a sentence for the
@@ -85,6 +85,7 @@ class RecordLog {
   bool DeferLast(const std::string& id, const RecordFields& fields);
   status_t Write(const std::string& line, bool& isNext);
   status_t WriteDeferred();
+  bool IsAllWritten() const { return deferred_.IsEmpty() && backlog_.empty(); }
   void Merge(RecordLine line);
   void ReadFrom(int64 position, bool wholeFile);
   void DropAllBut(const std::unordered_set<std::string>& ids);

@@ -123,9 +123,11 @@ TEST_F(JournalTest, WorksInMemoryWhateverCallFailsAndWritesItLater) {
       EXPECT_EQ(Ids(session.It.All()), ids) << "call " << call << " " << Door.Failed;
       if (!Door.HasFailed()) break;
       Door.FailAt = 0;
-      Deliver(session, 3);
+      const bool rests = call % 2 == 0;
+      rests ? session.It.EndHeap() : void(Deliver(session, 3));
       Told.clear();
-      EXPECT_THAT(Session(*this, 2).It.All(), SizeIs(3)) << "call " << call << " " << Door.Failed;
+      EXPECT_THAT(Session(*this, 2).It.All(), SizeIs(rests ? 2 : 3))
+          << "call " << call << " " << Door.Failed;
       EXPECT_THAT(Told, IsEmpty()) << "call " << call << " " << Door.Failed;
       EXPECT_LE(DecodeLines(*Disk.Bytes(JournalFile)).Lines.size(), 7u) << "no heap of repeats";
     }
