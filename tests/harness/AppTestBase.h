@@ -116,7 +116,7 @@ class AppTestBase : public testing::Test {
   void Wake(bool screen = true) { Start({}, {Message(DELIVER_EVENTS)}, screen); }
   /// The process goes: nothing is saved, nobody is told.
   void Crash() {
-    if (It) Dead.insert(Starts);
+    if (It) Dead.insert(It->World.Who.Self().Process);
     It.reset();
   }
   void Run() {

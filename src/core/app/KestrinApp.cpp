@@ -62,6 +62,7 @@ KestrinApp::KestrinApp(Context& context, AppParts parts)
       opening_(context, recovery_, absent_, parts_.addSampleEvents,
                [this](const Event& event) { return putOff_.Has(event); }),
       passedOver_(context),
+      others_(context),
       ending_(context, parts_, pass_, settling_, background_) {}
 
 KestrinApp::~KestrinApp() {
@@ -175,6 +176,7 @@ void KestrinApp::Handle(const Message& message) {
       settling_.Rest();
       putOff_.FollowNames();
       absent_.TryAgain();
+      others_.Look();
       break;
     case JOURNAL_SYNCED:
       settling_.Synced();

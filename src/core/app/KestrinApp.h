@@ -8,6 +8,7 @@
 #include "core/app/AppEnding.h"
 #include "core/app/AppParts.h"
 #include "core/app/BackgroundContact.h"
+#include "core/app/OthersEdits.h"
 #include "core/app/PassedOver.h"
 #include "core/app/SavingByItself.h"
 #include "core/app/SetOpening.h"
@@ -80,6 +81,7 @@ class KestrinApp {
   AbsentSets absent_;
   SetOpening opening_;
   PassedOver passedOver_;
+  OthersEdits others_;
   AppEnding ending_;
   int32 delivering_ = DeliverShownOrRemembered;  ///< which events, when a pass last asked
 };

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "kestrin/Types.h"
+#include "support/FileDoor.h"
 
 namespace kestrin {
 
@@ -33,6 +34,12 @@ class SetFile {
   /// Writes into the file what deliveries have changed in it, as the journal has it, without the
   /// user's changes.
   virtual void SaveDeliveriesAlone() = 0;
+
+  /// The file as the set knows it; nothing where it has none.
+  virtual std::optional<FileStamp> KnownStamp() const = 0;
+  /// Reads the file again in place if others have written it and nobody has unsaved changes here.
+  /// What is due by its old rule stays due: each session shows its alert. True if it was read.
+  virtual bool TakeOthersEdits() = 0;
 
   /// Whether the file bore the mark of a downloaded one when it was read, and no person has saved
   /// the set since.

@@ -1,6 +1,7 @@
 #include "core/files/StoredSetFile.h"
 
 #include <cstdio>
+#include <map>
 #include <memory>
 #include <system_error>
 #include <utility>
@@ -233,6 +234,28 @@ bool StoredSetFile::ReadAgain() {
   own_ = IsAsSaved(path);
   set_.IsAsInFile();
   FollowJournal(set_, path);
+  return true;
+}
+
+std::optional<FileStamp> StoredSetFile::KnownStamp() const {
+  const bool isKnown = known_.name == set_.GetFileName() && known_.version;
+  return isKnown ? std::optional(known_.version->Stamp) : std::nullopt;
+}
+
+bool StoredSetFile::TakeOthersEdits() {
+  if (set_.HasBeenModified() || set_.IsUntitled() || !IsChangedByOthers()) return false;
+  const int64 now = set_.GetContext().clock.Now();
+  std::map<uint64, std::pair<uint32, EventState>> due;
+  for (const auto& event : set_.Events())
+    if (event->GetNextEventTime() != 0 && event->GetNextEventTime() <= now)
+      due[event->GetHandle()] = {RuleMark(event->Record()), StateOf(event->Record())};
+  if (!ReadAgain()) return false;
+  const EventSet::DeliveryChange byItself(set_);
+  for (const auto& event : set_.Events()) {
+    const auto found = due.find(event->GetHandle());
+    if (found != due.end() && found->second.first == RuleMark(event->Record()))
+      AssignState(*event, found->second.second);
+  }
   return true;
 }
 

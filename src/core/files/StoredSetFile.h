@@ -41,6 +41,8 @@ class StoredSetFile final : public SetFile {
   bool SaveCopy(const std::string& path) override;
   bool SaveAs(const std::string& path, bool remember) override;
   void SaveDeliveriesAlone() override;
+  std::optional<FileStamp> KnownStamp() const override;
+  bool TakeOthersEdits() override;
   void BecomeRecovered(const std::string& untitledName) override;
   bool TakeUnsaved(const std::string& copy, uint64 digest) override;
   uint64 Digest() const override;

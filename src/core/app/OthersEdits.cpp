@@ -1,0 +1,51 @@
+#include "core/app/OthersEdits.h"
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "core/events/EventSet.h"
+#include "core/events/OpenSets.h"
+#include "core/loop/BackgroundWork.h"
+#include "core/loop/MessageCodes.h"
+#include "core/loop/MessageQueue.h"
+#include "support/FileDoor.h"
+
+namespace kestrin {
+
+void OthersEdits::Look() {
+  if (looks_) return;
+  std::vector<std::pair<std::string, FileStamp>> known;
+  {
+    const AutoLock open(context_.openSets.Protect);
+    for (const auto& set : context_.openSets.Sets)
+      if (const auto stamp = set->File().KnownStamp(); stamp && !set->HasBeenModified())
+        known.emplace_back(set->GetFileName(), *stamp);
+  }
+  if (known.empty()) return;
+  const auto look = [&files = context_.files, known = std::move(known)] {
+    Message answer;
+    for (const auto& [path, stamp] : known) {
+      const std::optional<FileStamp> now = files.Stamp(path);
+      if (now && *now != stamp) answer.Set("Changed", true);
+    }
+    return answer;
+  };
+  looks_ = context_.work->Start("Others' edits", look, [this](const Message& answer) {
+    looks_ = false;
+    if (answer.Has("Changed")) Take();
+  });
+}
+
+void OthersEdits::Take() {
+  bool hasTaken = false;
+  {
+    const AutoLock settings(context_.settings.Protect);
+    const AutoLock open(context_.openSets.Protect);
+    for (const auto& set : context_.openSets.Sets)
+      hasTaken = set->File().TakeOthersEdits() || hasTaken;
+  }
+  if (hasTaken) context_.queue.Post(EVENT_SETS_CHANGED);
+}
+
+}  // namespace kestrin
