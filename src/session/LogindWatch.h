@@ -3,10 +3,10 @@
 
 #include <QtCore/QTimer>
 #include <chrono>
+#include <future>
+#include <thread>
 
 #include "core/loop/MessageQueue.h"
-
-class QThread;
 
 namespace kestrin {
 
@@ -26,8 +26,11 @@ class LogindWatch {
   LogindWatch& operator=(const LogindWatch&) = delete;
 
  private:
+  void Begin();
+
   LogindReceiver* receiver_;
-  QThread* connecting_;
+  std::thread connecting_;
+  std::future<void> connected_;
   QTimer begin_;
 };
 

@@ -5,20 +5,20 @@ with a window manager, a session bus with accessibility, and empty XDG folders b
 
     class Tea(WorldTest):
         def test_is_announced(self):
-            day = self.write_set("day.kestrin", daily("Tea", self.now() + 3, say("Kettle on.")))
+            day = self.write_set("day.kestrin", daily("Tea", soon := self.now() + SOON, say("Kettle on.")))
             self.remember(day)                      # a set that is delivered
-            self.hand_over(self.now() + 3)          # kestrin -background; the deliverer alone is left
+            self.hand_over(soon)                    # kestrin -background; the deliverer alone is left
             alert = self.alert("Tea")               # waits for it
             self.assertEqual(alert.buttons(), ["Ok"])
             alert.press("Ok")                       # as a screen reader does; click() uses the mouse
             self.gone(APPLICATION)
 
-Nothing waits for a length of time: `until(condition, what)` looks again and again and fails after
-`PATIENCE` seconds, saying `what`. Windows are named by the beginning of their title, alerts by a part of
-their text, controls by name and role as a screen reader tells them. Processes: `start` gives a Popen;
-`kill(APPLICATION, signal.SIGSTOP)` signals whoever owns a bus name, SIGCONT goes on. `when()` is what the
-deliverer waits for. `self.errors()` is what was written to standard error, by the started ones as well as
-by those that the bus started.
+Nothing waits for a length of time: `until(condition, what)` looks again and again and fails after `PATIENCE`
+seconds, saying `what`; in `SOON` seconds all is ready for what is due then. Windows are named by the beginning
+of their title, alerts by a part of their text, controls by name and role as a screen reader tells them.
+Processes: `start` gives a Popen; `kill(APPLICATION, signal.SIGSTOP)` signals whoever owns a bus name, SIGCONT
+goes on. `when()` is what the deliverer waits for. `self.errors()` is what was written to standard error, by the
+started ones as well as by those that the bus started.
 
 What needs no screen is a `BusTest`. A process has room for one world (libatspi knows one bus), so every test runs in a process of its own:
 `walk.py` runs all of them, `walk.py Class.test` one. ctest does the same. KESTRIN_BIN: the programs' folder.
@@ -47,7 +47,7 @@ import make_golden  # noqa: E402
 
 BIN = pathlib.Path(os.environ.get("KESTRIN_BIN", TESTS.parent / "build/debug/bin"))
 APPLICATION, DELIVERER = "vnd.ZR.Kestrin", "vnd.ZR.KestrinBackground"
-PATIENCE, DAY = 100 if os.environ.get("KESTRIN_SANITIZE") else 10, 86400
+PATIENCE, SOON, DAY = *((100, 12) if os.environ.get("KESTRIN_SANITIZE") else (10, 4)), 86400
 LIBC = ctypes.CDLL(None)
 FOLDERS = {"HOME": "home", "XDG_CONFIG_HOME": "config", "XDG_DATA_HOME": "data", "XDG_STATE_HOME": "state",
            "XDG_CACHE_HOME": "cache", "XDG_DATA_DIRS": "share", "XDG_RUNTIME_DIR": "run"}
@@ -138,13 +138,11 @@ class BusTest(unittest.TestCase):
                    "[D-BUS Service]\nName=org.a11y.Bus\n"
                    "Exec=/usr/bin/env XDG_DATA_DIRS=/usr/share GSETTINGS_BACKEND=memory "
                    "/usr/libexec/at-spi-bus-launcher\n")
-        config, log = self.write("bus.conf", BUS.format(self.home)), open(self.home / "errors", "ab")
-        self.addCleanup(log.close)
-        self.log = log
+        config, self.log = self.write("bus.conf", BUS.format(self.home)), open(self.home / "errors", "ab")
+        self.addCleanup(self.log.close)
         self.daemon = subprocess.Popen(
-            ["dbus-daemon", f"--config-file={config}", "--nofork", "--print-address"], env=self.environment,
-            stdout=subprocess.PIPE, stderr=log, text=True,
-            preexec_fn=lambda: LIBC.prctl(1, signal.SIGKILL))  # PR_SET_PDEATHSIG
+            ["dbus-daemon", f"--config-file={config}", "--nofork", "--print-address"], env=self.environment, text=True,
+            stdout=subprocess.PIPE, stderr=self.log, preexec_fn=lambda: LIBC.prctl(1, signal.SIGKILL))  # PDEATHSIG
         address = self.daemon.stdout.readline().strip()
         self.daemon.stdout.close()
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = address
@@ -156,12 +154,14 @@ class BusTest(unittest.TestCase):
         self.context = GLib.MainContext.default()
 
     def end_all(self):
-        """Everything that was started, by whom ever."""
+        """Everything that was started, by whom ever; no sanitizer may have found a fault in it."""
         children = pathlib.Path(f"/proc/self/task/{os.getpid()}/children")
         while pids := children.read_text().split():
             for pid in map(int, pids):
                 os.kill(pid, signal.SIGKILL)
                 os.waitpid(pid, 0)
+        told = [line for line in self.errors().splitlines() if "Sanitizer: " in line and ": SEGV " not in line]
+        self.assertEqual(told, [], self.errors())
 
     # Files
 

@@ -5,7 +5,7 @@ import sys
 import time
 
 sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "harness"))
-from world import APPLICATION, BIN, DAY, WorldTest, daily, handler_data, main, say  # noqa: E402
+from world import APPLICATION, BIN, DAY, SOON, WorldTest, daily, handler_data, main, say  # noqa: E402
 
 ADD_ON = BIN.parent / "tests/harness/addons/built/Harmful.so"
 
@@ -22,7 +22,7 @@ class Harm(WorldTest):
 
     def ends_once(self, harm):
         """The deliverer wakes the application again, which tells and goes on."""
-        soon = self.now() + 4
+        soon = self.now() + SOON
         bad, good = self.remember_harm(harm, soon)
         self.hand_over(soon)
         alert = self.alert("Bad")
@@ -46,7 +46,7 @@ class Harm(WorldTest):
         self.assertIn("Add-ons may not block or take more than one second to deal with an event", self.errors())
 
     def test_a_program_that_was_stopped_has_not_blocked(self):
-        soon = self.now() + 3
+        soon = self.now() + SOON
         self.remember_harm(b"stop", soon)
         self.hand_over(soon)
         self.until(lambda: self.pid_of(APPLICATION), "the application")

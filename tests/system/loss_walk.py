@@ -5,12 +5,12 @@ import subprocess
 import sys
 
 sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "harness"))
-from world import APPLICATION, BUS, DAY, WorldTest, daily, main, run, say  # noqa: E402
+from world import APPLICATION, BUS, DAY, SOON, WorldTest, daily, main, run, say  # noqa: E402
 
 
 class Loss(WorldTest):
     def test_a_killed_application_shows_its_alert_again_and_delivers_once(self):
-        soon, done = self.now() + 4, self.path("done")
+        soon, done = self.now() + SOON, self.path("done")
         day = self.write_set("day.kestrin", daily("Tea", soon, say("Put the kettle on.")),
                              daily("Count", soon, run(f"echo once >> {done}")))
         self.remember(day)
@@ -45,7 +45,7 @@ class TwoSessions(WorldTest):
                     "XDG_RUNTIME_DIR": self.path("run2")}
 
     def test_never_fork_a_set_and_run_a_command_once(self):
-        soon, done, folder = self.now() + 5, self.path("done"), self.home / "sets"
+        soon, done, folder = self.now() + SOON, self.path("done"), self.home / "sets"
         day = self.write_set("sets/day.kestrin", *(
             daily(f"Tea {n}", soon + n, run(f"echo {n} >> '{done}'")) for n in range(4)))
         self.remember(day)

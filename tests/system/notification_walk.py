@@ -3,7 +3,7 @@ import pathlib
 import sys
 
 sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "harness"))
-from world import APPLICATION, DAY, Gio, GLib, WorldTest, daily, handler_data, main, run, say  # noqa: E402
+from world import APPLICATION, DAY, SOON, Gio, GLib, WorldTest, daily, handler_data, main, run, say  # noqa: E402
 
 NAME, PATH = "org.freedesktop.Notifications", "/org/freedesktop/Notifications"
 INTERFACE = f"""<node><interface name="{NAME}"><method name="GetCapabilities"><arg type="as" direction="out"/></method>
@@ -56,7 +56,7 @@ class Notifier:
 class Notifications(WorldTest):
     def test_whatever_the_service_does_each_reminder_is_seen_once_and_delays_nothing(self):
         notifier = Notifier(self.environment["DBUS_SESSION_BUS_ADDRESS"])
-        soon, names = self.now() + 4, ["Silent", "Expires", "Refused", "Accepted", "Stays"]
+        soon, names = self.now() + SOON, ["Silent", "Expires", "Refused", "Accepted", "Stays"]
         day = self.write_set("day.kestrin", *(daily(name, soon, say(name)) for name in names),
                              daily("Act", soon, run(f"touch '{self.path('acted')}'")))
         self.remember(day, ShowRemindersAs=NOTIFICATIONS, ReminderBoxes=0)
@@ -96,7 +96,7 @@ class Notifications(WorldTest):
         self.keys("Tea.kestrin", "ctrl+q")
         self.left(application)
 
-        notifier, soon = Notifier(self.environment["DBUS_SESSION_BUS_ADDRESS"]), self.now() + 4
+        notifier, soon = Notifier(self.environment["DBUS_SESSION_BUS_ADDRESS"]), self.now() + SOON
         self.remember(notification(soon, b"\x02Kettle on"), ShowRemindersAs=WINDOWS)
         self.hand_over(soon)
         number = self.until(lambda: list(notifier.stands), "the notification")[0]

@@ -4,7 +4,7 @@ import sys
 import time
 
 sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "harness"))
-from world import APPLICATION, DAY, Atspi, WorldTest, daily, main, run, say  # noqa: E402
+from world import APPLICATION, DAY, SOON, Atspi, WorldTest, daily, main, run, say  # noqa: E402
 
 
 class Person(WorldTest):
@@ -27,7 +27,7 @@ class Person(WorldTest):
         self.in_front(editor)
         self.keys(editor, "ctrl+Next")
         self.focus(editor, "Date", "text")
-        when = self.now() + 8
+        when = self.now() + 2 * SOON
         self.keys(editor, "ctrl+a")
         self.type(time.strftime("%Y-%m-%d %H:%M:%S\n", time.gmtime(when)))
         self.keys("Day.kestrin", "ctrl+s")

@@ -3,7 +3,7 @@ import pathlib
 import sys
 
 sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "harness"))
-from world import APPLICATION, BIN, DELIVERER, WorldTest, daily, main  # noqa: E402
+from world import APPLICATION, BIN, DELIVERER, SOON, WorldTest, daily, main  # noqa: E402
 
 
 class Roles(WorldTest):
@@ -34,7 +34,7 @@ class Roles(WorldTest):
         self.left(first)
 
     def test_a_start_by_hand_opens_the_user_interface_whatever_the_bus_has_waiting(self):
-        soon = self.now() + 4
+        soon = self.now() + SOON
         self.remember_tea(soon)
         # What the bus starts never takes the name: the wake-up waits for the start by hand.
         idle = self.write("idle", f"#!/bin/sh\n: > '{self.path('called')}'\nexec sleep 60\n", 0o755)

@@ -3,14 +3,14 @@ import pathlib
 import sys
 
 sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "harness"))
-from world import APPLICATION, DAY, WorldTest, act_on, daily, main, run, say  # noqa: E402
+from world import APPLICATION, DAY, SOON, WorldTest, act_on, daily, main, run, say  # noqa: E402
 
 
 class WakeUp(WorldTest):
     def setUp(self):
         super().setUp()
         # Far enough ahead for the application to start, hand over and leave before.
-        self.soon = self.now() + 4
+        self.soon = self.now() + SOON
 
     def test_shows_the_message_at_its_second_and_leaves(self):
         tea = self.remember_tea(self.soon)
