@@ -76,6 +76,8 @@ int BackgroundDeliverer::Prepare() {
     return result;
   }
   OpenKeptTime();
+  result = clockWatch_.Begin(event_.get(), OnClockWentBack, this);
+  if (result < 0) Say("a clock that is set back will go unnoticed", result);
   WatchZone();
   return 0;
 }
@@ -231,6 +233,10 @@ int BackgroundDeliverer::OnTimer(sd_event_source*, uint64, void* self) {
 int BackgroundDeliverer::OnRetry(sd_event_source*, uint64, void* self) {
   Self(self)->Carry(Self(self)->schedule_.RetryCame());
   return 0;
+}
+
+void BackgroundDeliverer::OnClockWentBack(void* self) {
+  Self(self)->Carry(Self(self)->schedule_.ClockWentBack());
 }
 
 int BackgroundDeliverer::OnZoneSettled(sd_event_source*, uint64, void* self) {

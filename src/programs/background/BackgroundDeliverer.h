@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "kestrin/Types.h"
+#include "programs/background/ClockWatch.h"
 #include "programs/background/KeptTime.h"
 #include "programs/background/WakeSchedule.h"
 
@@ -50,6 +51,7 @@ class BackgroundDeliverer {
   static int OnDisconnected(sd_bus_message* signal, void* self, sd_bus_error* error);
   static int OnTimer(sd_event_source* source, uint64 time, void* self);
   static int OnRetry(sd_event_source* source, uint64 time, void* self);
+  static void OnClockWentBack(void* self);
   static int OnZoneSettled(sd_event_source* source, uint64 time, void* self);
   static int OnZoneFolder(sd_event_source* source, const inotify_event* change, void* self);
   static int OnChildEnded(sd_event_source* source, const siginfo_t* child, void* self);
@@ -71,6 +73,7 @@ class BackgroundDeliverer {
 
   BackgroundSurroundings surroundings_;
   WakeSchedule schedule_;
+  ClockWatch clockWatch_;
   KeptTimeFile kept_;
   int32 since_ = 0;  // lateness counts from here; 0: from the pending moment
   pid_t launched_ = 0;

@@ -29,6 +29,14 @@ WakeOrders WakeSchedule::TimerCame() { return StartAnew(); }
 
 WakeOrders WakeSchedule::ZoneChanged() { return StartAnew(); }
 
+WakeOrders WakeSchedule::ClockWentBack() {
+  failures_ = 0;
+  launchNext_ = false;
+  WakeOrders orders = Forgotten();
+  orders.forgetTry = true;
+  return orders;
+}
+
 WakeOrders WakeSchedule::StartAnew() {
   if (when_ == 0) return {};
   failures_ = 0;

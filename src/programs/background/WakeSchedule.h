@@ -31,6 +31,8 @@ class WakeSchedule {
   WakeOrders TimerCame();
   WakeOrders RetryCame();
   WakeOrders ZoneChanged();
+  /// The clock was set back: what is pending may have been worked out by the wrong time.
+  WakeOrders ClockWentBack();
 
   /// The call's outcome. `unknownToBus`: the bus has no way to start the application.
   WakeOrders CallAnswered();

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <utility>
 #include <vector>
 
 namespace kestrin {
@@ -130,9 +131,9 @@ TEST(WakeSchedule, ANewMomentReplacesEverything) {
 }
 
 TEST(WakeSchedule, WhereNothingIsKnownTheApplicationIsWokenOnceUnlessItTellsFirst) {
-  for (const bool tells : {false, true}) {
+  for (const auto& [tells, isClock] : {std::pair(false, false), {true, false}, {false, true}}) {
     Machine machine;
-    machine.Do(machine.schedule.Forgotten());
+    machine.Do(isClock ? machine.schedule.ClockWentBack() : machine.schedule.Forgotten());
     if (tells) machine.Do(machine.schedule.SetWhen(0));
     machine.Jump();
     EXPECT_EQ(machine.tries, tells ? Tries{} : (Tries{{1005, Call}}));
