@@ -150,6 +150,7 @@ class LifeTest : public AppTestBase, public testing::WithParamInterface<unsigned
   void ChangeSessions() {
     std::swap(It, other_), std::swap(seen_, othersSeen_), std::swap(last_, othersLast_);
     std::swap(wake_, othersWake_);
+    if (IsRunning()) Post(Message(FILES_CHANGED));  // as the kernel tells
   }
   void LogIn() { NewProcess({"-background"}, {}); }
 

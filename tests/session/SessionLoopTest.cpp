@@ -6,10 +6,13 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QSocketNotifier>
 #include <QtCore/QTimer>
+#include <filesystem>
+#include <fstream>
 #include <thread>
 
 #include "session/QueueRunner.h"
 #include "session/SessionBus.h"
+#include "session/SystemFileWatcher.h"
 #include "session/UnixSignals.h"
 
 namespace kestrin {
@@ -51,6 +54,36 @@ TEST(QueueRunner, NothingIsLostBetweenThreads) {
   first.join();
   second.join();
   EXPECT_FALSE(queue.Empty());
+}
+
+TEST(SystemFileWatcher, TellsWhenAFileIsWrittenOrReplacedAgainAndAgain) {
+  const TemporaryFolder folder;
+  const std::string file = folder.path + "/set", other = folder.path + "/other";
+  const auto write = [](const std::string& path) { std::ofstream(path) << "x"; };
+  write(file), write(other);
+  MessageQueue queue;
+  SystemFileWatcher watcher(queue);
+  watcher.Watch({file, other, folder.path + "/missing"});
+  watcher.Watch({file});
+  const auto told = [&queue] {
+    return RunUntil([&queue] { return !queue.Empty(); }) && queue.Take() && queue.Empty();
+  };
+  write(other);
+  for (int turn = 0; turn < 4; ++turn) {
+    if (turn % 2 == 0) {
+      write(folder.path + "/new");
+      std::filesystem::rename(folder.path + "/new", file);
+    } else {
+      write(file);
+    }
+    EXPECT_TRUE(told()) << turn;
+  }
+  std::filesystem::remove(file);
+  EXPECT_TRUE(told());
+  write(file);
+  watcher.Watch({file});
+  write(file);
+  EXPECT_TRUE(told()) << "asked for again";
 }
 
 // Returns when the loop has looked at every file that is readable now.

@@ -53,13 +53,15 @@ class TwoSessions(WorldTest):
         self.until(lambda: len(self.read("done").split()) >= 4, "all commands")
         self.until(lambda: all(self.saved_time(day, f"Tea {n}") == soon + n + DAY for n in range(4)),
                    "the deliveries on disk")
+        added = self.now() + 3
+        os.replace(self.write_set("new.kestrin", daily("Cake", added, run(f"echo 4 >> '{done}'"))), day)
+        self.until(lambda: self.saved_time(day, "Cake") == added + DAY, "what somebody else has added")
+        self.assertEqual(self.read("done").split().count("4"), 1)
         for session in sessions:
             session.terminate()
             self.left(session)
-        self.assertEqual(sorted(self.read("done").split()), ["0", "1", "2", "3"])
+        self.assertEqual(sorted(self.read("done").split()), ["0", "1", "2", "3", "4"])
         self.assertEqual([each.name for each in folder.iterdir()], ["day.kestrin"])
-        self.assertEqual([self.saved_time(day, f"Tea {n}") for n in range(4)],
-                         [soon + n + DAY for n in range(4)])
 
 
 if __name__ == "__main__":

@@ -6,6 +6,7 @@
 
 #include "core/ports/BackgroundMessenger.h"
 #include "core/ports/BusPresence.h"
+#include "core/ports/FileWatcher.h"
 #include "core/ports/Processes.h"
 #include "core/settings/SettingsStore.h"
 #include "support/LocalTime.h"
@@ -31,6 +32,7 @@ struct AppParts {
   std::function<void(EventSet& set)> addSampleEvents = [](EventSet&) {};
   /// Whether the region counts 24 hours, for the very first start; null: as the settings' default.
   std::function<bool()> usesClock24 = nullptr;
+  FileWatcher* watcher = nullptr;  ///< of the sets' files; may be null
 };
 
 }  // namespace kestrin

@@ -62,7 +62,7 @@ KestrinApp::KestrinApp(Context& context, AppParts parts)
       opening_(context, recovery_, absent_, parts_.addSampleEvents,
                [this](const Event& event) { return putOff_.Has(event); }),
       passedOver_(context),
-      others_(context),
+      others_(context, parts_.watcher),
       ending_(context, parts_, pass_, settling_, background_) {}
 
 KestrinApp::~KestrinApp() {
@@ -176,6 +176,9 @@ void KestrinApp::Handle(const Message& message) {
       settling_.Rest();
       putOff_.FollowNames();
       absent_.TryAgain();
+      others_.Look();
+      break;
+    case FILES_CHANGED:
       others_.Look();
       break;
     case JOURNAL_SYNCED:

@@ -1,5 +1,6 @@
 #include "core/app/OthersEdits.h"
 
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -14,14 +15,21 @@
 namespace kestrin {
 
 void OthersEdits::Look() {
-  if (looks_) return;
+  if (looks_) {
+    again_ = true;
+    return;
+  }
+  std::set<std::string> files;
   std::vector<std::pair<std::string, FileStamp>> known;
   {
     const AutoLock open(context_.openSets.Protect);
-    for (const auto& set : context_.openSets.Sets)
-      if (const auto stamp = set->File().KnownStamp(); stamp && !set->HasBeenModified())
-        known.emplace_back(set->GetFileName(), *stamp);
+    for (const auto& set : context_.openSets.Sets) {
+      const auto stamp = set->File().KnownStamp();
+      if (stamp) files.insert(set->GetFileName());
+      if (stamp && !set->HasBeenModified()) known.emplace_back(set->GetFileName(), *stamp);
+    }
   }
+  if (watcher_) watcher_->Watch(files);
   if (known.empty()) return;
   const auto look = [&files = context_.files, known = std::move(known)] {
     Message answer;
@@ -34,6 +42,7 @@ void OthersEdits::Look() {
   looks_ = context_.work->Start("Others' edits", look, [this](const Message& answer) {
     looks_ = false;
     if (answer.Has("Changed")) Take();
+    if (std::exchange(again_, false)) Look();
   });
 }
 

@@ -85,10 +85,7 @@ void DeliveryPass::SetCounterForNextEvent(bool startup) {
   startup = startup || nextIsStartup_ || context_.queue.Holds(SETS_OPENED);
   nextIsStartup_ = false;
   if (putOff_ && context_.ui.HasScreen()) putOff_->ReturnDue();
-  Earliest earliest = FindEarliest();
-  if (earliest.event && earliest.time <= context_.clock.Now() &&
-      earliest.set->File().TakeOthersEdits())
-    earliest = FindEarliest();
+  const Earliest earliest = FindEarliest();
   dealing_ = false;
   passStartup_ = false;
   if (!earliest.event || earliest.time > context_.clock.Now()) {

@@ -44,6 +44,7 @@ enum MessageCode : uint32 {
   BACKGROUND_LAUNCHED = FourCharCode("BgLd"),  ///< bools "runs", "inTrash": what has come of it
   FORCED_QUIT = FourCharCode("FrcQ"),          ///< a signal or the end of the desktop session
   JOURNAL_SYNCED = FourCharCode("JrSy"),       ///< what was written down before is durable
+  FILES_CHANGED = FourCharCode("FlCh"),        ///< somebody may have written an open set's file
   PASSES_AT_REST = FourCharCode("Rest"),  ///< nothing is due any more: save what delivery changed
 };
 

@@ -47,6 +47,7 @@
 #include "session/QueueRunner.h"
 #include "session/ReminderSound.h"
 #include "session/SystemDesktop.h"
+#include "session/SystemFileWatcher.h"
 #include "session/SystemProcesses.h"
 #include "session/UnixSignals.h"
 #include "support/LocalTime.h"
@@ -109,7 +110,8 @@ struct Parts {
             [] { QCoreApplication::exit(); },
             ProcessMark(),
             [](EventSet& set) { SampleEvents(set).AddSample(WelcomeAfter); },
-            [] { return UsesClock24(QLocale::system()); }};
+            [] { return UsesClock24(QLocale::system()); },
+            &watcher};
   }
 
   void Sound() {
@@ -153,6 +155,7 @@ struct Parts {
   OpenSets openSets;
   const ServesAddOns serves{context};
   BusBackground background{bus.Connection(), files, queue};
+  SystemFileWatcher watcher{queue};
   SettingsStore store{
       OpenPrefs(files, ConfigFolder(), ExecutableFolder(), FromEnvironment("LIBRARY_PATH"))};
   KestrinApp app{context, ForApp()};
