@@ -68,8 +68,8 @@ void CommandQueue::Start(const Command& command) {
   started_.push_back(context_.clock.SteadyMicroseconds());
   const int32 shell = context_.desktop.StartCommand(command.Line);
   if (shell <= 0) {
+    if (command.Failed) command.Failed();  // whoever dies now has told it
     Stage(command, ActStage::Failed, "the shell could not be started");
-    if (command.Failed) command.Failed();
     context_.holds.ProcessDone();
     return;
   }
