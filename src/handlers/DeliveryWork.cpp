@@ -83,8 +83,8 @@ void Run(const DeliveredEvent& delivered, const DeliveryWork& work) {
 
 void Fail(const DeliveredEvent& delivered, const DeliveryWork& work, const FileDescription& file,
           const std::string& why) {
+  Tell(delivered, FileFailure(work, file));  // whoever dies now has told it
   Stage(delivered, ActStage::Failed, why);
-  Tell(delivered, FileFailure(work, file));
 }
 
 void Launch(const DeliveredEvent& delivered, const DeliveryWork& work,

@@ -244,6 +244,8 @@ std::optional<FileStamp> StoredSetFile::KnownStamp() const {
 
 bool StoredSetFile::TakeOthersEdits() {
   if (set_.HasBeenModified() || set_.IsUntitled() || !IsChangedByOthers()) return false;
+  set_.CommitEdits();
+  if (set_.HasBeenModified()) return false;
   const int64 now = set_.GetContext().clock.Now();
   std::map<uint64, std::pair<uint32, EventState>> due;
   for (const auto& event : set_.Events())
