@@ -1,5 +1,6 @@
 #include "kestrin/BufferedFile.h"
 
+#include <errno.h>
 #include <stdio.h>
 
 #include <algorithm>
@@ -69,7 +70,8 @@ int32 BufferedFile::ReadFromFile(uint8* data, int32 count) {
 int32 BufferedFile::WriteToFile(const uint8* data, int32 count) {
   bytesBehindBuffer_ = -1;
   const int64 written = file_->Write(data, static_cast<size_t>(count));
-  if (written < 0) writeFailure_ = static_cast<status_t>(written);
+  if (written < count)  // the disk took a part of it: it is full
+    writeFailure_ = written < 0 ? static_cast<status_t>(written) : -ENOSPC;
   return static_cast<int32>(std::max<int64>(written, 0));
 }
 

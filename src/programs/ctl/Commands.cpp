@@ -172,15 +172,16 @@ bool GatherAgenda(VirtualEngine& engine, const CtlArguments& arguments,
   return true;
 }
 
-/// `error`: of the attempt, 0 when the system said nothing.
-std::string WhyNotWritten(VirtualEngine& engine, const std::string& path, int error) {
+/// `reason`: what the attempt gave, a sentence.
+std::string WhyNotWritten(VirtualEngine& engine, const std::string& path, std::string reason) {
   switch (engine.files.Kind(path)) {
     case FileKind::Folder:
       return "it is a folder";
     case FileKind::Other:
       return "it is not a regular file";
     default:
-      return error ? std::strerror(error) : "the file system does not say why";
+      if (reason.ends_with('.')) reason.pop_back();
+      return reason;
   }
 }
 
@@ -270,14 +271,12 @@ int Rewrite(VirtualEngine& engine, const CtlArguments& arguments) {
   SetFileReport report;
   EventSet* const set = ReadSet(engine, arguments.files[0], &report);
   if (!set) return ExitFailure;
-  errno = 0;
   if (set->SaveCopy(arguments.files[1])) {
     engine.files.SetAttribute(arguments.files[1], "user.mime_type", SetFileType);
     return ExitSuccess;
   }
-  const int error = errno;
   Complain(arguments.files[1],
-           "cannot be written: " + WhyNotWritten(engine, arguments.files[1], error));
+           "cannot be written: " + WhyNotWritten(engine, arguments.files[1], set->WhyNotSaved()));
   return ExitFailure;
 }
 

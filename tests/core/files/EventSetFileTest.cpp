@@ -135,6 +135,7 @@ TEST_F(EventSetSaveTest, AFailureAnywhereLosesNeitherTheFileNorTheChanges) {
         }
         SCOPED_TRACE("call " + std::to_string(n) + ", " + Door.Failed);
         EXPECT_EQ(set.HasBeenModified(), !saved);
+        EXPECT_NE(set.WhyNotSaved(), "The file could not be written.") << "the disk said why";
         const std::string now = NameIn(Path);
         EXPECT_TRUE(now == "Toast" || (!saved && now == "Tea")) << now;
 
