@@ -99,8 +99,7 @@ TEST_F(PutOffTest, PutOffToNextWeekTheNextDayRingsWhateverHappensMeanwhile) {
       ASSERT_EQ(Alerts().size(), count);
       for (const LaterOffer& offer : LaterOffers(Tuesday + 9 * Hour, SystemZone, {}, NextWeek))
         if (offer.choice == NextWeek) PutOff(offer.when);
-      while (Answer(0)) {
-      }
+      while (Answer(0)) continue;
       if (meanwhile == "rename") FirstEvent(Work).SetName("Coffee"), Set(Work)->SaveData();
       if (meanwhile == "save as") Set(Work)->SaveAs(Home, true);
       Run();
@@ -115,8 +114,7 @@ TEST_F(PutOffTest, PutOffToNextWeekTheNextDayRingsWhateverHappensMeanwhile) {
         return text.ends_with("Also unanswered: Tue 09:00 AM");
       });
       EXPECT_EQ(both, daily.DeleteOnceDelivered ? 0u : 1u) << "one of them, and no other says so";
-      while (Answer(0)) {
-      }
+      while (Answer(0)) continue;
       if (daily.DeleteOnceDelivered) {
         EXPECT_THAT(Outcomes(), ElementsAre(testing::HasSubstr("then answered")));
       } else {

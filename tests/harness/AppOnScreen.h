@@ -5,7 +5,6 @@
 
 #include <QAction>
 #include <QDir>
-#include <QMenuBar>
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QtTest/QTest>
@@ -126,19 +125,30 @@ class AppOnScreen : public testing::Test {
     added.SetSelectedHandler(MessageHandler);
     return added;
   }
+  /// One that comes every day at 9:00.
+  static Event& AddTea(EventSet& set) {
+    EventRecord record;
+    record.PeriodType = Daily;
+    record.ApplyTime = true;
+    record.TimeToApply = 9 * Hour;
+    return Add(set, "Tea", Sunday + 9 * Hour, record);
+  }
+  static std::vector<std::string> Names(const EventSet& set) {
+    std::vector<std::string> names;
+    for (const auto& event : set.Events()) names.push_back(event->GetName());
+    return names;
+  }
   /// A set in a file, its window open, with one event that comes every day at 9:00.
   EventSet& OpenSet(const std::string& leaf = "Work.kestrin", bool remembered = false) {
     {
       const auto owned = kestrin::NewSet(It->Core, Path(leaf));
-      EventSet& made = *owned;
-      EventRecord record;
-      record.PeriodType = Daily;
-      record.ApplyTime = true;
-      record.TimeToApply = 9 * Hour;
-      Add(made, "Tea", Sunday + 9 * Hour, record);
-      EXPECT_TRUE(made.SaveCopy(Path(leaf)));
+      AddTea(*owned);
+      EXPECT_TRUE(owned->SaveCopy(Path(leaf)));
     }
     if (remembered) It->Settings.RememberSet(Path(leaf));
+    return OpenFile(leaf);
+  }
+  EventSet& OpenFile(const std::string& leaf) {
     Message open(OPEN_FILES);
     open.Set("0", Path(leaf));
     Post(open);

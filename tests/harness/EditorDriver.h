@@ -7,7 +7,6 @@
 #include <QComboBox>
 #include <QDragEnterEvent>
 #include <QLabel>
-#include <QLayout>
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QTabWidget>

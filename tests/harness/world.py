@@ -90,6 +90,13 @@ def below(node):
             yield from below(child)
 
 
+def connect(address):
+    flags = Gio.DBusConnectionFlags
+    bus = Gio.DBusConnection.new_for_address_sync(address, flags.AUTHENTICATION_CLIENT | flags.MESSAGE_BUS_CONNECTION)
+    bus.set_exit_on_close(False)
+    return bus
+
+
 class Alert:
     """One that stands on the screen, with the text that it had when it was found."""
 
@@ -147,10 +154,7 @@ class BusTest(unittest.TestCase):
         self.daemon.stdout.close()
         self.environment["DBUS_SESSION_BUS_ADDRESS"] = address
         os.environ.update(DBUS_SESSION_BUS_ADDRESS=address, XDG_RUNTIME_DIR=self.environment["XDG_RUNTIME_DIR"])
-        flags = Gio.DBusConnectionFlags
-        self.bus = Gio.DBusConnection.new_for_address_sync(
-            address, flags.AUTHENTICATION_CLIENT | flags.MESSAGE_BUS_CONNECTION)
-        self.bus.set_exit_on_close(False)
+        self.bus = connect(address)
         self.context = GLib.MainContext.default()
 
     def end_all(self):

@@ -1,6 +1,5 @@
 #include "session/BusBackground.h"
 
-#include <fcntl.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>

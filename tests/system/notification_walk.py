@@ -3,7 +3,7 @@ import pathlib
 import sys
 
 sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "harness"))
-from world import APPLICATION, DAY, SOON, Gio, GLib, WorldTest, daily, handler_data, main, run, say  # noqa: E402
+from world import APPLICATION, DAY, SOON, Gio, GLib, WorldTest, connect, daily, handler_data, main, run, say  # noqa: E402
 
 NAME, PATH = "org.freedesktop.Notifications", "/org/freedesktop/Notifications"
 INTERFACE = f"""<node><interface name="{NAME}"><method name="GetCapabilities"><arg type="as" direction="out"/></method>
@@ -17,10 +17,7 @@ WINDOWS, NOTIFICATIONS = 0, 1
 class Notifier:
     """Treats each notification as its title, an event's name, says."""
     def __init__(self, address):
-        flags = Gio.DBusConnectionFlags
-        self.bus = Gio.DBusConnection.new_for_address_sync(
-            address, flags.AUTHENTICATION_CLIENT | flags.MESSAGE_BUS_CONNECTION)
-        self.bus.set_exit_on_close(False)
+        self.bus = connect(address)
         self.came, self.stands = [], {}
         self.bus.register_object(PATH, Gio.DBusNodeInfo.new_for_xml(INTERFACE).interfaces[0], self.called)
         self.bus.call_sync("org.freedesktop.DBus", "/", "org.freedesktop.DBus", "RequestName",

@@ -98,8 +98,7 @@ TEST_F(DeliveryPassTest, WhatIsDueIsWorkedOffInOrderAndTheDelivererHearsOnce) {
   Add(a, OnceAt(Now - 90, "second"));
   Add(a, OnceAt(Now + 1, "ahead"));
   World.Messages.clear();
-  while (World.Queue.Take()) {
-  }
+  while (World.Queue.Take()) continue;
   Sent.clear();
   // A change and a wake-up while an event is dealt with start no pass, and keep the start-up flag.
   World.Actions.WhenEvent = [this](Event& event) {
@@ -130,8 +129,7 @@ TEST_F(DeliveryPassTest, OnlyAWakeUpThatIsLateItselfMakesEventsMissed) {
     Add(set, OnceAt(Now - 3600, "first"));
     Add(set, OnceAt(Now - 61, "second"));
     Add(set, OnceAt(Now - 60, "just now"));
-    while (World.Queue.Take()) {
-    }
+    while (World.Queue.Take()) continue;
     Message wakeUp(DELIVER_EVENTS);
     wakeUp.Set("Late", late);
     Run(wakeUp);
@@ -221,8 +219,7 @@ TEST_F(DeliveryPassTest, AReplyActsOnlyOnTheEventAndOccurrenceItIsFor) {
     if (each.acts) event.UpdateEventTime();
     EXPECT_EQ(event.GetStatus(), each.acts ? WaitingForPrewarning : each.status) << "only once";
     EXPECT_EQ(World.Holding.Count(), 0) << "the hold is given back in any case";
-    while (World.Queue.Take()) {
-    }
+    while (World.Queue.Take()) continue;
     World.Open.Sets.clear();
   }
 }
@@ -378,8 +375,7 @@ TEST_F(DeliveryPassTest, TheTableOfStatesOnThePageHolds) {
     Event* next = nullptr;
     EXPECT_EQ(set.GetNextEventTime(&next), TimeOf(row[7])) << "the set knows it too";
     EXPECT_TRUE(World.Queue.Holds(EVENT_DEALT_WITH));
-    while (World.Queue.Take()) {
-    }
+    while (World.Queue.Take()) continue;
     World.Open.Sets.clear();
   }
 }
@@ -395,8 +391,7 @@ TEST_F(DeliveryPassTest, AnAllDayEventIsMissedOnceItsDayIsOverWhereThePersonIs) 
       record.ApplyTime = false;
       Add(NewSet(), record);
       World.Time.JumpTo(zone.ToMoment({Sunday + sinceMidnight}));
-      while (World.Queue.Take()) {
-      }
+      while (World.Queue.Take()) continue;
       Pass.SetCounterForNextEvent(true);
       EXPECT_THAT(Delivered(), ElementsAre(delivered)) << name << ", " << sinceMidnight;
       World.Open.Sets.clear();

@@ -1,7 +1,6 @@
 // The list of events, what comes next in it, and what is marked and told when it changes.
 #include "core/events/EventSet.h"
 
-#include <algorithm>
 #include <random>
 
 #include "harness/SetTestBase.h"

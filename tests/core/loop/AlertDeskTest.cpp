@@ -74,8 +74,7 @@ TEST_F(AlertDeskTest, AReminderReplacesOnlyAReminderOfTheSameEvent) {
       context.RunMessages();
       EXPECT_EQ(ui.Texts().size(), each.replaces ? 1u : 2u);
       EXPECT_EQ(answers.size(), each.replaces ? 1u : 0u);
-      while (ui.AnswerFirst(0)) {
-      }
+      while (ui.AnswerFirst(0)) continue;
       EXPECT_THAT(answers, ElementsAre(Pair("old", each.replaces ? 1 : 0), Pair("new", 0)));
     }
 }

@@ -1,8 +1,6 @@
 #include "core/settings/KestrinSettings.h"
 
-#include <errno.h>
 #include <cmath>
-#include <cstring>
 #include <limits>
 #include <memory>
 

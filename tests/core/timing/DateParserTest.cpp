@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 #include "core/timing/DateTimeText.h"
 #include "harness/PageTable.h"

@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <ostream>
-#include <string>
 
 #include "core/timing/DateTimeText.h"
 #include "core/timing/EventRuleCheck.h"
@@ -42,13 +41,15 @@ Rule Warned(int32 event, uint32 ahead, int32 unit, uint32 repeat = 0, int32 repe
   return rule;
 }
 
+struct Row {
+  const char* what;
+  TimingRule rule;
+  int32 now, expected;
+};
+
 TEST(EventTiming, EdgesOfTheRules) {
   const int32 leapDay = Utc(2024, 2, 29, 7);
-  const struct {
-    const char* what;
-    TimingRule rule;
-    int32 now, expected;
-  } rows[] = {
+  const Row rows[] = {
       {"by date counts as by week", Rule(Monthly).Week(1, 3), Now, Utc(2026, 12, 9)},
       // 1 December 2026 is a Tuesday: searched from day 31 of November.
       {"last Tuesday runs over", Rule(Monthly, ByDayOfWeek).Week(4, 2), Utc(2026, 11, 10),
@@ -166,11 +167,7 @@ TEST(EventTiming, CalendarHelpers) {
 
 TEST(EventTiming, FirstPrewarning) {
   const int32 event = Utc(2026, 12, 31, 9);
-  const struct {
-    const char* what;
-    TimingRule rule;
-    int32 now, expected;
-  } rows[] = {
+  const Row rows[] = {
       {"exactly now is still due", Warned(event, 3, Days), event - 3 * Day, event - 3 * Day},
       {"a repeat exactly now", Warned(event, 1, Days, 6, Hours), event - 6 * Hour,
        event - 6 * Hour},

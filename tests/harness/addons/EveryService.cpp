@@ -4,7 +4,6 @@
 #include <kestrin/EventAddOnData.h>
 #include <kestrin/EventServices.h>
 
-#include <cstdio>
 #include <memory>
 #include <string>
 

@@ -1,5 +1,4 @@
 // The pages Action, Prewarning, Nagging and Comment.
-#include <QCheckBox>
 #include <QClipboard>
 
 #include "harness/EditorDriver.h"

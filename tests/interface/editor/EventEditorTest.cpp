@@ -1,5 +1,6 @@
+#include <QAbstractButton>
 #include <QAccessible>
-#include <QCheckBox>
+#include <QLayout>
 
 #include "core/delivery/EventDelivery.h"
 #include "harness/EditorDriver.h"

@@ -1,5 +1,6 @@
 #include <QCalendarWidget>
 #include <QCheckBox>
+#include <QLayout>
 #include <QTableView>
 
 #include "core/timing/DateTimeText.h"

@@ -1,9 +1,7 @@
 #include <gmock/gmock.h>
 
 #include <QAction>
-#include <QApplication>
 #include <QtTest/QTest>
-#include <memory>
 
 #include "interface/fields/NumberField.h"
 

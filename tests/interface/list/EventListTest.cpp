@@ -2,7 +2,6 @@
 
 #include <QFile>
 #include <QHeaderView>
-#include <QScrollBar>
 #include <QSignalSpy>
 #include <QtTest/QTest>
 #include <cmath>

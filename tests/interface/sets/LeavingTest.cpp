@@ -1,5 +1,4 @@
 // The question before a window closes, in every way of leaving, and what goes on afterwards.
-#include <QFile>
 
 #include "harness/SavingOnScreen.h"
 

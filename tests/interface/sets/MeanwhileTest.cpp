@@ -55,26 +55,11 @@ class BellOnScreen : public AppOnScreen {
   }
   void MakeFile() {
     const auto owned = kestrin::NewSet(It->Core, Path("Work.kestrin"));
-    EventSet& made = *owned;
-    EventRecord record;
-    record.PeriodType = Daily;
-    record.ApplyTime = true;
-    record.TimeToApply = 9 * Hour;
-    Add(made, "Tea", Sunday + 9 * Hour, record).SetSelectedHandler(It->Handlers.Find("Bell"));
-    Add(made, "Cake", Sunday + 20 * Hour);
-    ASSERT_TRUE(made.SaveCopy(Path("Work.kestrin")));
+    AddTea(*owned).SetSelectedHandler(It->Handlers.Find("Bell"));
+    Add(*owned, "Cake", Sunday + 20 * Hour);
+    ASSERT_TRUE(owned->SaveCopy(Path("Work.kestrin")));
   }
-  EventSet& OpenWork() {
-    Message open(OPEN_FILES);
-    open.Set("0", Path("Work.kestrin"));
-    Post(open);
-    return *Set("Work.kestrin");
-  }
-  static std::vector<std::string> Names(const EventSet& set) {
-    std::vector<std::string> names;
-    for (const auto& event : set.Events()) names.push_back(event->GetName());
-    return names;
-  }
+  EventSet& OpenWork() { return OpenFile("Work.kestrin"); }
   static Event& Tea(const EventSet& set) { return *set.Events().at(0); }
 
   void Ring() {
@@ -162,8 +147,7 @@ class MeanwhileTest : public BellOnScreen,
     if (Set("Work.kestrin")) Choose(WindowOf(*Set("Work.kestrin")), "Close");
     Answer(Question, Saves ? "Save" : "Don't save");
     EXPECT_FALSE(Set("Work.kestrin"));
-    while (Answer("Kestrin event:", "Ok")) {
-    }
+    while (Answer("Kestrin event:", "Ok")) continue;
     EXPECT_THAT(AlertTexts(), IsEmpty());
     const bool quits = When == Moment::QuestionOpen || When == Moment::WaitingForHold;
     EXPECT_EQ(It->Ended, quits) << "a new set stands open in all other cases";

@@ -2,6 +2,7 @@
 #include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QMenu>
+#include <QMenuBar>
 #include <set>
 
 #include "harness/AppOnScreen.h"

@@ -26,11 +26,6 @@ class UndoTest : public AppOnScreen {
     const Event* event = ListOf(set).GetSelectedEvent();
     return event ? event->GetName() : "";
   }
-  static std::vector<std::string> Names(const EventSet& set) {
-    std::vector<std::string> names;
-    for (const auto& event : set.Events()) names.push_back(event->GetName());
-    return names;
-  }
   void Key(EventSet& set, Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
     WindowOf(set).activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&WindowOf(set)));

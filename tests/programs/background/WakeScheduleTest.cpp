@@ -31,6 +31,8 @@ class Machine {
     return retry ? Event::Retry : Event::Timer;
   }
 
+  void Wake() { Do(schedule.SetWhen(1100)), Jump(); }
+
   struct Try {
     int32 at;
     WakeTry how;
@@ -114,8 +116,7 @@ TEST(WakeSchedule, ANewMomentReplacesEverything) {
   for (const auto& reach : points)
     for (const int32 next : {0, 50000}) {
       Machine machine;
-      machine.Do(machine.schedule.SetWhen(1100));
-      machine.Jump();
+      machine.Wake();
       reach(machine);
       machine.Do(machine.schedule.SetWhen(next));
       machine.tries.clear();
@@ -144,8 +145,7 @@ TEST(WakeSchedule, WhereNothingIsKnownTheApplicationIsWokenOnceUnlessItTellsFirs
 
 TEST(WakeSchedule, AnApplicationThatAnsweredAndStaysIsLeftInPeace) {
   Machine machine;
-  machine.Do(machine.schedule.SetWhen(1100));
-  machine.Jump();
+  machine.Wake();
   machine.Do(machine.schedule.ApplicationVanished());  // released its name while leaving,
   machine.schedule.ApplicationAppeared();              // and took it back for the message
   machine.Do(machine.schedule.CallAnswered());
@@ -155,8 +155,7 @@ TEST(WakeSchedule, AnApplicationThatAnsweredAndStaysIsLeftInPeace) {
 
 TEST(WakeSchedule, AnApplicationThatVanishedOnceMayAnswerTheNextCall) {
   Machine machine;
-  machine.Do(machine.schedule.SetWhen(1100));
-  machine.Jump();
+  machine.Wake();
   machine.Do(machine.schedule.ApplicationVanished());
   machine.Do(machine.schedule.CallFailed(false));
   EXPECT_EQ(machine.Jump(), Machine::Event::Retry);
