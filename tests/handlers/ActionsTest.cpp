@@ -34,6 +34,16 @@ class ActionsTest : public HandlerTestBase {
     data.SetVerify(verify);
     return data;
   }
+  void RunWorkers() { World.Threads.RunPending(), World.RunMessages(); }
+  /// Under a record of its own, which is told.
+  std::string DeliverRecorded(JournalRecord record = {}) {
+    record.Act = ActStage::Acting;
+    std::string id = World.Record.Begin(record);
+    Subject->SetDelivery(id);
+    Deliver();
+    Subject->SetDelivery("");
+    return id;
+  }
 };
 
 TEST_F(ActionsTest, AMessageIsAnAlertThatHoldsTheApplicationUntilItIsClosed) {
@@ -66,8 +76,7 @@ TEST_F(ActionsTest, ACommandRunsUnasked) {
   EXPECT_EQ(World.Holding.Count(), 1) << "until it has ended";
   Command(false).SetCommand("");
   Deliver();
-  World.Threads.RunPending();
-  World.RunMessages();
+  RunWorkers();
   EXPECT_THAT(World.Machine.Commands, ElementsAre("brew"));
   EXPECT_THAT(World.Ui.History, IsEmpty());
 }
@@ -87,8 +96,7 @@ TEST_F(ActionsTest, AQuestionAndWhatItStartsHoldTheApplication) {
     EXPECT_EQ(World.Holding.Count(), which);
   }
   EXPECT_EQ(World.CountMessages(QUIT_REQUESTED), 1) << "none between question and command";
-  World.Threads.RunPending();
-  World.RunMessages();
+  RunWorkers();
   EXPECT_THAT(World.Machine.Commands, ElementsAre("brew"));
 }
 
@@ -97,8 +105,9 @@ TEST_F(ActionsTest, ACommandNeedsAShellAndAFileAThread) {
   for (const bool verify : {false, true}) {
     World.Machine.ShellWorks = verify;
     Command(verify);
-    Deliver();
+    const std::string id = DeliverRecorded();
     if (verify) Answer(1);
+    EXPECT_EQ(World.Record.Find(id)->Act, verify ? ActStage::Acted : ActStage::Failed);
     EXPECT_EQ(OnlyText(), verify ? "0 alerts" : CommandFailure);
     EXPECT_EQ(World.Holding.Count(), verify ? 0 : 1);
     if (!verify) Answer(0);
@@ -118,10 +127,7 @@ TEST_F(ActionsTest, ManyCommandsTakeTurnsAndAreInTheJournalUntilThen) {
   for (int i = 0; i < 39; ++i) {
     JournalRecord record;
     record.Event = {"Tea " + std::to_string(i), "Command", 0};
-    record.Act = ActStage::Acting;
-    records.push_back(World.Record.Begin(record));
-    Subject->SetDelivery(records.back());
-    Deliver();
+    records.push_back(DeliverRecorded(record));
   }
   const auto count = [&](ActStage stage) {
     return std::count_if(records.begin(), records.end(),
@@ -140,20 +146,18 @@ TEST_F(ActionsTest, ManyCommandsTakeTurnsAndAreInTheJournalUntilThen) {
     World.RunMessages();
     ASSERT_EQ(World.Machine.Commands.size(), begun) << "no second has passed";
     World.Time.Advance(1);
-    if (begun == CommandQueue::MostInASecond) Subject->SetDelivery(""), Deliver();
+    if (begun == CommandQueue::MostInASecond) Deliver();
     ASSERT_EQ(World.Machine.Commands.size(), begun) << "one more stands behind those that wait";
     World.Ticks.RunOut();
     World.RunMessages();
   }
   EXPECT_EQ(World.Machine.Commands.size(), records.size() + 1);
   EXPECT_TRUE(World.Ticks.Waiting.empty());
-  World.Threads.RunPending();
-  World.RunMessages();
+  RunWorkers();
   World.Record.Sync();
   Journal later(Disk, World.Who, World.Time, "/state", [](const std::string&) {});
   later.Read();
   for (const std::string& id : records) EXPECT_EQ(later.Find(id)->Exit, 3);
-  Subject->SetDelivery("");
 }
 
 TEST_F(ActionsTest, ADiskThatDoesNotAnswerDelaysNothingElse) {
@@ -162,21 +166,16 @@ TEST_F(ActionsTest, ADiskThatDoesNotAnswerDelaysNothingElse) {
   for (const bool verify : {false, true}) {
     JournalRecord record;
     record.Open = "/pot";
-    record.Act = ActStage::Acting;
-    const std::string id = World.Record.Begin(record);
-    Subject->SetDelivery(id);
     File(verify);
-    Deliver();
+    const std::string id = DeliverRecorded(record);
     EXPECT_EQ(World.Record.Find(id)->Act, ActStage::Queued) << "no crash loses it";
-    Subject->SetDelivery("");
     Select<MessageDataHandler>("Message").SetMessage("Pour it.");
     Deliver();
     EXPECT_EQ(OnlyText(), Head + "\n\nPour it.");
     Answer(0);
-    World.Threads.RunPending();
-    World.RunMessages();
-    World.Threads.RunPending();
-    World.RunMessages();
+    RunWorkers();
+    EXPECT_EQ(World.Machine.Launched.size(), verify ? 1u : 0u) << "opened elsewhere, too";
+    RunWorkers();
     EXPECT_EQ(World.Machine.Launched.size(), 1u);
     EXPECT_EQ(World.Record.Find(id)->Act, ActStage::Acted);
     if (!verify) continue;
@@ -196,16 +195,12 @@ TEST_F(ActionsTest, WhatAnotherSessionHasTakenUpIsNotDoneHere) {
     JournalRecord record;
     record.Event = {isFile ? "file" : "command", "", 0};
     record.From = EventState{1, 1, 1, false};
-    record.Act = ActStage::Acting;
-    Subject->SetDelivery(World.Record.Begin(record));
     isFile ? void(File(false)) : void(Command(true));
-    Deliver();
-    Subject->SetDelivery("");
+    DeliverRecorded(record);
     theirs.Read();
     ASSERT_TRUE(theirs.Claim(record));
     if (!isFile) Answer(1);
-    World.Threads.RunPending();
-    World.RunMessages();
+    RunWorkers();
   }
   EXPECT_THAT(World.Machine.Commands, IsEmpty());
   EXPECT_THAT(World.Machine.Launched, IsEmpty());
@@ -277,6 +272,7 @@ TEST_F(ActionsTest, OnlyWhatIsThePersonsOwnActsUnasked) {
   Disk.SetAttribute(path, "user.xdg.origin.url", "https://example.org/set");
   EXPECT_TRUE(asks()) << "the mark counts for more";
   Disk.RemoveAttribute(path, "user.xdg.origin.url");
+  EXPECT_FALSE(IsTrusted(*Set)) << "no delivery looks at the disk for it";
   World.Settings.ForgetSet(path);
 
   const auto save = [&](EventSet::SavedBy by, const char* comment) {

@@ -228,6 +228,14 @@ TEST_F(ApplicationBusTest, WhatComesTooLateGoesToTheNewOwner) {
   EXPECT_TRUE(queue_.Empty());
 }
 
+TEST_F(ApplicationBusTest, ABusThatDoesNotAnswerHoldsNobodyUp) {
+  ASSERT_EQ(ArriveFirst(), Arrival::First);
+  Bus().Stop();
+  const auto begin = std::chrono::steady_clock::now();
+  EXPECT_TRUE(bus_.Leave());
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, Patience);
+}
+
 TEST_F(ApplicationBusTest, TheEndOfTheBusEndsTheProgramOnce) {
   ASSERT_EQ(ArriveFirst(), Arrival::First);
   Bus().End();

@@ -136,6 +136,7 @@ TEST_F(DisplayProbeTest, FindsAWaylandDisplayOnlyWithTheToolkitsPart) {
   fs::create_directory(folder_ / "platforms");
   WriteFile(folder_ / "platforms/libqwayland-test.so", "");
   EXPECT_THAT(WhyNoDisplay().value_or(""), HasSubstr("\"wayland-7\" cannot be reached"));
+  EXPECT_THAT(DisplayEnvironment(), testing::IsEmpty());
 
   const int server = socket(AF_UNIX, SOCK_STREAM, 0);
   sockaddr_un address{};

@@ -17,23 +17,24 @@ class Harm(WorldTest):
         (add_ons / "Harmful.so").symlink_to(ADD_ON)
         bad = self.write_set("bad.kestrin", daily("Bad", when, handler_data(b"Harmful", harm), **fields))
         good = self.write_set("good.kestrin", daily("Good", when, say("Kettle.")))
-        self.remember(bad, good)
+        self.remember(*(good, bad) if harm == b"block" else (bad, good))
         return bad, good
 
-    def ends_once(self, harm):
+    def ends_once(self, harm, why="Kestrin ended while it was being carried out"):
         """The deliverer wakes the application again, which tells and goes on."""
         soon = self.now() + SOON
         bad, good = self.remember_harm(harm, soon)
         self.hand_over(soon)
         alert = self.alert("Bad")
         self.assertIn('The handler "Harmful" did not come to its end with the event "Bad" of the event set '
-                      '"bad.kestrin": ', alert.text)
+                      f'"bad.kestrin": {why}.  It is not carried out again by itself.', alert.text)
         self.assertEqual(alert.buttons(), ["Open event", "Later", "Try again", "Ok"])
         alert.press("Ok")
         self.alert("Kettle.").press("Ok")
         self.gone(APPLICATION)
         self.assertEqual([self.saved_time(bad, "Bad"), self.saved_time(good, "Good")], [soon + DAY] * 2)
         self.assertEqual(self.when(), soon + DAY)
+        self.assertFalse(list(self.home.glob("state/kestrin/recovered/*")), "nobody has edited anything")
 
     def test_a_crash_does_not_come_again(self):
         self.ends_once(b"crash")
@@ -42,7 +43,7 @@ class Harm(WorldTest):
         self.ends_once(b"exit")
 
     def test_an_action_that_blocks_does_not_come_again(self):
-        self.ends_once(b"block")
+        self.ends_once(b"block", "it took more than one second, and Kestrin had to stop")
         self.assertIn("Add-ons may not block or take more than one second to deal with an event", self.errors())
 
     def test_a_program_that_was_stopped_has_not_blocked(self):
@@ -76,11 +77,14 @@ class Harm(WorldTest):
             self.until(lambda: self.saved_time(good, "Good") == due + DAY, "what else is due")
             application.kill()
             self.gone(APPLICATION)
-        self.start()
-        self.alert("did not come to the end of reading").press("Ok")
+        application = self.start()
+        self.alert("did not come to the end of reading").press("Try again")
         self.until(lambda: self.saved_time(bad, "Bad") == due + DAY, "the delivery on disk")
         saved = self.saved(bad)["Bad"]
         self.assertEqual((saved["HandlerName"], saved["HandlerData"]), ("Harmful", data))
+        application.terminate()
+        self.left(application)
+        self.assertNotEqual(self.status(self.start()), 0, "read again")
 
 
 if __name__ == "__main__":

@@ -1,5 +1,6 @@
 """Events that come due while nothing but the deliverer runs."""
 import pathlib
+import signal
 import sys
 
 sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "harness"))
@@ -15,6 +16,7 @@ class WakeUp(WorldTest):
     def test_shows_the_message_at_its_second_and_leaves(self):
         tea = self.remember_tea(self.soon)
         self.hand_over(self.soon)
+        self.left(self.start("-background", DISPLAY=":9876"))  # one that is not there changes nothing
         alert = self.alert("Tea")
         self.assertGreaterEqual(self.now(), self.soon)
         self.assertEqual(alert.text, "Kestrin event:  Tea\n\nPut the kettle on.")
@@ -52,7 +54,8 @@ class WakeUp(WorldTest):
         """What cannot be loaded is told in alerts, and none of them stands in the event's way."""
         sonnets = dict(HandlerName=b"Sonnets", data=b"\x01 any bytes \xfe", count=13)
         day = self.write_set("day.kestrin", daily("Foreign", self.soon + 7200, sonnets),
-                             daily("Tea", self.soon, say("Put the kettle on.")))
+                             daily("Tea", self.soon, say("Put the kettle on.")),
+                             daily("Clock", self.soon + 100 * DAY, say("It was ahead.")))
         foreign, missing = self.saved(day)["Foreign"], self.path("missing.kestrin")
         self.remember(day)
         self.hand_over(self.soon)
@@ -61,14 +64,21 @@ class WakeUp(WorldTest):
         alerts = [self.alert(part) for part in ("Tea", broken, missing)]
         self.assertIn(f"load_add_on failed for {broken}: 0x00000008", alerts[1].text)
         self.assertEqual(alerts[2].text, f"Kestrin: Attempt to open event set {missing} failed.")
-        for alert in reversed(alerts):
-            alert.press(alert.buttons()[-1])
+        for _ in range(2):  # two log-outs
+            self.alert("Clock")
+            self.kill(APPLICATION, signal.SIGTERM)
+            self.gone(APPLICATION)
+            self.start("-background")
+        for part, button in ("Tea", "Ok"), ("Clock", "Ok"), (broken, "Continue"):
+            self.alert(part).press(button)
         self.gone(APPLICATION)
-        self.assertEqual((self.saved_time(day), self.saved(day)["Foreign"]), (self.soon + DAY, foreign))
+        self.assertEqual([self.saved_time(day), self.saved_time(day, "Clock")], [self.soon + DAY] * 2)
+        self.assertEqual(self.saved(day)["Foreign"], foreign)
         self.assertIn("missing", self.read("config/Kestrin/KestrinSettings.json"))  # for a day
 
     def test_without_a_display_runs_commands_and_puts_messages_off(self):
         day = self.write_set("day.kestrin", daily("Work", self.soon, run(f"echo ran > '{self.path('ran')}'")),
+                             daily("Letter", self.soon, act_on(self.path("gone"))),
                              daily("Tea", self.soon, say("Put the kettle on.")))
         self.remember(day)
         self.hand_over(self.soon, screen=False)
@@ -77,6 +87,10 @@ class WakeUp(WorldTest):
         self.assertEqual((self.saved_time(day, "Work"), self.saved_time(day)), (self.soon + DAY, self.soon))
         self.assertTrue(self.soon + 60 <= self.when() <= self.now() + 60, self.when())
         self.assertIn("kestrin: no display: what needs a window stays due for another minute\n", self.errors())
+        self.start("-background")
+        for part in "unable to locate the file", "Tea":  # as soon as there is one
+            self.alert(part).press("Ok")
+        self.gone(APPLICATION)
 
 
 if __name__ == "__main__":

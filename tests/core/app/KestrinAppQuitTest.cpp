@@ -6,7 +6,7 @@
 namespace kestrin {
 namespace {
 
-using testing::Contains, testing::Not;
+using testing::Contains, testing::HasSubstr, testing::Not;
 
 class KestrinAppQuitTest : public AppTestBase {
  protected:
@@ -156,7 +156,9 @@ TEST_F(KestrinAppQuitTest, ASetThatCannotBeSavedIsToldOnceAndCopied) {
     Disk.Remove("/state/recovered/Work.kestrin");
     StartEditing();
     LetWrite(false);
+    testing::internal::CaptureStderr();
     Post(Message(FULL_QUIT_REQUESTED));
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), HasSubstr("not saved: Permission denied."));
     EXPECT_FALSE(It->Ended);
     EXPECT_THAT(Alerts(), ElementsAre(testing::StartsWith(Unsaved + "\n\n")));
     EXPECT_EQ(NameIn("/state/recovered/Work.kestrin"), "changed");
@@ -222,6 +224,7 @@ TEST_F(KestrinAppQuitTest, WhatDeliveriesChangedIsSavedOnceTheJournalIsDurable) 
   WriteSet(Home, {DailyAt(Sunday + 9 * Day)});
   Remember({Home, Work});
   Start();
+  EXPECT_THAT(Delivered(), IsEmpty());
   EXPECT_EQ(FirstEvent(Work).GetNextEventTime(), Sunday + 3 * Day + 8 * Hour);
 }
 

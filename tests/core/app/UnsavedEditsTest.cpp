@@ -45,6 +45,7 @@ TEST_F(UnsavedEditsTest, EditsOpenAgainAsTheSetTheyWereMadeIn) {
   WaitForCopy();
   EXPECT_EQ(NameInFile(WorkCopy), "typed again");
   EXPECT_EQ(NameInFile(Work), "Tea");
+  Disk.CutPower(false);
   for (const bool byName : {false, true}) {
     Wake();
     EXPECT_TRUE(It->Ended);

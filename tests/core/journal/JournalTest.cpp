@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 
 #include <functional>
-#include <memory>
 
 #include "core/journal/Later.h"
 #include "harness/FailingFileDoor.h"
@@ -125,6 +124,7 @@ TEST_F(JournalTest, WorksInMemoryWhateverCallFailsAndWritesItLater) {
       Door.FailAt = 0;
       const bool rests = call % 2 == 0;
       rests ? session.It.EndHeap() : void(Deliver(session, 3));
+      EXPECT_EQ(Told.size(), fromThen ? 1u : Told.size()) << "call " << call << " " << Door.Failed;
       Told.clear();
       EXPECT_THAT(Session(*this, 2).It.All(), SizeIs(rests ? 2 : 3))
           << "call " << call << " " << Door.Failed;
@@ -311,6 +311,22 @@ TEST_F(JournalTest, KeepsTheLastOfEachEventAndGivesTheRestToTheHistory) {
   for (const int64 upTo : {300, 299})
     EXPECT_EQ(session.It.LastOccurrence(WorkSet, {"Tea", "Command", 0}, upTo),
               upTo == 300 ? std::optional(300) : std::nullopt);
+}
+
+TEST_F(JournalTest, HasDataKeptUnreadFromADeathUntilSomebodyTriesAgain) {
+  JournalRecord reading = Of(At(1), At(2));
+  reading.Act = ActStage::Reading;
+  const std::string id = Session(*this, 1).It.Begin(reading);
+  Session session(*this, 2);
+  const auto isKept = [&] { return session.It.IsKeptUnread(WorkSet, reading.Event); };
+  EXPECT_FALSE(isKept()) << "it may come to its end yet";
+  Dead = {1};
+  EXPECT_TRUE(isKept());
+  ASSERT_TRUE(session.It.Adopt(id));
+  session.It.Stage(id, ActStage::Reading, "told");
+  EXPECT_TRUE(isKept()) << "while the one that told lives, too";
+  session.It.Forget(id);
+  EXPECT_FALSE(isKept());
 }
 
 TEST_F(JournalTest, KeepsNinetyDaysOfHistory) {

@@ -4,9 +4,6 @@
 #include <errno.h>
 #include <gmock/gmock.h>
 
-#include <bit>
-#include <limits>
-
 #include "core/settings/BuiltInPrefs.h"
 #include "core/settings/SettingsText.h"
 #include "harness/FailingFileDoor.h"
@@ -81,7 +78,8 @@ struct TwoSessionsTest : testing::Test {
     return std::to_string(count) + ":" + std::string(names ? names->bytes : "");
   }
   MemoryFileDoor Disk;
-  SettingsStore Open() { return SettingsStore(MakeBuiltInPrefs(Disk, Folder)); }
+  FailingFileDoor Door{Disk};
+  SettingsStore Open() { return SettingsStore(MakeBuiltInPrefs(Door, Folder)); }
 };
 
 TEST_F(TwoSessionsTest, EachChangesOnlyWhatItHasChangedItself) {
@@ -122,6 +120,7 @@ TEST_F(TwoSessionsTest, EachChangesOnlyWhatItHasChangedItself) {
 
 TEST_F(TwoSessionsTest, IconsAndTheirNumberStayTogetherAndADamagedFileIsKept) {
   SettingsStore one = Open(), other = Open();
+  Door.OnRename = [this](const std::string&) { EXPECT_TRUE(Disk.Locked.contains(File + ".lock")); };
   for (SettingsStore* const store : {&one, &other}) {
     store->Set("NumberOfUserIcons", store == &one ? "1" : "2", Text);
     store->Set("UserIcons", store == &one ? "A" : "BB", Text);

@@ -19,6 +19,7 @@ class PrivateBus {
   /// Lets the bus find what the programs register below $XDG_DATA_HOME.
   void ServeDataFolder(const std::string& dataHome) const;
   void End() { daemon_.Signal(15); }
+  void Stop() { daemon_.Signal(19); }
   /// What the daemon and the programs it started have written to standard error so far.
   const std::string& Errors() { return daemon_.Errors(); }
 

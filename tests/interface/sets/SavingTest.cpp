@@ -1,7 +1,10 @@
 // Saving by menu and by panel, what stays remembered, and the panel that opens files.
 #include <QDropEvent>
+#include <QMenu>
 #include <QMimeData>
 
+#include "core/files/OwnSets.h"
+#include "handlers/CommandDataHandler.h"
 #include "harness/SavingOnScreen.h"
 
 namespace kestrin {
@@ -34,14 +37,22 @@ TEST_F(SavingTest, AnUntitledSetGetsThePanelAndIsThenSavedIntoItsFile) {
 }
 
 TEST_F(SavingTest, RememberForDeliveryRemembersAndTheStatusLineSaysSo) {
-  EventSetWindow& window = WindowOf(OpenSet());
+  EventSet& set = OpenSet();
+  EventSetWindow& window = WindowOf(set);
   auto* button = window.findChild<QPushButton*>("remember");
+  OwnSets own(It->SystemFiles, Path("state"), {});
+  It->Core.ownSets = &own;
+  First(set).SetSelectedHandler(It->Handlers.Find("Command"));
+  dynamic_cast<CommandDataHandler&>(*First(set).GetAddOnData()).SetCommand("brew");
   // By the menu and by the button, and back; the other one always shows the same.
   for (const bool remembers : {true, false, true}) {
-    if (remembers)
+    if (!remembers) button->click();
+    for (const char* const answer : {"Cancel", "Remember"}) {  // it is a set from elsewhere
+      if (!remembers) break;
       Choose(window, "Remember for delivery");
-    else
-      button->click();
+      EXPECT_THAT(Remembered(), IsEmpty());
+      EXPECT_TRUE(Answer("due in it without asking:\n\nTea:  brew", answer));
+    }
     Run();
     EXPECT_EQ(Remembered().size(), remembers ? 1u : 0u);
     EXPECT_EQ(Item(window, "Remember for delivery")->isChecked(), remembers);
@@ -57,6 +68,7 @@ TEST_F(SavingTest, RememberForDeliveryRemembersAndTheStatusLineSaysSo) {
   Panel()->setDirectory(QString::fromStdString(Path("")));
   Accept("Dr. Garden", true);
   EXPECT_THAT(Remembered(), ElementsAre(Path("Work.kestrin"), Path("Dr. Garden.kestrin")));
+  It->Core.ownSets = nullptr;
 }
 
 TEST_F(SavingTest, SaveAsKeepsWhatIsRememberedInStepWithTheBox) {
