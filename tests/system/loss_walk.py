@@ -1,6 +1,7 @@
 """Processes that end in the wrong moment."""
 import os
 import pathlib
+import signal
 import subprocess
 import sys
 
@@ -31,6 +32,17 @@ class Loss(WorldTest):
         self.start()
         self.window("day.kestrin")
         self.assertEqual((self.alerts(), self.read("done")), ([], "once\n"))
+
+    def test_a_forced_end_loses_no_command_and_repeats_none(self):
+        soon, done, all_of_them = self.now() + SOON, self.path("done"), range(40)
+        self.remember(self.write_set("day.kestrin", *(
+            daily(f"Tea {n}", soon, run(f"echo {n} >> '{done}'")) for n in all_of_them)))
+        self.hand_over(soon)
+        self.until(lambda: self.read("done"), "the first command")
+        self.kill(APPLICATION, signal.SIGTERM)
+        self.gone(APPLICATION)
+        self.left(self.start("-background"))
+        self.assertEqual(sorted(map(int, self.read("done").split())), list(all_of_them))
 
 
 class TwoSessions(WorldTest):
