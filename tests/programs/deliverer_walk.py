@@ -6,7 +6,7 @@ import sys
 import time
 
 sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "harness"))
-from world import APPLICATION, BIN, DELIVERER, BusTest, Gio, GLib, main  # noqa: E402
+from world import APPLICATION, BIN, DELIVERER, SOON, BusTest, Gio, GLib, main  # noqa: E402
 
 SET_EVENT, DELIVER, QUIT = 0x53657445, 0x44656C45, 0x5F515251
 LATER = 1893456000
@@ -140,7 +140,7 @@ class Deliverer(BusTest):
         """Stopped over the second, like a machine that slept."""
         self.begin()
         self.play_application()
-        when = self.now() + 1
+        when = self.now() + SOON // 4
         self.set_when(when)
         self.kill(DELIVERER, signal.SIGSTOP)
         self.until(lambda: time.time() >= when + 2, "the time")
