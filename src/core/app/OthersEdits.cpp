@@ -10,6 +10,7 @@
 #include "core/loop/BackgroundWork.h"
 #include "core/loop/MessageCodes.h"
 #include "core/loop/MessageQueue.h"
+#include "core/settings/KestrinSettings.h"
 #include "support/FileDoor.h"
 
 namespace kestrin {

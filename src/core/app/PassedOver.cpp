@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "core/delivery/DeliveryPass.h"
 #include "core/events/EventSet.h"
 #include "core/journal/Journal.h"
 #include "core/journal/LastSeen.h"
