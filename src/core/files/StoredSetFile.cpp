@@ -229,7 +229,7 @@ bool StoredSetFile::ReadAgain() {
   }
   if (!report.Complaint.empty()) set_.GetContext().notices.ReportError(report.Complaint);
   // Should others have written meanwhile, these are not the bytes of next time either.
-  KnownOfFile().version = version;
+  KnownOfFile() = {path, version, {}};
   origin_ = Files().GetAttribute(path, OriginAttribute);
   own_ = IsAsSaved(path);
   set_.IsAsInFile();
@@ -281,7 +281,7 @@ bool StoredSetFile::Save(SavedBy by) {
   }
   Files().SetAttribute(target, TypeAttribute, SetFileType);
   if (!known.attempted) known.attempted = Version(target);
-  known.version = known.attempted;
+  known.version = std::exchange(known.attempted, std::nullopt);
   known.name = target;
   own_ = own_ || by == SavedBy::User;
   if (OwnSets* const own = set_.GetContext().ownSets; own && own_) own->Saved(target, written_);
