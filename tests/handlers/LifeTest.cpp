@@ -506,7 +506,9 @@ class LifeTest : public AppTestBase, public testing::WithParamInterface<unsigned
       const bool isAsBefore = stored && plan && plan->When.TimeToApply == stored->TimeToApply;
       if (isAsBefore) return;
       if (!isWanted) return void(plans_.erase(name));
-      plans_[name] = wanted;
+      Plan now = wanted;
+      if (plan) now.Alerts.insert(plan->Alerts.begin(), plan->Alerts.end());  // shown meanwhile
+      plans_[name] = now;
       plans_[name].BeginStep(isClockWrong_);
       plans_[name].Mark = RuleMark(*stored);
     };
