@@ -511,6 +511,9 @@ class LifeTest : public AppTestBase, public testing::WithParamInterface<unsigned
       if (!isWanted) return void(plans_.erase(name));
       Plan now = wanted;
       if (plan) now.Alerts.insert(plan->Alerts.begin(), plan->Alerts.end());  // shown meanwhile
+      for (const auto& alert : IsRunning() ? Ui().Alerts : decltype(Ui().Alerts)())
+        if (alert.Request.Face.EventName == name)
+          now.Alerts.try_emplace(alert.Request.Occurrence, Reminder{true, true});
       plans_[name] = now;
       plans_[name].BeginStep(isClockWrong_);
       plans_[name].Mark = RuleMark(*stored);
