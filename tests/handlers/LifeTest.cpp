@@ -219,7 +219,8 @@ class LifeTest : public AppTestBase, public testing::WithParamInterface<unsigned
     if (!isClockWrong_ && reminder.IsDue(Now)) reminder.Returns = 0;
     reminder.Open = reminder.Returns == 0;  // what a wrong clock has brought goes back
     reminder.May = true;
-    if (!saysMore || (isKnown && !isNext && (alert.IsReturning || !hasDied_))) return;
+    const bool wasSaid = isKnown && !isNext && !isClockWrong_ && (alert.IsReturning || !hasDied_);
+    if (!saysMore || wasSaid) return;
     plan.SaidMore = true;
     for (auto& [of, earlier] : plan.Alerts)
       if (of != occurrence && earlier.Returns > Now && !hasDied_ && !isClockWrong_)
@@ -272,7 +273,7 @@ class LifeTest : public AppTestBase, public testing::WithParamInterface<unsigned
            " is gone");
       Hold(!stands || reminder.Open || reminder.May || reminder.IsDue(Now), which,
            " should not stand");
-      Hold(!stands || saysMore || !reminder.SaysMore || wasCut_, which,
+      Hold(!stands || saysMore || !reminder.SaysMore || wasCut_ || isHealed_, which,
            " says no more what else is unanswered");
       reminder = {stands && returns == 0, stands, returns, stands ? saysMore : reminder.SaysMore};
     }
