@@ -330,7 +330,8 @@ void Journal::Settle(const std::string& set, const std::vector<EventName>& event
       settled.push_back(std::move(record));
       continue;
     }
-    lastOf[record.Event].Take(std::move(record), settled);
+    Last& last = lastOf[record.Event];
+    last.Take(std::move(record), settled);
   }
   if (settled.empty() || history_.Append(settled) != StatusOk) return;
   for (const JournalRecord& record : settled) log_.Drop(record.Id);
